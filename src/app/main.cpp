@@ -1,0 +1,31 @@
+#include "app/applifecycle.h"
+
+#include <QGuiApplication>
+#include <QQmlApplicationEngine>
+#include <QQuickStyle>
+#include <QQuickWindow>
+#include <QtQml/qqmlextensionplugin.h>
+
+Q_IMPORT_QML_PLUGIN(QuillboxPlugin)
+
+int main(int argc, char *argv[])
+{
+    if (!AppLifecycle::checkDisplay())
+        return 1;
+
+    QGuiApplication app(argc, argv);
+    QGuiApplication::setApplicationName(QStringLiteral("Quillbox"));
+    QGuiApplication::setOrganizationName(QStringLiteral("Quillbox"));
+    QGuiApplication::setOrganizationDomain(QStringLiteral("quillbox.app"));
+    QGuiApplication::setApplicationDisplayName(QStringLiteral("Quillbox"));
+    QQuickStyle::setStyle(QStringLiteral("Basic"));
+
+    AppLifecycle lifecycle;
+    QQmlApplicationEngine engine;
+    engine.addImportPath(QStringLiteral("qrc:/qt/qml"));
+    engine.load(QUrl(QStringLiteral("qrc:/qt/qml/Quillbox/Main.qml")));
+    if (engine.rootObjects().isEmpty())
+        return 1;
+    lifecycle.attachMainWindow(qobject_cast<QQuickWindow *>(engine.rootObjects().constFirst()));
+    return app.exec();
+}

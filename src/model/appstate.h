@@ -1,0 +1,124 @@
+#pragma once
+
+#include "model/downloadpreset.h"
+#include "model/downloadtask.h"
+#include "model/logentry.h"
+#include "model/logmodel.h"
+
+#include <QList>
+#include <QMutex>
+#include <QObject>
+#include <QString>
+
+// What the user has entered and chosen, the flags of the sheets and panels, and the in-app log.
+// One instance per process (instance()); a test builds its own.
+class AppState : public QObject
+{
+    Q_OBJECT
+    Q_PROPERTY(QString urlInput READ urlInput WRITE setUrlInput NOTIFY urlInputChanged)
+    Q_PROPERTY(QList<DownloadTask> downloadQueue READ downloadQueue WRITE setDownloadQueue NOTIFY downloadQueueChanged)
+    Q_PROPERTY(quillbox::DownloadPreset selectedPreset READ selectedPreset WRITE setSelectedPreset NOTIFY
+            selectedPresetChanged)
+    Q_PROPERTY(QString customArguments READ customArguments WRITE setCustomArguments NOTIFY customArgumentsChanged)
+    Q_PROPERTY(bool isDownloading READ isDownloading WRITE setIsDownloading NOTIFY isDownloadingChanged)
+    Q_PROPERTY(QString outputDirectory READ outputDirectory WRITE setOutputDirectory NOTIFY outputDirectoryChanged)
+    Q_PROPERTY(bool useCookies READ useCookies WRITE setUseCookies NOTIFY useCookiesChanged)
+    Q_PROPERTY(QString cookiePath READ cookiePath WRITE setCookiePath NOTIFY cookiePathChanged)
+    Q_PROPERTY(bool downloadPlaylist READ downloadPlaylist WRITE setDownloadPlaylist NOTIFY downloadPlaylistChanged)
+    Q_PROPERTY(bool showSettings READ showSettings WRITE setShowSettings NOTIFY showSettingsChanged)
+    Q_PROPERTY(int selectedTab READ selectedTab WRITE setSelectedTab NOTIFY selectedTabChanged)
+    Q_PROPERTY(bool showLogPanel READ showLogPanel WRITE setShowLogPanel NOTIFY showLogPanelChanged)
+    Q_PROPERTY(LogModel *logEntries READ logModel CONSTANT)
+    Q_PROPERTY(int maxLogEntries READ maxLogEntries CONSTANT)
+
+public:
+    static constexpr int MaxLogEntries = 500;
+
+    explicit AppState(QObject *parent = nullptr);
+    ~AppState() override;
+
+    // The process-wide instance, created on first use on the thread that first asks for it
+    // (the GUI thread in the application).
+    static AppState *instance();
+
+    // Reads "outputDirectory" and "cookiePath" from the settings store; an absent key keeps the
+    // current value, a stored empty text replaces it.
+    void loadPreferences();
+
+    // Callable from any thread; returns at once. The entry is appended on this object's thread,
+    // after every entry of an earlier call.
+    void addLog(const QString &message, LogEntry::LogType type);
+
+    // Empties the in-app log.
+    Q_INVOKABLE void clearLog();
+
+    QString urlInput() const { return m_urlInput; }
+    void setUrlInput(const QString &value);
+    QList<DownloadTask> downloadQueue() const { return m_downloadQueue; }
+    void setDownloadQueue(const QList<DownloadTask> &value);
+    DownloadPreset selectedPreset() const { return m_selectedPreset; }
+    void setSelectedPreset(DownloadPreset value);
+    QString customArguments() const { return m_customArguments; }
+    void setCustomArguments(const QString &value);
+    bool isDownloading() const { return m_isDownloading; }
+    void setIsDownloading(bool value);
+    QString outputDirectory() const { return m_outputDirectory; }
+    void setOutputDirectory(const QString &value);
+    bool useCookies() const { return m_useCookies; }
+    void setUseCookies(bool value);
+    QString cookiePath() const { return m_cookiePath; }
+    void setCookiePath(const QString &value);
+    bool downloadPlaylist() const { return m_downloadPlaylist; }
+    void setDownloadPlaylist(bool value);
+    bool showSettings() const { return m_showSettings; }
+    void setShowSettings(bool value);
+    int selectedTab() const { return m_selectedTab; }
+    void setSelectedTab(int value);
+    bool showLogPanel() const { return m_showLogPanel; }
+    void setShowLogPanel(bool value);
+
+    LogModel *logModel() const { return m_log; }
+    QList<LogEntry> logEntries() const { return m_log->entries(); }
+    int maxLogEntries() const { return MaxLogEntries; }
+
+Q_SIGNALS:
+    void urlInputChanged();
+    void downloadQueueChanged();
+    void selectedPresetChanged();
+    void customArgumentsChanged();
+    void isDownloadingChanged();
+    void outputDirectoryChanged();
+    void useCookiesChanged();
+    void cookiePathChanged();
+    void downloadPlaylistChanged();
+    void showSettingsChanged();
+    void selectedTabChanged();
+    void showLogPanelChanged();
+
+private:
+    struct PendingLog
+    {
+        QString message;
+        LogEntry::LogType type;
+    };
+
+    void flushPendingLogs();
+
+    QString m_urlInput;
+    QList<DownloadTask> m_downloadQueue;
+    DownloadPreset m_selectedPreset = DownloadPreset::Default;
+    QString m_customArguments;
+    bool m_isDownloading = false;
+    QString m_outputDirectory;
+    bool m_useCookies = true;
+    QString m_cookiePath;
+    bool m_downloadPlaylist = true;
+    bool m_showSettings = false;
+    int m_selectedTab = 0;
+    bool m_showLogPanel = true;
+    LogModel *m_log;
+
+    QMutex m_pendingMutex;
+    QList<PendingLog> m_pending;
+    bool m_flushScheduled = false;
+};

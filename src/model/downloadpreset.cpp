@@ -1,0 +1,57 @@
+#include "model/downloadpreset.h"
+
+#include "model/rawvalue.h"
+
+namespace {
+constexpr std::array<RawValuePair<DownloadPreset>, 6> presetNames { {
+    { DownloadPreset::Default, u"默认" },
+    { DownloadPreset::BestQuality, u"最佳画质" },
+    { DownloadPreset::BestAudio, u"最佳音质" },
+    { DownloadPreset::BestVideoAudio, u"最佳视频+音频" },
+    { DownloadPreset::AudioOnly, u"仅音频" },
+    { DownloadPreset::Custom, u"自定义" },
+} };
+} // namespace
+
+QString rawValue(DownloadPreset preset)
+{
+    return rawValueIn(presetNames, preset);
+}
+
+std::optional<DownloadPreset> downloadPresetFromRawValue(QStringView raw)
+{
+    return fromRawValueIn(presetNames, raw);
+}
+
+const QStringList &presetArguments(DownloadPreset preset)
+{
+    // bestQuality and bestVideoAudio share one selector, and bestAudio differs from audioOnly
+    // only by its "--audio-quality 0": both are intended.
+    static const QStringList none;
+    static const QStringList bestVideoAndAudio { QStringLiteral("-f"), QStringLiteral("bv*+ba/b") };
+    static const QStringList bestAudio { QStringLiteral("-x"), QStringLiteral("--audio-format"),
+        QStringLiteral("mp3"), QStringLiteral("--audio-quality"), QStringLiteral("0") };
+    static const QStringList audioOnly { QStringLiteral("-x"), QStringLiteral("--audio-format"),
+        QStringLiteral("mp3") };
+
+    switch (preset) {
+    case DownloadPreset::Default:
+    case DownloadPreset::Custom:
+        return none;
+    case DownloadPreset::BestQuality:
+    case DownloadPreset::BestVideoAudio:
+        return bestVideoAndAudio;
+    case DownloadPreset::BestAudio:
+        return bestAudio;
+    case DownloadPreset::AudioOnly:
+        return audioOnly;
+    }
+    return none;
+}
+
+const QList<DownloadPreset> &allDownloadPresets()
+{
+    static const QList<DownloadPreset> all { DownloadPreset::Default, DownloadPreset::BestQuality,
+        DownloadPreset::BestAudio, DownloadPreset::BestVideoAudio, DownloadPreset::AudioOnly, DownloadPreset::Custom };
+    return all;
+}

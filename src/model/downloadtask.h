@@ -1,0 +1,47 @@
+#pragma once
+
+#include <QDateTime>
+#include <QMetaType>
+#include <QObject>
+#include <QString>
+#include <QUuid>
+
+#include <optional>
+
+#include "model/enums.h"
+
+QString rawValue(DownloadStatus status);
+std::optional<DownloadStatus> downloadStatusFromRawValue(QStringView raw);
+
+// One entry of the download queue.
+struct DownloadTask
+{
+    Q_GADGET
+    Q_PROPERTY(QUuid id MEMBER id CONSTANT)
+    Q_PROPERTY(QString url MEMBER url CONSTANT)
+    Q_PROPERTY(QString title MEMBER title)
+    Q_PROPERTY(quillbox::DownloadStatus status MEMBER status)
+    Q_PROPERTY(double progress MEMBER progress)
+    Q_PROPERTY(QString speed MEMBER speed)
+    Q_PROPERTY(QString size MEMBER size)
+
+public:
+    QUuid id;
+    QString url;
+    QString title;
+    DownloadStatus status = DownloadStatus::Pending;
+    double progress = 0.0;
+    QString speed;
+    QString size;
+    std::optional<QString> errorMessage;
+    QDateTime startTime;
+    std::optional<QDateTime> endTime;
+    std::optional<QString> outputPath;
+
+    // A new task for `url`: fresh id, title = url, pending, started now.
+    static DownloadTask create(const QString &url);
+
+    bool operator==(const DownloadTask &) const = default;
+};
+
+Q_DECLARE_METATYPE(DownloadTask)

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <QObject>
+
+// The enumerations views and the engine share, in one namespace so QML sees them together.
+namespace quillbox {
+Q_NAMESPACE
+
+// Where a queued download stands. The raw values are the labels the interface shows.
+enum class DownloadStatus { Pending, Preparing, Downloading, Completed, Failed, Cancelled, Paused };
+Q_ENUM_NS(DownloadStatus)
+
+// The download presets the user picks from, in the order the preset grid shows them.
+enum class DownloadPreset { Default, BestQuality, BestAudio, BestVideoAudio, AudioOnly, Custom };
+Q_ENUM_NS(DownloadPreset)
+
+} // namespace quillbox
+
+using quillbox::DownloadPreset;
+using quillbox::DownloadStatus;

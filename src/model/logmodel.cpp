@@ -1,0 +1,82 @@
+#include "model/logmodel.h"
+
+LogModel::LogModel(int capacity, QObject *parent)
+    : QAbstractListModel(parent)
+    , m_capacity(capacity)
+{
+}
+
+int LogModel::rowCount(const QModelIndex &parent) const
+{
+    return parent.isValid() ? 0 : count();
+}
+
+QVariant LogModel::data(const QModelIndex &index, int role) const
+{
+    if (!checkIndex(index, CheckIndexOption::IndexIsValid | CheckIndexOption::ParentIsInvalid))
+        return QVariant();
+    const LogEntry &entry = at(index.row());
+    switch (role) {
+    case IdRole:
+        return entry.id;
+    case TimestampRole:
+        return entry.timestamp;
+    case TypeRole:
+        return QVariant::fromValue(entry.type);
+    case Qt::DisplayRole:
+    case MessageRole:
+        return entry.message;
+    default:
+        return QVariant();
+    }
+}
+
+QHash<int, QByteArray> LogModel::roleNames() const
+{
+    return {
+        { IdRole, "entryId" },
+        { TimestampRole, "timestamp" },
+        { TypeRole, "type" },
+        { MessageRole, "message" },
+    };
+}
+
+QList<LogEntry> LogModel::entries() const
+{
+    return QList<LogEntry>(m_entries.begin(), m_entries.end());
+}
+
+void LogModel::append(QList<LogEntry> batch)
+{
+    if (batch.isEmpty())
+        return;
+    // Entries that the cap would drop within this same batch are never shown.
+    if (batch.size() > m_capacity)
+        batch.remove(0, batch.size() - m_capacity);
+
+    const int overflow = count() + int(batch.size()) - m_capacity;
+    if (overflow > 0) {
+        beginRemoveRows(QModelIndex(), 0, overflow - 1);
+        m_entries.erase(m_entries.begin(), m_entries.begin() + overflow);
+        endRemoveRows();
+    }
+
+    const int first = count();
+    beginInsertRows(QModelIndex(), first, first + int(batch.size()) - 1);
+    for (LogEntry &entry : batch)
+        m_entries.push_back(std::move(entry));
+    endInsertRows();
+
+    if (overflow < int(batch.size()))
+        Q_EMIT countChanged();
+}
+
+void LogModel::clear()
+{
+    if (m_entries.empty())
+        return;
+    beginRemoveRows(QModelIndex(), 0, count() - 1);
+    m_entries.clear();
+    endRemoveRows();
+    Q_EMIT countChanged();
+}

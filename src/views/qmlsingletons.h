@@ -1,0 +1,52 @@
+#pragma once
+
+#include "model/appstate.h"
+#include "model/downloadpreset.h"
+#include "model/downloadtask.h"
+#include "model/logmodel.h"
+
+#include <QJSEngine>
+#include <QQmlEngine>
+#include <QtQml/qqmlregistration.h>
+
+// The engine-side objects live in a library that knows nothing of QML; these declarations hand
+// their process-wide instances to QML as singletons of the same name.
+
+template <typename T>
+T *sharedInstanceForQml(T *instance, QJSEngine *engine)
+{
+    // The instance outlives every engine: QML must never delete it.
+    QJSEngine::setObjectOwnership(instance, QJSEngine::CppOwnership);
+    Q_ASSERT(engine->thread() == instance->thread());
+    Q_UNUSED(engine);
+    return instance;
+}
+
+struct AppStateForeign
+{
+    Q_GADGET
+    QML_FOREIGN(AppState)
+    QML_NAMED_ELEMENT(AppState)
+    QML_SINGLETON
+
+public:
+    static AppState *create(QQmlEngine *, QJSEngine *engine)
+    {
+        return sharedInstanceForQml(AppState::instance(), engine);
+    }
+};
+
+struct LogModelForeign
+{
+    Q_GADGET
+    QML_FOREIGN(LogModel)
+    QML_NAMED_ELEMENT(LogModel)
+    QML_UNCREATABLE("The log belongs to AppState")
+};
+
+// DownloadStatus and DownloadPreset for QML: Download.Pending, Download.Custom, …
+namespace DownloadEnumsForeign {
+Q_NAMESPACE
+QML_FOREIGN_NAMESPACE(quillbox)
+QML_NAMED_ELEMENT(Download)
+} // namespace DownloadEnumsForeign
