@@ -1,0 +1,215 @@
+#include "model/appstate.h"
+
+#include "testsupport.h"
+
+#include <QAbstractItemModelTester>
+#include <QSettings>
+#include <QSignalSpy>
+#include <QThread>
+#include <QtTest>
+
+using namespace Qt::StringLiterals;
+
+class TestAppState : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { IsolatedEnvironment::clearSettings(); }
+    void initialValues();
+    void preferences_data();
+    void preferences();
+    void propertiesNotifyOnlyOnChange();
+    void logCapKeepsNewest();
+    void batchLargerThanCap();
+    void addLogFromManyThreads();
+    void clearLog();
+
+private:
+    IsolatedEnvironment m_env;
+};
+
+namespace {
+void drainLog(AppState &state, int expectedCount)
+{
+    QTRY_COMPARE(state.logModel()->count(), expectedCount);
+}
+} // namespace
+
+void TestAppState::initialValues()
+{
+    AppState state;
+    QCOMPARE(state.urlInput(), QString());
+    QVERIFY(state.downloadQueue().isEmpty());
+    QCOMPARE(state.selectedPreset(), DownloadPreset::Default);
+    QCOMPARE(state.customArguments(), QString());
+    QCOMPARE(state.isDownloading(), false);
+    QCOMPARE(state.outputDirectory(), m_env.home() + u"/Downloads"_s);
+    QCOMPARE(state.useCookies(), true);
+    QCOMPARE(state.cookiePath(), QString());
+    QCOMPARE(state.downloadPlaylist(), true);
+    QCOMPARE(state.showSettings(), false);
+    QCOMPARE(state.selectedTab(), 0);
+    QCOMPARE(state.showLogPanel(), true);
+    QCOMPARE(state.logModel()->count(), 0);
+    QCOMPARE(state.maxLogEntries(), 500);
+}
+
+void TestAppState::preferences_data()
+{
+    QTest::addColumn<QVariant>("storedOutput");
+    QTest::addColumn<QVariant>("storedCookie");
+    QTest::addColumn<QString>("expectedOutput");
+    QTest::addColumn<QString>("expectedCookie");
+    const QString defaultOutput = m_env.home() + u"/Downloads"_s;
+    QTest::newRow("nothing stored") << QVariant() << QVariant() << defaultOutput << QString();
+    QTest::newRow("both stored") << QVariant(u"/data/视频"_s) << QVariant(u"/tmp/c.txt"_s) << u"/data/视频"_s
+                                 << u"/tmp/c.txt"_s;
+    QTest::newRow("stored empty output replaces default") << QVariant(QString()) << QVariant() << QString() << QString();
+    QTest::newRow("only cookie") << QVariant() << QVariant(u"c"_s) << defaultOutput << u"c"_s;
+}
+
+void TestAppState::preferences()
+{
+    QFETCH(QVariant, storedOutput);
+    QFETCH(QVariant, storedCookie);
+    QFETCH(QString, expectedOutput);
+    QFETCH(QString, expectedCookie);
+    {
+        QSettings settings;
+        if (storedOutput.isValid())
+            settings.setValue(u"outputDirectory"_s, storedOutput);
+        if (storedCookie.isValid())
+            settings.setValue(u"cookiePath"_s, storedCookie);
+    }
+    AppState state;
+    QCOMPARE(state.outputDirectory(), expectedOutput);
+    QCOMPARE(state.cookiePath(), expectedCookie);
+
+    // Changing the value in the interface is not written back.
+    state.setOutputDirectory(u"/elsewhere"_s);
+    QCOMPARE(QSettings().value(u"outputDirectory"_s), storedOutput);
+}
+
+void TestAppState::propertiesNotifyOnlyOnChange()
+{
+    AppState state;
+    QSignalSpy presetSpy(&state, &AppState::selectedPresetChanged);
+    QSignalSpy panelSpy(&state, &AppState::showLogPanelChanged);
+    state.setSelectedPreset(DownloadPreset::Custom);
+    state.setSelectedPreset(DownloadPreset::Custom);
+    state.setShowLogPanel(true);
+    state.setShowLogPanel(false);
+    QCOMPARE(presetSpy.count(), 1);
+    QCOMPARE(panelSpy.count(), 1);
+}
+
+void TestAppState::logCapKeepsNewest()
+{
+    AppState state;
+    LogModel *model = state.logModel();
+    QAbstractItemModelTester tester(model, QAbstractItemModelTester::FailureReportingMode::QtTest);
+    QSignalSpy inserted(model, &QAbstractItemModel::rowsInserted);
+    QSignalSpy removed(model, &QAbstractItemModel::rowsRemoved);
+    QSignalSpy reset(model, &QAbstractItemModel::modelReset);
+    QSignalSpy countChanged(model, &LogModel::countChanged);
+
+    // One line per event-loop turn, as lines trickle in from a download.
+    for (int i = 0; i < 500; ++i) {
+        state.addLog(u"line %1"_s.arg(i), i % 2 ? LogEntry::LogType::Info : LogEntry::LogType::Download);
+        QCoreApplication::processEvents();
+    }
+    drainLog(state, 500);
+    QCOMPARE(removed.count(), 0);
+    QCOMPARE(inserted.count(), 500);
+    const QUuid secondId = model->at(1).id;
+
+    inserted.clear();
+    countChanged.clear();
+    state.addLog(u"line 500"_s, LogEntry::LogType::Error);
+    QTRY_COMPARE(inserted.count(), 1);
+    QCOMPARE(model->count(), 500);
+    QCOMPARE(model->at(0).id, secondId);
+    QCOMPARE(model->at(0).message, u"line 1"_s);
+    QCOMPARE(model->at(499).message, u"line 500"_s);
+    QCOMPARE(model->at(499).type, LogEntry::LogType::Error);
+    // Exactly the oldest row went, and the count stayed: views keyed on the count see no change.
+    QCOMPARE(removed.count(), 1);
+    QCOMPARE(removed.at(0).at(1).toInt(), 0);
+    QCOMPARE(removed.at(0).at(2).toInt(), 0);
+    QCOMPARE(countChanged.count(), 0);
+    QCOMPARE(reset.count(), 0);
+
+    const QModelIndex last = model->index(499);
+    QCOMPARE(last.data(LogModel::MessageRole).toString(), u"line 500"_s);
+    QCOMPARE(last.data(LogModel::TypeRole).value<LogEntry::LogType>(), LogEntry::LogType::Error);
+}
+
+void TestAppState::batchLargerThanCap()
+{
+    AppState state;
+    QAbstractItemModelTester tester(state.logModel(), QAbstractItemModelTester::FailureReportingMode::QtTest);
+    for (int i = 0; i < 1234; ++i)
+        state.addLog(QString::number(i), LogEntry::LogType::Info);
+    drainLog(state, 500);
+    QCOMPARE(state.logEntries().constFirst().message, u"734"_s);
+    QCOMPARE(state.logEntries().constLast().message, u"1233"_s);
+    for (int i = 0; i < 20; ++i)
+        state.addLog(u"x%1"_s.arg(i), LogEntry::LogType::Info);
+    QTRY_COMPARE(state.logEntries().constLast().message, u"x19"_s);
+    QCOMPARE(state.logModel()->count(), 500);
+    QCOMPARE(state.logEntries().constFirst().message, u"754"_s);
+}
+
+void TestAppState::addLogFromManyThreads()
+{
+    AppState state;
+    constexpr int threads = 4;
+    constexpr int perThread = 100;
+    QList<QThread *> workers;
+    for (int t = 0; t < threads; ++t) {
+        workers.append(QThread::create([&state, t] {
+            for (int i = 0; i < perThread; ++i)
+                state.addLog(u"%1:%2"_s.arg(t).arg(i), LogEntry::LogType::Info);
+        }));
+    }
+    for (QThread *worker : std::as_const(workers))
+        worker->start();
+    for (QThread *worker : std::as_const(workers)) {
+        QVERIFY(worker->wait(10000));
+        delete worker;
+    }
+    drainLog(state, threads * perThread);
+
+    QList<int> next(threads, 0);
+    QDateTime previous;
+    for (const LogEntry &entry : state.logEntries()) {
+        QCOMPARE(QThread::currentThread(), state.thread());
+        const auto parts = entry.message.split(u':');
+        const int t = parts.at(0).toInt();
+        QCOMPARE(parts.at(1).toInt(), next[t]); // each thread's lines in the order it wrote them
+        ++next[t];
+        QVERIFY(!previous.isValid() || entry.timestamp >= previous);
+        previous = entry.timestamp;
+    }
+    QCOMPARE(next, QList<int>(threads, perThread));
+}
+
+void TestAppState::clearLog()
+{
+    AppState state;
+    QAbstractItemModelTester tester(state.logModel(), QAbstractItemModelTester::FailureReportingMode::QtTest);
+    QSignalSpy countChanged(state.logModel(), &LogModel::countChanged);
+    state.clearLog();
+    QCOMPARE(countChanged.count(), 0);
+    state.addLog(u"a"_s, LogEntry::LogType::Warning);
+    state.addLog(u"b"_s, LogEntry::LogType::Warning);
+    drainLog(state, 2);
+    state.clearLog();
+    QCOMPARE(state.logModel()->count(), 0);
+    QCOMPARE(state.logModel()->rowCount(), 0);
+    QCOMPARE(countChanged.count(), 2);
+}
+
+QTEST_GUILESS_MAIN(TestAppState)
+#include "tst_appstate.moc"

@@ -1,0 +1,111 @@
+#include "app/applifecycle.h"
+#include "app/hexcolor.h"
+
+#include "testsupport.h"
+
+#include <QGuiApplication>
+#include <QQmlApplicationEngine>
+#include <QQuickWindow>
+#include <QScreen>
+#include <QSettings>
+#include <QtQml/qqmlextensionplugin.h>
+#include <QtTest>
+
+Q_IMPORT_QML_PLUGIN(QuillboxPlugin)
+
+using namespace Qt::StringLiterals;
+
+class TestMainWindow : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { IsolatedEnvironment::clearSettings(); }
+    void windowAsDesigned();
+    void firstRunIsCentred();
+    void geometryRestored();
+    void unusableGeometryIgnored_data();
+    void unusableGeometryIgnored();
+
+private:
+    std::unique_ptr<QQmlApplicationEngine> loadMain();
+    IsolatedEnvironment m_env;
+};
+
+std::unique_ptr<QQmlApplicationEngine> TestMainWindow::loadMain()
+{
+    auto engine = std::make_unique<QQmlApplicationEngine>();
+    engine->addImportPath(u"qrc:/qt/qml"_s);
+    engine->load(QUrl(u"qrc:/qt/qml/Quillbox/Main.qml"_s));
+    return engine;
+}
+
+void TestMainWindow::windowAsDesigned()
+{
+    auto engine = loadMain();
+    QCOMPARE(engine->rootObjects().size(), 1);
+    auto *window = qobject_cast<QQuickWindow *>(engine->rootObjects().constFirst());
+    QVERIFY(window);
+    QCOMPARE(window->title(), u"Quillbox - 视频下载管理器"_s);
+    QCOMPARE(window->size(), QSize(1200, 800));
+    QCOMPARE(window->minimumSize(), QSize(900, 600));
+    QCOMPARE(window->color(), colorFromHex(u"#0D1117"_s));
+}
+
+void TestMainWindow::firstRunIsCentred()
+{
+    auto engine = loadMain();
+    auto *window = qobject_cast<QQuickWindow *>(engine->rootObjects().constFirst());
+    AppLifecycle lifecycle;
+    lifecycle.attachMainWindow(window);
+    QVERIFY(window->isVisible());
+    QCOMPARE(window->size(), QSize(1200, 800));
+    const QRect available = window->screen()->availableGeometry();
+    // Within the few pixels a window frame may add.
+    QVERIFY(qAbs(window->geometry().center().x() - available.center().x()) <= 4);
+    QVERIFY(qAbs(window->geometry().center().y() - available.center().y()) <= 4);
+}
+
+void TestMainWindow::geometryRestored()
+{
+    const QRect moved(40, 30, 1000, 700);
+    {
+        auto engine = loadMain();
+        auto *window = qobject_cast<QQuickWindow *>(engine->rootObjects().constFirst());
+        AppLifecycle lifecycle;
+        lifecycle.attachMainWindow(window);
+        window->setGeometry(moved);
+        window->close(); // closing keeps the frame for the next start
+    }
+    QCOMPARE(QSettings().value(u"Main Window/geometry"_s).toRect(), moved);
+
+    auto engine = loadMain();
+    auto *window = qobject_cast<QQuickWindow *>(engine->rootObjects().constFirst());
+    AppLifecycle lifecycle;
+    lifecycle.attachMainWindow(window);
+    QCOMPARE(window->geometry(), moved);
+}
+
+void TestMainWindow::unusableGeometryIgnored_data()
+{
+    QTest::addColumn<QRect>("stored");
+    QTest::newRow("off every screen") << QRect(-50000, -50000, 1000, 700);
+    QTest::newRow("below the minimum") << QRect(10, 10, 300, 200);
+    QTest::newRow("empty") << QRect();
+}
+
+void TestMainWindow::unusableGeometryIgnored()
+{
+    QFETCH(QRect, stored);
+    QCOMPARE(AppLifecycle::usableGeometry(stored, QSize(900, 600)), QRect());
+    QSettings().setValue(u"Main Window/geometry"_s, stored);
+    auto engine = loadMain();
+    auto *window = qobject_cast<QQuickWindow *>(engine->rootObjects().constFirst());
+    AppLifecycle lifecycle;
+    lifecycle.attachMainWindow(window);
+    QCOMPARE(window->size(), QSize(1200, 800));
+    QVERIFY(window->screen()->availableGeometry().intersects(window->geometry()));
+}
+
+QTEST_MAIN(TestMainWindow)
+#include "tst_mainwindow.moc"
