@@ -1,5 +1,6 @@
 #include "app/applifecycle.h"
 
+#include "engine/downloadmanager.h"
 #include "model/logcategories.h"
 
 #include <QCoreApplication>
@@ -14,9 +15,18 @@ namespace {
 const QString geometryKey = QStringLiteral("Main Window/geometry");
 } // namespace
 
-AppLifecycle::AppLifecycle(QObject *parent)
+AppLifecycle::AppLifecycle(DownloadManager *downloads, QObject *parent)
     : QObject(parent)
+    , m_downloads(downloads)
 {
+    connect(qApp, &QCoreApplication::aboutToQuit, this, &AppLifecycle::quit);
+}
+
+void AppLifecycle::quit()
+{
+    saveWindowGeometry();
+    if (m_downloads)
+        m_downloads->shutdown();
 }
 
 void AppLifecycle::attachMainWindow(QQuickWindow *window)
@@ -34,7 +44,6 @@ void AppLifecycle::attachMainWindow(QQuickWindow *window)
     window->show();
     window->raise();
     window->requestActivate();
-    connect(qApp, &QCoreApplication::aboutToQuit, this, &AppLifecycle::saveWindowGeometry);
     // A closed window no longer has a frame worth keeping after quit, so keep it now.
     connect(window, &QWindow::visibleChanged, this, [this](bool visible) {
         if (!visible)

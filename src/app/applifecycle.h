@@ -4,12 +4,12 @@
 #include <QPointer>
 #include <QRect>
 
+class DownloadManager;
 class QQuickWindow;
 
 // The application's own lifecycle: it places the main window where the user left it (settings
-// group "Main Window", centred on first run) and remembers its frame, and when the application
-// quits it saves that frame. Downloads are stopped on quit by whoever owns them, connected to
-// aboutToQuit() in main().
+// group "Main Window", centred on first run) and remembers its frame; when the application quits
+// it saves that frame and stops every download, returning only once no download process is left.
 class AppLifecycle : public QObject
 {
     Q_OBJECT
@@ -17,7 +17,7 @@ class AppLifecycle : public QObject
 public:
     static constexpr QSize DefaultSize { 1200, 800 };
 
-    explicit AppLifecycle(QObject *parent = nullptr);
+    explicit AppLifecycle(DownloadManager *downloads, QObject *parent = nullptr);
 
     // Restores the frame of `window` (or centres it), shows it, and saves its frame on quit.
     void attachMainWindow(QQuickWindow *window);
@@ -34,5 +34,8 @@ public:
     static bool checkDisplay();
 
 private:
+    void quit();
+
+    QPointer<DownloadManager> m_downloads;
     QPointer<QQuickWindow> m_window;
 };

@@ -1,4 +1,5 @@
 #include "app/applifecycle.h"
+#include "engine/downloadmanager.h"
 
 #include <QGuiApplication>
 #include <QQmlApplicationEngine>
@@ -20,7 +21,7 @@ int main(int argc, char *argv[])
     QGuiApplication::setApplicationDisplayName(QStringLiteral("Quillbox"));
     QQuickStyle::setStyle(QStringLiteral("Basic"));
 
-    AppLifecycle lifecycle;
+    AppLifecycle lifecycle(DownloadManager::instance());
     QQmlApplicationEngine engine;
     engine.addImportPath(QStringLiteral("qrc:/qt/qml"));
     engine.load(QUrl(QStringLiteral("qrc:/qt/qml/Quillbox/Main.qml")));

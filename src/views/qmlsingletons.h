@@ -1,5 +1,7 @@
 #pragma once
 
+#include "engine/downloadmanager.h"
+#include "engine/taskmodel.h"
 #include "model/appstate.h"
 #include "model/downloadpreset.h"
 #include "model/downloadtask.h"
@@ -34,6 +36,28 @@ public:
     {
         return sharedInstanceForQml(AppState::instance(), engine);
     }
+};
+
+struct DownloadManagerForeign
+{
+    Q_GADGET
+    QML_FOREIGN(DownloadManager)
+    QML_NAMED_ELEMENT(DownloadManager)
+    QML_SINGLETON
+
+public:
+    static DownloadManager *create(QQmlEngine *, QJSEngine *engine)
+    {
+        return sharedInstanceForQml(DownloadManager::instance(), engine);
+    }
+};
+
+struct TaskModelForeign
+{
+    Q_GADGET
+    QML_FOREIGN(TaskModel)
+    QML_NAMED_ELEMENT(TaskModel)
+    QML_UNCREATABLE("The task list belongs to DownloadManager")
 };
 
 struct LogModelForeign

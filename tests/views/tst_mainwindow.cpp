@@ -56,7 +56,7 @@ void TestMainWindow::firstRunIsCentred()
 {
     auto engine = loadMain();
     auto *window = qobject_cast<QQuickWindow *>(engine->rootObjects().constFirst());
-    AppLifecycle lifecycle;
+    AppLifecycle lifecycle(nullptr);
     lifecycle.attachMainWindow(window);
     QVERIFY(window->isVisible());
     QCOMPARE(window->size(), QSize(1200, 800));
@@ -72,7 +72,7 @@ void TestMainWindow::geometryRestored()
     {
         auto engine = loadMain();
         auto *window = qobject_cast<QQuickWindow *>(engine->rootObjects().constFirst());
-        AppLifecycle lifecycle;
+        AppLifecycle lifecycle(nullptr);
         lifecycle.attachMainWindow(window);
         window->setGeometry(moved);
         window->close(); // closing keeps the frame for the next start
@@ -81,7 +81,7 @@ void TestMainWindow::geometryRestored()
 
     auto engine = loadMain();
     auto *window = qobject_cast<QQuickWindow *>(engine->rootObjects().constFirst());
-    AppLifecycle lifecycle;
+    AppLifecycle lifecycle(nullptr);
     lifecycle.attachMainWindow(window);
     QCOMPARE(window->geometry(), moved);
 }
@@ -101,7 +101,7 @@ void TestMainWindow::unusableGeometryIgnored()
     QSettings().setValue(u"Main Window/geometry"_s, stored);
     auto engine = loadMain();
     auto *window = qobject_cast<QQuickWindow *>(engine->rootObjects().constFirst());
-    AppLifecycle lifecycle;
+    AppLifecycle lifecycle(nullptr);
     lifecycle.attachMainWindow(window);
     QCOMPARE(window->size(), QSize(1200, 800));
     QVERIFY(window->screen()->availableGeometry().intersects(window->geometry()));

@@ -1,0 +1,385 @@
+#include "engine/downloadmanager.h"
+
+#include "engine/linesplitter.h"
+#include "engine/progressparser.h"
+#include "engine/shellrunner.h"
+#include "model/appstate.h"
+#include "model/logcategories.h"
+
+#include <QDir>
+#include <QTimer>
+
+#include <csignal>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+const char *const separatorLine = "[Quillbox] ============================================";
+
+// How many of the last lines of each stream are kept for the failure message.
+constexpr qsizetype TailLines = 200;
+
+LogEntry::LogType typeOfStderrLine(const QString &line)
+{
+    if (line.contains(u"ERROR"))
+        return LogEntry::LogType::Error;
+    if (line.contains(u"WARNING"))
+        return LogEntry::LogType::Warning;
+    return LogEntry::LogType::Download;
+}
+
+void keepTail(QStringList &tail, const QStringList &lines)
+{
+    tail += lines;
+    if (tail.size() > TailLines)
+        tail.remove(0, tail.size() - TailLines);
+}
+} // namespace
+
+struct DownloadManager::Running
+{
+    QPointer<GroupProcess> process;
+    LineSplitter stdoutLines;
+    LineSplitter stderrLines;
+    QStringList stdoutTail;
+    QStringList stderrTail;
+    bool cancelled = false;
+};
+
+QString DownloadManager::buildDownloadCommand(const QString &ytDlpPath, const DownloadRequest &request,
+    const QStringList &jsRuntimeArgs, const QStringList &ffmpegArgs, bool withCookies)
+{
+    QStringList args;
+    args += jsRuntimeArgs;
+    args += ffmpegArgs;
+    if (withCookies)
+        args << u"--cookies-from-browser"_s << u"chrome"_s;
+    if (!request.downloadPlaylist)
+        args << u"--no-playlist"_s;
+    QString folder = request.outputDir;
+    folder.replace(u'\'', u"'\\''"_s);
+    args << u"-o"_s << u'\'' + folder + u"/%(title)s.%(ext)s'"_s;
+    if (request.preset != DownloadPreset::Custom)
+        args += presetArguments(request.preset);
+    if (!request.customArgs.isEmpty())
+        args << request.customArgs; // one word: the shell splits it as the user wrote it
+    args << u"--progress"_s;
+    args << shellQuote(request.url);
+    return quotePathIfNeeded(ytDlpPath) + u' ' + args.join(u' ');
+}
+
+void DownloadManager::startDownload(const QString &url, DownloadPreset preset, const QString &customArgs,
+    const QString &outputDir, bool downloadPlaylist, bool useCookies)
+{
+    startDownloads({ url }, DownloadRequest { QString(), preset, customArgs, outputDir, downloadPlaylist, useCookies });
+}
+
+void DownloadManager::startDownloads(const QStringList &urls, const DownloadRequest &common)
+{
+    QList<DownloadTask> created;
+    created.reserve(urls.size());
+    for (const QString &url : urls) {
+        DownloadRequest request = common;
+        request.url = url;
+        const QUuid id = createTask(request, created);
+        m_waiting.push_back(Waiting { id, std::move(request) });
+    }
+    m_tasks->appendAll(created);
+    pumpQueue();
+}
+
+QUuid DownloadManager::createTask(const DownloadRequest &request, QList<DownloadTask> &created)
+{
+    const QString presetName = rawValue(request.preset);
+    qCInfo(lcEngine, "[Quillbox] 开始下载任务 - URL: %ls, 预设: %ls, 输出目录: %ls", qUtf16Printable(request.url),
+        qUtf16Printable(presetName), qUtf16Printable(request.outputDir));
+    addLog(u"开始下载任务"_s, LogEntry::LogType::Download);
+    info(u"URL: "_s + request.url);
+    info(u"预设: "_s + presetName);
+    const DownloadTask task = DownloadTask::create(request.url);
+    created.append(task);
+    qCInfo(lcEngine, "[Quillbox] 任务已添加 - ID: %ls", qUtf16Printable(task.id.toString(QUuid::WithoutBraces)));
+    return task.id;
+}
+
+void DownloadManager::pumpQueue()
+{
+    // Downloads wait until the yt-dlp path and its version are known (the version decides the
+    // runtime words), then start in order as slots free up.
+    if (!m_versionProbed)
+        return;
+    while (!m_waiting.empty() && runningCount() < m_maxConcurrent) {
+        const Waiting job = std::move(m_waiting.front());
+        m_waiting.pop_front();
+        executeDownload(job);
+    }
+}
+
+void DownloadManager::executeDownload(const Waiting &job)
+{
+    const QUuid taskId = job.taskId;
+    const DownloadRequest &request = job.request;
+    qCInfo(lcEngine, "[Quillbox] [executeDownload] 任务ID: %ls, URL: %ls",
+        qUtf16Printable(taskId.toString(QUuid::WithoutBraces)), qUtf16Printable(request.url));
+    m_tasks->update(taskId, [](DownloadTask &task) { task.status = DownloadStatus::Preparing; });
+
+    qCInfo(lcEngine, "[Quillbox] [executeDownload] 开始构建命令...");
+    info(u"构建下载命令..."_s);
+    const QStringList runtimeArgs = jsRuntimeArgs();
+    if (!runtimeArgs.isEmpty()) {
+        qCInfo(lcEngine, "[Quillbox] [executeDownload] 注入 JS 运行时: %ls", qUtf16Printable(runtimeArgs.join(u' ')));
+        info(u"JS 运行时: "_s + runtimeArgs.value(1));
+    } else {
+        qCInfo(lcEngine, "[Quillbox] [executeDownload] ⚠️ 未检测到 JS 运行时，YouTube 下载可能失败");
+    }
+    const QStringList ffmpegWords = ffmpegArgs();
+    if (!ffmpegWords.isEmpty())
+        qCInfo(lcEngine, "[Quillbox] [executeDownload] 注入 FFmpeg 路径: %ls", qUtf16Printable(ffmpegWords.value(1)));
+    const bool withCookies = request.useCookies && chromeCookiesAvailable();
+    if (withCookies) {
+        qCInfo(lcEngine, "[Quillbox] [executeDownload] 使用 Chrome 浏览器 Cookie");
+        info(u"使用 Chrome 浏览器 Cookie"_s);
+    }
+    if (!request.downloadPlaylist) {
+        qCInfo(lcEngine, "[Quillbox] [executeDownload] 不下载播放列表");
+        info(u"只下载当前视频"_s);
+    }
+    if (request.preset != DownloadPreset::Custom) {
+        const QStringList &words = presetArguments(request.preset);
+        qCInfo(lcEngine, "[Quillbox] [executeDownload] 使用预设: %ls, 参数数组: [%ls]",
+            qUtf16Printable(rawValue(request.preset)), qUtf16Printable(words.join(u", "_s)));
+        info(u"预设参数: "_s + words.join(u' '));
+    }
+    if (!request.customArgs.isEmpty())
+        qCInfo(lcEngine, "[Quillbox] [executeDownload] 自定义参数: %ls", qUtf16Printable(request.customArgs));
+
+    const QString command = buildDownloadCommand(m_ytDlpPath, request, runtimeArgs, ffmpegWords, withCookies);
+    qCInfo(lcEngine, "%s", separatorLine);
+    qCInfo(lcEngine, "[Quillbox] [executeDownload] 完整命令:");
+    qCInfo(lcEngine, "[Quillbox] %ls", qUtf16Printable(command));
+    qCInfo(lcEngine, "%s", separatorLine);
+    info(u"执行命令: "_s + command);
+
+    // yt-dlp would fail late and obscurely on a folder it cannot create; say so plainly instead.
+    if (request.outputDir.isEmpty()) {
+        failToLaunch(taskId, u"未设置输出目录"_s);
+        return;
+    }
+    if (!QDir().mkpath(request.outputDir)) {
+        failToLaunch(taskId, u"无法创建输出目录: "_s + request.outputDir);
+        return;
+    }
+
+    auto *running = new Running;
+    auto *process = new GroupProcess(this);
+    running->process = process;
+    m_active.insert(taskId, running);
+    Q_EMIT runningCountChanged();
+
+    process->setProgram(shellProgram());
+    process->setArguments({ u"-c"_s, command });
+    process->setStandardInputFile(QProcess::nullDevice());
+    connect(process, &QProcess::readyReadStandardOutput, this, [this, taskId] { readOutput(taskId, false); });
+    connect(process, &QProcess::readyReadStandardError, this, [this, taskId] { readOutput(taskId, true); });
+    connect(process, &QProcess::started, this, [this, taskId, process] {
+        qCInfo(lcEngine, "[Quillbox] [executeDownload] 进程已启动, PID: %lld", process->processId());
+        m_tasks->update(taskId, [](DownloadTask &task) {
+            if (task.status == DownloadStatus::Preparing)
+                task.status = DownloadStatus::Downloading;
+        });
+        QTimer::singleShot(WatchdogMs, process, [this, taskId] {
+            if (m_active.contains(taskId))
+                qCInfo(lcEngine, "[Quillbox] [executeDownload] 进程运行超过30秒，可能是卡住了");
+        });
+    });
+    connect(process, &QProcess::errorOccurred, this, [this, taskId, process](QProcess::ProcessError error) {
+        if (error != QProcess::FailedToStart)
+            return;
+        const QString message = u"无法启动 %1：%2"_s.arg(process->program(), process->errorString());
+        qCInfo(lcEngine, "[Quillbox] [executeDownload] 异常: %ls", qUtf16Printable(message));
+        removeRunning(taskId);
+        failToLaunch(taskId, message);
+        pumpQueue();
+    });
+    connect(process, &QProcess::finished, this, [this, taskId](int exitCode, QProcess::ExitStatus status) {
+        completeDownload(taskId, exitCode, status == QProcess::CrashExit);
+    });
+
+    qCInfo(lcEngine, "[Quillbox] [executeDownload] 启动进程...");
+    process->start();
+}
+
+void DownloadManager::failToLaunch(const QUuid &taskId, const QString &message)
+{
+    addLog(u"❌ "_s + message, LogEntry::LogType::Error);
+    m_tasks->update(taskId, [&message](DownloadTask &task) {
+        task.status = DownloadStatus::Failed;
+        task.errorMessage = message;
+    });
+}
+
+void DownloadManager::readOutput(const QUuid &taskId, bool standardError)
+{
+    Running *running = m_active.value(taskId);
+    if (!running || !running->process)
+        return;
+    GroupProcess *process = running->process;
+    const QByteArray bytes = standardError ? process->readAllStandardError() : process->readAllStandardOutput();
+    LineSplitter &splitter = standardError ? running->stderrLines : running->stdoutLines;
+    handleLines(taskId, splitter.feed(bytes), standardError);
+}
+
+void DownloadManager::handleLines(const QUuid &taskId, const QStringList &lines, bool standardError)
+{
+    if (lines.isEmpty())
+        return;
+    Running *running = m_active.value(taskId);
+    if (running)
+        keepTail(standardError ? running->stderrTail : running->stdoutTail, lines);
+
+    if (lcEngine().isDebugEnabled()) {
+        const char *stream = standardError ? "[stderr]" : "[stdout]";
+        qCDebug(lcEngine, "[Quillbox] %s %ls", stream, qUtf16Printable(lines.join(u'\n')));
+    }
+    for (const QString &line : lines)
+        addLog(line, standardError ? typeOfStderrLine(line) : LogEntry::LogType::Download);
+
+    const ProgressUpdate update = parseProgress(lines);
+    if (update.isEmpty())
+        return;
+    m_tasks->update(taskId, [&update](DownloadTask &task) {
+        if (update.progress)
+            task.progress = *update.progress;
+        if (update.speed)
+            task.speed = *update.speed;
+        if (update.size)
+            task.size = *update.size;
+        if (update.errorMessage)
+            task.errorMessage = update.errorMessage;
+    });
+}
+
+void DownloadManager::completeDownload(const QUuid &taskId, int exitCode, bool crashed)
+{
+    Running *running = m_active.value(taskId);
+    if (!running)
+        return;
+    // Whatever was read but not yet passed on, then the last partial lines.
+    readOutput(taskId, false);
+    readOutput(taskId, true);
+    const QStringList stdoutRest = running->stdoutLines.finish();
+    const QStringList stderrRest = running->stderrLines.finish();
+    handleLines(taskId, stdoutRest, false);
+    handleLines(taskId, stderrRest, true);
+
+    qCInfo(lcEngine, "[Quillbox] [executeDownload] 进程结束, 退出码: %d", exitCode);
+    qCInfo(lcEngine, "[Quillbox] [executeDownload] stdout:\n%ls", qUtf16Printable(stdoutRest.join(u'\n')));
+    qCInfo(lcEngine, "[Quillbox] [executeDownload] stderr:\n%ls", qUtf16Printable(stderrRest.join(u'\n')));
+
+    const bool cancelled = running->cancelled;
+    const QStringList stdoutTail = running->stdoutTail;
+    const QStringList stderrTail = running->stderrTail;
+    removeRunning(taskId);
+
+    const DownloadTask *task = m_tasks->find(taskId);
+    if (!task) {
+        pumpQueue();
+        return;
+    }
+    if (cancelled) {
+        // A stopped download stays cancelled, whatever its exit status.
+        qCInfo(lcEngine, "[Quillbox] [executeDownload] 任务已取消, 退出码: %d", exitCode);
+    } else if (exitCode == 0 && !crashed) {
+        qCInfo(lcEngine, "[Quillbox] [executeDownload] 下载成功!");
+        info(u"✅ 下载完成！"_s);
+        m_tasks->update(taskId, [](DownloadTask &task) {
+            task.status = DownloadStatus::Completed;
+            task.progress = 1.0;
+            task.endTime = QDateTime::currentDateTime();
+        });
+    } else {
+        qCInfo(lcEngine, "[Quillbox] [executeDownload] 下载失败, 错误码: %d", exitCode);
+        addLog(u"❌ 下载失败 (错误码: %1)"_s.arg(exitCode), LogEntry::LogType::Error);
+        QString message = u"下载失败 (错误码: %1)"_s.arg(exitCode);
+
+        QStringList kept;
+        if (!stderrTail.isEmpty()) {
+            for (const QString &line : stderrTail) {
+                if (line.contains(u"ERROR") || line.contains(u"error") || line.contains(u"WARNING"))
+                    kept.append(line);
+            }
+        } else {
+            for (const QString &line : stdoutTail) {
+                if (line.contains(u"ERROR") || line.contains(u"error"))
+                    kept.append(line);
+            }
+        }
+        if (!kept.isEmpty()) {
+            message = kept.mid(0, 3).join(u'\n');
+            addLog(message, LogEntry::LogType::Error);
+        } else if (exitCode == 127) {
+            // The shell found nothing to run: say which tool is missing.
+            message += u"：找不到 yt-dlp（%1），请安装 yt-dlp 或在设置中指定它的路径"_s.arg(m_ytDlpPath);
+            addLog(message, LogEntry::LogType::Error);
+        }
+        m_tasks->update(taskId, [&message](DownloadTask &task) {
+            task.status = DownloadStatus::Failed;
+            task.errorMessage = message;
+        });
+        qCInfo(lcEngine, "[Quillbox] [executeDownload] 错误信息: %ls", qUtf16Printable(message));
+    }
+    pumpQueue();
+}
+
+void DownloadManager::removeRunning(const QUuid &taskId)
+{
+    Running *running = m_active.take(taskId);
+    if (!running)
+        return;
+    if (running->process) {
+        running->process->disconnect(this);
+        running->process->deleteLater();
+    }
+    delete running;
+    Q_EMIT runningCountChanged();
+}
+
+void DownloadManager::cancelAllDownloads()
+{
+    for (const Waiting &job : m_waiting)
+        m_tasks->update(job.taskId, [](DownloadTask &task) { task.status = DownloadStatus::Cancelled; });
+    m_waiting.clear();
+
+    for (auto it = m_active.cbegin(); it != m_active.cend(); ++it) {
+        Running *running = it.value();
+        if (running->cancelled)
+            continue;
+        running->cancelled = true;
+        m_tasks->update(it.key(), [](DownloadTask &task) { task.status = DownloadStatus::Cancelled; });
+        GroupProcess *process = running->process;
+        if (!process)
+            continue;
+        process->signalGroup(SIGTERM);
+        QTimer::singleShot(CancelGraceMs, process, [process] { process->signalGroup(SIGKILL); });
+    }
+}
+
+void DownloadManager::shutdown()
+{
+    cancelAllDownloads();
+    QList<QPointer<GroupProcess>> processes;
+    for (Running *running : std::as_const(m_active))
+        processes.append(running->process);
+    for (const QPointer<GroupProcess> &process : std::as_const(processes)) {
+        if (process && process->state() != QProcess::NotRunning && !process->waitForFinished(CancelGraceMs))
+            process->signalGroup(SIGKILL);
+    }
+    for (const QPointer<GroupProcess> &process : std::as_const(processes)) {
+        if (!process)
+            continue;
+        // Children the shell left behind (an ffmpeg mid-merge) go with the group.
+        process->signalGroup(SIGKILL);
+        if (process->state() != QProcess::NotRunning)
+            process->waitForFinished(2000);
+    }
+}

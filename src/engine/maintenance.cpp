@@ -1,0 +1,102 @@
+#include "engine/downloadmanager.h"
+
+#include "engine/shellrunner.h"
+#include "model/logcategories.h"
+
+using namespace Qt::StringLiterals;
+
+namespace {
+const char *const separatorLine = "[Quillbox] ============================================";
+const QString managerDomain = u"DownloadManager"_s;
+
+EngineError launchError(const ShellResult &result)
+{
+    return EngineError { u"QProcess"_s, -1, result.errorString };
+}
+} // namespace
+
+void DownloadManager::updateYtDlp(std::function<void(const QString &)> completion)
+{
+    whenYtDlpPathKnown([this, completion = std::move(completion)] {
+        qCInfo(lcEngine, "[Quillbox] [updateYtDlp] 开始更新 yt-dlp...");
+        info(u"正在更新 yt-dlp..."_s);
+        const QString command = u"source ~/.zprofile 2>/dev/null; source ~/.zshrc 2>/dev/null; "_s
+            + u"which brew >/dev/null 2>&1 && brew upgrade yt-dlp 2>&1 || "_s + quotePathIfNeeded(m_ytDlpPath)
+            + u" -U 2>&1"_s;
+        runShellCommand(
+            command, PipeMode::Shared, this,
+            [this, completion](const ShellResult &result) {
+                if (!result.launched) {
+                    const QString text = u"❌ 更新失败: "_s + result.errorString;
+                    addLog(text, LogEntry::LogType::Error);
+                    completion(text);
+                    return;
+                }
+                const QString output = result.trimmedOutput();
+                qCInfo(lcEngine, "[Quillbox] [updateYtDlp] 更新输出: %ls", qUtf16Printable(output));
+                if (result.exitCode != 0 || result.crashed) {
+                    const QString text = u"❌ 更新失败: "_s + output.left(300);
+                    addLog(text, LogEntry::LogType::Error);
+                    completion(text);
+                    return;
+                }
+                checkYtDlpInstallation([this, completion](bool success, const QString &version) {
+                    if (!success) {
+                        completion(u"✅ 命令执行成功，但版本检测失败"_s);
+                        return;
+                    }
+                    setYtDlpVersion(version);
+                    const QString text = u"✅ 更新成功，当前版本: "_s + version;
+                    info(text);
+                    completion(text);
+                });
+            },
+            UpdateTimeoutMs);
+    });
+}
+
+void DownloadManager::listFormats(
+    const QString &url, bool useCookies, std::function<void(const FormatListResult &)> completion)
+{
+    whenYtDlpPathKnown([this, url, useCookies, completion = std::move(completion)] {
+        info(u"正在获取可用格式..."_s);
+        QStringList words { quotePathIfNeeded(m_ytDlpPath), u"--list-formats"_s };
+        words += jsRuntimeArgs();
+        if (useCookies && chromeCookiesAvailable())
+            words << u"--cookies-from-browser"_s << u"chrome"_s;
+        words << shellQuote(url);
+        const QString command = words.join(u' ');
+
+        qCInfo(lcEngine, "%s", separatorLine);
+        qCInfo(lcEngine, "[Quillbox] [listFormats] 命令: %ls", qUtf16Printable(command));
+        qCInfo(lcEngine, "%s", separatorLine);
+        info(u"执行命令: "_s + command);
+
+        runShellCommand(
+            command, PipeMode::Split, this,
+            [this, completion](const ShellResult &result) {
+                FormatListResult answer;
+                if (!result.launched) {
+                    addLog(u"获取格式列表失败: "_s + result.errorString, LogEntry::LogType::Error);
+                    answer.error = launchError(result);
+                    completion(answer);
+                    return;
+                }
+                QString combined = result.standardOutput;
+                if (!result.standardError.isEmpty())
+                    combined += u'\n' + result.standardError;
+                if (result.exitCode == 0 && !result.crashed) {
+                    info(u"格式列表获取成功"_s);
+                    answer.ok = true;
+                    answer.text = combined;
+                    completion(answer);
+                    return;
+                }
+                const QString message = result.standardError.isEmpty() ? combined : result.standardError;
+                addLog(u"获取格式列表失败: "_s + message.left(200), LogEntry::LogType::Error);
+                answer.error = EngineError { managerDomain, result.exitCode, message };
+                completion(answer);
+            },
+            ListFormatsTimeoutMs);
+    });
+}

@@ -1,0 +1,72 @@
+#include "engine/progressparser.h"
+
+#include <QRegularExpression>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+struct Expressions
+{
+    QRegularExpression percent { u"([0-9]+\\.?[0-9]*)%"_s };
+    QRegularExpression speed { u"at\\s+([0-9]+\\.?[0-9]*[KMG]iB/s)"_s };
+    QRegularExpression size { u"([0-9]+\\.?[0-9]*[KMG]iB)"_s };
+
+    Expressions()
+    {
+        percent.optimize();
+        speed.optimize();
+        size.optimize();
+    }
+};
+
+const Expressions &expressions()
+{
+    static const Expressions compiled;
+    return compiled;
+}
+
+void readProgressLine(const QString &line, ProgressUpdate &update)
+{
+    const Expressions &re = expressions();
+    const QRegularExpressionMatch percent = re.percent.match(line);
+    if (percent.hasMatch()) {
+        bool ok = false;
+        const double value = percent.capturedView(1).toDouble(&ok);
+        if (ok)
+            update.progress = value / 100.0;
+    }
+    const QRegularExpressionMatch speed = re.speed.match(line);
+    if (speed.hasMatch()) {
+        QString text = speed.captured(0);
+        text.remove(u"at"_s);
+        update.speed = text.trimmed();
+    }
+    const QRegularExpressionMatch size = re.size.match(line);
+    if (size.hasMatch())
+        update.size = size.captured(0);
+}
+
+bool anyContains(const QStringList &lines, QStringView needle)
+{
+    return std::any_of(lines.cbegin(), lines.cend(), [needle](const QString &line) { return line.contains(needle); });
+}
+} // namespace
+
+ProgressUpdate parseProgress(const QStringList &lines)
+{
+    ProgressUpdate update;
+    if (anyContains(lines, u"[download]")) {
+        for (const QString &line : lines) {
+            if (line.contains(u'%'))
+                readProgressLine(line, update);
+        }
+    }
+    if (anyContains(lines, u"ERROR") || anyContains(lines, u"error")) {
+        if (anyContains(lines, u"This video is available only for registered users")
+            || anyContains(lines, u"Login required"))
+            update.errorMessage = u"需要登录或 Cookie 已过期"_s;
+        else if (anyContains(lines, u"is not a valid URL"))
+            update.errorMessage = u"无效的 URL"_s;
+    }
+    return update;
+}

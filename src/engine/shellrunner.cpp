@@ -1,0 +1,119 @@
+#include "engine/shellrunner.h"
+
+#include <QFileInfo>
+#include <QProcess>
+#include <QStringDecoder>
+#include <QTimer>
+
+#include <csignal>
+#include <memory>
+#include <sys/types.h>
+#include <unistd.h>
+
+using namespace Qt::StringLiterals;
+
+QString shellProgram()
+{
+    const QString configured = qEnvironmentVariable("QUILLBOX_SHELL");
+    if (!configured.isEmpty())
+        return configured;
+    for (const QString &candidate : { u"/bin/zsh"_s, u"/bin/bash"_s }) {
+        if (QFileInfo::exists(candidate))
+            return candidate;
+    }
+    return u"/bin/sh"_s;
+}
+
+QString shellQuote(const QString &word)
+{
+    QString escaped = word;
+    escaped.replace(u'\'', u"'\\''"_s);
+    return u'\'' + escaped + u'\'';
+}
+
+QString quotePathIfNeeded(const QString &path)
+{
+    static const QString safePunctuation = u"/._-+:@%"_s;
+    const bool plain = !path.isEmpty() && std::all_of(path.cbegin(), path.cend(), [](QChar c) {
+        return (c.unicode() < 128 && c.isLetterOrNumber()) || safePunctuation.contains(c);
+    });
+    return plain ? path : shellQuote(path);
+}
+
+GroupProcess::GroupProcess(QObject *parent)
+    : QProcess(parent)
+{
+    setChildProcessModifier([] { ::setpgid(0, 0); });
+    // The group id is the shell's pid; keep it, since processId() is 0 once the shell is gone.
+    connect(this, &QProcess::started, this, [this] { m_groupId = processId(); });
+}
+
+GroupProcess::~GroupProcess()
+{
+    if (state() == QProcess::NotRunning)
+        return;
+    signalGroup(SIGKILL);
+    waitForFinished(2000);
+}
+
+bool GroupProcess::signalGroup(int signal) const
+{
+    return m_groupId > 0 && ::kill(-pid_t(m_groupId), signal) == 0;
+}
+
+QString decodeUtf8OrEmpty(const QByteArray &bytes)
+{
+    QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
+    QString text = decoder.decode(bytes);
+    return decoder.hasError() ? QString() : text;
+}
+
+void runShellCommand(const QString &command, PipeMode mode, QObject *context,
+    std::function<void(const ShellResult &)> done, int timeoutMs)
+{
+    auto *process = new GroupProcess(context);
+    process->setProgram(shellProgram());
+    process->setArguments({ u"-c"_s, command });
+    process->setProcessChannelMode(mode == PipeMode::Shared ? QProcess::MergedChannels : QProcess::SeparateChannels);
+    process->setStandardInputFile(QProcess::nullDevice());
+
+    auto finished = std::make_shared<bool>(false);
+    auto finish = [process, finished, done = std::move(done)](ShellResult result) {
+        if (*finished)
+            return;
+        *finished = true;
+        process->deleteLater();
+        done(result);
+    };
+
+    QObject::connect(process, &QProcess::errorOccurred, context, [process, finish](QProcess::ProcessError error) {
+        if (error != QProcess::FailedToStart)
+            return;
+        ShellResult result;
+        result.errorString = u"无法启动 %1：%2"_s.arg(process->program(), process->errorString());
+        finish(result);
+    });
+    QObject::connect(process, &QProcess::finished, context,
+        [process, finish](int exitCode, QProcess::ExitStatus status) {
+            ShellResult result;
+            result.launched = true;
+            result.exitCode = exitCode;
+            result.crashed = status == QProcess::CrashExit;
+            result.standardOutput = decodeUtf8OrEmpty(process->readAllStandardOutput());
+            result.standardError = decodeUtf8OrEmpty(process->readAllStandardError());
+            finish(result);
+        });
+
+    if (timeoutMs > 0) {
+        auto *timer = new QTimer(process);
+        timer->setSingleShot(true);
+        QObject::connect(timer, &QTimer::timeout, process, [process, finish, timeoutMs] {
+            process->signalGroup(SIGKILL);
+            ShellResult result;
+            result.errorString = u"命令在 %1 秒内没有结束，已停止"_s.arg(timeoutMs / 1000);
+            finish(result);
+        });
+        timer->start(timeoutMs);
+    }
+    process->start();
+}

@@ -1,0 +1,63 @@
+#pragma once
+
+#include <QObject>
+#include <QProcess>
+#include <QString>
+
+#include <functional>
+
+// Every outside program runs through the user's shell as `SHELL -c COMMAND`. The shell is
+// $QUILLBOX_SHELL when set, else /bin/zsh, /bin/bash or /bin/sh, whichever exists first.
+QString shellProgram();
+
+// Single-quotes `word` for the shell, each embedded ' becoming '\''.
+QString shellQuote(const QString &word);
+
+// `path` as it is when it holds only letters, digits and /._-+:@%; otherwise shellQuote(path).
+QString quotePathIfNeeded(const QString &path);
+
+// A child in a process group of its own, so the shell and everything it starts (yt-dlp, ffmpeg)
+// are signalled together. Destroying it while the group runs kills the whole group.
+class GroupProcess : public QProcess
+{
+    Q_OBJECT
+
+public:
+    explicit GroupProcess(QObject *parent = nullptr);
+    ~GroupProcess() override;
+
+    // Sends `signal` to every process of the group (the group outlives the shell if children
+    // are left). Returns false when there is no such group any more.
+    bool signalGroup(int signal) const;
+
+private:
+    qint64 m_groupId = 0;
+};
+
+// Decodes strict UTF-8; output that is not valid UTF-8 decodes to an empty text.
+QString decodeUtf8OrEmpty(const QByteArray &bytes);
+
+struct ShellResult
+{
+    bool launched = false;
+    // Why the shell could not be started (or was stopped for taking too long).
+    QString errorString;
+    int exitCode = -1;
+    bool crashed = false;
+    // Decoded but untrimmed; with PipeMode::Shared everything is in standardOutput.
+    QString standardOutput;
+    QString standardError;
+
+    QString trimmedOutput() const { return standardOutput.trimmed(); }
+};
+
+enum class PipeMode {
+    Shared, // stdout and stderr on one pipe
+    Split, // each on its own pipe
+};
+
+// Runs `command` asynchronously and calls `done` once, on `context`'s thread, with the result.
+// Nothing is called if `context` is destroyed first (the child is then killed). A positive
+// `timeoutMs` stops the whole process group after that long and reports a launch failure.
+void runShellCommand(const QString &command, PipeMode mode, QObject *context,
+    std::function<void(const ShellResult &)> done, int timeoutMs = 0);

@@ -1,0 +1,131 @@
+#include "engine/taskmodel.h"
+
+TaskModel::TaskModel(QObject *parent)
+    : QAbstractListModel(parent)
+{
+}
+
+int TaskModel::rowCount(const QModelIndex &parent) const
+{
+    return parent.isValid() ? 0 : count();
+}
+
+QVariant TaskModel::data(const QModelIndex &index, int role) const
+{
+    if (!checkIndex(index, CheckIndexOption::IndexIsValid | CheckIndexOption::ParentIsInvalid))
+        return QVariant();
+    const DownloadTask &task = m_tasks.at(index.row());
+    switch (role) {
+    case IdRole:
+        return task.id;
+    case UrlRole:
+        return task.url;
+    case Qt::DisplayRole:
+    case TitleRole:
+        return task.title;
+    case StatusRole:
+        return QVariant::fromValue(task.status);
+    case ProgressRole:
+        return task.progress;
+    case SpeedRole:
+        return task.speed;
+    case SizeRole:
+        return task.size;
+    case ErrorMessageRole:
+        return task.errorMessage ? QVariant(*task.errorMessage) : QVariant();
+    case StartTimeRole:
+        return task.startTime;
+    case EndTimeRole:
+        return task.endTime ? QVariant(*task.endTime) : QVariant();
+    default:
+        return QVariant();
+    }
+}
+
+QHash<int, QByteArray> TaskModel::roleNames() const
+{
+    return {
+        { IdRole, "taskId" },
+        { UrlRole, "url" },
+        { TitleRole, "title" },
+        { StatusRole, "status" },
+        { ProgressRole, "progress" },
+        { SpeedRole, "speed" },
+        { SizeRole, "size" },
+        { ErrorMessageRole, "errorMessage" },
+        { StartTimeRole, "startTime" },
+        { EndTimeRole, "endTime" },
+    };
+}
+
+const DownloadTask *TaskModel::find(const QUuid &id) const
+{
+    const int row = rowOf(id);
+    return row < 0 ? nullptr : &m_tasks.at(row);
+}
+
+void TaskModel::append(const DownloadTask &task)
+{
+    appendAll({ task });
+}
+
+void TaskModel::appendAll(const QList<DownloadTask> &tasks)
+{
+    if (tasks.isEmpty())
+        return;
+    const int first = count();
+    beginInsertRows(QModelIndex(), first, first + int(tasks.size()) - 1);
+    m_tasks.append(tasks);
+    for (int row = first; row < count(); ++row)
+        m_rows.insert(m_tasks.at(row).id, row);
+    endInsertRows();
+    for (const DownloadTask &task : tasks)
+        countStatus(task.status, +1);
+    Q_EMIT countChanged();
+}
+
+int TaskModel::rowOf(const QUuid &id) const
+{
+    return m_rows.value(id, -1);
+}
+
+void TaskModel::changed(int row, const DownloadTask &before)
+{
+    const DownloadTask &after = m_tasks.at(row);
+    QList<int> roles;
+    if (after.title != before.title)
+        roles.append(TitleRole);
+    if (after.status != before.status)
+        roles.append(StatusRole);
+    if (after.progress != before.progress)
+        roles.append(ProgressRole);
+    if (after.speed != before.speed)
+        roles.append(SpeedRole);
+    if (after.size != before.size)
+        roles.append(SizeRole);
+    if (after.errorMessage != before.errorMessage)
+        roles.append(ErrorMessageRole);
+    if (after.endTime != before.endTime)
+        roles.append(EndTimeRole);
+    if (roles.isEmpty())
+        return;
+    const QModelIndex changedIndex = index(row);
+    Q_EMIT dataChanged(changedIndex, changedIndex, roles);
+    if (after.status != before.status) {
+        countStatus(before.status, -1);
+        countStatus(after.status, +1);
+    }
+}
+
+void TaskModel::countStatus(DownloadStatus status, int delta)
+{
+    if (status == DownloadStatus::Completed) {
+        m_completed += delta;
+        Q_EMIT completedCountChanged();
+    } else if (status == DownloadStatus::Downloading) {
+        const bool had = hasDownloading();
+        m_downloading += delta;
+        if (had != hasDownloading())
+            Q_EMIT hasDownloadingChanged();
+    }
+}

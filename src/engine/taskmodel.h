@@ -1,0 +1,76 @@
+#pragma once
+
+#include "model/downloadtask.h"
+
+#include <QAbstractListModel>
+#include <QHash>
+#include <QList>
+
+// The download queue as a list model, in order of creation. A change to one task is one
+// dataChanged for its row and the roles that changed.
+class TaskModel : public QAbstractListModel
+{
+    Q_OBJECT
+    Q_PROPERTY(int count READ count NOTIFY countChanged)
+    Q_PROPERTY(int completedCount READ completedCount NOTIFY completedCountChanged)
+    Q_PROPERTY(bool hasDownloading READ hasDownloading NOTIFY hasDownloadingChanged)
+
+public:
+    enum Role {
+        IdRole = Qt::UserRole + 1,
+        UrlRole,
+        TitleRole,
+        StatusRole,
+        ProgressRole,
+        SpeedRole,
+        SizeRole,
+        ErrorMessageRole,
+        StartTimeRole,
+        EndTimeRole,
+    };
+    Q_ENUM(Role)
+
+    explicit TaskModel(QObject *parent = nullptr);
+
+    int rowCount(const QModelIndex &parent = QModelIndex()) const override;
+    QVariant data(const QModelIndex &index, int role = Qt::DisplayRole) const override;
+    QHash<int, QByteArray> roleNames() const override;
+
+    int count() const { return int(m_tasks.size()); }
+    int completedCount() const { return m_completed; }
+    bool hasDownloading() const { return m_downloading > 0; }
+    const QList<DownloadTask> &tasks() const { return m_tasks; }
+    const DownloadTask *find(const QUuid &id) const;
+
+    void append(const DownloadTask &task);
+    void appendAll(const QList<DownloadTask> &tasks);
+
+    // Applies `change` to the task with `id`, if it is still there, and signals the roles whose
+    // values differ afterwards. Returns false when there is no such task.
+    template <typename Change>
+    bool update(const QUuid &id, Change change)
+    {
+        const int row = rowOf(id);
+        if (row < 0)
+            return false;
+        DownloadTask before = m_tasks.at(row);
+        change(m_tasks[row]);
+        changed(row, before);
+        return true;
+    }
+
+Q_SIGNALS:
+    void countChanged();
+    void completedCountChanged();
+    void hasDownloadingChanged();
+
+private:
+    int rowOf(const QUuid &id) const;
+    void changed(int row, const DownloadTask &before);
+    void countStatus(DownloadStatus status, int delta);
+
+    QList<DownloadTask> m_tasks;
+    QHash<QUuid, int> m_rows;
+    int m_completed = 0;
+    int m_downloading = 0;
+};

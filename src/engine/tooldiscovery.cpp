@@ -1,0 +1,303 @@
+#include "engine/downloadmanager.h"
+
+#include "engine/shellrunner.h"
+#include "model/appstate.h"
+#include "model/logcategories.h"
+#include "cookies/chromecookies.h"
+
+#include <QFileInfo>
+#include <QRegularExpression>
+#include <QSettings>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+bool fileExists(const QString &path)
+{
+    if (path.isEmpty())
+        return false;
+    const QFileInfo info(path);
+    return info.exists() && !info.isDir();
+}
+
+const QString ytDlpFallback = u"source ~/.zshrc 2>/dev/null; source ~/.zprofile 2>/dev/null; which yt-dlp 2>/dev/null || echo ''"_s;
+
+QString whichCommand(const QString &name)
+{
+    return u"source ~/.zprofile 2>/dev/null; source ~/.zshrc 2>/dev/null; which "_s + name + u" 2>/dev/null"_s;
+}
+} // namespace
+
+// --- yt-dlp
+
+void DownloadManager::chooseYtDlpPath()
+{
+    const QString custom = QSettings().value(QLatin1String(CustomYtDlpPathKey)).toString();
+    if (fileExists(custom)) {
+        qCInfo(lcEngine, "[Quillbox] 使用自定义路径: %ls", qUtf16Printable(custom));
+        setYtDlpPath(custom);
+        return;
+    }
+    findYtDlp(0, [this](const QString &path) {
+        qCInfo(lcEngine, "[Quillbox] 使用自动检测路径: %ls", qUtf16Printable(path));
+        setYtDlpPath(path);
+    });
+}
+
+void DownloadManager::findYtDlp(int candidate, std::function<void(const QString &)> found)
+{
+    while (candidate < m_locations.ytDlp.size() && !fileExists(m_locations.ytDlp.at(candidate)))
+        ++candidate;
+
+    if (candidate < m_locations.ytDlp.size()) {
+        const QString path = m_locations.ytDlp.at(candidate);
+        const QString command
+            = quotePathIfNeeded(path) + u" --version > /dev/null 2>&1 && echo "_s + shellQuote(path);
+        runShellCommand(
+            command, PipeMode::Shared, this,
+            [this, candidate, found = std::move(found)](const ShellResult &result) mutable {
+                const QString printed = result.trimmedOutput();
+                if (result.launched && fileExists(printed))
+                    found(printed);
+                else
+                    findYtDlp(candidate + 1, std::move(found));
+            },
+            ProbeTimeoutMs);
+        return;
+    }
+
+    if (candidate == m_locations.ytDlp.size()) {
+        runShellCommand(
+            ytDlpFallback, PipeMode::Shared, this,
+            [found = std::move(found)](const ShellResult &result) {
+                const QString printed = result.trimmedOutput();
+                found(result.launched && fileExists(printed) ? printed : u"yt-dlp"_s);
+            },
+            ProbeTimeoutMs);
+    }
+}
+
+void DownloadManager::setYtDlpPath(const QString &path)
+{
+    m_ytDlpPath = path;
+    m_ytDlpPathKnown = true;
+    qCInfo(lcEngine, "[Quillbox] DownloadManager 初始化完成, yt-dlp 路径: %ls", qUtf16Printable(path));
+    Q_EMIT ytDlpPathChanged();
+
+    checkYtDlpInstallation([this](bool success, const QString &output) {
+        if (success)
+            setYtDlpVersion(output);
+        // Downloads wait for this first probe, so they know whether --js-runtimes may be used.
+        m_versionProbed = true;
+        pumpQueue();
+    });
+    const auto waiting = std::exchange(m_afterPathKnown, {});
+    for (const auto &action : waiting)
+        action();
+}
+
+void DownloadManager::whenYtDlpPathKnown(std::function<void()> action)
+{
+    if (m_ytDlpPathKnown)
+        action();
+    else
+        m_afterPathKnown.append(std::move(action));
+}
+
+void DownloadManager::setYtDlpVersion(const QString &version)
+{
+    if (m_ytDlpVersion == version)
+        return;
+    m_ytDlpVersion = version;
+    Q_EMIT ytDlpVersionChanged();
+    warnIfYtDlpTooOld();
+}
+
+void DownloadManager::setCustomYtDlpPath(const QString &path)
+{
+    QSettings().setValue(QLatin1String(CustomYtDlpPathKey), path);
+    if (fileExists(path)) {
+        checkYtDlpInstallation([this](bool success, const QString &output) {
+            if (success)
+                setYtDlpVersion(output);
+        });
+    }
+}
+
+void DownloadManager::checkYtDlpInstallation(std::function<void(bool, const QString &)> completion)
+{
+    whenYtDlpPathKnown([this, completion = std::move(completion)] {
+        runShellCommand(
+            quotePathIfNeeded(m_ytDlpPath) + u" --version 2>&1"_s, PipeMode::Shared, this,
+            [completion](const ShellResult &result) {
+                if (!result.launched)
+                    completion(false, result.errorString);
+                else
+                    completion(result.exitCode == 0 && !result.crashed, result.trimmedOutput());
+            },
+            ProbeTimeoutMs);
+    });
+}
+
+bool DownloadManager::supportsJsRuntimes(const QString &ytDlpVersion)
+{
+    // Releases are dated YYYY.MM.DD (nightlies add a time); --js-runtimes arrived in 2025.11.12.
+    static const QRegularExpression dated(u"^(\\d{4})\\.(\\d{1,2})\\.(\\d{1,2})"_s);
+    const QRegularExpressionMatch match = dated.match(ytDlpVersion.trimmed());
+    if (!match.hasMatch())
+        return false;
+    const auto date = std::make_tuple(match.capturedView(1).toInt(), match.capturedView(2).toInt(),
+        match.capturedView(3).toInt());
+    return date >= std::make_tuple(2025, 11, 12);
+}
+
+void DownloadManager::warnIfYtDlpTooOld()
+{
+    if (m_warnedOldYtDlp || m_ytDlpVersion.isEmpty() || m_detectedJSRuntime.isEmpty()
+        || supportsJsRuntimes(m_ytDlpVersion))
+        return;
+    m_warnedOldYtDlp = true;
+    addLog(u"⚠️ yt-dlp %1 版本过旧，不支持 JS 运行时（--js-runtimes），下载时不会使用 %2；请更新 yt-dlp"_s.arg(
+               m_ytDlpVersion, m_detectedJSRuntime),
+        LogEntry::LogType::Warning);
+}
+
+// --- JavaScript runtime
+
+void DownloadManager::detectJSRuntime()
+{
+    detectRuntime(++m_runtimeGeneration, 0, 0);
+}
+
+void DownloadManager::detectRuntime(int generation, int runtime, int candidate)
+{
+    if (generation != m_runtimeGeneration)
+        return; // a newer detection has started
+    if (runtime >= m_locations.runtimes.size()) {
+        qCInfo(lcEngine, "[Quillbox] [detectJSRuntime] 未检测到任何 JS 运行时");
+        setJSRuntime(QString(), QString());
+        addLog(u"⚠️ 未检测到 JS 运行时（Deno/Node/Bun），YouTube 下载可能失败"_s, LogEntry::LogType::Warning);
+        return;
+    }
+    const ToolLocations::Runtime &entry = m_locations.runtimes.at(runtime);
+    for (; candidate < entry.candidates.size(); ++candidate) {
+        const QString path = entry.candidates.at(candidate);
+        if (fileExists(path)) {
+            qCInfo(lcEngine, "[Quillbox] [detectJSRuntime] 检测到 %ls: %ls", qUtf16Printable(entry.name),
+                qUtf16Printable(path));
+            setJSRuntime(entry.name, path);
+            return;
+        }
+    }
+    // This runtime's own lookup comes before the next runtime's fixed places.
+    runShellCommand(
+        whichCommand(entry.name), PipeMode::Split, this,
+        [this, generation, runtime, name = entry.name](const ShellResult &result) {
+            if (generation != m_runtimeGeneration)
+                return;
+            const QString printed = result.trimmedOutput();
+            if (result.launched && fileExists(printed)) {
+                qCInfo(lcEngine, "[Quillbox] [detectJSRuntime] 通过 which 检测到 %ls: %ls", qUtf16Printable(name),
+                    qUtf16Printable(printed));
+                setJSRuntime(name, printed);
+                return;
+            }
+            detectRuntime(generation, runtime + 1, 0);
+        },
+        ProbeTimeoutMs);
+}
+
+void DownloadManager::setJSRuntime(const QString &name, const QString &path)
+{
+    if (!name.isEmpty())
+        info(u"✅ 检测到 JS 运行时: "_s + name + u" ("_s + path + u")"_s);
+    if (m_detectedJSRuntime != name || m_detectedJSRuntimePath != path) {
+        m_detectedJSRuntime = name;
+        m_detectedJSRuntimePath = path;
+        Q_EMIT detectedJSRuntimeChanged();
+    }
+    warnIfYtDlpTooOld();
+}
+
+QStringList DownloadManager::jsRuntimeArgs() const
+{
+    if (m_detectedJSRuntime.isEmpty() || m_detectedJSRuntimePath.isEmpty() || !supportsJsRuntimes(m_ytDlpVersion))
+        return {};
+    return { u"--js-runtimes"_s, quotePathIfNeeded(m_detectedJSRuntime + u':' + m_detectedJSRuntimePath) };
+}
+
+// --- ffmpeg
+
+void DownloadManager::detectFfmpeg()
+{
+    const int generation = ++m_ffmpegGeneration;
+    for (const QString &path : std::as_const(m_locations.ffmpeg)) {
+        if (fileExists(path)) {
+            qCInfo(lcEngine, "[Quillbox] [detectFfmpeg] 检测到 ffmpeg: %ls", qUtf16Printable(path));
+            getFfmpegVersion(generation, path);
+            return;
+        }
+    }
+    runShellCommand(
+        whichCommand(u"ffmpeg"_s), PipeMode::Split, this,
+        [this, generation](const ShellResult &result) {
+            if (generation != m_ffmpegGeneration)
+                return;
+            const QString printed = result.trimmedOutput();
+            if (result.launched && fileExists(printed)) {
+                qCInfo(lcEngine, "[Quillbox] [detectFfmpeg] 通过 which 检测到 ffmpeg: %ls", qUtf16Printable(printed));
+                getFfmpegVersion(generation, printed);
+                return;
+            }
+            qCInfo(lcEngine, "[Quillbox] [detectFfmpeg] 未检测到 ffmpeg");
+            setFfmpeg(QString(), QString());
+        },
+        ProbeTimeoutMs);
+}
+
+void DownloadManager::getFfmpegVersion(int generation, const QString &path)
+{
+    runShellCommand(
+        quotePathIfNeeded(path) + u" -version 2>&1 | head -1"_s, PipeMode::Shared, this,
+        [this, generation, path](const ShellResult &result) {
+            if (generation != m_ffmpegGeneration)
+                return;
+            if (!result.launched) {
+                setFfmpeg(path, u"未知版本"_s);
+                return;
+            }
+            const QString version = result.trimmedOutput();
+            setFfmpeg(path, version);
+            info(u"✅ 检测到 FFmpeg: "_s + version);
+        },
+        ProbeTimeoutMs);
+}
+
+void DownloadManager::setFfmpeg(const QString &path, const QString &version)
+{
+    if (m_detectedFfmpeg == path && m_detectedFfmpegVersion == version)
+        return;
+    m_detectedFfmpeg = path;
+    m_detectedFfmpegVersion = version;
+    Q_EMIT detectedFfmpegChanged();
+}
+
+QStringList DownloadManager::ffmpegArgs() const
+{
+    if (m_detectedFfmpeg.isEmpty())
+        return {};
+    return { u"--ffmpeg-location"_s, quotePathIfNeeded(m_detectedFfmpeg) };
+}
+
+// --- Chrome cookies
+
+bool DownloadManager::chromeCookiesAvailable() const
+{
+    if (!findChromeCookieDatabase(m_locations.home).isEmpty())
+        return true;
+    if (!m_warnedNoChrome) {
+        m_warnedNoChrome = true;
+        addLog(u"⚠️ 未找到 Chrome 浏览器的 Cookie 数据库，本次不使用浏览器 Cookie"_s, LogEntry::LogType::Warning);
+    }
+    return false;
+}
