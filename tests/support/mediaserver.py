@@ -27,7 +27,6 @@ import os
 import posixpath
 import re
 import shutil
-import socket
 import stat
 import subprocess
 import sys
@@ -129,6 +128,9 @@ def generate(root, duration):
     vcodec = _video_codec_args(ffmpeg)
     gop = ["-g", "25", "-keyint_min", "25", "-sc_threshold", "0"] if "libx264" in vcodec \
         else ["-g", "25"]
+    # Without libx264 the MPEG-4 part 2 headers only go into the HLS muxer's global header,
+    # leaving the .ts segments without them; repeat them in-band so players can read the size.
+    hls_video = [] if "libx264" in vcodec else ["-bsf:v", "dump_extra"]
     aac = ["-c:a", "aac", "-b:a", "64k", "-ac", "2"]
     av = ["-map", "0:v", "-map", "1:a"] + vcodec + gop + aac
     timings = []
@@ -139,7 +141,7 @@ def generate(root, duration):
                                                            "-f", "ipod"],
                duration, ffmpeg, timings)
     _make_dir(root, "hls", "index.m3u8",
-              av + ["-f", "hls", "-hls_time", "1", "-hls_playlist_type", "vod",
+              av + hls_video + ["-f", "hls", "-hls_time", "1", "-hls_playlist_type", "vod",
                     "-hls_segment_filename", "%SEGDIR%/segment%03d.ts"],
               duration, ffmpeg, timings)
     _make_dir(root, "dash", "manifest.mpd",

@@ -1,0 +1,121 @@
+#pragma once
+
+#include "engine/downloadmanager.h"
+#include "model/appstate.h"
+
+#include "testsupport.h"
+
+#include <QFile>
+#include <QMutex>
+#include <QStandardPaths>
+#include <QtTest>
+
+// A sandbox for engine tests: a temporary home and settings store, a bin directory that holds
+// the only programs the shell can find by name, executable scripts written on demand, and a
+// capture of the engine's system-log lines.
+class EngineFixture
+{
+public:
+    EngineFixture()
+    {
+        m_bin = m_env.root() + QStringLiteral("/bin");
+        QDir().mkpath(m_bin);
+        // The few utilities the tools' command lines use; nothing that could be found as a tool.
+        for (const char *tool : { "head", "cat", "sleep", "env", "python3", "printf", "sh", "ls", "mkdir" }) {
+            const QString found = QStandardPaths::findExecutable(QString::fromLatin1(tool));
+            if (!found.isEmpty())
+                QFile::link(found, m_bin + u'/' + QString::fromLatin1(tool));
+        }
+        m_savedPath = qgetenv("PATH");
+        qputenv("PATH", m_bin.toUtf8());
+        s_capture = &m_systemLog;
+        m_previousHandler = qInstallMessageHandler(&EngineFixture::captureMessage);
+        IsolatedEnvironment::clearSettings();
+    }
+
+    ~EngineFixture()
+    {
+        qInstallMessageHandler(m_previousHandler);
+        s_capture = nullptr;
+        qputenv("PATH", m_savedPath);
+        qunsetenv("QUILLBOX_SHELL");
+    }
+
+    QString root() const { return m_env.root(); }
+    QString home() const { return m_env.home(); }
+    QString bin() const { return m_bin; }
+    QString path(const QString &relative) const { return m_env.root() + u'/' + relative; }
+
+    // Writes an executable /bin/sh script at `relative` (under the sandbox) and returns its path.
+    QString writeScript(const QString &relative, const QByteArray &body) const
+    {
+        const QString file = path(relative);
+        QDir().mkpath(QFileInfo(file).absolutePath());
+        QFile script(file);
+        if (!script.open(QIODevice::WriteOnly | QIODevice::Truncate))
+            qFatal("cannot write a script");
+        script.write("#!/bin/sh\n" + body + "\n");
+        script.close();
+        script.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner | QFile::ReadGroup
+            | QFile::ExeGroup | QFile::ReadOther | QFile::ExeOther);
+        return file;
+    }
+
+    void writeFile(const QString &relative, const QByteArray &content) const
+    {
+        const QString file = path(relative);
+        QDir().mkpath(QFileInfo(file).absolutePath());
+        QFile out(file);
+        if (!out.open(QIODevice::WriteOnly | QIODevice::Truncate))
+            qFatal("cannot write a file");
+        out.write(content);
+    }
+
+    QString readFile(const QString &relative) const
+    {
+        QFile in(path(relative));
+        return in.open(QIODevice::ReadOnly) ? QString::fromUtf8(in.readAll()) : QString();
+    }
+
+    QStringList systemLog() const
+    {
+        QMutexLocker locker(&s_mutex);
+        return m_systemLog;
+    }
+
+    // Locations that look only inside the sandbox unless told otherwise.
+    ToolLocations emptyLocations() const
+    {
+        ToolLocations locations;
+        locations.home = home();
+        locations.runtimes = { { QStringLiteral("deno"), {} }, { QStringLiteral("node"), {} },
+            { QStringLiteral("bun"), {} } };
+        return locations;
+    }
+
+    static QStringList messages(const AppState &state)
+    {
+        QStringList result;
+        for (const LogEntry &entry : state.logEntries())
+            result << entry.message;
+        return result;
+    }
+
+private:
+    static void captureMessage(QtMsgType, const QMessageLogContext &context, const QString &message)
+    {
+        QMutexLocker locker(&s_mutex);
+        if (s_capture && context.category && QByteArrayView(context.category) == "quillbox.engine")
+            s_capture->append(message);
+        else
+            std::fprintf(stderr, "%s\n", qPrintable(message));
+    }
+
+    IsolatedEnvironment m_env;
+    QString m_bin;
+    QByteArray m_savedPath;
+    QStringList m_systemLog;
+    QtMessageHandler m_previousHandler = nullptr;
+    static inline QMutex s_mutex;
+    static inline QStringList *s_capture = nullptr;
+};

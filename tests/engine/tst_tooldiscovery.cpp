@@ -1,0 +1,344 @@
+#include "engine/downloadmanager.h"
+#include "model/appstate.h"
+
+#include "enginefixture.h"
+
+#include <QSettings>
+#include <QTimer>
+#include <QtTest>
+
+using namespace Qt::StringLiterals;
+
+class TestToolDiscovery : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void choosingTheYtDlpPath_data();
+    void choosingTheYtDlpPath();
+    void nothingFoundFallsBackToTheBareWord();
+    void pathWithSpaces();
+    void runtimeOrder();
+    void runtimeFoundByWhichBeatsLaterRuntimes();
+    void noRuntimeWarns();
+    void silentFfmpeg();
+    void missingFfmpeg();
+    void jsRuntimesNeedARecentYtDlp_data();
+    void jsRuntimesNeedARecentYtDlp();
+    void setCustomPath();
+    void startDoesNotWaitForTheShell();
+    void shellThatCannotStart();
+    void realYtDlpIsTooOldForRuntimes();
+};
+
+namespace {
+QByteArray versionScript(const QByteArray &version, int exitCode = 0)
+{
+    return "case \"$*\" in *--version*) echo " + version + "; exit " + QByteArray::number(exitCode) + ";; esac\nexit 0";
+}
+
+void waitForDiscovery(const DownloadManager &manager)
+{
+    QTRY_VERIFY_WITH_TIMEOUT(manager.isYtDlpPathKnown(), 20000);
+}
+} // namespace
+
+void TestToolDiscovery::choosingTheYtDlpPath_data()
+{
+    QTest::addColumn<QString>("stored"); // "" = nothing stored, "<empty>" = an empty text
+    QTest::addColumn<QStringList>("candidates"); // "bad:" prefix = exists but fails --version
+    QTest::addColumn<QString>("chosen");
+    QTest::addColumn<QString>("logLine");
+    QTest::newRow("first working candidate") << QString() << QStringList { u"a/yt-dlp"_s, u"b/yt-dlp"_s }
+                                             << u"a/yt-dlp"_s << u"使用自动检测路径"_s;
+    QTest::newRow("failing candidate skipped") << QString() << QStringList { u"bad:a/yt-dlp"_s, u"b/yt-dlp.exe"_s }
+                                               << u"b/yt-dlp.exe"_s << u"使用自动检测路径"_s;
+    QTest::newRow("missing candidate skipped") << QString() << QStringList { u"missing:a/yt-dlp"_s, u"b/yt-dlp"_s }
+                                               << u"b/yt-dlp"_s << u"使用自动检测路径"_s;
+    QTest::newRow("stored path used") << u"custom/yt-dlp"_s << QStringList { u"a/yt-dlp"_s } << u"custom/yt-dlp"_s
+                                      << u"使用自定义路径"_s;
+    QTest::newRow("stored path gone") << u"missing:custom/yt-dlp"_s << QStringList { u"a/yt-dlp"_s } << u"a/yt-dlp"_s
+                                      << u"使用自动检测路径"_s;
+    QTest::newRow("stored empty text") << u"<empty>"_s << QStringList { u"a/yt-dlp"_s } << u"a/yt-dlp"_s
+                                       << u"使用自动检测路径"_s;
+}
+
+void TestToolDiscovery::choosingTheYtDlpPath()
+{
+    QFETCH(QString, stored);
+    QFETCH(QStringList, candidates);
+    QFETCH(QString, chosen);
+    QFETCH(QString, logLine);
+    EngineFixture fixture;
+    ToolLocations locations = fixture.emptyLocations();
+    for (QString candidate : candidates) {
+        if (candidate.startsWith(u"missing:"_s)) {
+            locations.ytDlp << fixture.path(candidate.mid(8));
+            continue;
+        }
+        const bool bad = candidate.startsWith(u"bad:"_s);
+        if (bad)
+            candidate = candidate.mid(4);
+        locations.ytDlp << fixture.writeScript(candidate, versionScript("2025.11.12", bad ? 1 : 0));
+    }
+    if (stored == u"<empty>"_s) {
+        QSettings().setValue(u"customYtDlpPath"_s, QString());
+    } else if (stored.startsWith(u"missing:"_s)) {
+        QSettings().setValue(u"customYtDlpPath"_s, fixture.path(stored.mid(8)));
+    } else if (!stored.isEmpty()) {
+        QSettings().setValue(u"customYtDlpPath"_s, fixture.writeScript(stored, versionScript("2025.01.01")));
+    }
+
+    AppState state;
+    DownloadManager manager(&state, locations);
+    waitForDiscovery(manager);
+    QCOMPARE(manager.ytDlpPath(), fixture.path(chosen));
+    QTRY_VERIFY(!manager.ytDlpVersion().isEmpty());
+    const QStringList log = fixture.systemLog();
+    QVERIFY(log.contains(u"[Quillbox] "_s + logLine + u": "_s + fixture.path(chosen)));
+    QVERIFY(log.contains(u"[Quillbox] DownloadManager 初始化完成, yt-dlp 路径: "_s + fixture.path(chosen)));
+}
+
+void TestToolDiscovery::nothingFoundFallsBackToTheBareWord()
+{
+    EngineFixture fixture;
+    AppState state;
+    DownloadManager manager(&state, fixture.emptyLocations());
+    waitForDiscovery(manager);
+    QCOMPARE(manager.ytDlpPath(), u"yt-dlp"_s);
+    bool answered = false;
+    bool succeeded = true;
+    manager.checkYtDlpInstallation([&](bool success, const QString &) {
+        answered = true;
+        succeeded = success;
+    });
+    QTRY_VERIFY(answered);
+    QVERIFY(!succeeded);
+    QCOMPARE(manager.ytDlpVersion(), QString());
+}
+
+void TestToolDiscovery::pathWithSpaces()
+{
+    EngineFixture fixture;
+    ToolLocations locations = fixture.emptyLocations();
+    locations.ytDlp << fixture.writeScript(u"My Tools/it's here/yt-dlp"_s, versionScript("2025.12.01"));
+    locations.ffmpeg << fixture.writeScript(u"My Tools/ffmpeg"_s, "echo 'ffmpeg version 9 spaced'");
+    AppState state;
+    DownloadManager manager(&state, locations);
+    waitForDiscovery(manager);
+    QCOMPARE(manager.ytDlpPath(), locations.ytDlp.constFirst());
+    QTRY_COMPARE(manager.ytDlpVersion(), u"2025.12.01"_s);
+    QTRY_COMPARE(manager.detectedFfmpegVersion(), u"ffmpeg version 9 spaced"_s);
+    QCOMPARE(manager.ffmpegArgs(), QStringList({ u"--ffmpeg-location"_s, u"'"_s + locations.ffmpeg.constFirst() + u"'"_s }));
+}
+
+void TestToolDiscovery::runtimeOrder()
+{
+    // node only at its third place: the deno places and deno's own lookup come first, and node
+    // is found without a lookup of its own.
+    EngineFixture fixture;
+    fixture.writeFile(u"home/.zshrc"_s, "which() { echo \"$@\" >> \"$HOME/which.log\"; builtin which \"$@\"; }\n");
+    qputenv("QUILLBOX_SHELL", "/bin/zsh");
+    ToolLocations locations = fixture.emptyLocations();
+    locations.runtimes = {
+        { u"deno"_s, { fixture.path(u"d1/deno"_s), fixture.path(u"d2/deno"_s), fixture.path(u"d3/deno"_s) } },
+        { u"node"_s,
+            { fixture.path(u"n1/node"_s), fixture.path(u"n2/node"_s), fixture.writeScript(u"n3/node"_s, "exit 0") } },
+        { u"bun"_s, { fixture.writeScript(u"b1/bun"_s, "exit 0") } },
+    };
+    AppState state;
+    DownloadManager manager(&state, locations);
+    QTRY_COMPARE_WITH_TIMEOUT(manager.detectedJSRuntime(), u"node"_s, 20000);
+    QCOMPARE(manager.detectedJSRuntimePath(), fixture.path(u"n3/node"_s));
+    const QStringList lookedUp = fixture.readFile(u"home/which.log"_s).split(u'\n', Qt::SkipEmptyParts);
+    QVERIFY2(lookedUp.contains(u"deno"_s), qPrintable(lookedUp.join(u',')));
+    QVERIFY(!lookedUp.contains(u"node"_s));
+    QTRY_VERIFY(EngineFixture::messages(state).contains(
+        u"✅ 检测到 JS 运行时: node ("_s + fixture.path(u"n3/node"_s) + u")"_s));
+    QVERIFY(fixture.systemLog().contains(u"[Quillbox] [detectJSRuntime] 检测到 node: "_s + fixture.path(u"n3/node"_s)));
+}
+
+void TestToolDiscovery::runtimeFoundByWhichBeatsLaterRuntimes()
+{
+    EngineFixture fixture;
+    const QString deno = fixture.writeScript(u"bin/deno"_s, "exit 0"); // on PATH only
+    ToolLocations locations = fixture.emptyLocations();
+    locations.runtimes[1].candidates << fixture.writeScript(u"n/node"_s, "exit 0");
+    AppState state;
+    DownloadManager manager(&state, locations);
+    QTRY_COMPARE_WITH_TIMEOUT(manager.detectedJSRuntime(), u"deno"_s, 20000);
+    QCOMPARE(manager.detectedJSRuntimePath(), deno);
+    QVERIFY(fixture.systemLog().contains(u"[Quillbox] [detectJSRuntime] 通过 which 检测到 deno: "_s + deno));
+}
+
+void TestToolDiscovery::noRuntimeWarns()
+{
+    EngineFixture fixture;
+    AppState state;
+    DownloadManager manager(&state, fixture.emptyLocations());
+    QTRY_VERIFY_WITH_TIMEOUT(
+        EngineFixture::messages(state).contains(u"⚠️ 未检测到 JS 运行时（Deno/Node/Bun），YouTube 下载可能失败"_s), 20000);
+    QCOMPARE(manager.detectedJSRuntime(), QString());
+    QCOMPARE(manager.jsRuntimeArgs(), QStringList());
+    const auto entries = state.logEntries();
+    const auto warning = std::find_if(entries.cbegin(), entries.cend(),
+        [](const LogEntry &entry) { return entry.message.startsWith(u"⚠️ 未检测到 JS 运行时"_s); });
+    QCOMPARE(warning->type, LogEntry::LogType::Warning);
+    QVERIFY(fixture.systemLog().contains(u"[Quillbox] [detectJSRuntime] 未检测到任何 JS 运行时"_s));
+}
+
+void TestToolDiscovery::silentFfmpeg()
+{
+    EngineFixture fixture;
+    ToolLocations locations = fixture.emptyLocations();
+    locations.ffmpeg << fixture.path(u"nope/ffmpeg"_s) << fixture.writeScript(u"f/ffmpeg.exe"_s, "exit 3");
+    AppState state;
+    DownloadManager manager(&state, locations);
+    QTRY_COMPARE_WITH_TIMEOUT(manager.detectedFfmpeg(), fixture.path(u"f/ffmpeg.exe"_s), 20000);
+    QCOMPARE(manager.detectedFfmpegVersion(), QString());
+    QTRY_VERIFY(EngineFixture::messages(state).contains(u"✅ 检测到 FFmpeg: "_s));
+}
+
+void TestToolDiscovery::missingFfmpeg()
+{
+    EngineFixture fixture;
+    AppState state;
+    DownloadManager manager(&state, fixture.emptyLocations());
+    QTRY_VERIFY_WITH_TIMEOUT(fixture.systemLog().contains(u"[Quillbox] [detectFfmpeg] 未检测到 ffmpeg"_s), 20000);
+    QCOMPARE(manager.detectedFfmpeg(), QString());
+    QCOMPARE(manager.ffmpegArgs(), QStringList());
+    QVERIFY(!EngineFixture::messages(state).join(u'\n').contains(u"FFmpeg"_s));
+}
+
+void TestToolDiscovery::jsRuntimesNeedARecentYtDlp_data()
+{
+    QTest::addColumn<QByteArray>("version");
+    QTest::addColumn<bool>("supported");
+    QTest::newRow("first release with the option") << QByteArray("2025.11.12") << true;
+    QTest::newRow("nightly of that day") << QByteArray("2025.11.12.232915") << true;
+    QTest::newRow("later year") << QByteArray("2026.01.03") << true;
+    QTest::newRow("day before") << QByteArray("2025.11.11") << false;
+    QTest::newRow("Debian's") << QByteArray("2023.03.04") << false;
+    QTest::newRow("not a date") << QByteArray("unknown") << false;
+}
+
+void TestToolDiscovery::jsRuntimesNeedARecentYtDlp()
+{
+    QFETCH(QByteArray, version);
+    QFETCH(bool, supported);
+    QCOMPARE(DownloadManager::supportsJsRuntimes(QString::fromLatin1(version)), supported);
+
+    EngineFixture fixture;
+    ToolLocations locations = fixture.emptyLocations();
+    locations.ytDlp << fixture.writeScript(u"y/yt-dlp"_s, versionScript(version));
+    const QString node = fixture.writeScript(u"n/node"_s, "exit 0");
+    locations.runtimes[1].candidates << node;
+    AppState state;
+    DownloadManager manager(&state, locations);
+    QTRY_COMPARE_WITH_TIMEOUT(manager.ytDlpVersion(), QString::fromLatin1(version), 20000);
+    QTRY_COMPARE(manager.detectedJSRuntime(), u"node"_s);
+
+    const QString tooOld = u"⚠️ yt-dlp "_s + QString::fromLatin1(version) + u" 版本过旧"_s;
+    if (supported) {
+        QCOMPARE(manager.jsRuntimeArgs(), QStringList({ u"--js-runtimes"_s, u"node:"_s + node }));
+    } else {
+        QCOMPARE(manager.jsRuntimeArgs(), QStringList());
+        QTRY_COMPARE(EngineFixture::messages(state).filter(tooOld).size(), 1);
+    }
+    QCoreApplication::processEvents();
+    QCOMPARE(EngineFixture::messages(state).filter(tooOld).size(), supported ? 0 : 1);
+}
+
+void TestToolDiscovery::setCustomPath()
+{
+    EngineFixture fixture;
+    ToolLocations locations = fixture.emptyLocations();
+    locations.ytDlp << fixture.writeScript(u"y/yt-dlp"_s,
+        "echo probe >> \"$HOME/probes.log\"\n" + versionScript("2025.11.20"));
+    AppState state;
+    DownloadManager manager(&state, locations);
+    QTRY_COMPARE_WITH_TIMEOUT(manager.ytDlpVersion(), u"2025.11.20"_s, 20000);
+    QTRY_COMPARE(fixture.readFile(u"home/probes.log"_s).count(u"probe"_s), 2); // candidate test + version
+
+    // A path that is not there is stored all the same, and nothing is probed.
+    manager.setCustomYtDlpPath(fixture.path(u"missing/yt-dlp"_s));
+    QCOMPARE(QSettings().value(u"customYtDlpPath"_s).toString(), fixture.path(u"missing/yt-dlp"_s));
+    QTest::qWait(300);
+    QCOMPARE(fixture.readFile(u"home/probes.log"_s).count(u"probe"_s), 2);
+
+    // A path that exists is stored and the yt-dlp in use is probed again; the path in use stays.
+    const QString other = fixture.writeScript(u"other/yt-dlp"_s, versionScript("2030.01.01"));
+    manager.setCustomYtDlpPath(other);
+    QCOMPARE(QSettings().value(u"customYtDlpPath"_s).toString(), other);
+    QTRY_COMPARE(fixture.readFile(u"home/probes.log"_s).count(u"probe"_s), 3);
+    QCOMPARE(manager.ytDlpPath(), locations.ytDlp.constFirst());
+    QCOMPARE(manager.ytDlpVersion(), u"2025.11.20"_s);
+}
+
+void TestToolDiscovery::startDoesNotWaitForTheShell()
+{
+    // The login files take two seconds to read: the engine must come back at once and the
+    // event loop must keep turning while the lookups run.
+    EngineFixture fixture;
+    fixture.writeFile(u"home/.zshrc"_s, "sleep 2\n");
+    fixture.writeFile(u"home/.zprofile"_s, "sleep 2\n");
+    qputenv("QUILLBOX_SHELL", "/bin/zsh");
+    AppState state;
+    QStringList order;
+    QTimer::singleShot(0, [&order] { order << u"event loop turned"_s; });
+    DownloadManager manager(&state, fixture.emptyLocations());
+    order << u"engine created"_s;
+    QVERIFY(!manager.isYtDlpPathKnown());
+    connect(&manager, &DownloadManager::ytDlpPathChanged, [&order] { order << u"path chosen"_s; });
+    QTRY_VERIFY_WITH_TIMEOUT(manager.isYtDlpPathKnown(), 20000);
+    QCOMPARE(order, QStringList({ u"engine created"_s, u"event loop turned"_s, u"path chosen"_s }));
+}
+
+void TestToolDiscovery::shellThatCannotStart()
+{
+    EngineFixture fixture;
+    qputenv("QUILLBOX_SHELL", fixture.path(u"no/such/shell"_s).toUtf8());
+    ToolLocations locations = fixture.emptyLocations();
+    locations.ytDlp << fixture.writeScript(u"y/yt-dlp"_s, versionScript("2025.11.12"));
+    AppState state;
+    DownloadManager manager(&state, locations);
+    waitForDiscovery(manager);
+    QCOMPARE(manager.ytDlpPath(), u"yt-dlp"_s);
+    QString text;
+    bool succeeded = true;
+    manager.checkYtDlpInstallation([&](bool success, const QString &output) {
+        succeeded = success;
+        text = output;
+    });
+    QTRY_VERIFY(!text.isEmpty());
+    QVERIFY(!succeeded);
+    QVERIFY2(text.contains(u"无法启动"_s) && text.contains(fixture.path(u"no/such/shell"_s)), qPrintable(text));
+}
+
+void TestToolDiscovery::realYtDlpIsTooOldForRuntimes()
+{
+    // Debian's yt-dlp predates --js-runtimes; with node present the option must stay out of
+    // every command, and the user is told why once.
+    if (!QFileInfo::exists(u"/usr/bin/yt-dlp"_s) || !QFileInfo::exists(u"/usr/bin/node"_s))
+        QSKIP("needs Debian's yt-dlp and node");
+    EngineFixture fixture;
+    qputenv("PATH", "/usr/bin:/bin");
+    AppState state;
+    DownloadManager manager(&state, ToolLocations::standard(fixture.home()));
+    QTRY_VERIFY_WITH_TIMEOUT(!manager.ytDlpVersion().isEmpty(), 30000);
+    QTRY_VERIFY_WITH_TIMEOUT(!manager.detectedJSRuntime().isEmpty(), 30000);
+    QVERIFY(!DownloadManager::supportsJsRuntimes(manager.ytDlpVersion()));
+    QCOMPARE(manager.jsRuntimeArgs(), QStringList());
+    QTRY_COMPARE(EngineFixture::messages(state).filter(u"版本过旧"_s).size(), 1);
+
+    DownloadRequest request;
+    request.url = u"https://example.invalid/v"_s;
+    request.outputDir = fixture.root();
+    const QString command = DownloadManager::buildDownloadCommand(
+        manager.ytDlpPath(), request, manager.jsRuntimeArgs(), manager.ffmpegArgs(), false);
+    QVERIFY(!command.contains(u"--js-runtimes"_s));
+    QVERIFY(command.startsWith(manager.ytDlpPath() + u' '));
+}
+
+QTEST_GUILESS_MAIN(TestToolDiscovery)
+#include "tst_tooldiscovery.moc"
