@@ -59,13 +59,15 @@ QString DownloadManager::buildDownloadCommand(const QString &ytDlpPath, const Do
     QString folder = request.outputDir;
     folder.replace(u'\'', u"'\\''"_s);
     args << u"-o"_s << u'\'' + folder + u"/%(title)s.%(ext)s'"_s;
-    if (request.preset != DownloadPreset::Custom)
-        args += presetArguments(request.preset);
+    if (request.preset != DownloadPreset::Custom) {
+        for (const QString &word : presetArguments(request.preset))
+            args << quoteIfNeeded(word);
+    }
     if (!request.customArgs.isEmpty())
         args << request.customArgs; // one word: the shell splits it as the user wrote it
     args << u"--progress"_s;
     args << shellQuote(request.url);
-    return quotePathIfNeeded(ytDlpPath) + u' ' + args.join(u' ');
+    return quoteIfNeeded(ytDlpPath) + u' ' + args.join(u' ');
 }
 
 void DownloadManager::startDownload(const QString &url, DownloadPreset preset, const QString &customArgs,
@@ -104,9 +106,10 @@ QUuid DownloadManager::createTask(const DownloadRequest &request, QList<Download
 
 void DownloadManager::pumpQueue()
 {
-    // Downloads wait until the yt-dlp path and its version are known (the version decides the
-    // runtime words), then start in order as slots free up.
-    if (!m_versionProbed)
+    // Downloads wait for the first round of discovery (the yt-dlp path and version, which decides
+    // the runtime words, the runtime and ffmpeg), then start in order as slots free up. Every
+    // probe has a time limit, so this wait ends.
+    if (!m_versionProbed || !m_runtimeDetected || !m_ffmpegDetected)
         return;
     while (!m_waiting.empty() && runningCount() < m_maxConcurrent) {
         const Waiting job = std::move(m_waiting.front());

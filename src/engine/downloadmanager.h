@@ -203,6 +203,8 @@ private:
     QString m_ytDlpPath;
     bool m_ytDlpPathKnown = false;
     bool m_versionProbed = false;
+    bool m_runtimeDetected = false;
+    bool m_ffmpegDetected = false;
     QList<std::function<void()>> m_afterPathKnown;
     QString m_ytDlpVersion;
     bool m_isCheckingYtDlp = false;

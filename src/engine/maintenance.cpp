@@ -21,7 +21,7 @@ void DownloadManager::updateYtDlp(std::function<void(const QString &)> completio
         qCInfo(lcEngine, "[Quillbox] [updateYtDlp] 开始更新 yt-dlp...");
         info(u"正在更新 yt-dlp..."_s);
         const QString command = u"source ~/.zprofile 2>/dev/null; source ~/.zshrc 2>/dev/null; "_s
-            + u"which brew >/dev/null 2>&1 && brew upgrade yt-dlp 2>&1 || "_s + quotePathIfNeeded(m_ytDlpPath)
+            + u"which brew >/dev/null 2>&1 && brew upgrade yt-dlp 2>&1 || "_s + quoteIfNeeded(m_ytDlpPath)
             + u" -U 2>&1"_s;
         runShellCommand(
             command, PipeMode::Shared, this,
@@ -60,7 +60,7 @@ void DownloadManager::listFormats(
 {
     whenYtDlpPathKnown([this, url, useCookies, completion = std::move(completion)] {
         info(u"正在获取可用格式..."_s);
-        QStringList words { quotePathIfNeeded(m_ytDlpPath), u"--list-formats"_s };
+        QStringList words { quoteIfNeeded(m_ytDlpPath), u"--list-formats"_s };
         words += jsRuntimeArgs();
         if (useCookies && chromeCookiesAvailable())
             words << u"--cookies-from-browser"_s << u"chrome"_s;

@@ -31,13 +31,13 @@ QString shellQuote(const QString &word)
     return u'\'' + escaped + u'\'';
 }
 
-QString quotePathIfNeeded(const QString &path)
+QString quoteIfNeeded(const QString &word)
 {
     static const QString safePunctuation = u"/._-+:@%"_s;
-    const bool plain = !path.isEmpty() && std::all_of(path.cbegin(), path.cend(), [](QChar c) {
+    const bool plain = !word.isEmpty() && std::all_of(word.cbegin(), word.cend(), [](QChar c) {
         return (c.unicode() < 128 && c.isLetterOrNumber()) || safePunctuation.contains(c);
     });
-    return plain ? path : shellQuote(path);
+    return plain ? word : shellQuote(word);
 }
 
 GroupProcess::GroupProcess(QObject *parent)
@@ -94,13 +94,14 @@ void runShellCommand(const QString &command, PipeMode mode, QObject *context,
         finish(result);
     });
     QObject::connect(process, &QProcess::finished, context,
-        [process, finish](int exitCode, QProcess::ExitStatus status) {
+        [process, finish, mode](int exitCode, QProcess::ExitStatus status) {
             ShellResult result;
             result.launched = true;
             result.exitCode = exitCode;
             result.crashed = status == QProcess::CrashExit;
             result.standardOutput = decodeUtf8OrEmpty(process->readAllStandardOutput());
-            result.standardError = decodeUtf8OrEmpty(process->readAllStandardError());
+            if (mode == PipeMode::Split)
+                result.standardError = decodeUtf8OrEmpty(process->readAllStandardError());
             finish(result);
         });
 

@@ -13,8 +13,10 @@ QString shellProgram();
 // Single-quotes `word` for the shell, each embedded ' becoming '\''.
 QString shellQuote(const QString &word);
 
-// `path` as it is when it holds only letters, digits and /._-+:@%; otherwise shellQuote(path).
-QString quotePathIfNeeded(const QString &path);
+// `word` as it is when it holds only letters, digits and /._-+:@%; otherwise shellQuote(word).
+// Ordinary tool paths and option words stay readable, and a space, quote or glob character
+// (zsh refuses an unmatched "bv*+ba/b") cannot change what the child receives.
+QString quoteIfNeeded(const QString &word);
 
 // A child in a process group of its own, so the shell and everything it starts (yt-dlp, ffmpeg)
 // are signalled together. Destroying it while the group runs kills the whole group.

@@ -52,7 +52,7 @@ void DownloadManager::findYtDlp(int candidate, std::function<void(const QString 
     if (candidate < m_locations.ytDlp.size()) {
         const QString path = m_locations.ytDlp.at(candidate);
         const QString command
-            = quotePathIfNeeded(path) + u" --version > /dev/null 2>&1 && echo "_s + shellQuote(path);
+            = quoteIfNeeded(path) + u" --version > /dev/null 2>&1 && echo "_s + shellQuote(path);
         runShellCommand(
             command, PipeMode::Shared, this,
             [this, candidate, found = std::move(found)](const ShellResult &result) mutable {
@@ -128,7 +128,7 @@ void DownloadManager::checkYtDlpInstallation(std::function<void(bool, const QStr
 {
     whenYtDlpPathKnown([this, completion = std::move(completion)] {
         runShellCommand(
-            quotePathIfNeeded(m_ytDlpPath) + u" --version 2>&1"_s, PipeMode::Shared, this,
+            quoteIfNeeded(m_ytDlpPath) + u" --version 2>&1"_s, PipeMode::Shared, this,
             [completion](const ShellResult &result) {
                 if (!result.launched)
                     completion(false, result.errorString);
@@ -209,6 +209,10 @@ void DownloadManager::detectRuntime(int generation, int runtime, int candidate)
 
 void DownloadManager::setJSRuntime(const QString &name, const QString &path)
 {
+    if (!m_runtimeDetected) {
+        m_runtimeDetected = true;
+        QMetaObject::invokeMethod(this, &DownloadManager::pumpQueue, Qt::QueuedConnection);
+    }
     if (!name.isEmpty())
         info(u"✅ 检测到 JS 运行时: "_s + name + u" ("_s + path + u")"_s);
     if (m_detectedJSRuntime != name || m_detectedJSRuntimePath != path) {
@@ -223,7 +227,7 @@ QStringList DownloadManager::jsRuntimeArgs() const
 {
     if (m_detectedJSRuntime.isEmpty() || m_detectedJSRuntimePath.isEmpty() || !supportsJsRuntimes(m_ytDlpVersion))
         return {};
-    return { u"--js-runtimes"_s, quotePathIfNeeded(m_detectedJSRuntime + u':' + m_detectedJSRuntimePath) };
+    return { u"--js-runtimes"_s, quoteIfNeeded(m_detectedJSRuntime + u':' + m_detectedJSRuntimePath) };
 }
 
 // --- ffmpeg
@@ -258,7 +262,7 @@ void DownloadManager::detectFfmpeg()
 void DownloadManager::getFfmpegVersion(int generation, const QString &path)
 {
     runShellCommand(
-        quotePathIfNeeded(path) + u" -version 2>&1 | head -1"_s, PipeMode::Shared, this,
+        quoteIfNeeded(path) + u" -version 2>&1 | head -1"_s, PipeMode::Shared, this,
         [this, generation, path](const ShellResult &result) {
             if (generation != m_ffmpegGeneration)
                 return;
@@ -275,6 +279,10 @@ void DownloadManager::getFfmpegVersion(int generation, const QString &path)
 
 void DownloadManager::setFfmpeg(const QString &path, const QString &version)
 {
+    if (!m_ffmpegDetected) {
+        m_ffmpegDetected = true;
+        QMetaObject::invokeMethod(this, &DownloadManager::pumpQueue, Qt::QueuedConnection);
+    }
     if (m_detectedFfmpeg == path && m_detectedFfmpegVersion == version)
         return;
     m_detectedFfmpeg = path;
@@ -286,7 +294,7 @@ QStringList DownloadManager::ffmpegArgs() const
 {
     if (m_detectedFfmpeg.isEmpty())
         return {};
-    return { u"--ffmpeg-location"_s, quotePathIfNeeded(m_detectedFfmpeg) };
+    return { u"--ffmpeg-location"_s, quoteIfNeeded(m_detectedFfmpeg) };
 }
 
 // --- Chrome cookies

@@ -6,6 +6,8 @@
 #include "testsupport.h"
 
 #include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
 #include <QMutex>
 #include <QStandardPaths>
 #include <QtTest>
@@ -22,7 +24,11 @@ public:
         QDir().mkpath(m_bin);
         // The few utilities the tools' command lines use; nothing that could be found as a tool.
         for (const char *tool : { "head", "cat", "sleep", "env", "python3", "printf", "sh", "ls", "mkdir" }) {
-            const QString found = QStandardPaths::findExecutable(QString::fromLatin1(tool));
+            // The system's own first: a version manager's shim would need the PATH we take away.
+            QString found = QStandardPaths::findExecutable(QString::fromLatin1(tool), { QStringLiteral("/usr/bin"),
+                QStringLiteral("/bin") });
+            if (found.isEmpty())
+                found = QStandardPaths::findExecutable(QString::fromLatin1(tool));
             if (!found.isEmpty())
                 QFile::link(found, m_bin + u'/' + QString::fromLatin1(tool));
         }
@@ -118,4 +124,64 @@ private:
     QtMessageHandler m_previousHandler = nullptr;
     static inline QMutex s_mutex;
     static inline QStringList *s_capture = nullptr;
+};
+
+// The stand-in yt-dlp (tests/fakes/yt-dlp) and what it recorded.
+class FakeYtDlp
+{
+public:
+    explicit FakeYtDlp(const EngineFixture &fixture)
+        : m_fixture(fixture)
+    {
+        m_path = QString::fromLocal8Bit(qgetenv("QUILLBOX_TESTS_DIR")) + QStringLiteral("/fakes/yt-dlp");
+        if (!QFileInfo(m_path).isExecutable())
+            qFatal("the stand-in yt-dlp is missing");
+        qputenv("FAKE_YTDLP_ARGV_FILE", fixture.path(QStringLiteral("argv.jsonl")).toUtf8());
+        qputenv("FAKE_YTDLP_PIDFILE", fixture.path(QStringLiteral("pids.txt")).toUtf8());
+    }
+
+    ~FakeYtDlp()
+    {
+        for (const char *name : { "FAKE_YTDLP_ARGV_FILE", "FAKE_YTDLP_PIDFILE", "FAKE_YTDLP_SCENARIO", "FAKE_YTDLP_EXIT",
+                 "FAKE_YTDLP_VERSION", "FAKE_YTDLP_VERSION_EXIT", "FAKE_YTDLP_UPDATE_OUTPUT", "FAKE_YTDLP_UPDATE_EXIT",
+                 "FAKE_YTDLP_FORMATS", "FAKE_YTDLP_FORMATS_STDERR", "FAKE_YTDLP_FORMATS_EXIT" })
+            qunsetenv(name);
+    }
+
+    QString path() const { return m_path; }
+
+    // Replays `steps` (a JSON list) for every download from now on.
+    void setScenario(const QByteArray &steps, int exitCode = 0) const
+    {
+        m_fixture.writeFile(QStringLiteral("scenario.json"), steps);
+        qputenv("FAKE_YTDLP_SCENARIO", m_fixture.path(QStringLiteral("scenario.json")).toUtf8());
+        qputenv("FAKE_YTDLP_EXIT", QByteArray::number(exitCode));
+    }
+
+    // The argv of every run so far, without the --version probes.
+    QList<QStringList> runs() const
+    {
+        QList<QStringList> result;
+        const QString text = m_fixture.readFile(QStringLiteral("argv.jsonl"));
+        for (const QString &line : text.split(u'\n', Qt::SkipEmptyParts)) {
+            QStringList argv;
+            for (const QJsonValue &word : QJsonDocument::fromJson(line.toUtf8()).array())
+                argv << word.toString();
+            if (!argv.contains(QStringLiteral("--version")))
+                result << argv;
+        }
+        return result;
+    }
+
+    QList<qint64> pids() const
+    {
+        QList<qint64> result;
+        for (const QString &line : m_fixture.readFile(QStringLiteral("pids.txt")).split(u'\n', Qt::SkipEmptyParts))
+            result << line.trimmed().toLongLong();
+        return result;
+    }
+
+private:
+    const EngineFixture &m_fixture;
+    QString m_path;
 };

@@ -37,7 +37,7 @@ void TestShellQuoting::quotePath()
 {
     QFETCH(QString, path);
     QFETCH(QString, word);
-    QCOMPARE(quotePathIfNeeded(path), word);
+    QCOMPARE(quoteIfNeeded(path), word);
 }
 
 namespace {

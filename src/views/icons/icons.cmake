@@ -1,0 +1,44 @@
+# Icon files bundled with the QML module, relative to src/views/.
+# See icons/ICONS.md for which symbol each file stands for and where it comes from.
+set(QUILLBOX_ICON_FILES
+    icons/arrow-clockwise.svg
+    icons/arrow-down-circle-fill.svg
+    icons/arrow-down-circle.svg
+    icons/arrow-down-to-line.svg
+    icons/arrow-triangle-2-circlepath.svg
+    icons/arrow-up-right-square.svg
+    icons/checkmark-circle-fill.svg
+    icons/checkmark-circle.svg
+    icons/checkmark.svg
+    icons/clock.svg
+    icons/cpu.svg
+    icons/doc-on-clipboard.svg
+    icons/doc-on-doc.svg
+    icons/exclamationmark-triangle-fill.svg
+    icons/exclamationmark-triangle.svg
+    icons/folder.svg
+    icons/gearshape.svg
+    icons/info-circle.svg
+    icons/key-fill.svg
+    icons/list-bullet-rectangle-portrait.svg
+    icons/list-bullet-rectangle.svg
+    icons/list-bullet.svg
+    icons/minus-circle-fill.svg
+    icons/music-note.svg
+    icons/pause-circle-fill.svg
+    icons/rectangle-stack.svg
+    icons/slider-horizontal-3.svg
+    icons/sparkles-tv.svg
+    icons/stop-circle.svg
+    icons/terminal-fill.svg
+    icons/terminal.svg
+    icons/trash.svg
+    icons/tray.svg
+    icons/wand-and-stars.svg
+    icons/waveform-path-ecg.svg
+    icons/waveform.svg
+    icons/xmark-circle-fill.svg
+    icons/xmark-circle.svg
+    icons/xmark-octagon.svg
+    icons/xmark.svg
+)

@@ -1,0 +1,446 @@
+#include "engine/downloadmanager.h"
+#include "engine/taskmodel.h"
+#include "model/appstate.h"
+
+#include "enginefixture.h"
+
+#include <QAbstractItemModelTester>
+#include <QSignalSpy>
+#include <QtTest>
+
+#include <csignal>
+
+using namespace Qt::StringLiterals;
+
+class TestDownloadExecution : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void commandWords_data();
+    void commandWords();
+    void cookiesOnlyWithChrome();
+    void progressFromCarriageReturns();
+    void lineSplitAcrossReads();
+    void outputTyping();
+    void failureMessages_data();
+    void failureMessages();
+    void friendlyMessageWhileRunning();
+    void missingYtDlp();
+    void atMostNAtOnce();
+    void requestedBeforeThePathIsKnown();
+    void cancelStopsTheWholeGroup();
+    void shutdownReturnsWithNothingLeft();
+    void launchFailuresLoseNothing();
+    void outputThatIsNotUtf8();
+
+private:
+    struct Engine
+    {
+        EngineFixture fixture;
+        FakeYtDlp fake { fixture };
+        AppState state;
+        std::unique_ptr<DownloadManager> manager;
+        QString node;
+        QString ffmpeg;
+    };
+
+    // An engine whose yt-dlp is the stand-in, with node and ffmpeg found, ready to download
+    // (null if discovery did not finish).
+    static std::unique_ptr<Engine> makeEngine(bool ready = true);
+    static void download(Engine &engine, const QString &url, DownloadPreset preset = DownloadPreset::Default,
+        const QString &custom = QString(), const QString &folder = QString(), bool playlist = true, bool cookies = false);
+    static const DownloadTask &only(const Engine &engine) { return engine.manager->taskModel()->tasks().constFirst(); }
+    static bool allFinished(const Engine &engine);
+    static bool alive(qint64 pid) { return ::kill(pid_t(pid), 0) == 0; }
+};
+
+std::unique_ptr<TestDownloadExecution::Engine> TestDownloadExecution::makeEngine(bool ready)
+{
+    auto engine = std::make_unique<Engine>();
+    ToolLocations locations = engine->fixture.emptyLocations();
+    locations.ytDlp << engine->fake.path();
+    engine->node = engine->fixture.writeScript(u"tools/node"_s, "exit 0");
+    engine->ffmpeg = engine->fixture.writeScript(u"tools/ffmpeg"_s, "echo 'ffmpeg version 6'");
+    locations.runtimes[1].candidates << engine->node;
+    locations.ffmpeg << engine->ffmpeg;
+    engine->manager = std::make_unique<DownloadManager>(&engine->state, locations);
+    if (!ready)
+        return engine;
+    const DownloadManager &manager = *engine->manager;
+    const bool discovered = QTest::qWaitFor(
+        [&manager] {
+            return !manager.ytDlpVersion().isEmpty() && !manager.detectedJSRuntime().isEmpty()
+                && !manager.detectedFfmpeg().isEmpty();
+        },
+        20000);
+    // Forget the probes, so a test sees only its own downloads.
+    QFile::remove(engine->fixture.path(u"pids.txt"_s));
+    return discovered ? std::move(engine) : nullptr;
+}
+
+void TestDownloadExecution::download(Engine &engine, const QString &url, DownloadPreset preset, const QString &custom,
+    const QString &folder, bool playlist, bool cookies)
+{
+    const QString outputDir = folder.isEmpty() ? engine.fixture.path(u"out"_s) : folder;
+    engine.manager->startDownload(url, preset, custom, outputDir, playlist, cookies);
+}
+
+bool TestDownloadExecution::allFinished(const Engine &engine)
+{
+    const auto &tasks = engine.manager->taskModel()->tasks();
+    return engine.manager->runningCount() == 0 && std::all_of(tasks.cbegin(), tasks.cend(), [](const DownloadTask &t) {
+        return t.status == DownloadStatus::Completed || t.status == DownloadStatus::Failed
+            || t.status == DownloadStatus::Cancelled;
+    });
+}
+
+void TestDownloadExecution::commandWords_data()
+{
+    QTest::addColumn<DownloadPreset>("preset");
+    QTest::addColumn<QString>("custom");
+    QTest::addColumn<bool>("playlist");
+    QTest::addColumn<QString>("url");
+    QTest::addColumn<QString>("folder"); // under the sandbox
+    QTest::addColumn<QStringList>("presetAndCustomWords");
+
+    const QString url = u"https://v.example/watch?v=1&t=2"_s;
+    QTest::newRow("default") << DownloadPreset::Default << QString() << true << url << u"out"_s << QStringList();
+    QTest::newRow("best quality") << DownloadPreset::BestQuality << QString() << true << url << u"out"_s
+                                  << QStringList { u"-f"_s, u"bv*+ba/b"_s };
+    QTest::newRow("best audio") << DownloadPreset::BestAudio << QString() << true << url << u"out"_s
+                                << QStringList { u"-x"_s, u"--audio-format"_s, u"mp3"_s, u"--audio-quality"_s, u"0"_s };
+    QTest::newRow("best video+audio") << DownloadPreset::BestVideoAudio << QString() << true << url << u"out"_s
+                                      << QStringList { u"-f"_s, u"bv*+ba/b"_s };
+    QTest::newRow("audio only") << DownloadPreset::AudioOnly << QString() << true << url << u"out"_s
+                                << QStringList { u"-x"_s, u"--audio-format"_s, u"mp3"_s };
+    QTest::newRow("custom, empty: no format at all") << DownloadPreset::Custom << QString() << true << url << u"out"_s
+                                                     << QStringList();
+    QTest::newRow("custom words split by the shell")
+        << DownloadPreset::Custom << u"--limit-rate 1M -f 'best[height<=480]'"_s << true << url << u"out"_s
+        << QStringList { u"--limit-rate"_s, u"1M"_s, u"-f"_s, u"best[height<=480]"_s };
+    QTest::newRow("custom words after preset words")
+        << DownloadPreset::AudioOnly << u"--limit-rate 1M"_s << true << url << u"out"_s
+        << QStringList { u"-x"_s, u"--audio-format"_s, u"mp3"_s, u"--limit-rate"_s, u"1M"_s };
+    QTest::newRow("no playlist") << DownloadPreset::Default << QString() << false << url << u"out"_s << QStringList();
+    QTest::newRow("quotes and spaces") << DownloadPreset::Default << QString() << true << u"https://a'b.example/x y"_s
+                                       << u"Down's 文件夹/$HOME `x`"_s << QStringList();
+}
+
+void TestDownloadExecution::commandWords()
+{
+    QFETCH(DownloadPreset, preset);
+    QFETCH(QString, custom);
+    QFETCH(bool, playlist);
+    QFETCH(QString, url);
+    QFETCH(QString, folder);
+    QFETCH(QStringList, presetAndCustomWords);
+
+    auto engine = makeEngine();
+    QVERIFY(engine);
+    engine->fake.setScenario(R"([{"out": "[download] 100% of 1.00MiB in 00:01\n"}])");
+    const QString outputDir = engine->fixture.path(folder);
+    download(*engine, url, preset, custom, outputDir, playlist, false);
+    QTRY_VERIFY_WITH_TIMEOUT(allFinished(*engine), 20000);
+    QCOMPARE(only(*engine).status, DownloadStatus::Completed);
+
+    QStringList expected { u"--js-runtimes"_s, u"node:"_s + engine->node, u"--ffmpeg-location"_s, engine->ffmpeg };
+    if (!playlist)
+        expected << u"--no-playlist"_s;
+    expected << u"-o"_s << outputDir + u"/%(title)s.%(ext)s"_s;
+    expected += presetAndCustomWords;
+    expected << u"--progress"_s << url;
+    const auto runs = engine->fake.runs();
+    QCOMPARE(runs.size(), 1);
+    QCOMPARE(runs.constFirst(), expected);
+
+    const QStringList log = EngineFixture::messages(engine->state);
+    const QString command = log.filter(u"执行命令: "_s).value(0);
+    QVERIFY(command.startsWith(u"执行命令: "_s + engine->fake.path() + u" --js-runtimes"_s));
+    QCOMPARE(log.contains(u"只下载当前视频"_s), !playlist);
+    if (preset != DownloadPreset::Custom)
+        QVERIFY(log.contains(u"预设参数: "_s + presetArguments(preset).join(u' ')));
+    QVERIFY(log.contains(u"预设: "_s + rawValue(preset)));
+    QVERIFY(log.contains(u"JS 运行时: node:"_s + engine->node));
+}
+
+void TestDownloadExecution::cookiesOnlyWithChrome()
+{
+    auto engine = makeEngine();
+    QVERIFY(engine);
+    engine->fake.setScenario("[]");
+    download(*engine, u"https://a.example/1"_s, DownloadPreset::Default, QString(), QString(), false, true);
+    download(*engine, u"https://a.example/2"_s, DownloadPreset::Default, QString(), QString(), false, true);
+    QTRY_VERIFY_WITH_TIMEOUT(allFinished(*engine), 20000);
+    for (const QStringList &argv : engine->fake.runs())
+        QVERIFY(!argv.contains(u"--cookies-from-browser"_s));
+    QTRY_COMPARE(EngineFixture::messages(engine->state).filter(u"未找到 Chrome"_s).size(), 1);
+
+    engine->fixture.writeFile(u"home/.config/google-chrome/Default/Cookies"_s, "SQLite format 3");
+    download(*engine, u"https://a.example/3"_s, DownloadPreset::Default, QString(), QString(), false, true);
+    QTRY_VERIFY_WITH_TIMEOUT(allFinished(*engine) && engine->fake.runs().size() == 3, 20000);
+    const QStringList argv = engine->fake.runs().constLast();
+    // After the tool words, before the playlist switch.
+    const int at = int(argv.indexOf(u"--cookies-from-browser"_s));
+    QCOMPARE(argv.value(at + 1), u"chrome"_s);
+    QCOMPARE(argv.value(at - 1), engine->ffmpeg);
+    QCOMPARE(argv.value(at + 2), u"--no-playlist"_s);
+    QVERIFY(EngineFixture::messages(engine->state).contains(u"使用 Chrome 浏览器 Cookie"_s));
+}
+
+void TestDownloadExecution::progressFromCarriageReturns()
+{
+    auto engine = makeEngine();
+    QVERIFY(engine);
+    engine->fake.setScenario(R"([{"progress": {"count": 40, "rate": 80, "size": "10.00MiB"}}])");
+    TaskModel *model = engine->manager->taskModel();
+    QAbstractItemModelTester tester(model, QAbstractItemModelTester::FailureReportingMode::QtTest);
+    QList<double> seen;
+    QList<QString> speeds;
+    connect(model, &QAbstractItemModel::dataChanged, this,
+        [&](const QModelIndex &from, const QModelIndex &to, const QList<int> &roles) {
+            QCOMPARE(from, to); // one task, one row
+            if (roles.contains(TaskModel::ProgressRole))
+                seen << from.data(TaskModel::ProgressRole).toDouble();
+            if (roles.contains(TaskModel::SpeedRole))
+                speeds << from.data(TaskModel::SpeedRole).toString();
+        });
+    download(*engine, u"https://p.example/v"_s);
+    QTRY_VERIFY_WITH_TIMEOUT(allFinished(*engine), 20000);
+    QCOMPARE(only(*engine).status, DownloadStatus::Completed);
+    QCOMPARE(only(*engine).size, u"10.00MiB"_s);
+    QVERIFY(!only(*engine).speed.isEmpty());
+    QVERIFY(seen.size() >= 5);
+    QVERIFY(std::is_sorted(seen.cbegin(), seen.cend()));
+    QVERIFY(std::any_of(seen.cbegin(), seen.cend(), [](double p) { return p > 0.1 && p < 0.9; }));
+    QCOMPARE(seen.constLast(), 1.0);
+    QVERIFY(!speeds.isEmpty() && speeds.constFirst().endsWith(u"iB/s"_s));
+    QVERIFY(only(*engine).endTime.has_value());
+    // Every redraw reached the log as its own line.
+    QCOMPARE(EngineFixture::messages(engine->state).filter(u"[download]"_s).size(), 40);
+}
+
+void TestDownloadExecution::lineSplitAcrossReads()
+{
+    auto engine = makeEngine();
+    QVERIFY(engine);
+    engine->fake.setScenario(R"([{"out": "\r[download]  42"}, {"sleep": 0.4},
+        {"out": ".5% of 10.00MiB at 1.00MiB/s ETA 00:05\r"}, {"sleep": 1.5}])");
+    download(*engine, u"https://p.example/v"_s);
+    QTRY_COMPARE_WITH_TIMEOUT(only(*engine).progress, 0.425, 10000);
+    QCOMPARE(only(*engine).status, DownloadStatus::Downloading);
+    QCOMPARE(only(*engine).speed, u"1.00MiB/s"_s);
+    QTRY_VERIFY_WITH_TIMEOUT(allFinished(*engine), 20000);
+    const QStringList log = EngineFixture::messages(engine->state);
+    QVERIFY(log.contains(u"[download]  42.5% of 10.00MiB at 1.00MiB/s ETA 00:05"_s));
+    QVERIFY(!log.contains(u"[download]  42"_s));
+}
+
+void TestDownloadExecution::outputTyping()
+{
+    auto engine = makeEngine();
+    QVERIFY(engine);
+    engine->fake.setScenario(R"([{"err": "WARNING: slow\nERROR: broken\nplain note\n"},
+        {"out": "ERROR looks bad but is stdout\n"}])");
+    download(*engine, u"https://t.example/v"_s);
+    QTRY_VERIFY_WITH_TIMEOUT(allFinished(*engine), 20000);
+    QHash<QString, LogEntry::LogType> types;
+    for (const LogEntry &entry : engine->state.logEntries())
+        types.insert(entry.message, entry.type);
+    QCOMPARE(types.value(u"WARNING: slow"_s), LogEntry::LogType::Warning);
+    QCOMPARE(types.value(u"ERROR: broken"_s), LogEntry::LogType::Error);
+    QCOMPARE(types.value(u"plain note"_s), LogEntry::LogType::Download);
+    QCOMPARE(types.value(u"ERROR looks bad but is stdout"_s), LogEntry::LogType::Download);
+    QCOMPARE(only(*engine).status, DownloadStatus::Completed); // exit status decides, not the words
+}
+
+void TestDownloadExecution::failureMessages_data()
+{
+    QTest::addColumn<QByteArray>("steps");
+    QTest::addColumn<int>("exitCode");
+    QTest::addColumn<QString>("message");
+    QTest::newRow("first three error lines of stderr")
+        << QByteArray(R"([{"err": "ERROR: 1\nERROR: 2\nnoise\nERROR: 3\nERROR: 4\nERROR: 5\n"}])") << 1
+        << u"ERROR: 1\nERROR: 2\nERROR: 3"_s;
+    QTest::newRow("warnings count on stderr")
+        << QByteArray(R"([{"err": "WARNING: w\nsome error here\n"}])") << 2 << u"WARNING: w\nsome error here"_s;
+    QTest::newRow("stdout only when stderr is silent")
+        << QByteArray(R"([{"out": "ERROR: x\nWARNING: not counted\nerror: y\n"}])") << 2 << u"ERROR: x\nerror: y"_s;
+    QTest::newRow("stderr without error words: default")
+        << QByteArray(R"([{"err": "just talk\n"}, {"out": "ERROR: ignored, stderr spoke\n"}])") << 3
+        << u"下载失败 (错误码: 3)"_s;
+    QTest::newRow("silent failure: default") << QByteArray("[]") << 4 << u"下载失败 (错误码: 4)"_s;
+    QTest::newRow("last line without a newline") << QByteArray(R"([{"err": "ERROR: cut off"}])") << 1
+                                                 << u"ERROR: cut off"_s;
+}
+
+void TestDownloadExecution::failureMessages()
+{
+    QFETCH(QByteArray, steps);
+    QFETCH(int, exitCode);
+    QFETCH(QString, message);
+    auto engine = makeEngine();
+    QVERIFY(engine);
+    engine->fake.setScenario(steps, exitCode);
+    download(*engine, u"https://f.example/v"_s);
+    QTRY_VERIFY_WITH_TIMEOUT(allFinished(*engine), 20000);
+    QCOMPARE(only(*engine).status, DownloadStatus::Failed);
+    QCOMPARE(only(*engine).errorMessage, std::optional(message));
+    QVERIFY(!only(*engine).endTime);
+    QTRY_VERIFY(EngineFixture::messages(engine->state).contains(u"❌ 下载失败 (错误码: %1)"_s.arg(exitCode)));
+}
+
+void TestDownloadExecution::friendlyMessageWhileRunning()
+{
+    auto engine = makeEngine();
+    QVERIFY(engine);
+    engine->fake.setScenario(R"([{"err": "ERROR: [youtube] x: Login required\n"}, {"sleep": 1.5}])", 1);
+    download(*engine, u"https://f.example/v"_s);
+    QTRY_COMPARE_WITH_TIMEOUT(only(*engine).errorMessage, std::optional(u"需要登录或 Cookie 已过期"_s), 10000);
+    QCOMPARE(only(*engine).status, DownloadStatus::Downloading);
+    QTRY_VERIFY_WITH_TIMEOUT(allFinished(*engine), 20000);
+    // The tool's own line replaces it once the run has failed.
+    QCOMPARE(only(*engine).errorMessage, std::optional(u"ERROR: [youtube] x: Login required"_s));
+}
+
+void TestDownloadExecution::missingYtDlp()
+{
+    EngineFixture fixture;
+    AppState state;
+    DownloadManager manager(&state, fixture.emptyLocations());
+    manager.startDownload(u"https://m.example/v"_s, DownloadPreset::Default, QString(), fixture.path(u"out"_s), true,
+        false);
+    QTRY_COMPARE_WITH_TIMEOUT(manager.tasks().constFirst().status, DownloadStatus::Failed, 20000);
+    const QString message = manager.tasks().constFirst().errorMessage.value_or(QString());
+    QVERIFY2(message.startsWith(u"下载失败 (错误码: 127)"_s) && message.contains(u"找不到 yt-dlp"_s), qPrintable(message));
+}
+
+void TestDownloadExecution::atMostNAtOnce()
+{
+    auto engine = makeEngine();
+    QVERIFY(engine);
+    engine->manager->setMaxConcurrentDownloads(2);
+    engine->fake.setScenario(R"([{"sleep": 0.3}])");
+    int most = 0;
+    connect(engine->manager.get(), &DownloadManager::runningCountChanged, this,
+        [&] { most = std::max(most, engine->manager->runningCount()); });
+    QStringList urls;
+    for (int i = 0; i < 6; ++i)
+        urls << u"https://q.example/%1"_s.arg(i);
+    for (const QString &url : std::as_const(urls))
+        download(*engine, url);
+
+    const auto &tasks = engine->manager->taskModel()->tasks();
+    QCOMPARE(tasks.size(), 6);
+    QCOMPARE(std::count_if(tasks.cbegin(), tasks.cend(),
+                 [](const DownloadTask &t) { return t.status == DownloadStatus::Pending; }),
+        4);
+    QTRY_VERIFY_WITH_TIMEOUT(allFinished(*engine), 30000);
+    QCOMPARE(most, 2);
+    // Started in the order they were asked for (the children themselves may write in any order).
+    QStringList startedOrder;
+    for (const QString &line : engine->fixture.systemLog().filter(u"[executeDownload] 任务ID"_s))
+        startedOrder << line.section(u", URL: "_s, 1);
+    QCOMPARE(startedOrder, urls);
+    for (const DownloadTask &task : tasks)
+        QCOMPARE(task.status, DownloadStatus::Completed);
+}
+
+void TestDownloadExecution::requestedBeforeThePathIsKnown()
+{
+    auto engine = makeEngine(false);
+    QVERIFY(engine);
+    engine->fake.setScenario("[]");
+    QVERIFY(!engine->manager->isYtDlpPathKnown());
+    download(*engine, u"https://early.example/v"_s);
+    QCOMPARE(only(*engine).status, DownloadStatus::Pending);
+    QTRY_COMPARE_WITH_TIMEOUT(only(*engine).status, DownloadStatus::Completed, 20000);
+    // It waited for the version probe, so it carries the runtime words.
+    QVERIFY(engine->fake.runs().constFirst().contains(u"--js-runtimes"_s));
+}
+
+void TestDownloadExecution::cancelStopsTheWholeGroup()
+{
+    auto engine = makeEngine();
+    QVERIFY(engine);
+    engine->manager->setMaxConcurrentDownloads(2);
+    engine->fake.setScenario(R"([{"spawn_child_sleep": 60}, {"ignore_sigterm": true},
+        {"out": "[download]  10.0% of 1.00MiB at 1.00KiB/s ETA 10:00\r"}, {"sleep": 60}])");
+    for (int i = 0; i < 3; ++i)
+        download(*engine, u"https://c.example/%1"_s.arg(i));
+    QTRY_COMPARE_WITH_TIMEOUT(engine->fake.pids().size(), 4, 20000); // two stand-ins, two children
+    QTRY_VERIFY(only(*engine).progress > 0);
+    const QList<qint64> pids = engine->fake.pids();
+
+    engine->manager->cancelAllDownloads();
+    for (const DownloadTask &task : engine->manager->tasks())
+        QCOMPARE(task.status, DownloadStatus::Cancelled);
+    // The stand-ins ignore SIGTERM, so they go only with the SIGKILL after the grace period.
+    QTRY_VERIFY_WITH_TIMEOUT(engine->manager->runningCount() == 0, DownloadManager::CancelGraceMs + 10000);
+    for (qint64 pid : pids)
+        QTRY_VERIFY2_WITH_TIMEOUT(!alive(pid), qPrintable(QString::number(pid)), 5000);
+    QTest::qWait(100);
+    for (const DownloadTask &task : engine->manager->tasks())
+        QCOMPARE(task.status, DownloadStatus::Cancelled);
+    QCOMPARE(engine->fake.runs().size(), 2); // the waiting one never started
+    QVERIFY(EngineFixture::messages(engine->state).filter(u"下载失败"_s).isEmpty());
+}
+
+void TestDownloadExecution::shutdownReturnsWithNothingLeft()
+{
+    auto engine = makeEngine();
+    QVERIFY(engine);
+    engine->fake.setScenario(R"([{"spawn_child_sleep": 60}, {"sleep": 60}])");
+    download(*engine, u"https://s.example/1"_s);
+    QTRY_COMPARE_WITH_TIMEOUT(engine->fake.pids().size(), 2, 20000);
+    const QList<qint64> pids = engine->fake.pids();
+    engine->manager->shutdown();
+    for (qint64 pid : pids) {
+        // Already gone, or a zombie waiting for its parent: either way it no longer runs.
+        QFile stat(u"/proc/%1/stat"_s.arg(pid));
+        QVERIFY2(!stat.open(QIODevice::ReadOnly) || stat.readAll().split(' ').value(2) == "Z",
+            qPrintable(QString::number(pid)));
+    }
+    QCOMPARE(only(*engine).status, DownloadStatus::Cancelled);
+}
+
+void TestDownloadExecution::launchFailuresLoseNothing()
+{
+    auto engine = makeEngine();
+    QVERIFY(engine);
+    engine->fake.setScenario("[]");
+    engine->fixture.writeFile(u"a-file"_s, "x");
+    download(*engine, u"https://l.example/1"_s, DownloadPreset::Default, QString(), engine->fixture.path(u"a-file/sub"_s));
+    download(*engine, u"https://l.example/2"_s);
+    QTRY_VERIFY_WITH_TIMEOUT(allFinished(*engine), 20000);
+    const auto tasks = engine->manager->tasks();
+    QCOMPARE(tasks.at(0).status, DownloadStatus::Failed);
+    QCOMPARE(tasks.at(0).errorMessage, std::optional(u"无法创建输出目录: "_s + engine->fixture.path(u"a-file/sub"_s)));
+    QCOMPARE(tasks.at(1).status, DownloadStatus::Completed);
+
+    // A shell that cannot be started fails the task with the reason, and the queue goes on.
+    qputenv("QUILLBOX_SHELL", engine->fixture.path(u"no-shell"_s).toUtf8());
+    download(*engine, u"https://l.example/3"_s);
+    download(*engine, u"https://l.example/4"_s);
+    QTRY_VERIFY_WITH_TIMEOUT(allFinished(*engine), 20000);
+    for (int i : { 2, 3 }) {
+        const DownloadTask &task = engine->manager->tasks().at(i);
+        QCOMPARE(task.status, DownloadStatus::Failed);
+        QVERIFY(task.errorMessage.value_or(QString()).contains(u"无法启动"_s));
+    }
+    QCOMPARE(engine->manager->runningCount(), 0);
+}
+
+void TestDownloadExecution::outputThatIsNotUtf8()
+{
+    auto engine = makeEngine();
+    QVERIFY(engine);
+    engine->fake.setScenario(R"([{"out_hex": "5b646f776e6c6f61645d2035302e30252066ff0a"}])");
+    download(*engine, u"https://u.example/v"_s);
+    QTRY_VERIFY_WITH_TIMEOUT(allFinished(*engine), 20000);
+    QCOMPARE(only(*engine).status, DownloadStatus::Completed);
+    QVERIFY(EngineFixture::messages(engine->state).contains(u"[download] 50.0% f\uFFFD"_s));
+}
+
+QTEST_GUILESS_MAIN(TestDownloadExecution)
+#include "tst_downloadexecution.moc"
