@@ -1,0 +1,241 @@
+#include "engine/downloadmanager.h"
+#include "model/appstate.h"
+
+#include "enginefixture.h"
+
+#include <QtTest>
+
+using namespace Qt::StringLiterals;
+
+class TestMaintenance : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void update_data();
+    void update();
+    void updateWithAShellThatCannotStart();
+    void listFormats_data();
+    void listFormats();
+    void listFormatsCommand_data();
+    void listFormatsCommand();
+};
+
+namespace {
+struct Engine
+{
+    EngineFixture fixture;
+    FakeYtDlp fake { fixture };
+    AppState state;
+    std::unique_ptr<DownloadManager> manager;
+};
+
+std::unique_ptr<Engine> makeEngine(bool withRuntime = false)
+{
+    auto engine = std::make_unique<Engine>();
+    ToolLocations locations = engine->fixture.emptyLocations();
+    locations.ytDlp << engine->fake.path();
+    if (withRuntime)
+        locations.runtimes[0].candidates << engine->fixture.writeScript(u"tools/deno"_s, "exit 0");
+    engine->manager = std::make_unique<DownloadManager>(&engine->state, locations);
+    const DownloadManager &manager = *engine->manager;
+    const bool ready = QTest::qWaitFor(
+        [&] { return !manager.ytDlpVersion().isEmpty() && (!withRuntime || !manager.detectedJSRuntime().isEmpty()); },
+        20000);
+    return ready ? std::move(engine) : nullptr;
+}
+
+QString runUpdate(DownloadManager &manager)
+{
+    std::optional<QString> answer;
+    manager.updateYtDlp([&answer](const QString &text) {
+        QVERIFY(!answer); // exactly once
+        answer = text;
+    });
+    if (!QTest::qWaitFor([&answer] { return answer.has_value(); }, 20000))
+        return u"(no answer)"_s;
+    return *answer;
+}
+} // namespace
+
+void TestMaintenance::update_data()
+{
+    QTest::addColumn<QByteArray>("brew"); // empty: no brew on the path
+    QTest::addColumn<QByteArray>("updateOutput");
+    QTest::addColumn<int>("updateExit");
+    QTest::addColumn<int>("versionExit");
+    QTest::addColumn<QString>("answer");
+    QTest::addColumn<bool>("selfUpdateRan");
+
+    QTest::newRow("brew upgrades") << QByteArray("echo \"brew $*\"; exit 0") << QByteArray() << 0 << 0
+                                   << u"✅ 更新成功，当前版本: 2026.02.01"_s << false;
+    QTest::newRow("no brew: yt-dlp -U") << QByteArray() << QByteArray("Updated yt-dlp") << 0 << 0
+                                        << u"✅ 更新成功，当前版本: 2026.02.01"_s << true;
+    QTest::newRow("brew fails: yt-dlp -U") << QByteArray("echo 'Error: no formula'; exit 1") << QByteArray("done") << 0
+                                           << 0 << u"✅ 更新成功，当前版本: 2026.02.01"_s << true;
+    const QByteArray longOutput = QByteArray("错").repeated(10) + QByteArray("x").repeated(990);
+    QTest::newRow("failure shows the first 300 characters")
+        << QByteArray() << longOutput << 1 << 0
+        << u"❌ 更新失败: "_s + QString::fromUtf8(longOutput).left(300) << true;
+    QTest::newRow("updated but the version probe fails") << QByteArray() << QByteArray("ok") << 0 << 1
+                                                         << u"✅ 命令执行成功，但版本检测失败"_s << true;
+}
+
+void TestMaintenance::update()
+{
+    QFETCH(QByteArray, brew);
+    QFETCH(QByteArray, updateOutput);
+    QFETCH(int, updateExit);
+    QFETCH(int, versionExit);
+    QFETCH(QString, answer);
+    QFETCH(bool, selfUpdateRan);
+
+    auto engine = makeEngine();
+    QVERIFY(engine);
+    if (!brew.isEmpty())
+        engine->fixture.writeScript(u"bin/brew"_s, brew);
+    qputenv("FAKE_YTDLP_UPDATE_OUTPUT", updateOutput);
+    qputenv("FAKE_YTDLP_UPDATE_EXIT", QByteArray::number(updateExit));
+    qputenv("FAKE_YTDLP_VERSION", "2026.02.01");
+    qputenv("FAKE_YTDLP_VERSION_EXIT", QByteArray::number(versionExit));
+
+    QCOMPARE(runUpdate(*engine->manager), answer);
+    bool ranSelfUpdate = false;
+    for (const QStringList &argv : engine->fake.runs())
+        ranSelfUpdate |= argv == QStringList { u"-U"_s };
+    QCOMPARE(ranSelfUpdate, selfUpdateRan);
+
+    QTRY_VERIFY(EngineFixture::messages(engine->state).contains(u"正在更新 yt-dlp..."_s));
+    const auto logged = [&] {
+        const auto entries = engine->state.logEntries();
+        return std::any_of(entries.cbegin(), entries.cend(), [&answer](const LogEntry &entry) {
+            return entry.message == answer
+                && entry.type == (answer.startsWith(u"❌"_s) ? LogEntry::LogType::Error : LogEntry::LogType::Info);
+        });
+    };
+    // Everything but the failed version probe is mirrored in the log.
+    if (answer.contains(u"版本检测失败"_s)) {
+        QTest::qWait(50);
+        QVERIFY(!logged());
+    } else {
+        QTRY_VERIFY(logged());
+    }
+    QCOMPARE(engine->manager->ytDlpVersion(), versionExit == 0 && updateExit == 0 ? u"2026.02.01"_s : u"2025.11.12"_s);
+}
+
+void TestMaintenance::updateWithAShellThatCannotStart()
+{
+    auto engine = makeEngine();
+    QVERIFY(engine);
+    qputenv("QUILLBOX_SHELL", engine->fixture.path(u"missing-shell"_s).toUtf8());
+    const QString answer = runUpdate(*engine->manager);
+    QVERIFY2(answer.startsWith(u"❌ 更新失败: 无法启动"_s), qPrintable(answer));
+    QTRY_VERIFY(EngineFixture::messages(engine->state).contains(answer));
+
+    std::optional<FormatListResult> result;
+    engine->manager->listFormats(u"https://x.example/v"_s, false, [&](const FormatListResult &r) { result = r; });
+    QTRY_VERIFY(result);
+    QVERIFY(!result->ok);
+    QCOMPARE(result->error.domain, u"QProcess"_s);
+    QVERIFY(result->error.localizedDescription.contains(u"无法启动"_s));
+    QTRY_VERIFY(EngineFixture::messages(engine->state).contains(u"获取格式列表失败: "_s + result->error.localizedDescription));
+}
+
+void TestMaintenance::listFormats_data()
+{
+    QTest::addColumn<QByteArray>("stdoutText");
+    QTest::addColumn<QByteArray>("stderrText"); // empty: nothing on stderr
+    QTest::addColumn<int>("exitCode");
+    QTest::addColumn<bool>("ok");
+    QTest::addColumn<QString>("text"); // success text or error description (the stand-in ends lines)
+    QTest::addColumn<QString>("logLine");
+
+    QTest::newRow("table") << QByteArray("ID EXT\n18 mp4\n") << QByteArray() << 0 << true << u"ID EXT\n18 mp4\n"_s
+                           << u"格式列表获取成功"_s;
+    QTest::newRow("table with warnings") << QByteArray("ID EXT\n") << QByteArray("WARNING: slow") << 0 << true
+                                         << u"ID EXT\n\nWARNING: slow\n"_s << u"格式列表获取成功"_s;
+    QTest::newRow("failure says stderr") << QByteArray("partial") << QByteArray("ERROR: Unsupported URL") << 1 << false
+                                         << u"ERROR: Unsupported URL\n"_s << u"获取格式列表失败: ERROR: Unsupported URL\n"_s;
+    const QByteArray longOut = QByteArray("y").repeated(500);
+    QTest::newRow("failure on stdout only") << longOut << QByteArray() << 2 << false << QString::fromLatin1(longOut + '\n')
+                                            << u"获取格式列表失败: "_s + QString::fromLatin1(longOut.left(200));
+}
+
+void TestMaintenance::listFormats()
+{
+    QFETCH(QByteArray, stdoutText);
+    QFETCH(QByteArray, stderrText);
+    QFETCH(int, exitCode);
+    QFETCH(bool, ok);
+    QFETCH(QString, text);
+    QFETCH(QString, logLine);
+
+    auto engine = makeEngine();
+    QVERIFY(engine);
+    qputenv("FAKE_YTDLP_FORMATS", stdoutText);
+    if (!stderrText.isEmpty())
+        qputenv("FAKE_YTDLP_FORMATS_STDERR", stderrText);
+    qputenv("FAKE_YTDLP_FORMATS_EXIT", QByteArray::number(exitCode));
+
+    std::optional<FormatListResult> result;
+    engine->manager->listFormats(u"https://f.example/v"_s, false, [&](const FormatListResult &r) { result = r; });
+    QTRY_VERIFY_WITH_TIMEOUT(result, 20000);
+    QCOMPARE(result->ok, ok);
+    if (ok) {
+        QCOMPARE(result->text, text);
+    } else {
+        QCOMPARE(result->error.domain, u"DownloadManager"_s);
+        QCOMPARE(result->error.code, exitCode);
+        QCOMPARE(result->error.localizedDescription, text);
+    }
+    QTRY_VERIFY(EngineFixture::messages(engine->state).contains(logLine));
+    QVERIFY(EngineFixture::messages(engine->state).contains(u"正在获取可用格式..."_s));
+}
+
+void TestMaintenance::listFormatsCommand_data()
+{
+    QTest::addColumn<bool>("runtime");
+    QTest::addColumn<bool>("cookies");
+    QTest::addColumn<bool>("chromeInstalled");
+    QTest::newRow("bare") << false << false << false;
+    QTest::newRow("runtime words") << true << false << false;
+    QTest::newRow("cookies after the runtime") << true << true << true;
+    QTest::newRow("cookies asked for, no Chrome") << false << true << false;
+}
+
+void TestMaintenance::listFormatsCommand()
+{
+    QFETCH(bool, runtime);
+    QFETCH(bool, cookies);
+    QFETCH(bool, chromeInstalled);
+    auto engine = makeEngine(runtime);
+    QVERIFY(engine);
+    if (chromeInstalled)
+        engine->fixture.writeFile(u"home/Library/Application Support/Google/Chrome/Profile 1/Cookies"_s, "db");
+    const QString url = u"https://q.example/it's a \"test\" $HOME"_s;
+    std::optional<FormatListResult> result;
+    engine->manager->listFormats(url, cookies, [&](const FormatListResult &r) { result = r; });
+    QTRY_VERIFY_WITH_TIMEOUT(result, 20000);
+    QVERIFY(result->ok);
+
+    QStringList expected { u"--list-formats"_s };
+    if (runtime)
+        expected << u"--js-runtimes"_s << u"deno:"_s + engine->fixture.path(u"tools/deno"_s);
+    if (cookies && chromeInstalled)
+        expected << u"--cookies-from-browser"_s << u"chrome"_s;
+    expected << url;
+    QCOMPARE(engine->fake.runs(), QList<QStringList> { expected });
+    const bool warned = !EngineFixture::messages(engine->state).filter(u"未找到 Chrome"_s).isEmpty();
+    QCOMPARE(warned, cookies && !chromeInstalled);
+    // Only the link is quoted; its quote is closed, escaped and reopened.
+    QString command = engine->fake.path() + u" --list-formats"_s;
+    if (runtime)
+        command += u" --js-runtimes deno:"_s + engine->fixture.path(u"tools/deno"_s);
+    if (cookies && chromeInstalled)
+        command += u" --cookies-from-browser chrome"_s;
+    command += u" 'https://q.example/it'\\''s a \"test\" $HOME'"_s;
+    QVERIFY(EngineFixture::messages(engine->state).contains(u"执行命令: "_s + command));
+}
+
+QTEST_GUILESS_MAIN(TestMaintenance)
+#include "tst_maintenance.moc"
