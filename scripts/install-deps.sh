@@ -9,9 +9,9 @@ debian_packages=(
     qml6-module-qtqml qml6-module-qtqml-models qml6-module-qtqml-workerscript
     qml6-module-qtquick qml6-module-qtquick-controls qml6-module-qtquick-templates
     qml6-module-qtquick-layouts qml6-module-qtquick-window qml6-module-qtquick-dialogs
-    qml6-module-qtquick-shapes qml6-module-qttest qml6-module-qt-labs-folderlistmodel
+    qml6-module-qtquick-shapes qml6-module-qttest qml6-module-qt-labs-platform
     qt6-qpa-plugins libqt6svg6
-    fonts-noto-cjk fonts-dejavu-core
+    fonts-noto-cjk fonts-noto-color-emoji fonts-dejavu-core
     yt-dlp ffmpeg zsh sqlite3 python3 nodejs
     xvfb xauth
 )

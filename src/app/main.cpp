@@ -1,5 +1,6 @@
 #include "app/applifecycle.h"
 #include "engine/downloadmanager.h"
+#include "views/qmlsetup.h"
 
 #include <QGuiApplication>
 #include <QQmlApplicationEngine>
@@ -23,7 +24,7 @@ int main(int argc, char *argv[])
 
     AppLifecycle lifecycle(DownloadManager::instance());
     QQmlApplicationEngine engine;
-    engine.addImportPath(QStringLiteral("qrc:/qt/qml"));
+    setupQmlEngine(engine);
     engine.load(QUrl(QStringLiteral("qrc:/qt/qml/Quillbox/Main.qml")));
     if (engine.rootObjects().isEmpty())
         return 1;

@@ -116,6 +116,8 @@ public:
     // Asks the yt-dlp in use for its version; `completion(success, output or error)` on this
     // thread. Waits for the path to be chosen first.
     void checkYtDlpInstallation(std::function<void(bool, const QString &)> completion);
+    // The same check for views: the answer comes as installationChecked().
+    Q_INVOKABLE void checkInstallation();
     Q_INVOKABLE void detectJSRuntime();
     Q_INVOKABLE void detectFfmpeg();
 
@@ -154,6 +156,7 @@ public:
         const QStringList &jsRuntimeArgs, const QStringList &ffmpegArgs, bool withCookies);
 
 Q_SIGNALS:
+    void installationChecked(bool installed, const QString &output);
     void ytDlpPathChanged();
     void ytDlpVersionChanged();
     void isCheckingYtDlpChanged();

@@ -139,6 +139,12 @@ void DownloadManager::checkYtDlpInstallation(std::function<void(bool, const QStr
     });
 }
 
+void DownloadManager::checkInstallation()
+{
+    checkYtDlpInstallation(
+        [this](bool installed, const QString &output) { Q_EMIT installationChecked(installed, output); });
+}
+
 bool DownloadManager::supportsJsRuntimes(const QString &ytDlpVersion)
 {
     // Releases are dated YYYY.MM.DD (nightlies add a time); --js-runtimes arrived in 2025.11.12.

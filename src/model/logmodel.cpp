@@ -26,6 +26,14 @@ QVariant LogModel::data(const QModelIndex &index, int role) const
     case Qt::DisplayRole:
     case MessageRole:
         return entry.message;
+    case TimeTextRole:
+        return entry.timestamp.toString(QStringLiteral("HH:mm:ss"));
+    case SymbolRole:
+        return symbolFor(entry.type);
+    case TintRole:
+        return tintFor(entry.type);
+    case IsErrorRole:
+        return entry.type == LogEntry::LogType::Error;
     default:
         return QVariant();
     }
@@ -38,7 +46,41 @@ QHash<int, QByteArray> LogModel::roleNames() const
         { TimestampRole, "timestamp" },
         { TypeRole, "type" },
         { MessageRole, "message" },
+        { TimeTextRole, "timeText" },
+        { SymbolRole, "symbol" },
+        { TintRole, "tint" },
+        { IsErrorRole, "isError" },
     };
+}
+
+QString LogModel::symbolFor(LogEntry::LogType type)
+{
+    switch (type) {
+    case LogEntry::LogType::Info:
+        return QStringLiteral("info.circle");
+    case LogEntry::LogType::Warning:
+        return QStringLiteral("exclamationmark.triangle");
+    case LogEntry::LogType::Error:
+        return QStringLiteral("xmark.octagon");
+    case LogEntry::LogType::Download:
+        return QStringLiteral("arrow.down.circle");
+    }
+    return QString();
+}
+
+QString LogModel::tintFor(LogEntry::LogType type)
+{
+    switch (type) {
+    case LogEntry::LogType::Info:
+        return QStringLiteral("blue");
+    case LogEntry::LogType::Warning:
+        return QStringLiteral("orange");
+    case LogEntry::LogType::Error:
+        return QStringLiteral("red");
+    case LogEntry::LogType::Download:
+        return QStringLiteral("green");
+    }
+    return QString();
 }
 
 QList<LogEntry> LogModel::entries() const

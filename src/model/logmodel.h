@@ -21,6 +21,10 @@ public:
         TimestampRole,
         TypeRole,
         MessageRole,
+        TimeTextRole, // "HH:mm:ss", 24-hour local time
+        SymbolRole, // the icon of the entry's type
+        TintRole, // the colour name of the entry's type: blue, orange, red, green
+        IsErrorRole, // error lines show their message in red
     };
     Q_ENUM(Role)
 
@@ -36,6 +40,9 @@ public:
     const LogEntry &at(int row) const { return m_entries[std::size_t(row)]; }
 
     void append(QList<LogEntry> batch);
+
+    static QString symbolFor(LogEntry::LogType type);
+    static QString tintFor(LogEntry::LogType type);
     void clear();
 
 Q_SIGNALS:

@@ -7,6 +7,21 @@ import Quillbox
 ApplicationWindow {
     id: root
 
+    // Edit commands go to whatever text item has the keyboard focus, as a menu would send them
+    // down the responder chain.
+    function editCommand(name: string) {
+        const item = root.activeFocusItem
+        if (item && typeof item[name] === "function")
+            item[name]()
+    }
+
+    function toggleZoom() {
+        if (root.visibility === Window.Maximized)
+            root.showNormal()
+        else
+            root.showMaximized()
+    }
+
     title: "Quillbox - 视频下载管理器"
     width: 1200
     height: 800
@@ -22,10 +37,43 @@ ApplicationWindow {
     palette.button: Theme.border
     palette.buttonText: Theme.text
     palette.highlight: Theme.accent
+    palette.highlightedText: Theme.text
+    palette.placeholderText: Theme.gray
+    palette.toolTipBase: Theme.raised
+    palette.toolTipText: Theme.text
 
-    Rectangle {
-        objectName: "contentPlaceholder"
+    // On macOS the menus live in the system menu bar; elsewhere in the window.
+    menuBar: Qt.platform.os === "osx" ? null : inWindowMenu.createObject(root)
+
+    MenuActions {
+        id: actions
+
+        window: root
+        onAboutRequested: aboutDialog.open()
+        onEditRequested: command => root.editCommand(command)
+        onZoomRequested: root.toggleZoom()
+    }
+
+    Component {
+        id: inWindowMenu
+
+        AppMenuBar {
+            actions: actions
+        }
+    }
+
+    Loader {
+        active: Qt.platform.os === "osx"
+        source: "NativeMenuBar.qml"
+        onLoaded: item.actions = actions
+    }
+
+    AboutDialog {
+        id: aboutDialog
+    }
+
+    MainView {
+        objectName: "mainView"
         anchors.fill: parent
-        color: Theme.background
     }
 }

@@ -24,6 +24,21 @@ QtObject {
     readonly property color yellow: Colors.hex("#FFD60A")
     readonly property color purple: Colors.hex("#BF5AF2")
 
+    readonly property font fixedFont: Desktop.fixedFont
+
+    // The colour behind a colour name that C++ presenters hand out ("blue", "red", …).
+    function tint(name: string): color {
+        switch (name) {
+        case "blue": return blue
+        case "green": return green
+        case "red": return red
+        case "orange": return orange
+        case "yellow": return yellow
+        case "purple": return purple
+        default: return gray
+        }
+    }
+
     readonly property int radiusSmall: 6
     readonly property int radius: 10
     readonly property int radiusLarge: 12

@@ -1,5 +1,6 @@
 #include "app/applifecycle.h"
 #include "app/hexcolor.h"
+#include "views/qmlsetup.h"
 
 #include "testsupport.h"
 
@@ -35,7 +36,7 @@ private:
 std::unique_ptr<QQmlApplicationEngine> TestMainWindow::loadMain()
 {
     auto engine = std::make_unique<QQmlApplicationEngine>();
-    engine->addImportPath(u"qrc:/qt/qml"_s);
+    setupQmlEngine(*engine);
     engine->load(QUrl(u"qrc:/qt/qml/Quillbox/Main.qml"_s));
     return engine;
 }

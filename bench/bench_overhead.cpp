@@ -1,0 +1,2 @@
+// placeholder while being written
+int main() { return 0; }

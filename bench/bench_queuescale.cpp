@@ -1,0 +1,246 @@
+// Ten thousand links at once: how long until every one is a task in the model, what the first
+// turn of the event loop afterwards costs, and whether the number of yt-dlp processes ever goes
+// past the limit. Each stand-in download sleeps 0.2 s; at most three run at a time.
+
+#include "benchengine.h"
+
+#include <QDirIterator>
+
+#include <atomic>
+#include <chrono>
+#include <thread>
+
+using namespace Qt::StringLiterals;
+using namespace bench;
+
+namespace {
+constexpr int Limit = 3;
+
+// Counts live stand-in processes (argv[1] is the stand-in's path: python3 running the script)
+// by reading /proc, every 10 ms on a thread of its own, so the count does not depend on the
+// event loop being free.
+class ProcessCounter
+{
+public:
+    explicit ProcessCounter(QString script)
+        : m_script(script.toLocal8Bit())
+    {
+    }
+    ~ProcessCounter() { stop(); }
+
+    ProcessCounter(const ProcessCounter &) = delete;
+    ProcessCounter &operator=(const ProcessCounter &) = delete;
+
+    void start()
+    {
+        m_running = true;
+        m_thread = std::thread([this] {
+            while (m_running) {
+                const int live = count();
+                m_samples.fetch_add(1);
+                int seen = m_max.load();
+                while (live > seen && !m_max.compare_exchange_weak(seen, live)) { }
+                std::this_thread::sleep_for(std::chrono::milliseconds(10));
+            }
+        });
+    }
+
+    void stop()
+    {
+        m_running = false;
+        if (m_thread.joinable())
+            m_thread.join();
+    }
+
+    int max() const { return m_max.load(); }
+    qint64 samples() const { return m_samples.load(); }
+
+    // Stand-in processes alive now (zombies not counted).
+    int count() const
+    {
+        int live = 0;
+        QDirIterator entries(u"/proc"_s, QDir::Dirs | QDir::NoDotAndDotDot);
+        while (entries.hasNext()) {
+            const QString dir = entries.next();
+            bool numeric = false;
+            entries.fileName().toLongLong(&numeric);
+            if (!numeric)
+                continue;
+            QFile cmdline(dir + u"/cmdline"_s);
+            if (!cmdline.open(QIODevice::ReadOnly))
+                continue;
+            const QList<QByteArray> argv = cmdline.readAll().split('\0');
+            if (argv.size() < 2 || (argv.at(1) != m_script && argv.at(0) != m_script))
+                continue;
+            QFile stat(dir + u"/stat"_s);
+            if (stat.open(QIODevice::ReadOnly)) {
+                const QByteArray text = stat.readAll();
+                const qsizetype close = text.lastIndexOf(')');
+                if (close >= 0 && text.mid(close + 2, 1) == "Z")
+                    continue;
+            }
+            ++live;
+        }
+        return live;
+    }
+
+private:
+    QByteArray m_script;
+    std::thread m_thread;
+    std::atomic<bool> m_running { false };
+    std::atomic<int> m_max { 0 };
+    std::atomic<qint64> m_samples { 0 };
+};
+
+struct Outcome
+{
+    double callMs = 0; // the call (or loop of calls) that queued every link
+    double firstTurnMs = 0; // from its return until the event loop next ran a timer
+    int maxRunning = 0; // runningCount(), sampled on every change
+    int maxProcesses = 0; // live stand-in processes, sampled from /proc
+    qint64 procSamples = 0;
+    qsizetype completedMeanwhile = 0;
+    double cancelCallMs = 0;
+    double drainMs = 0; // from cancelAllDownloads() until runningCount() == 0
+    int leftAfter = 0; // stand-in processes alive after the drain
+};
+
+enum class Way { Loop, Batch };
+
+Outcome measure(Sandbox &sandbox, Way way, int links, int observeMs)
+{
+    AppState state;
+    DownloadManager manager(&state, locationsFor(sandbox, standInYtDlp(), QString()));
+    manager.setMaxConcurrentDownloads(Limit);
+    if (manager.maxConcurrentDownloads() != Limit)
+        fail(u"the limit did not take"_s);
+    setStandInScenario(sandbox, {});
+    warmUp(manager, u"https://example.invalid/warm-up"_s, sandbox.path(u"out"_s));
+    setStandInScenario(sandbox, R"([{"out": "[download] Destination: queued.mp4\n"}, {"sleep": 0.2},
+        {"out": "[download] 100% of 1.00MiB in 00:00:00 at 5.00MiB/s\n"}])");
+    state.clearLog();
+    spin(200);
+
+    Outcome outcome;
+    QObject::connect(&manager, &DownloadManager::runningCountChanged, &manager,
+        [&] { outcome.maxRunning = std::max(outcome.maxRunning, manager.runningCount()); });
+    ProcessCounter counter(standInYtDlp());
+    counter.start();
+
+    QStringList urls;
+    urls.reserve(links);
+    for (int i = 0; i < links; ++i)
+        urls << u"https://example.invalid/queue/%1"_s.arg(i + 1);
+    const QString folder = sandbox.path(u"out"_s);
+    const qsizetype before = manager.taskModel()->count();
+    const qsizetype completedBefore = countWithStatus(manager, DownloadStatus::Completed);
+
+    QElapsedTimer clock;
+    clock.start();
+    if (way == Way::Loop) {
+        for (const QString &url : std::as_const(urls))
+            manager.startDownload(url, DownloadPreset::Default, QString(), folder, true, false);
+    } else {
+        manager.startDownloads(urls, requestInto(folder));
+    }
+    outcome.callMs = double(clock.nsecsElapsed()) / 1e6;
+    if (manager.taskModel()->count() - before != links)
+        fail(u"%1 tasks in the model after queuing %2 links"_s.arg(manager.taskModel()->count() - before).arg(links));
+
+    // Whatever the call left for the event loop (the in-app log's entries) runs before this.
+    const qint64 returned = clock.nsecsElapsed();
+    bool turned = false;
+    QTimer::singleShot(0, &manager, [&] {
+        outcome.firstTurnMs = double(clock.nsecsElapsed() - returned) / 1e6;
+        turned = true;
+    });
+    if (!waitUntil([&] { return turned; }, 60000, 1))
+        fail(u"the event loop did not come back within 60 s"_s);
+
+    spin(observeMs);
+    outcome.completedMeanwhile = countWithStatus(manager, DownloadStatus::Completed) - completedBefore;
+
+    clock.restart();
+    manager.cancelAllDownloads();
+    outcome.cancelCallMs = double(clock.nsecsElapsed()) / 1e6;
+    if (!waitUntil([&] { return manager.runningCount() == 0; }, DownloadManager::CancelGraceMs + 10000, 1))
+        fail(u"%1 downloads still running 10 s after the cancel grace period"_s.arg(manager.runningCount()));
+    outcome.drainMs = double(clock.nsecsElapsed()) / 1e6;
+    spin(100);
+    counter.stop();
+    outcome.maxProcesses = counter.max();
+    outcome.procSamples = counter.samples();
+    outcome.leftAfter = counter.count();
+
+    const qsizetype cancelled = countWithStatus(manager, DownloadStatus::Cancelled);
+    const qsizetype failed = countWithStatus(manager, DownloadStatus::Failed);
+    if (failed > 0)
+        fail(u"%1 downloads failed"_s.arg(failed));
+    if (cancelled + outcome.completedMeanwhile != links)
+        fail(u"%1 cancelled + %2 completed, expected %3 in all"_s.arg(cancelled).arg(outcome.completedMeanwhile).arg(links));
+    return outcome;
+}
+
+void report(const char *label, const Outcome &outcome)
+{
+    say(u"  %1: queued in %2 ms; next event-loop turn after %3 ms; %4 completed in the meantime"_s.arg(
+        QString::fromLatin1(label), number(outcome.callMs), number(outcome.firstTurnMs),
+        QString::number(outcome.completedMeanwhile)));
+    say(u"    most running at once: %1 by runningCount(), %2 stand-in processes in /proc (%3 samples); limit %4"_s.arg(
+        QString::number(outcome.maxRunning), QString::number(outcome.maxProcesses),
+        QString::number(outcome.procSamples), QString::number(Limit)));
+    say(u"    cancelAllDownloads() took %1 ms, nothing running after %2 ms, %3 stand-ins left"_s.arg(
+        number(outcome.cancelCallMs), number(outcome.drainMs), QString::number(outcome.leftAfter)));
+}
+} // namespace
+
+int main(int argc, char **argv)
+{
+    QCoreApplication app(argc, argv);
+    return run("bench_queuescale", [&] {
+        const bool quick = shortMode(argc, argv);
+        const int links = intOption(argc, argv, "links", quick ? 1000 : 10000);
+        const int observeMs = quick ? 1000 : 2000;
+
+        Sandbox sandbox;
+        QuietEngineLog quiet;
+        if (!QFileInfo(standInYtDlp()).isExecutable())
+            fail(u"the stand-in yt-dlp is missing: "_s + standInYtDlp());
+        if (!QFileInfo::exists(sandbox.bin() + u"/python3"_s)) {
+            say(u"bench_queuescale: SKIPPED, no python3 for the stand-in yt-dlp"_s);
+            return 77;
+        }
+
+        say(u"bench_queuescale: %1 links, at most %2 at once, each download 0.2 s%3"_s.arg(QString::number(links),
+            QString::number(Limit), quick ? u", short mode"_s : QString()));
+        const qint64 rssStart = rssKiB();
+        const Outcome loop = measure(sandbox, Way::Loop, links, observeMs);
+        report("loop of startDownload()", loop);
+        const Outcome batch = measure(sandbox, Way::Batch, links, observeMs);
+        report("one startDownloads()   ", batch);
+        const qint64 rssEnd = rssKiB();
+        say(u"  RSS %1 MiB at the start, %2 MiB at the end, %3 MiB peak"_s.arg(
+            number(mib(rssStart)), number(mib(rssEnd)), number(mib(peakRssKiB()))));
+
+        writeResult("bench_queuescale",
+            {
+                { u"links"_s, QString::number(links) },
+                { u"limit"_s, QString::number(Limit) },
+                { u"loop_call_ms"_s, number(loop.callMs) },
+                { u"loop_first_turn_ms"_s, number(loop.firstTurnMs) },
+                { u"batch_call_ms"_s, number(batch.callMs) },
+                { u"batch_first_turn_ms"_s, number(batch.firstTurnMs) },
+                { u"max_running"_s, QString::number(std::max(loop.maxRunning, batch.maxRunning)) },
+                { u"max_processes"_s, QString::number(std::max(loop.maxProcesses, batch.maxProcesses)) },
+                { u"loop_cancel_ms"_s, number(loop.cancelCallMs) },
+                { u"batch_cancel_ms"_s, number(batch.cancelCallMs) },
+                { u"left_after"_s, QString::number(loop.leftAfter + batch.leftAfter) },
+                { u"rss_peak_mib"_s, number(mib(peakRssKiB())) },
+            });
+        if (std::max(loop.maxRunning, batch.maxRunning) > Limit || std::max(loop.maxProcesses, batch.maxProcesses) > Limit)
+            fail(u"more than %1 downloads ran at once"_s.arg(Limit));
+        if (loop.leftAfter + batch.leftAfter > 0)
+            fail(u"stand-in processes were left running after the cancel"_s);
+        return 0;
+    });
+}

@@ -1,0 +1,45 @@
+import QtQuick
+import QtQuick.Controls.Basic
+import QtQuick.Layouts
+import Quillbox
+
+// The application's About panel.
+Dialog {
+    id: root
+
+    anchors.centerIn: parent
+    modal: true
+    title: "关于 Quillbox"
+    standardButtons: Dialog.Ok
+
+    background: Rectangle {
+        color: Theme.surface
+        radius: Theme.radiusLarge
+        border.color: Theme.border
+    }
+
+    ColumnLayout {
+        spacing: 8
+
+        Icon {
+            Layout.alignment: Qt.AlignHCenter
+            symbol: "arrow.down.circle.fill"
+            gradientFrom: Theme.accent
+            gradientTo: Theme.cyan
+            size: 56
+        }
+        Text {
+            Layout.alignment: Qt.AlignHCenter
+            text: "Quillbox " + Qt.application.version
+            color: Theme.text
+            font.pixelSize: 18
+            font.bold: true
+        }
+        Text {
+            Layout.alignment: Qt.AlignHCenter
+            text: "视频下载管理器"
+            color: Theme.gray
+            font.pixelSize: 12
+        }
+    }
+}

@@ -1,0 +1,32 @@
+import QtQuick
+import QtQuick.Controls.Basic
+import Quillbox
+
+// A small square button showing one icon on a rounded background.
+AbstractButton {
+    id: root
+
+    property string symbol
+    property color tint: Theme.gray
+    property color fill: Theme.border
+    property real iconSize: 14
+
+    implicitWidth: 26
+    implicitHeight: 26
+    hoverEnabled: true
+
+    background: Rectangle {
+        radius: Theme.radiusSmall
+        color: root.fill
+        opacity: root.down ? 0.7 : root.hovered ? 1 : 0.85
+    }
+
+    contentItem: Item {
+        Icon {
+            anchors.centerIn: parent
+            symbol: root.symbol
+            color: root.tint
+            size: root.iconSize
+        }
+    }
+}

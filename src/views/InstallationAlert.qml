@@ -1,0 +1,72 @@
+import QtQuick
+import QtQuick.Controls.Basic
+import QtQuick.Layouts
+import Quillbox
+
+// Warns that yt-dlp does not answer and offers its installation instructions. A dialog of our
+// own rather than a MessageDialog: the buttons carry their own words.
+Dialog {
+    id: root
+
+    readonly property url installationPage: "https://github.com/yt-dlp/yt-dlp#installation"
+
+    anchors.centerIn: parent
+    width: 420
+    modal: true
+    closePolicy: Popup.CloseOnEscape
+    padding: 20
+
+    background: Rectangle {
+        color: Theme.surface
+        radius: Theme.radiusLarge
+        border.color: Theme.border
+    }
+
+    contentItem: ColumnLayout {
+        spacing: 12
+
+        RowLayout {
+            spacing: 10
+
+            Icon {
+                symbol: "exclamationmark.triangle.fill"
+                color: Theme.orange
+                size: 28
+            }
+            Text {
+                objectName: "alertTitle"
+                text: "未安装 yt-dlp"
+                color: Theme.text
+                font.pixelSize: 16
+                font.bold: true
+            }
+        }
+        Text {
+            objectName: "alertText"
+            Layout.fillWidth: true
+            text: "yt-dlp 是一个开源视频下载工具。请通过以下方式安装：\n\n• Homebrew: brew install yt-dlp\n• pip: pip install yt-dlp"
+            color: Theme.text
+            wrapMode: Text.Wrap
+            font.pixelSize: 13
+        }
+        RowLayout {
+            Layout.alignment: Qt.AlignRight
+            spacing: 8
+
+            Button {
+                objectName: "laterButton"
+                text: "稍后"
+                onClicked: root.reject()
+            }
+            Button {
+                objectName: "openInstructionsButton"
+                text: "打开安装说明"
+                highlighted: true
+                onClicked: {
+                    Desktop.openUrl(root.installationPage)
+                    root.accept()
+                }
+            }
+        }
+    }
+}

@@ -1,0 +1,163 @@
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import QtQuick.Controls.Basic
+import QtQuick.Layouts
+import Quillbox
+
+// The in-app log under the panes: a header with the count, the entries (oldest first, only the
+// visible rows built), and a footer with auto-scroll and a jump to the newest entry.
+Rectangle {
+    id: root
+
+    property bool autoScroll: true
+
+    // Emitted each time the list is brought to its newest entry by itself.
+    signal scrolledToNewest
+
+    function scrollToNewest() {
+        list.positionViewAtEnd()
+        root.scrolledToNewest()
+    }
+
+    implicitHeight: 300
+    radius: Theme.radiusLarge
+    color: Theme.surface
+    border.color: Theme.border
+    border.width: 1
+
+    // The count changes when an entry is added or the log is cleared; at the cap an added entry
+    // replaces the oldest and the count stays, so nothing moves then.
+    Connections {
+        target: AppState.logEntries
+
+        function onCountChanged() {
+            if (root.autoScroll && AppState.logEntries.count > 0)
+                Qt.callLater(root.scrollToNewest)
+        }
+    }
+
+    ColumnLayout {
+        anchors.fill: parent
+        anchors.margins: 1
+        spacing: 0
+
+        RowLayout {
+            Layout.fillWidth: true
+            Layout.leftMargin: 12
+            Layout.rightMargin: 8
+            Layout.preferredHeight: 38
+            spacing: 8
+
+            Icon {
+                symbol: "terminal"
+                color: Theme.green
+                size: 15
+            }
+            Text {
+                text: "下载日志"
+                color: Theme.text
+                font.pixelSize: 14
+                font.bold: true
+            }
+            Text {
+                objectName: "logCount"
+                text: AppState.logEntries.count + " 条"
+                color: Theme.gray
+                font.pixelSize: 11
+            }
+            Item {
+                Layout.fillWidth: true
+            }
+            IconButton {
+                objectName: "clearLogButton"
+                symbol: "trash"
+                onClicked: AppState.clearLog()
+            }
+            IconButton {
+                objectName: "closeLogButton"
+                symbol: "xmark"
+                onClicked: AppState.showLogPanel = false
+            }
+        }
+
+        Rectangle {
+            Layout.fillWidth: true
+            Layout.fillHeight: true
+            color: Theme.background
+
+            ListView {
+                id: list
+
+                objectName: "logList"
+                anchors.fill: parent
+                anchors.margins: 8
+                clip: true
+                spacing: 4
+                reuseItems: true
+                boundsBehavior: Flickable.StopAtBounds
+                model: AppState.logEntries
+
+                delegate: LogEntryRow {
+                    width: ListView.view.width
+                }
+
+                ScrollBar.vertical: ScrollBar {}
+            }
+        }
+
+        RowLayout {
+            Layout.fillWidth: true
+            Layout.leftMargin: 12
+            Layout.rightMargin: 8
+            Layout.preferredHeight: 38
+
+            ToggleSwitch {
+                objectName: "autoScrollSwitch"
+                text: "自动滚动"
+                checked: root.autoScroll
+                onToggled: root.autoScroll = checked
+            }
+            Item {
+                Layout.fillWidth: true
+            }
+            AbstractButton {
+                objectName: "newestButton"
+                padding: 6
+                leftPadding: 10
+                rightPadding: 10
+                // Switches auto-scroll on by passing through off, then shows the newest entry.
+                onClicked: {
+                    if (AppState.logEntries.count === 0)
+                        return
+                    root.autoScroll = false
+                    Qt.callLater(() => {
+                        root.autoScroll = true
+                        root.scrollToNewest()
+                    })
+                }
+
+                background: Rectangle {
+                    radius: 6
+                    color: Theme.border
+                }
+                contentItem: Row {
+                    spacing: 4
+
+                    Icon {
+                        anchors.verticalCenter: parent.verticalCenter
+                        symbol: "arrow.down.to.line"
+                        color: Theme.text
+                        size: 12
+                    }
+                    Text {
+                        anchors.verticalCenter: parent.verticalCenter
+                        text: "最新"
+                        color: Theme.text
+                        font.pixelSize: 11
+                    }
+                }
+            }
+        }
+    }
+}

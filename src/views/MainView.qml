@@ -1,0 +1,127 @@
+import QtQuick
+import QtQuick.Controls.Basic
+import QtQuick.Layouts
+import Quillbox
+
+// The window's content: the sidebar, the input and queue panes side by side, the log panel that
+// slides in underneath, and the places of the settings and video information sheets.
+Item {
+    id: root
+
+    property bool showVideoInfo: false
+    // Set with showVideoInfo by whatever presents a video's details.
+    property var videoInfo: null
+    // True from our own installation check until its answer, so the alert shows at most once.
+    property bool awaitingInstallationCheck: false
+
+    Component.onCompleted: {
+        root.awaitingInstallationCheck = true
+        DownloadManager.checkInstallation()
+    }
+
+    Connections {
+        target: DownloadManager
+
+        function onInstallationChecked(installed: bool) {
+            if (!root.awaitingInstallationCheck)
+                return
+            root.awaitingInstallationCheck = false
+            if (!installed)
+                installationAlert.open()
+        }
+    }
+
+    RowLayout {
+        anchors.fill: parent
+        spacing: 0
+
+        SidebarView {
+            objectName: "sidebar"
+            Layout.preferredWidth: 220
+            Layout.minimumWidth: 200
+            Layout.fillHeight: true
+        }
+
+        ColumnLayout {
+            Layout.fillWidth: true
+            Layout.fillHeight: true
+            spacing: 0
+
+            SplitView {
+                Layout.fillWidth: true
+                Layout.fillHeight: true
+                orientation: Qt.Horizontal
+
+                handle: Rectangle {
+                    implicitWidth: 1
+                    color: Theme.border
+                }
+
+                Item {
+                    objectName: "downloadInputPlace"
+                    SplitView.minimumWidth: 400
+                    SplitView.fillWidth: true
+                }
+                Item {
+                    objectName: "downloadQueuePlace"
+                    SplitView.minimumWidth: 350
+                    SplitView.preferredWidth: 420
+                }
+            }
+
+            // The log panel comes in from the bottom edge with a fade, and goes the same way.
+            Item {
+                id: logPlace
+
+                property real reveal: AppState.showLogPanel ? 1 : 0
+
+                Layout.fillWidth: true
+                Layout.preferredHeight: logLoader.height * reveal
+                clip: true
+
+                Behavior on reveal {
+                    NumberAnimation {
+                        duration: 250
+                        easing.type: Easing.InOutQuad
+                    }
+                }
+
+                Loader {
+                    id: logLoader
+
+                    width: parent.width
+                    height: 300 + 16
+                    y: (1 - logPlace.reveal) * height
+                    opacity: logPlace.reveal
+                    active: logPlace.reveal > 0
+
+                    sourceComponent: Item {
+                        LogPanelView {
+                            objectName: "logPanel"
+                            anchors.fill: parent
+                            anchors.margins: 8
+                        }
+                    }
+                }
+            }
+        }
+    }
+
+    SheetHost {
+        objectName: "settingsSheet"
+        shown: AppState.showSettings
+        onDismissed: AppState.showSettings = false
+    }
+
+    SheetHost {
+        objectName: "videoInfoSheet"
+        shown: root.showVideoInfo
+        onDismissed: root.showVideoInfo = false
+    }
+
+    InstallationAlert {
+        id: installationAlert
+
+        objectName: "installationAlert"
+    }
+}

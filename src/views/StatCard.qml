@@ -1,0 +1,45 @@
+import QtQuick
+import QtQuick.Layouts
+import Quillbox
+
+// One counter of the sidebar: an icon, the value and its title.
+Rectangle {
+    id: root
+
+    required property string title
+    required property string value
+    required property string symbol
+    required property color tint
+
+    implicitHeight: column.implicitHeight + 24
+    radius: 10
+    color: Theme.raised
+
+    ColumnLayout {
+        id: column
+
+        anchors.centerIn: parent
+        spacing: 4
+
+        Icon {
+            Layout.alignment: Qt.AlignHCenter
+            symbol: root.symbol
+            color: root.tint
+            size: 20
+        }
+        Text {
+            objectName: "statValue"
+            Layout.alignment: Qt.AlignHCenter
+            text: root.value
+            color: Theme.text
+            font.pixelSize: 20
+            font.bold: true
+        }
+        Text {
+            Layout.alignment: Qt.AlignHCenter
+            text: root.title
+            color: Theme.gray
+            font.pixelSize: 10
+        }
+    }
+}

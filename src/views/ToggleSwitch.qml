@@ -1,0 +1,57 @@
+import QtQuick
+import QtQuick.Controls.Basic
+import Quillbox
+
+// A switch with its label, tinted with the accent when on.
+Switch {
+    id: root
+
+    property string symbol
+
+    spacing: 8
+    font.pixelSize: 13
+
+    indicator: Rectangle {
+        x: root.width - width
+        anchors.verticalCenter: parent.verticalCenter
+        implicitWidth: 36
+        implicitHeight: 20
+        radius: height / 2
+        color: root.checked ? Theme.accent : Theme.border
+
+        Rectangle {
+            x: root.checked ? parent.width - width - 2 : 2
+            anchors.verticalCenter: parent.verticalCenter
+            width: 16
+            height: 16
+            radius: 8
+            color: "white"
+
+            Behavior on x {
+                NumberAnimation {
+                    duration: 120
+                }
+            }
+        }
+    }
+
+    contentItem: Row {
+        spacing: 6
+        rightPadding: root.indicator.width + root.spacing
+
+        Icon {
+            anchors.verticalCenter: parent.verticalCenter
+            visible: root.symbol.length > 0
+            symbol: root.symbol
+            color: Theme.text
+            size: 14
+        }
+
+        Text {
+            anchors.verticalCenter: parent.verticalCenter
+            text: root.text
+            font: root.font
+            color: Theme.text
+        }
+    }
+}

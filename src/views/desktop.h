@@ -1,0 +1,28 @@
+#pragma once
+
+#include <QFont>
+#include <QObject>
+#include <QUrl>
+#include <QtQml/qqmlregistration.h>
+
+// What views ask of the desktop: open a web page, read and write the clipboard's text.
+class Desktop : public QObject
+{
+    Q_OBJECT
+    QML_ELEMENT
+    QML_SINGLETON
+    Q_PROPERTY(QFont fixedFont READ fixedFont CONSTANT)
+
+public:
+    using QObject::QObject;
+
+    // Opens `url` in the default browser (not when QUILLBOX_NO_BROWSER is set, as in tests);
+    // urlOpened() tells either way.
+    Q_INVOKABLE void openUrl(const QUrl &url);
+    Q_INVOKABLE QString clipboardText() const;
+    Q_INVOKABLE void setClipboardText(const QString &text);
+    QFont fixedFont() const;
+
+Q_SIGNALS:
+    void urlOpened(const QUrl &url);
+};

@@ -1,0 +1,96 @@
+// Renders the real main window offscreen to a PNG, in a sandbox (its own home and settings), so
+// the interface can be seen without a display:
+//     quillbox_screenshot OUT.png [--yt-dlp PATH] [--scenario DIR] [--wait MS]
+// With --yt-dlp the window uses that yt-dlp; with --scenario it also starts the downloads listed
+// in DIR/downloads.txt (one "URL" per line), so the queue shows tasks in their states.
+
+#include "app/applifecycle.h"
+#include "engine/downloadmanager.h"
+#include "model/appstate.h"
+#include "views/qmlsetup.h"
+
+#include <QCommandLineParser>
+#include <QDir>
+#include <QFile>
+#include <QGuiApplication>
+#include <QQmlApplicationEngine>
+#include <QQuickStyle>
+#include <QQuickWindow>
+#include <QSettings>
+#include <QTemporaryDir>
+#include <QTimer>
+#include <QtQml/qqmlextensionplugin.h>
+
+#include <cstdio>
+
+Q_IMPORT_QML_PLUGIN(QuillboxPlugin)
+
+using namespace Qt::StringLiterals;
+
+int main(int argc, char *argv[])
+{
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    if (qEnvironmentVariableIsEmpty("QT_QUICK_BACKEND"))
+        qputenv("QT_QUICK_BACKEND", "software");
+
+    QTemporaryDir sandbox;
+    qputenv("HOME", QDir(sandbox.path()).filePath(u"home"_s).toUtf8());
+    QDir(sandbox.path()).mkpath(u"home/Downloads"_s);
+    qputenv("QUILLBOX_NO_BROWSER", "1");
+
+    QGuiApplication app(argc, argv);
+    QGuiApplication::setApplicationName(u"Quillbox"_s);
+    QGuiApplication::setOrganizationName(u"Quillbox"_s);
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, sandbox.filePath(u"settings"_s));
+    QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, sandbox.filePath(u"settings"_s));
+
+    QCommandLineParser parser;
+    parser.addPositionalArgument(u"output"_s, u"PNG file to write"_s);
+    const QCommandLineOption ytDlp(u"yt-dlp"_s, u"yt-dlp to use"_s, u"path"_s);
+    const QCommandLineOption scenario(u"scenario"_s, u"folder with downloads.txt"_s, u"dir"_s);
+    const QCommandLineOption wait(u"wait"_s, u"milliseconds to let the window settle"_s, u"ms"_s, u"2500"_s);
+    parser.addOptions({ ytDlp, scenario, wait });
+    parser.addHelpOption();
+    parser.process(app);
+    if (parser.positionalArguments().size() != 1)
+        parser.showHelp(2);
+    const QString output = parser.positionalArguments().constFirst();
+
+    if (parser.isSet(ytDlp))
+        QSettings().setValue(QLatin1String(DownloadManager::CustomYtDlpPathKey), parser.value(ytDlp));
+    QQuickStyle::setStyle(u"Basic"_s);
+
+    AppLifecycle lifecycle(DownloadManager::instance());
+    QQmlApplicationEngine engine;
+    setupQmlEngine(engine);
+    engine.load(QUrl(u"qrc:/qt/qml/Quillbox/Main.qml"_s));
+    if (engine.rootObjects().isEmpty())
+        return 1;
+    auto *window = qobject_cast<QQuickWindow *>(engine.rootObjects().constFirst());
+    lifecycle.attachMainWindow(window);
+    window->setGeometry(0, 0, 1200, 800);
+
+    if (parser.isSet(scenario)) {
+        QFile list(QDir(parser.value(scenario)).filePath(u"downloads.txt"_s));
+        if (list.open(QIODevice::ReadOnly)) {
+            const QStringList urls = QString::fromUtf8(list.readAll()).split(u'\n', Qt::SkipEmptyParts);
+            DownloadRequest request;
+            request.outputDir = QDir(sandbox.path()).filePath(u"home/Downloads"_s);
+            request.useCookies = false;
+            DownloadManager::instance()->startDownloads(urls, request);
+        }
+    }
+
+    int status = 0;
+    QTimer::singleShot(parser.value(wait).toInt(), &app, [&] {
+        const QImage image = window->grabWindow();
+        if (image.isNull() || !image.save(output)) {
+            std::fprintf(stderr, "could not write %s\n", qPrintable(output));
+            status = 1;
+        }
+        app.quit();
+    });
+    app.exec();
+    return status;
+}
