@@ -137,6 +137,10 @@ int main(int argc, char **argv)
             return 77;
         }
 
+        // Declared before the engine, so they outlive anything it signals while going away.
+        qint64 dataChangedCount = 0;
+        qint64 logRowsInserted = 0;
+        int logCountMax = 0;
         AppState state;
         DownloadManager manager(&state, locationsFor(sandbox, ytDlp, QString()));
         manager.setMaxConcurrentDownloads(Downloads);
@@ -153,12 +157,9 @@ int main(int argc, char **argv)
         state.clearLog();
         spin(300);
 
-        qint64 dataChangedCount = 0;
         QObject::connect(manager.taskModel(), &QAbstractItemModel::dataChanged, &app, [&] { ++dataChangedCount; });
-        qint64 logRowsInserted = 0;
         QObject::connect(state.logModel(), &QAbstractItemModel::rowsInserted, &app,
             [&](const QModelIndex &, int first, int last) { logRowsInserted += last - first + 1; });
-        int logCountMax = 0;
         QObject::connect(state.logModel(), &LogModel::countChanged, &app,
             [&] { logCountMax = std::max(logCountMax, state.logModel()->count()); });
 

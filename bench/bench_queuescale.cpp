@@ -16,7 +16,7 @@ using namespace bench;
 namespace {
 constexpr int Limit = 3;
 
-// Counts live stand-in processes (argv[1] is the stand-in's path: python3 running the script)
+// Counts live stand-in processes (those running the stand-in's script)
 // by reading /proc, every 10 ms on a thread of its own, so the count does not depend on the
 // event loop being free.
 class ProcessCounter
@@ -70,7 +70,8 @@ public:
             if (!cmdline.open(QIODevice::ReadOnly))
                 continue;
             const QList<QByteArray> argv = cmdline.readAll().split('\0');
-            if (argv.size() < 2 || (argv.at(1) != m_script && argv.at(0) != m_script))
+            // python3 SCRIPT ..., or /usr/bin/env python3 SCRIPT ... just before env hands over.
+            if (!argv.mid(0, 3).contains(m_script))
                 continue;
             QFile stat(dir + u"/stat"_s);
             if (stat.open(QIODevice::ReadOnly)) {
@@ -109,6 +110,7 @@ enum class Way { Loop, Batch };
 
 Outcome measure(Sandbox &sandbox, Way way, int links, int observeMs)
 {
+    Outcome outcome; // before the engine, which may signal while going away
     AppState state;
     DownloadManager manager(&state, locationsFor(sandbox, standInYtDlp(), QString()));
     manager.setMaxConcurrentDownloads(Limit);
@@ -121,8 +123,7 @@ Outcome measure(Sandbox &sandbox, Way way, int links, int observeMs)
     state.clearLog();
     spin(200);
 
-    Outcome outcome;
-    QObject::connect(&manager, &DownloadManager::runningCountChanged, &manager,
+    const auto sampling = QObject::connect(&manager, &DownloadManager::runningCountChanged, &manager,
         [&] { outcome.maxRunning = std::max(outcome.maxRunning, manager.runningCount()); });
     ProcessCounter counter(standInYtDlp());
     counter.start();
@@ -167,6 +168,7 @@ Outcome measure(Sandbox &sandbox, Way way, int links, int observeMs)
         fail(u"%1 downloads still running 10 s after the cancel grace period"_s.arg(manager.runningCount()));
     outcome.drainMs = double(clock.nsecsElapsed()) / 1e6;
     spin(100);
+    QObject::disconnect(sampling);
     counter.stop();
     outcome.maxProcesses = counter.max();
     outcome.procSamples = counter.samples();
@@ -181,16 +183,39 @@ Outcome measure(Sandbox &sandbox, Way way, int links, int observeMs)
     return outcome;
 }
 
-void report(const char *label, const Outcome &outcome)
+struct Series
 {
-    say(u"  %1: queued in %2 ms; next event-loop turn after %3 ms; %4 completed in the meantime"_s.arg(
-        QString::fromLatin1(label), number(outcome.callMs), number(outcome.firstTurnMs),
-        QString::number(outcome.completedMeanwhile)));
+    QList<double> callMs, firstTurnMs, cancelMs, drainMs;
+    int maxRunning = 0;
+    int maxProcesses = 0;
+    qint64 procSamples = 0;
+    int leftAfter = 0;
+    qsizetype completedMeanwhile = 0;
+
+    void add(const Outcome &outcome)
+    {
+        callMs << outcome.callMs;
+        firstTurnMs << outcome.firstTurnMs;
+        cancelMs << outcome.cancelCallMs;
+        drainMs << outcome.drainMs;
+        maxRunning = std::max(maxRunning, outcome.maxRunning);
+        maxProcesses = std::max(maxProcesses, outcome.maxProcesses);
+        procSamples += outcome.procSamples;
+        leftAfter += outcome.leftAfter;
+        completedMeanwhile += outcome.completedMeanwhile;
+    }
+};
+
+void report(const char *label, const Series &series)
+{
+    say(u"  %1: queued in %2 ms; next event-loop turn after %3 ms"_s.arg(
+        QString::fromLatin1(label), spread(series.callMs), spread(series.firstTurnMs)));
     say(u"    most running at once: %1 by runningCount(), %2 stand-in processes in /proc (%3 samples); limit %4"_s.arg(
-        QString::number(outcome.maxRunning), QString::number(outcome.maxProcesses),
-        QString::number(outcome.procSamples), QString::number(Limit)));
-    say(u"    cancelAllDownloads() took %1 ms, nothing running after %2 ms, %3 stand-ins left"_s.arg(
-        number(outcome.cancelCallMs), number(outcome.drainMs), QString::number(outcome.leftAfter)));
+        QString::number(series.maxRunning), QString::number(series.maxProcesses),
+        QString::number(series.procSamples), QString::number(Limit)));
+    say(u"    cancelAllDownloads() took %1 ms, nothing running after %2 ms, %3 stand-ins left; %4 completed before it"_s
+            .arg(spread(series.cancelMs), spread(series.drainMs), QString::number(series.leftAfter),
+                QString::number(series.completedMeanwhile)));
 }
 } // namespace
 
@@ -201,6 +226,7 @@ int main(int argc, char **argv)
         const bool quick = shortMode(argc, argv);
         const int links = intOption(argc, argv, "links", quick ? 1000 : 10000);
         const int observeMs = quick ? 1000 : 2000;
+        const int reps = intOption(argc, argv, "runs", quick ? 1 : 3);
 
         Sandbox sandbox;
         QuietEngineLog quiet;
@@ -214,9 +240,13 @@ int main(int argc, char **argv)
         say(u"bench_queuescale: %1 links, at most %2 at once, each download 0.2 s%3"_s.arg(QString::number(links),
             QString::number(Limit), quick ? u", short mode"_s : QString()));
         const qint64 rssStart = rssKiB();
-        const Outcome loop = measure(sandbox, Way::Loop, links, observeMs);
+        Series loop, batch;
+        for (int rep = 0; rep < reps; ++rep) {
+            loop.add(measure(sandbox, Way::Loop, links, observeMs));
+            batch.add(measure(sandbox, Way::Batch, links, observeMs));
+        }
+        say(u"  median (min–max) of %1 runs each, alternating:"_s.arg(reps));
         report("loop of startDownload()", loop);
-        const Outcome batch = measure(sandbox, Way::Batch, links, observeMs);
         report("one startDownloads()   ", batch);
         const qint64 rssEnd = rssKiB();
         say(u"  RSS %1 MiB at the start, %2 MiB at the end, %3 MiB peak"_s.arg(
@@ -226,14 +256,15 @@ int main(int argc, char **argv)
             {
                 { u"links"_s, QString::number(links) },
                 { u"limit"_s, QString::number(Limit) },
-                { u"loop_call_ms"_s, number(loop.callMs) },
-                { u"loop_first_turn_ms"_s, number(loop.firstTurnMs) },
-                { u"batch_call_ms"_s, number(batch.callMs) },
-                { u"batch_first_turn_ms"_s, number(batch.firstTurnMs) },
+                { u"runs"_s, QString::number(reps) },
+                { u"loop_call_ms"_s, number(median(loop.callMs)) },
+                { u"loop_first_turn_ms"_s, number(median(loop.firstTurnMs)) },
+                { u"batch_call_ms"_s, number(median(batch.callMs)) },
+                { u"batch_first_turn_ms"_s, number(median(batch.firstTurnMs)) },
                 { u"max_running"_s, QString::number(std::max(loop.maxRunning, batch.maxRunning)) },
                 { u"max_processes"_s, QString::number(std::max(loop.maxProcesses, batch.maxProcesses)) },
-                { u"loop_cancel_ms"_s, number(loop.cancelCallMs) },
-                { u"batch_cancel_ms"_s, number(batch.cancelCallMs) },
+                { u"loop_cancel_ms"_s, number(median(loop.cancelMs)) },
+                { u"batch_cancel_ms"_s, number(median(batch.cancelMs)) },
                 { u"left_after"_s, QString::number(loop.leftAfter + batch.leftAfter) },
                 { u"rss_peak_mib"_s, number(mib(peakRssKiB())) },
             });

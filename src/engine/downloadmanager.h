@@ -116,8 +116,9 @@ public:
     // Asks the yt-dlp in use for its version; `completion(success, output or error)` on this
     // thread. Waits for the path to be chosen first.
     void checkYtDlpInstallation(std::function<void(bool, const QString &)> completion);
-    // The same check for views: the answer comes as installationChecked().
-    Q_INVOKABLE void checkInstallation();
+    // The same check for views: returns a request number, and the answer comes as
+    // installationChecked() with that number, so each asker knows its own answer.
+    Q_INVOKABLE int checkInstallation();
     Q_INVOKABLE void detectJSRuntime();
     Q_INVOKABLE void detectFfmpeg();
 
@@ -156,7 +157,7 @@ public:
         const QStringList &jsRuntimeArgs, const QStringList &ffmpegArgs, bool withCookies);
 
 Q_SIGNALS:
-    void installationChecked(bool installed, const QString &output);
+    void installationChecked(int request, bool installed, const QString &output);
     void ytDlpPathChanged();
     void ytDlpVersionChanged();
     void isCheckingYtDlpChanged();
@@ -218,6 +219,7 @@ private:
     int m_runtimeGeneration = 0;
     int m_ffmpegGeneration = 0;
     bool m_warnedOldYtDlp = false;
+    int m_lastInstallationCheck = 0;
     mutable bool m_warnedNoChrome = false;
 
     int m_maxConcurrent = DefaultMaxConcurrentDownloads;

@@ -139,10 +139,13 @@ void DownloadManager::checkYtDlpInstallation(std::function<void(bool, const QStr
     });
 }
 
-void DownloadManager::checkInstallation()
+int DownloadManager::checkInstallation()
 {
-    checkYtDlpInstallation(
-        [this](bool installed, const QString &output) { Q_EMIT installationChecked(installed, output); });
+    const int request = ++m_lastInstallationCheck;
+    checkYtDlpInstallation([this, request](bool installed, const QString &output) {
+        Q_EMIT installationChecked(request, installed, output);
+    });
+    return request;
 }
 
 bool DownloadManager::supportsJsRuntimes(const QString &ytDlpVersion)

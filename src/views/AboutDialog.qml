@@ -9,6 +9,7 @@ Dialog {
 
     anchors.centerIn: parent
     modal: true
+    focus: true
     title: "关于 Quillbox"
     standardButtons: Dialog.Ok
 

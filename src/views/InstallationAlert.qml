@@ -13,6 +13,7 @@ Dialog {
     anchors.centerIn: parent
     width: 420
     modal: true
+    focus: true
     closePolicy: Popup.CloseOnEscape
     padding: 20
 

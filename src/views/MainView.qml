@@ -11,21 +11,18 @@ Item {
     property bool showVideoInfo: false
     // Set with showVideoInfo by whatever presents a video's details.
     property var videoInfo: null
-    // True from our own installation check until its answer, so the alert shows at most once.
-    property bool awaitingInstallationCheck: false
+    // Our own installation check, while its answer is awaited: the alert shows at most once.
+    property int installationCheck: 0
 
-    Component.onCompleted: {
-        root.awaitingInstallationCheck = true
-        DownloadManager.checkInstallation()
-    }
+    Component.onCompleted: root.installationCheck = DownloadManager.checkInstallation()
 
     Connections {
         target: DownloadManager
 
-        function onInstallationChecked(installed: bool) {
-            if (!root.awaitingInstallationCheck)
+        function onInstallationChecked(request: int, installed: bool) {
+            if (request !== root.installationCheck)
                 return
-            root.awaitingInstallationCheck = false
+            root.installationCheck = 0
             if (!installed)
                 installationAlert.open()
         }

@@ -14,6 +14,7 @@ Popup {
 
     anchors.centerIn: parent
     modal: true
+    focus: true
     visible: root.shown
     closePolicy: Popup.CloseOnEscape | Popup.CloseOnPressOutside
     padding: 0

@@ -24,6 +24,8 @@ private Q_SLOTS:
     void batchLargerThanCap();
     void addLogFromManyThreads();
     void clearLog();
+    void presentationRoles_data();
+    void presentationRoles();
 
 private:
     IsolatedEnvironment m_env;
@@ -209,6 +211,39 @@ void TestAppState::clearLog()
     QCOMPARE(state.logModel()->count(), 0);
     QCOMPARE(state.logModel()->rowCount(), 0);
     QCOMPARE(countChanged.count(), 2);
+}
+
+void TestAppState::presentationRoles_data()
+{
+    QTest::addColumn<LogEntry::LogType>("type");
+    QTest::addColumn<QString>("symbol");
+    QTest::addColumn<QString>("tint");
+    QTest::addColumn<bool>("isError");
+    QTest::newRow("info") << LogEntry::LogType::Info << u"info.circle"_s << u"blue"_s << false;
+    QTest::newRow("warning") << LogEntry::LogType::Warning << u"exclamationmark.triangle"_s << u"orange"_s << false;
+    QTest::newRow("error") << LogEntry::LogType::Error << u"xmark.octagon"_s << u"red"_s << true;
+    QTest::newRow("download") << LogEntry::LogType::Download << u"arrow.down.circle"_s << u"green"_s << false;
+}
+
+void TestAppState::presentationRoles()
+{
+    QFETCH(LogEntry::LogType, type);
+    QFETCH(QString, symbol);
+    QFETCH(QString, tint);
+    QFETCH(bool, isError);
+    LogModel model(500);
+    LogEntry entry = LogEntry::make(u"m"_s, type);
+    // Just after midnight, local time: the hour reads 00 (a 24-hour clock, no AM/PM).
+    entry.timestamp = QDateTime(QDate(2026, 11, 23), QTime(0, 0, 7));
+    LogEntry afternoon = LogEntry::make(u"n"_s, type);
+    afternoon.timestamp = QDateTime(QDate(2026, 11, 23), QTime(13, 5, 9));
+    model.append({ entry, afternoon });
+    const QModelIndex index = model.index(0);
+    QCOMPARE(index.data(LogModel::TimeTextRole).toString(), u"00:00:07"_s);
+    QCOMPARE(model.index(1).data(LogModel::TimeTextRole).toString(), u"13:05:09"_s);
+    QCOMPARE(index.data(LogModel::SymbolRole).toString(), symbol);
+    QCOMPARE(index.data(LogModel::TintRole).toString(), tint);
+    QCOMPARE(index.data(LogModel::IsErrorRole).toBool(), isError);
 }
 
 QTEST_GUILESS_MAIN(TestAppState)

@@ -27,6 +27,7 @@ private Q_SLOTS:
     void geometryRestored();
     void unusableGeometryIgnored_data();
     void unusableGeometryIgnored();
+    void keyEquivalents();
 
 private:
     std::unique_ptr<QQmlApplicationEngine> loadMain();
@@ -106,6 +107,26 @@ void TestMainWindow::unusableGeometryIgnored()
     lifecycle.attachMainWindow(window);
     QCOMPARE(window->size(), QSize(1200, 800));
     QVERIFY(window->screen()->availableGeometry().intersects(window->geometry()));
+}
+
+void TestMainWindow::keyEquivalents()
+{
+    auto engine = loadMain();
+    auto *window = qobject_cast<QQuickWindow *>(engine->rootObjects().constFirst());
+    AppLifecycle lifecycle(nullptr);
+    lifecycle.attachMainWindow(window);
+    QVERIFY(QTest::qWaitForWindowExposed(window));
+    window->requestActivate();
+    QVERIFY(QTest::qWaitForWindowActive(window));
+
+    // New Download and Preferences are there but disabled: their keys do nothing.
+    QTest::keyClick(window, Qt::Key_N, Qt::ControlModifier);
+    QTest::keyClick(window, Qt::Key_Comma, Qt::ControlModifier);
+    QTest::qWait(50);
+    QVERIFY(window->isVisible());
+
+    QTest::keyClick(window, Qt::Key_W, Qt::ControlModifier);
+    QTRY_VERIFY(!window->isVisible());
 }
 
 QTEST_MAIN(TestMainWindow)

@@ -1,0 +1,255 @@
+import QtQuick
+import QtTest
+import Quillbox
+import QuillboxTest
+
+TestCase {
+    id: testCase
+
+    name: "MainView"
+    width: 1200
+    height: 800
+    visible: true
+    when: windowShown
+
+    Component {
+        id: mainViewComponent
+
+        MainView {
+            width: testCase.width
+            height: testCase.height
+        }
+    }
+
+    SignalSpy {
+        id: urlSpy
+
+        target: Desktop
+        signalName: "urlOpened"
+    }
+
+    SignalSpy {
+        id: checkSpy
+
+        target: DownloadManager
+        signalName: "installationChecked"
+    }
+
+    function makeView() {
+        const view = createTemporaryObject(mainViewComponent, testCase)
+        verify(view)
+        return view
+    }
+
+    function panelOf(view) {
+        return findChild(view, "logPanel")
+    }
+
+    function init() {
+        AppState.showLogPanel = true
+        AppState.showSettings = false
+        AppState.clearLog()
+        TestHelper.setEnv("FAKE_YTDLP_VERSION_EXIT", "")
+        urlSpy.clear()
+        checkSpy.clear()
+    }
+
+    function test_countersFollowTasks() {
+        const view = makeView()
+        const total = findChild(view, "totalCard")
+        const completed = findChild(view, "completedCard")
+        const totalBefore = DownloadManager.tasks.count
+        const completedBefore = DownloadManager.tasks.completedCount
+        compare(total.value, String(totalBefore))
+
+        TestHelper.setScenario("[]", 0)
+        DownloadManager.startDownload("https://c.example/ok", Download.Default, "", TestHelper.tempDir() + "/out", true, false)
+        tryCompare(total, "value", String(totalBefore + 1))
+        tryCompare(completed, "value", String(completedBefore + 1), 20000)
+
+        // A failed task counts in the total only.
+        TestHelper.setScenario("[]", 1)
+        DownloadManager.startDownload("https://c.example/bad", Download.Default, "", TestHelper.tempDir() + "/out", true, false)
+        tryCompare(total, "value", String(totalBefore + 2))
+        tryVerify(() => TestHelper.lastTaskStatus() === "失败", 20000)
+        compare(completed.value, String(completedBefore + 1))
+    }
+
+    function test_badgeShowsTheCount() {
+        const view = makeView()
+        const badge = findChild(view, "logBadge")
+        tryCompare(AppState.logEntries, "count", 0)
+        compare(badge.visible, false)
+        TestHelper.addLogs(3, "line", 0)
+        tryCompare(badge, "visible", true)
+        compare(findChild(view, "logBadgeText").text, "3")
+    }
+
+    function test_logButtonTogglesThePanel() {
+        const view = makeView()
+        verify(panelOf(view))
+        compare(findChild(view, "logButtonIcon").symbol, "terminal.fill")
+        mouseClick(findChild(view, "logButton"))
+        compare(AppState.showLogPanel, false)
+        tryVerify(() => panelOf(view) === null)
+        compare(findChild(view, "logButtonIcon").symbol, "terminal")
+        mouseClick(findChild(view, "logButton"))
+        compare(AppState.showLogPanel, true)
+        tryVerify(() => panelOf(view) !== null)
+
+        // Two quick toggles leave the state of the last one.
+        mouseClick(findChild(view, "logButton"))
+        mouseClick(findChild(view, "logButton"))
+        compare(AppState.showLogPanel, true)
+        wait(400)
+        verify(panelOf(view))
+    }
+
+    function test_trashEmptiesTheLog() {
+        const view = makeView()
+        const panel = panelOf(view)
+        TestHelper.addLogs(5, "line", 3)
+        tryCompare(findChild(panel, "logCount"), "text", "5 条")
+        mouseClick(findChild(panel, "clearLogButton"))
+        compare(AppState.logEntries.count, 0)
+        compare(findChild(panel, "logCount").text, "0 条")
+        compare(findChild(view, "logBadge").visible, false)
+    }
+
+    function test_closeButtonHidesThePanel() {
+        const view = makeView()
+        mouseClick(findChild(panelOf(view), "closeLogButton"))
+        compare(AppState.showLogPanel, false)
+        tryVerify(() => panelOf(view) === null)
+    }
+
+    function test_errorMessagesAreRed() {
+        const view = makeView()
+        const list = findChild(panelOf(view), "logList")
+        TestHelper.addLogs(1, "boom", 2)
+        TestHelper.addLogs(1, "fine", 0)
+        tryCompare(list, "count", 2)
+        tryVerify(() => list.itemAtIndex(1) !== null)
+        const error = findChild(list.itemAtIndex(0), "messageText")
+        const info = findChild(list.itemAtIndex(1), "messageText")
+        compare(error.text, "boom 0")
+        verify(Qt.colorEqual(error.color, Theme.red))
+        verify(Qt.colorEqual(info.color, "white"))
+        verify(/^\d\d:\d\d:\d\d$/.test(findChild(list.itemAtIndex(0), "timeText").text))
+    }
+
+    SignalSpy {
+        id: scrollSpy
+
+        signalName: "scrolledToNewest"
+    }
+
+    function test_autoScroll() {
+        const view = makeView()
+        const panel = panelOf(view)
+        scrollSpy.target = panel
+        scrollSpy.clear()
+        TestHelper.addLogs(1, "first", 0)
+        tryCompare(scrollSpy, "count", 1)
+
+        // With auto-scroll off nothing moves.
+        findChild(panel, "autoScrollSwitch").toggle()
+        findChild(panel, "autoScrollSwitch").toggled()
+        compare(panel.autoScroll, false)
+        TestHelper.addLogs(1, "second", 0)
+        tryCompare(AppState.logEntries, "count", 2)
+        wait(50)
+        compare(scrollSpy.count, 1)
+
+        // "最新" switches it back on and shows the newest entry.
+        mouseClick(findChild(panel, "newestButton"))
+        tryCompare(panel, "autoScroll", true)
+        tryCompare(scrollSpy, "count", 2)
+    }
+
+    function test_noScrollWhenTheCapReplacesTheOldest() {
+        const view = makeView()
+        const panel = panelOf(view)
+        TestHelper.addLogs(500, "fill", 3)
+        tryCompare(AppState.logEntries, "count", 500)
+        scrollSpy.target = panel
+        wait(50)
+        scrollSpy.clear()
+        TestHelper.addLogs(1, "newest", 0)
+        const list = findChild(panel, "logList")
+        tryVerify(() => AppState.logEntries.count === 500 && list.count === 500)
+        wait(100)
+        compare(scrollSpy.count, 0)
+        compare(findChild(panel, "logCount").text, "500 条")
+    }
+
+    function test_newestDoesNothingOnAnEmptyLog() {
+        const view = makeView()
+        const panel = panelOf(view)
+        scrollSpy.target = panel
+        scrollSpy.clear()
+        mouseClick(findChild(panel, "newestButton"))
+        wait(50)
+        compare(panel.autoScroll, true)
+        compare(scrollSpy.count, 0)
+    }
+
+    function test_navigationWritesTheTab() {
+        const view = makeView()
+        mouseClick(findChild(view, "navigation2"))
+        compare(AppState.selectedTab, 2)
+        verify(findChild(view, "navigation2").isSelected)
+        verify(!findChild(view, "navigation0").isSelected)
+        mouseClick(findChild(view, "navigation0"))
+        compare(AppState.selectedTab, 0)
+    }
+
+    function test_settingsButtonOpensTheSheet() {
+        const view = makeView()
+        mouseClick(findChild(view, "settingsButton"))
+        compare(AppState.showSettings, true)
+        const sheet = findChild(view, "settingsSheet")
+        tryCompare(sheet, "opened", true)
+        keyClick(Qt.Key_Escape)
+        tryCompare(AppState, "showSettings", false)
+    }
+
+    function test_noAlertWhenYtDlpAnswers() {
+        const view = makeView()
+        const request = view.installationCheck
+        verify(request > 0)
+        tryVerify(() => checkSpy.signalArguments.some(answer => answer[0] === request), 20000)
+        const answer = checkSpy.signalArguments.find(answer => answer[0] === request)
+        compare(answer[1], true)
+        wait(50)
+        compare(findChild(view, "installationAlert").opened, false)
+    }
+
+    function test_alertOpensInstructions() {
+        TestHelper.setEnv("FAKE_YTDLP_VERSION_EXIT", "1")
+        const view = makeView()
+        const alert = findChild(view, "installationAlert")
+        tryCompare(alert, "opened", true, 20000)
+        compare(findChild(alert, "alertTitle").text, "未安装 yt-dlp")
+        mouseClick(findChild(alert, "openInstructionsButton"))
+        compare(urlSpy.count, 1)
+        compare(String(urlSpy.signalArguments[0][0]), "https://github.com/yt-dlp/yt-dlp#installation")
+        tryCompare(alert, "opened", false)
+
+        // Once per appearance: a later check by someone else does not bring it back.
+        const other = DownloadManager.checkInstallation()
+        tryVerify(() => checkSpy.signalArguments.some(answer => answer[0] === other), 20000)
+        wait(100)
+        compare(alert.opened, false)
+    }
+
+    function test_laterOpensNothing() {
+        TestHelper.setEnv("FAKE_YTDLP_VERSION_EXIT", "1")
+        const view = makeView()
+        const alert = findChild(view, "installationAlert")
+        tryCompare(alert, "opened", true, 20000)
+        mouseClick(findChild(alert, "laterButton"))
+        tryCompare(alert, "opened", false)
+        compare(urlSpy.count, 0)
+    }
+}

@@ -1,0 +1,94 @@
+// Qt Quick Test runner for the views: the real QML module and the real AppState and
+// DownloadManager singletons, offscreen, in a sandboxed home whose yt-dlp is the stand-in.
+
+#include "engine/downloadmanager.h"
+#include "model/appstate.h"
+#include "views/qmlsetup.h"
+
+#include "testsupport.h"
+
+#include <QQmlEngine>
+#include <QQuickStyle>
+#include <QtQml/qqmlextensionplugin.h>
+#include <QtQuickTest>
+
+Q_IMPORT_QML_PLUGIN(QuillboxPlugin)
+
+using namespace Qt::StringLiterals;
+
+// What the QML tests need to arrange that the views themselves never do.
+class TestHelper : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit TestHelper(QString root)
+        : m_root(std::move(root))
+    {
+    }
+
+    Q_INVOKABLE QString tempDir() const { return m_root; }
+
+    Q_INVOKABLE void addLogs(int count, const QString &prefix, int type) const
+    {
+        for (int i = 0; i < count; ++i)
+            AppState::instance()->addLog(u"%1 %2"_s.arg(prefix).arg(i), LogEntry::LogType(type));
+    }
+
+    Q_INVOKABLE void setEnv(const QString &name, const QString &value) const
+    {
+        if (value.isEmpty())
+            qunsetenv(name.toLatin1());
+        else
+            qputenv(name.toLatin1(), value.toUtf8());
+    }
+
+    // The steps the stand-in replays for downloads started from now on, and its exit status.
+    Q_INVOKABLE void setScenario(const QString &steps, int exitCode) const
+    {
+        QFile file(m_root + u"/scenario.json"_s);
+        if (file.open(QIODevice::WriteOnly | QIODevice::Truncate))
+            file.write(steps.toUtf8());
+        qputenv("FAKE_YTDLP_SCENARIO", file.fileName().toUtf8());
+        qputenv("FAKE_YTDLP_EXIT", QByteArray::number(exitCode));
+    }
+
+    Q_INVOKABLE QString lastTaskStatus() const
+    {
+        const auto tasks = DownloadManager::instance()->tasks();
+        return tasks.isEmpty() ? QString() : rawValue(tasks.constLast().status);
+    }
+
+private:
+    QString m_root;
+};
+
+class Setup : public QObject
+{
+    Q_OBJECT
+
+public Q_SLOTS:
+    void applicationAvailable()
+    {
+        m_env = std::make_unique<IsolatedEnvironment>();
+        const QString fake = QString::fromLocal8Bit(qgetenv("QUILLBOX_TESTS_DIR")) + u"/fakes/yt-dlp"_s;
+        QSettings().setValue(QLatin1String(DownloadManager::CustomYtDlpPathKey), fake);
+        qputenv("QUILLBOX_NO_BROWSER", "1");
+        qputenv("FAKE_YTDLP_ARGV_FILE", (m_env->root() + u"/argv.jsonl"_s).toUtf8());
+        QQuickStyle::setStyle(u"Basic"_s);
+        m_helper = new TestHelper(m_env->root());
+        qmlRegisterSingletonInstance("QuillboxTest", 1, 0, "TestHelper", m_helper);
+    }
+
+    void qmlEngineAvailable(QQmlEngine *engine) { setupQmlEngine(*engine); }
+
+    void cleanupTestCase() { DownloadManager::instance()->shutdown(); }
+
+private:
+    std::unique_ptr<IsolatedEnvironment> m_env;
+    TestHelper *m_helper = nullptr;
+};
+
+QUICK_TEST_MAIN_WITH_SETUP(qmlviews, Setup)
+
+#include "tst_qmlviews.moc"
