@@ -21,6 +21,7 @@ struct Run
 {
     double wallMs = 0;
     double cpuMs = 0; // this process's own CPU time (children excluded)
+    double childrenCpuMs = 0; // the shell's, yt-dlp's and whatever they started
 };
 
 // The media server of the tests, serving a generated clip on 127.0.0.1 until it is destroyed.
@@ -115,12 +116,14 @@ Run engineRun(DownloadManager &manager, const AppState &state, const QString &ur
     QTimer::singleShot(Patience, &loop, &QEventLoop::quit);
 
     const double cpuBefore = selfCpuMs();
+    const double childrenBefore = childrenCpuMs();
     clock.start();
     manager.startDownloads({ url }, request);
     if (endedMs < 0)
         loop.exec();
     Run run;
     run.cpuMs = selfCpuMs() - cpuBefore;
+    run.childrenCpuMs = childrenCpuMs() - childrenBefore;
     run.wallMs = endedMs;
     QObject::disconnect(connection);
 
@@ -162,11 +165,13 @@ Run directRun(const QString &command)
     QTimer::singleShot(Patience, &loop, &QEventLoop::quit);
 
     const double cpuBefore = selfCpuMs();
+    const double childrenBefore = childrenCpuMs();
     clock.start();
     process.start();
     loop.exec();
     Run run;
     run.cpuMs = selfCpuMs() - cpuBefore;
+    run.childrenCpuMs = childrenCpuMs() - childrenBefore;
     run.wallMs = endedMs;
 
     if (endedMs < 0) {
@@ -222,7 +227,9 @@ int main(int argc, char **argv)
             quick ? u", short mode"_s : QString()));
         say(u"  command: "_s + commandFor(sandbox.path(u"out/<engine|direct>-N"_s)));
 
-        QList<double> engineWall, directWall, ratios, engineCpu, directCpu;
+        QList<double> engineWall, directWall, ratios, engineCpu, directCpu, engineChildren, directChildren;
+        // Wall time not spent on the children's CPU: start-up, pipes, waiting, the engine itself.
+        QList<double> engineRest, directRest;
         for (int i = 1; i <= runs; ++i) {
             const QString engineFolder = sandbox.path(u"out/engine-%1"_s.arg(i));
             const QString directFolder = sandbox.path(u"out/direct-%1"_s.arg(i));
@@ -241,9 +248,14 @@ int main(int argc, char **argv)
             ratios << engine.wallMs / direct.wallMs;
             engineCpu << engine.cpuMs;
             directCpu << direct.cpuMs;
-            say(u"  pair %1: engine %2 ms, direct %3 ms, ratio %4; this process's CPU %5 ms vs %6 ms"_s.arg(
-                QString::number(i), number(engine.wallMs), number(direct.wallMs), number(ratios.last(), 3),
-                number(engine.cpuMs, 2), number(direct.cpuMs, 2)));
+            engineChildren << engine.childrenCpuMs;
+            directChildren << direct.childrenCpuMs;
+            engineRest << engine.wallMs - engine.childrenCpuMs;
+            directRest << direct.wallMs - direct.childrenCpuMs;
+            say(u"  pair %1: engine %2 ms, direct %3 ms, ratio %4; this process's CPU %5 vs %6 ms, "
+                "yt-dlp's %7 vs %8 ms"_s.arg(QString::number(i), number(engine.wallMs), number(direct.wallMs),
+                    number(ratios.last(), 3), number(engine.cpuMs, 2), number(direct.cpuMs, 2),
+                    number(engine.childrenCpuMs, 0), number(direct.childrenCpuMs, 0)));
         }
 
         const double ratio = median(engineWall) / median(directWall);
@@ -253,6 +265,10 @@ int main(int argc, char **argv)
             number(ratio, 3), spread(ratios, 3)));
         say(u"  this process's CPU per run (children excluded): engine %1 ms, direct %2 ms"_s.arg(
             spread(engineCpu, 2), spread(directCpu, 2)));
+        say(u"  the children's CPU per run (shell, yt-dlp): engine %1 ms, direct %2 ms"_s.arg(
+            spread(engineChildren, 0), spread(directChildren, 0)));
+        say(u"  wall time minus the children's CPU: engine %1 ms, direct %2 ms"_s.arg(
+            spread(engineRest, 1), spread(directRest, 1)));
 
         writeResult("bench_overhead",
             {
@@ -266,6 +282,10 @@ int main(int argc, char **argv)
                 { u"engine_cpu_ms"_s, number(median(engineCpu), 2) },
                 { u"engine_cpu_ms_max"_s, number(maximum(engineCpu), 2) },
                 { u"direct_cpu_ms"_s, number(median(directCpu), 2) },
+                { u"engine_children_cpu_ms"_s, number(median(engineChildren), 0) },
+                { u"direct_children_cpu_ms"_s, number(median(directChildren), 0) },
+                { u"engine_rest_ms"_s, number(median(engineRest), 1) },
+                { u"direct_rest_ms"_s, number(median(directRest), 1) },
             });
         return 0;
     });

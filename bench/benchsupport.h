@@ -222,6 +222,15 @@ inline double selfCpuMs()
     return ms(usage.ru_utime) + ms(usage.ru_stime);
 }
 
+// The same for the children this process has waited for (finished child processes).
+inline double childrenCpuMs()
+{
+    rusage usage {};
+    getrusage(RUSAGE_CHILDREN, &usage);
+    const auto ms = [](const timeval &t) { return double(t.tv_sec) * 1000.0 + double(t.tv_usec) / 1000.0; };
+    return ms(usage.ru_utime) + ms(usage.ru_stime);
+}
+
 // --- Waiting
 
 // Runs the event loop until `done()` holds (checked every `pollMs` and whenever the loop is

@@ -230,6 +230,30 @@ void DownloadManager::readOutput(const QUuid &taskId, bool standardError)
     const QByteArray bytes = standardError ? process->readAllStandardError() : process->readAllStandardOutput();
     LineSplitter &splitter = standardError ? running->stderrLines : running->stdoutLines;
     handleLines(taskId, splitter.feed(bytes), standardError);
+
+    // yt-dlp starts each redraw with "\r", so its newest progress line is finished only by the
+    // next one. Read that line's progress now, so the queue is not one update behind; it reaches
+    // the log once finished. A token of a half-written line cannot match early: each ends in
+    // "%", "iB" or "iB/s".
+    const QString drawing = splitter.pending();
+    if (drawing.contains(u"[download]") && drawing.contains(u'%'))
+        applyProgress(taskId, parseProgress({ drawing }));
+}
+
+void DownloadManager::applyProgress(const QUuid &taskId, const ProgressUpdate &update)
+{
+    if (update.isEmpty())
+        return;
+    m_tasks->update(taskId, [&update](DownloadTask &task) {
+        if (update.progress)
+            task.progress = *update.progress;
+        if (update.speed)
+            task.speed = *update.speed;
+        if (update.size)
+            task.size = *update.size;
+        if (update.errorMessage)
+            task.errorMessage = update.errorMessage;
+    });
 }
 
 void DownloadManager::handleLines(const QUuid &taskId, const QStringList &lines, bool standardError)
@@ -247,19 +271,7 @@ void DownloadManager::handleLines(const QUuid &taskId, const QStringList &lines,
     for (const QString &line : lines)
         addLog(line, standardError ? typeOfStderrLine(line) : LogEntry::LogType::Download);
 
-    const ProgressUpdate update = parseProgress(lines);
-    if (update.isEmpty())
-        return;
-    m_tasks->update(taskId, [&update](DownloadTask &task) {
-        if (update.progress)
-            task.progress = *update.progress;
-        if (update.speed)
-            task.speed = *update.speed;
-        if (update.size)
-            task.size = *update.size;
-        if (update.errorMessage)
-            task.errorMessage = update.errorMessage;
-    });
+    applyProgress(taskId, parseProgress(lines));
 }
 
 void DownloadManager::completeDownload(const QUuid &taskId, int exitCode, bool crashed)

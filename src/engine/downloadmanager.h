@@ -18,6 +18,7 @@
 
 class AppState;
 class GroupProcess;
+struct ProgressUpdate;
 struct ShellResult;
 
 // Where tool discovery looks. standard() is the real machine; a test points it elsewhere.
@@ -197,6 +198,7 @@ private:
     void failToLaunch(const QUuid &taskId, const QString &message);
     void readOutput(const QUuid &taskId, bool standardError);
     void handleLines(const QUuid &taskId, const QStringList &lines, bool standardError);
+    void applyProgress(const QUuid &taskId, const ProgressUpdate &update);
     void completeDownload(const QUuid &taskId, int exitCode, bool crashed);
     void removeRunning(const QUuid &taskId);
 

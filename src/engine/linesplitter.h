@@ -16,6 +16,8 @@ public:
     QStringList feed(const QByteArray &bytes);
     // Whatever is left once the stream has ended.
     QStringList finish();
+    // The line still being written (yt-dlp's current progress redraw), not yet passed on.
+    QString pending() const { return QString::fromUtf8(m_partial); }
 
 private:
     QByteArray m_partial;

@@ -17,7 +17,7 @@ QVariant TaskModel::data(const QModelIndex &index, int role) const
     const DownloadTask &task = m_tasks.at(index.row());
     switch (role) {
     case IdRole:
-        return task.id;
+        return task.id.toString(QUuid::WithoutBraces);
     case UrlRole:
         return task.url;
     case Qt::DisplayRole:
@@ -37,6 +37,18 @@ QVariant TaskModel::data(const QModelIndex &index, int role) const
         return task.startTime;
     case EndTimeRole:
         return task.endTime ? QVariant(*task.endTime) : QVariant();
+    case StatusLabelRole:
+        return rawValue(task.status);
+    case StatusSymbolRole:
+        return symbolFor(task.status);
+    case StatusTintRole:
+        return tintFor(task.status);
+    case ShowsProgressRole:
+        return showsProgress(task.status);
+    case PercentTextRole:
+        return percentText(task.progress);
+    case HasErrorRole:
+        return task.errorMessage.has_value();
     default:
         return QVariant();
     }
@@ -55,7 +67,65 @@ QHash<int, QByteArray> TaskModel::roleNames() const
         { ErrorMessageRole, "errorMessage" },
         { StartTimeRole, "startTime" },
         { EndTimeRole, "endTime" },
+        { StatusLabelRole, "statusLabel" },
+        { StatusSymbolRole, "statusSymbol" },
+        { StatusTintRole, "statusTint" },
+        { ShowsProgressRole, "showsProgress" },
+        { PercentTextRole, "percentText" },
+        { HasErrorRole, "hasError" },
     };
+}
+
+QString TaskModel::symbolFor(DownloadStatus status)
+{
+    switch (status) {
+    case DownloadStatus::Pending:
+        return QStringLiteral("clock");
+    case DownloadStatus::Preparing:
+        return QStringLiteral("gearshape");
+    case DownloadStatus::Downloading:
+        return QStringLiteral("arrow.down.circle");
+    case DownloadStatus::Completed:
+        return QStringLiteral("checkmark.circle.fill");
+    case DownloadStatus::Failed:
+        return QStringLiteral("xmark.circle.fill");
+    case DownloadStatus::Cancelled:
+        return QStringLiteral("minus.circle.fill");
+    case DownloadStatus::Paused:
+        return QStringLiteral("pause.circle.fill");
+    }
+    return QString();
+}
+
+QString TaskModel::tintFor(DownloadStatus status)
+{
+    switch (status) {
+    case DownloadStatus::Pending:
+        return QStringLiteral("gray");
+    case DownloadStatus::Preparing:
+    case DownloadStatus::Paused: // shares orange with preparing on purpose
+        return QStringLiteral("orange");
+    case DownloadStatus::Downloading:
+        return QStringLiteral("blue");
+    case DownloadStatus::Completed:
+        return QStringLiteral("green");
+    case DownloadStatus::Failed:
+        return QStringLiteral("red");
+    case DownloadStatus::Cancelled:
+        return QStringLiteral("yellow");
+    }
+    return QString();
+}
+
+bool TaskModel::showsProgress(DownloadStatus status)
+{
+    return status == DownloadStatus::Downloading || status == DownloadStatus::Preparing;
+}
+
+QString TaskModel::percentText(double progress)
+{
+    // Truncated toward zero: 0.999 is 99%, not 100%.
+    return QString::number(qint64(progress * 100)) + u'%';
 }
 
 const DownloadTask *TaskModel::find(const QUuid &id) const
@@ -96,15 +166,15 @@ void TaskModel::changed(int row, const DownloadTask &before)
     if (after.title != before.title)
         roles.append(TitleRole);
     if (after.status != before.status)
-        roles.append(StatusRole);
+        roles << StatusRole << StatusLabelRole << StatusSymbolRole << StatusTintRole << ShowsProgressRole;
     if (after.progress != before.progress)
-        roles.append(ProgressRole);
+        roles << ProgressRole << PercentTextRole;
     if (after.speed != before.speed)
         roles.append(SpeedRole);
     if (after.size != before.size)
         roles.append(SizeRole);
     if (after.errorMessage != before.errorMessage)
-        roles.append(ErrorMessageRole);
+        roles << ErrorMessageRole << HasErrorRole;
     if (after.endTime != before.endTime)
         roles.append(EndTimeRole);
     if (roles.isEmpty())

@@ -17,7 +17,7 @@ class TaskModel : public QAbstractListModel
 
 public:
     enum Role {
-        IdRole = Qt::UserRole + 1,
+        IdRole = Qt::UserRole + 1, // the id as text, which QML compares directly
         UrlRole,
         TitleRole,
         StatusRole,
@@ -27,6 +27,13 @@ public:
         ErrorMessageRole,
         StartTimeRole,
         EndTimeRole,
+        // Presentation, derived from the fields above.
+        StatusLabelRole, // "下载中", …
+        StatusSymbolRole, // the status icon
+        StatusTintRole, // the status colour name: gray, orange, blue, green, red, yellow
+        ShowsProgressRole, // a bar and a percentage while preparing or downloading
+        PercentTextRole, // "42%": the whole percent, truncated
+        HasErrorRole,
     };
     Q_ENUM(Role)
 
@@ -40,6 +47,11 @@ public:
     int completedCount() const { return m_completed; }
     bool hasDownloading() const { return m_downloading > 0; }
     const QList<DownloadTask> &tasks() const { return m_tasks; }
+
+    static QString symbolFor(DownloadStatus status);
+    static QString tintFor(DownloadStatus status);
+    static bool showsProgress(DownloadStatus status);
+    static QString percentText(double progress);
     const DownloadTask *find(const QUuid &id) const;
 
     void append(const DownloadTask &task);

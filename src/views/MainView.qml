@@ -54,13 +54,15 @@ Item {
                     color: Theme.border
                 }
 
-                Item {
-                    objectName: "downloadInputPlace"
+                DownloadInputView {
+                    id: inputView
+
+                    objectName: "downloadInput"
                     SplitView.minimumWidth: 400
                     SplitView.fillWidth: true
                 }
-                Item {
-                    objectName: "downloadQueuePlace"
+                DownloadQueueView {
+                    objectName: "downloadQueue"
                     SplitView.minimumWidth: 350
                     SplitView.preferredWidth: 420
                 }
@@ -101,6 +103,17 @@ Item {
                     }
                 }
             }
+        }
+    }
+
+    // Links dropped anywhere on the window join the links editor.
+    DropArea {
+        objectName: "linkDropArea"
+        anchors.fill: parent
+        keys: ["text/uri-list", "text/plain"]
+        onDropped: drop => {
+            inputView.addDropped(drop.urls, drop.text)
+            drop.acceptProposedAction()
         }
     }
 

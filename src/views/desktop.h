@@ -21,6 +21,9 @@ public:
     Q_INVOKABLE void openUrl(const QUrl &url);
     Q_INVOKABLE QString clipboardText() const;
     Q_INVOKABLE void setClipboardText(const QString &text);
+    // The file-system path of a file: URL (as a folder dialog gives it), and back.
+    Q_INVOKABLE QString localPath(const QUrl &url) const { return url.toLocalFile(); }
+    Q_INVOKABLE QUrl fileUrl(const QString &path) const { return QUrl::fromLocalFile(path); }
     QFont fixedFont() const;
 
 Q_SIGNALS:

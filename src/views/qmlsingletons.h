@@ -6,6 +6,7 @@
 #include "model/downloadpreset.h"
 #include "model/downloadtask.h"
 #include "model/logmodel.h"
+#include "model/presetlistmodel.h"
 
 #include <QJSEngine>
 #include <QQmlEngine>
@@ -66,6 +67,13 @@ struct LogModelForeign
     QML_FOREIGN(LogModel)
     QML_NAMED_ELEMENT(LogModel)
     QML_UNCREATABLE("The log belongs to AppState")
+};
+
+struct PresetListModelForeign
+{
+    Q_GADGET
+    QML_FOREIGN(PresetListModel)
+    QML_NAMED_ELEMENT(PresetListModel)
 };
 
 // DownloadStatus and DownloadPreset for QML: Download.Pending, Download.Custom, …

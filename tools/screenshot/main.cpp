@@ -50,7 +50,8 @@ int main(int argc, char *argv[])
     const QCommandLineOption ytDlp(u"yt-dlp"_s, u"yt-dlp to use"_s, u"path"_s);
     const QCommandLineOption scenario(u"scenario"_s, u"folder with downloads.txt"_s, u"dir"_s);
     const QCommandLineOption wait(u"wait"_s, u"milliseconds to let the window settle"_s, u"ms"_s, u"2500"_s);
-    parser.addOptions({ ytDlp, scenario, wait });
+    const QCommandLineOption maxDownloads(u"max-downloads"_s, u"downloads at once"_s, u"n"_s, u"2"_s);
+    parser.addOptions({ ytDlp, scenario, wait, maxDownloads });
     parser.addHelpOption();
     parser.process(app);
     if (parser.positionalArguments().size() != 1)
@@ -75,6 +76,9 @@ int main(int argc, char *argv[])
         QFile list(QDir(parser.value(scenario)).filePath(u"downloads.txt"_s));
         if (list.open(QIODevice::ReadOnly)) {
             const QStringList urls = QString::fromUtf8(list.readAll()).split(u'\n', Qt::SkipEmptyParts);
+            AppState::instance()->setUrlInput(urls.join(u'\n'));
+            AppState::instance()->setSelectedPreset(DownloadPreset::BestVideoAudio);
+            DownloadManager::instance()->setMaxConcurrentDownloads(parser.value(maxDownloads).toInt());
             DownloadRequest request;
             request.outputDir = QDir(sandbox.path()).filePath(u"home/Downloads"_s);
             request.useCookies = false;

@@ -1,0 +1,29 @@
+#pragma once
+
+#include "model/downloadpreset.h"
+
+#include <QAbstractListModel>
+
+// The six presets in order, with what a preset card shows: name, icon, description.
+class PresetListModel : public QAbstractListModel
+{
+    Q_OBJECT
+
+public:
+    enum Role {
+        PresetRole = Qt::UserRole + 1,
+        NameRole,
+        SymbolRole,
+        DescriptionRole,
+    };
+    Q_ENUM(Role)
+
+    using QAbstractListModel::QAbstractListModel;
+
+    int rowCount(const QModelIndex &parent = QModelIndex()) const override;
+    QVariant data(const QModelIndex &index, int role = Qt::DisplayRole) const override;
+    QHash<int, QByteArray> roleNames() const override;
+
+    static QString symbolFor(DownloadPreset preset);
+    static QString descriptionFor(DownloadPreset preset);
+};

@@ -1,0 +1,378 @@
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import QtQuick.Controls.Basic
+import QtQuick.Dialogs
+import QtQuick.Layouts
+import Quillbox
+
+// The left pane: links, preset, custom arguments, switches, output folder, and the two actions.
+Rectangle {
+    id: root
+
+    readonly property InputPresenter presenter: presenter
+    property string formatsOutput
+
+    // Dropped links or text join the editor, one per line.
+    function addDropped(urls: list<url>, text: string) {
+        if (presenter.dropLinks(urls, text))
+            linksEditor.forceActiveFocus()
+    }
+
+    function pasteFromClipboard() {
+        if (presenter.paste(Desktop.clipboardText()))
+            linksEditor.forceActiveFocus()
+    }
+
+    color: Theme.background
+
+    InputPresenter {
+        id: presenter
+
+        onFormatsListed: text => {
+            root.formatsOutput = text
+            formatsSheet.shown = true
+        }
+        onFormatsFailed: description => {
+            errorAlert.message = description
+            errorAlert.open()
+        }
+    }
+
+    ScrollView {
+        id: scroller
+
+        anchors.fill: parent
+        contentWidth: availableWidth
+        clip: true
+
+        Rectangle {
+            width: scroller.availableWidth
+            implicitHeight: form.implicitHeight + 40
+            color: Theme.surface
+
+            ColumnLayout {
+                id: form
+
+                anchors.fill: parent
+                anchors.margins: 20
+                spacing: 18
+
+                Text {
+                    text: "添加下载任务"
+                    color: Theme.text
+                    font.pixelSize: 20
+                    font.weight: Font.DemiBold
+                }
+
+                // Links
+                ColumnLayout {
+                    Layout.fillWidth: true
+                    spacing: 8
+
+                    RowLayout {
+                        SectionHeader {
+                            text: "视频链接"
+                        }
+                        Item {
+                            Layout.fillWidth: true
+                        }
+                        TextButton {
+                            objectName: "pasteButton"
+                            text: "粘贴"
+                            symbol: "doc.on.clipboard"
+                            onClicked: root.pasteFromClipboard()
+                        }
+                        TextButton {
+                            objectName: "clearButton"
+                            text: "清空"
+                            symbol: "xmark.circle"
+                            onClicked: AppState.urlInput = ""
+                        }
+                    }
+                    TextArea {
+                        id: linksEditor
+
+                        objectName: "linksEditor"
+                        Layout.fillWidth: true
+                        Layout.preferredHeight: 120
+                        text: AppState.urlInput
+                        onTextChanged: {
+                            if (text !== AppState.urlInput)
+                                AppState.urlInput = text
+                        }
+                        placeholderText: "请输入视频链接，每行一个..."
+                        placeholderTextColor: Theme.gray
+                        color: Theme.text
+                        selectionColor: Theme.accent
+                        font.pixelSize: 14
+                        wrapMode: TextEdit.WrapAnywhere
+                        padding: 12
+                        background: Rectangle {
+                            radius: 10
+                            color: Theme.raised
+                            border.width: linksEditor.activeFocus ? 1 : 0
+                            border.color: Theme.border
+                        }
+                    }
+                    Hint {
+                        text: "支持多个链接，每行一个"
+                    }
+                }
+
+                // Presets
+                ColumnLayout {
+                    Layout.fillWidth: true
+                    spacing: 8
+
+                    SectionHeader {
+                        text: "下载预设"
+                    }
+                    GridLayout {
+                        id: presetGrid
+
+                        readonly property int spacingBetween: 12
+                        // As many columns of at least 160 as fit.
+                        readonly property int fitting: Math.max(1, Math.floor((width + spacingBetween) / (160 + spacingBetween)))
+
+                        Layout.fillWidth: true
+                        columns: fitting
+                        rowSpacing: spacingBetween
+                        columnSpacing: spacingBetween
+
+                        Repeater {
+                            model: PresetListModel {}
+
+                            PresetCard {
+                                required property int preset
+                                required property int index
+
+                                objectName: "preset" + index
+                                Layout.fillWidth: true
+                                Layout.preferredWidth: 1
+                                isSelected: AppState.selectedPreset === preset
+                                onClicked: AppState.selectedPreset = preset
+                            }
+                        }
+                    }
+                }
+
+                // Custom arguments, only under the custom preset
+                ColumnLayout {
+                    objectName: "customSection"
+                    Layout.fillWidth: true
+                    visible: AppState.selectedPreset === Download.Custom
+                    spacing: 8
+
+                    SectionHeader {
+                        text: "自定义参数"
+                    }
+                    TextField {
+                        id: customField
+
+                        objectName: "customField"
+                        Layout.fillWidth: true
+                        text: AppState.customArguments
+                        onTextEdited: AppState.customArguments = text
+                        placeholderText: "-f best -x --audio-format mp3"
+                        placeholderTextColor: Theme.gray
+                        color: Theme.text
+                        font.family: Theme.fixedFont.family
+                        padding: 10
+                        background: Rectangle {
+                            radius: 10
+                            color: Theme.raised
+                        }
+                    }
+                    Hint {
+                        text: "输入 yt-dlp 的自定义参数，使用空格分隔"
+                    }
+                }
+
+                // Switches
+                RowLayout {
+                    Layout.fillWidth: true
+                    spacing: 24
+
+                    ToggleSwitch {
+                        objectName: "playlistSwitch"
+                        text: "播放列表"
+                        symbol: "list.bullet.rectangle"
+                        checked: AppState.downloadPlaylist
+                        onToggled: AppState.downloadPlaylist = checked
+                    }
+                    ToggleSwitch {
+                        objectName: "cookieSwitch"
+                        text: "Cookie"
+                        symbol: "key.fill"
+                        checked: AppState.useCookies
+                        onToggled: AppState.useCookies = checked
+                    }
+                }
+
+                // Output folder
+                ColumnLayout {
+                    Layout.fillWidth: true
+                    spacing: 8
+
+                    SectionHeader {
+                        text: "输出目录"
+                    }
+                    RowLayout {
+                        spacing: 8
+
+                        TextField {
+                            objectName: "outputField"
+                            Layout.fillWidth: true
+                            text: AppState.outputDirectory
+                            onTextEdited: AppState.outputDirectory = text
+                            placeholderText: "选择输出目录..."
+                            placeholderTextColor: Theme.gray
+                            color: Theme.text
+                            padding: 10
+                            background: Rectangle {
+                                radius: 8
+                                color: Theme.raised
+                            }
+                        }
+                        IconButton {
+                            objectName: "folderButton"
+                            implicitWidth: 38
+                            implicitHeight: 38
+                            symbol: "folder"
+                            tint: Theme.text
+                            iconSize: 16
+                            onClicked: folderDialog.open()
+                        }
+                    }
+                }
+
+                // Actions
+                ColumnLayout {
+                    Layout.fillWidth: true
+                    spacing: 10
+
+                    AbstractButton {
+                        id: formatsButton
+
+                        objectName: "listFormatsButton"
+                        Layout.fillWidth: true
+                        implicitHeight: 42
+                        onClicked: presenter.listFormats()
+
+                        background: Rectangle {
+                            radius: 10
+                            color: Theme.border
+                            opacity: formatsButton.down ? 0.8 : 1
+                        }
+                        contentItem: Item {
+                            Row {
+                                anchors.centerIn: parent
+                                spacing: 8
+
+                                Icon {
+                                    anchors.verticalCenter: parent.verticalCenter
+                                    symbol: "list.bullet.rectangle.portrait"
+                                    size: 15
+                                }
+                                Text {
+                                    anchors.verticalCenter: parent.verticalCenter
+                                    text: "查看可用格式"
+                                    color: Theme.text
+                                    font.pixelSize: 14
+                                }
+                                Icon {
+                                    objectName: "listingIndicator"
+                                    anchors.verticalCenter: parent.verticalCenter
+                                    visible: presenter.isListingFormats
+                                    symbol: "arrow.clockwise"
+                                    color: Theme.gray
+                                    size: 14
+
+                                    RotationAnimation on rotation {
+                                        running: presenter.isListingFormats
+                                        from: 0
+                                        to: 360
+                                        duration: 900
+                                        loops: Animation.Infinite
+                                    }
+                                }
+                            }
+                        }
+                    }
+
+                    AbstractButton {
+                        id: startButton
+
+                        objectName: "startButton"
+                        Layout.fillWidth: true
+                        implicitHeight: 46
+                        onClicked: presenter.startDownload()
+
+                        background: Rectangle {
+                            radius: 12
+                            opacity: startButton.down ? 0.85 : 1
+                            gradient: Gradient {
+                                orientation: Gradient.Horizontal
+
+                                GradientStop {
+                                    position: 0
+                                    color: Theme.accent
+                                }
+                                GradientStop {
+                                    position: 1
+                                    color: Theme.orangeAccent
+                                }
+                            }
+                        }
+                        contentItem: Item {
+                            Row {
+                                anchors.centerIn: parent
+                                spacing: 8
+
+                                Icon {
+                                    anchors.verticalCenter: parent.verticalCenter
+                                    symbol: "arrow.down.circle.fill"
+                                    size: 16
+                                }
+                                Text {
+                                    anchors.verticalCenter: parent.verticalCenter
+                                    text: "开始下载"
+                                    color: Theme.text
+                                    font.pixelSize: 15
+                                    font.weight: Font.DemiBold
+                                }
+                            }
+                        }
+                    }
+                }
+            }
+        }
+    }
+
+    FolderDialog {
+        id: folderDialog
+
+        currentFolder: Desktop.fileUrl(AppState.outputDirectory)
+        onAccepted: AppState.outputDirectory = Desktop.localPath(selectedFolder)
+    }
+
+    SheetHost {
+        id: formatsSheet
+
+        objectName: "formatsSheet"
+        onDismissed: shown = false
+
+        FormatsListSheet {
+            formatsOutput: root.formatsOutput
+            onDismissed: formatsSheet.shown = false
+        }
+    }
+
+    MessageAlert {
+        id: errorAlert
+
+        objectName: "formatsErrorAlert"
+        heading: "错误"
+    }
+}

@@ -1,0 +1,99 @@
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import QtQuick.Controls.Basic
+import QtQuick.Layouts
+import Quillbox
+
+// The right pane: every task in the order the engine keeps them, and the stop-all button while
+// something downloads. Rows can be selected; nothing else is done with a row.
+Rectangle {
+    id: root
+
+    property string selectedTaskId
+
+    color: Theme.surface
+
+    ColumnLayout {
+        anchors.fill: parent
+        spacing: 0
+
+        RowLayout {
+            Layout.fillWidth: true
+            Layout.margins: 16
+            Layout.bottomMargin: 4
+
+            Text {
+                text: "下载队列"
+                color: Theme.text
+                font.pixelSize: 20
+                font.weight: Font.DemiBold
+            }
+            Item {
+                Layout.fillWidth: true
+            }
+            IconButton {
+                objectName: "stopButton"
+                visible: DownloadManager.tasks.hasDownloading
+                symbol: "stop.circle"
+                tint: Theme.red
+                fill: "transparent"
+                iconSize: 20
+                onClicked: DownloadManager.cancelAllDownloads()
+            }
+        }
+
+        Item {
+            Layout.fillWidth: true
+            Layout.fillHeight: true
+
+            Column {
+                objectName: "emptyState"
+                anchors.centerIn: parent
+                visible: DownloadManager.tasks.count === 0
+                spacing: 10
+
+                Icon {
+                    anchors.horizontalCenter: parent.horizontalCenter
+                    symbol: "tray"
+                    color: Qt.rgba(Theme.gray.r, Theme.gray.g, Theme.gray.b, 0.5)
+                    size: 48
+                }
+                Text {
+                    anchors.horizontalCenter: parent.horizontalCenter
+                    text: "暂无下载任务"
+                    color: Theme.gray
+                    font.pixelSize: 14
+                }
+                Text {
+                    anchors.horizontalCenter: parent.horizontalCenter
+                    text: "在上方输入视频链接开始下载"
+                    color: Qt.rgba(Theme.gray.r, Theme.gray.g, Theme.gray.b, 0.7)
+                    font.pixelSize: 12
+                }
+            }
+
+            ListView {
+                id: list
+
+                objectName: "taskList"
+                anchors.fill: parent
+                anchors.margins: 12
+                visible: count > 0
+                clip: true
+                spacing: 8
+                reuseItems: true
+                boundsBehavior: Flickable.StopAtBounds
+                model: DownloadManager.tasks
+
+                delegate: DownloadTaskRow {
+                    width: ListView.view.width
+                    isSelected: root.selectedTaskId === taskId
+                    onClicked: root.selectedTaskId = taskId
+                }
+
+                ScrollBar.vertical: ScrollBar {}
+            }
+        }
+    }
+}

@@ -1,0 +1,94 @@
+import QtQuick
+import QtQuick.Controls.Basic
+import QtQuick.Layouts
+import Quillbox
+
+// The format table that yt-dlp printed, in a fixed-width font, selectable and copyable.
+Rectangle {
+    id: root
+
+    required property string formatsOutput
+    property bool copied: false
+
+    signal dismissed
+
+    function copyToClipboard() {
+        Desktop.setClipboardText(root.formatsOutput)
+        root.copied = true
+        copiedTimer.restart()
+    }
+
+    implicitWidth: 800
+    implicitHeight: 600
+    color: Theme.background
+    radius: Theme.radiusLarge
+
+    Timer {
+        id: copiedTimer
+
+        interval: 2000
+        onTriggered: root.copied = false
+    }
+
+    ColumnLayout {
+        anchors.fill: parent
+        spacing: 0
+
+        Rectangle {
+            Layout.fillWidth: true
+            Layout.preferredHeight: 52
+            color: Theme.surface
+            radius: Theme.radiusLarge
+
+            RowLayout {
+                anchors.fill: parent
+                anchors.leftMargin: 16
+                anchors.rightMargin: 12
+
+                Text {
+                    text: "可用格式列表"
+                    color: Theme.text
+                    font.pixelSize: 18
+                    font.weight: Font.DemiBold
+                }
+                Item {
+                    Layout.fillWidth: true
+                }
+                TextButton {
+                    objectName: "copyButton"
+                    text: root.copied ? "已复制" : "复制"
+                    symbol: root.copied ? "checkmark" : "doc.on.doc"
+                    tint: root.copied ? Theme.green : Theme.gray
+                    onClicked: root.copyToClipboard()
+                }
+                IconButton {
+                    objectName: "closeFormatsButton"
+                    symbol: "xmark.circle.fill"
+                    fill: "transparent"
+                    iconSize: 20
+                    onClicked: root.dismissed()
+                }
+            }
+        }
+
+        ScrollView {
+            Layout.fillWidth: true
+            Layout.fillHeight: true
+            Layout.margins: 12
+            clip: true
+
+            TextArea {
+                objectName: "formatsText"
+                text: root.formatsOutput
+                readOnly: true
+                selectByMouse: true
+                wrapMode: TextEdit.NoWrap
+                color: Theme.text
+                selectionColor: Theme.accent
+                font.family: Theme.fixedFont.family
+                font.pixelSize: 12
+                background: null
+            }
+        }
+    }
+}

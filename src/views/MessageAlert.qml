@@ -1,0 +1,65 @@
+import QtQuick
+import QtQuick.Controls.Basic
+import QtQuick.Layouts
+import Quillbox
+
+// A warning with a title, a message and one button to dismiss it.
+Dialog {
+    id: root
+
+    property string heading
+    property string message
+
+    anchors.centerIn: parent
+    width: 420
+    modal: true
+    focus: true
+    closePolicy: Popup.CloseOnEscape
+    padding: 20
+
+    background: Rectangle {
+        color: Theme.surface
+        radius: Theme.radiusLarge
+        border.color: Theme.border
+    }
+
+    contentItem: ColumnLayout {
+        spacing: 12
+
+        RowLayout {
+            spacing: 10
+
+            Icon {
+                symbol: "exclamationmark.triangle.fill"
+                color: Theme.orange
+                size: 24
+            }
+            Text {
+                objectName: "alertHeading"
+                text: root.heading
+                color: Theme.text
+                font.pixelSize: 16
+                font.bold: true
+            }
+        }
+        TextEdit {
+            objectName: "alertMessage"
+            Layout.fillWidth: true
+            Layout.maximumHeight: 240
+            text: root.message
+            color: Theme.text
+            wrapMode: Text.Wrap
+            readOnly: true
+            selectByMouse: true
+            clip: true
+            font.pixelSize: 12
+        }
+        Button {
+            objectName: "alertOkButton"
+            Layout.alignment: Qt.AlignRight
+            text: "好"
+            highlighted: true
+            onClicked: root.accept()
+        }
+    }
+}

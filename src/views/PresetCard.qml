@@ -1,0 +1,77 @@
+import QtQuick
+import QtQuick.Controls.Basic
+import QtQuick.Layouts
+import Quillbox
+
+// One tile of the preset grid; wider than 160 it also shows the preset's description.
+AbstractButton {
+    id: root
+
+    required property string name
+    required property string symbol
+    required property string description
+    property bool isSelected: false
+
+    readonly property bool isWide: width > 160
+
+    implicitHeight: content.implicitHeight + 24
+    padding: 12
+    hoverEnabled: true
+
+    background: Rectangle {
+        radius: 12
+        color: root.isSelected ? Theme.border : Theme.raised
+        border.width: root.isSelected ? 2 : 0
+        border.color: Qt.rgba(Theme.accent.r, Theme.accent.g, Theme.accent.b, 0.5)
+    }
+
+    contentItem: RowLayout {
+        id: content
+
+        spacing: 10
+
+        Item {
+            Layout.alignment: Qt.AlignTop
+            implicitWidth: root.isWide ? 40 : 32
+            implicitHeight: implicitWidth
+
+            Icon {
+                objectName: "presetIcon"
+                anchors.centerIn: parent
+                symbol: root.symbol
+                color: root.isSelected ? Theme.accent : Theme.gray
+                size: root.isWide ? 24 : 20
+            }
+        }
+        ColumnLayout {
+            Layout.fillWidth: true
+            spacing: 2
+
+            RowLayout {
+                spacing: 4
+
+                Text {
+                    text: root.name
+                    color: Theme.text
+                    font.pixelSize: 13
+                    font.weight: Font.Medium
+                }
+                Icon {
+                    visible: root.isSelected
+                    symbol: "checkmark.circle.fill"
+                    color: Theme.accent
+                    size: 13
+                }
+            }
+            Text {
+                objectName: "presetDescription"
+                Layout.fillWidth: true
+                visible: root.isWide
+                text: root.description
+                color: Theme.gray
+                font.pixelSize: 11
+                wrapMode: Text.Wrap
+            }
+        }
+    }
+}

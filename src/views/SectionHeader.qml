@@ -1,0 +1,9 @@
+import QtQuick
+import Quillbox
+
+// The title of a section of the input pane.
+Text {
+    color: Theme.text
+    font.pixelSize: 13
+    font.weight: Font.DemiBold
+}

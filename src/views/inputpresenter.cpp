@@ -1,0 +1,80 @@
+#include "views/inputpresenter.h"
+
+#include "engine/downloadmanager.h"
+#include "model/appstate.h"
+#include "model/linkinput.h"
+
+InputPresenter::InputPresenter(QObject *parent)
+    : InputPresenter(AppState::instance(), DownloadManager::instance(), parent)
+{
+}
+
+InputPresenter::InputPresenter(AppState *state, DownloadManager *downloads, QObject *parent)
+    : QObject(parent)
+    , m_state(state)
+    , m_downloads(downloads)
+{
+}
+
+void InputPresenter::startDownload()
+{
+    if (!m_state || !m_downloads || m_state->urlInput().isEmpty())
+        return;
+    m_isLoading = true;
+    Q_EMIT isLoadingChanged();
+
+    DownloadRequest request;
+    request.preset = m_state->selectedPreset();
+    request.customArgs = request.preset == DownloadPreset::Custom ? m_state->customArguments() : QString();
+    request.outputDir = m_state->outputDirectory();
+    request.downloadPlaylist = m_state->downloadPlaylist();
+    request.useCookies = m_state->useCookies();
+    const QStringList links = linksFromInput(m_state->urlInput());
+    if (!links.isEmpty())
+        m_downloads->startDownloads(links, request);
+
+    m_isLoading = false;
+    Q_EMIT isLoadingChanged();
+}
+
+void InputPresenter::listFormats()
+{
+    if (!m_state || !m_downloads || m_state->urlInput().isEmpty())
+        return;
+    setListingFormats(true);
+    QPointer<InputPresenter> self(this);
+    m_downloads->listFormats(
+        firstLineOf(m_state->urlInput()), m_state->useCookies(), [self](const FormatListResult &result) {
+            if (!self)
+                return;
+            self->setListingFormats(false);
+            if (result.ok)
+                Q_EMIT self->formatsListed(result.text);
+            else
+                Q_EMIT self->formatsFailed(result.error.localizedDescription);
+        });
+}
+
+bool InputPresenter::paste(const QString &text)
+{
+    if (!m_state || text.isEmpty())
+        return false;
+    m_state->setUrlInput(withAddedText(m_state->urlInput(), text));
+    return true;
+}
+
+bool InputPresenter::dropLinks(const QList<QUrl> &urls, const QString &text)
+{
+    QStringList links;
+    for (const QUrl &url : urls)
+        links << (url.isLocalFile() ? url.toLocalFile() : url.toString());
+    return paste(links.isEmpty() ? text.trimmed() : links.join(u'\n'));
+}
+
+void InputPresenter::setListingFormats(bool value)
+{
+    if (m_isListingFormats == value)
+        return;
+    m_isListingFormats = value;
+    Q_EMIT isListingFormatsChanged();
+}
