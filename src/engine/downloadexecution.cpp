@@ -111,10 +111,23 @@ void DownloadManager::pumpQueue()
     // probe has a time limit, so this wait ends.
     if (!m_versionProbed || !m_runtimeDetected || !m_ffmpegDetected)
         return;
-    while (!m_waiting.empty() && runningCount() < m_maxConcurrent) {
-        const Waiting job = std::move(m_waiting.front());
-        m_waiting.pop_front();
-        executeDownload(job);
+    if (m_waiting.empty() || runningCount() >= m_maxConcurrent)
+        return;
+    const Waiting job = std::move(m_waiting.front());
+    m_waiting.pop_front();
+    executeDownload(job);
+
+    // Starting a child holds this thread until the shell runs, so when many downloads begin
+    // together they start one per event-loop turn and the window keeps drawing in between.
+    if (!m_waiting.empty() && runningCount() < m_maxConcurrent && !m_pumpScheduled) {
+        m_pumpScheduled = true;
+        QMetaObject::invokeMethod(
+            this,
+            [this] {
+                m_pumpScheduled = false;
+                pumpQueue();
+            },
+            Qt::QueuedConnection);
     }
 }
 
@@ -229,15 +242,23 @@ void DownloadManager::readOutput(const QUuid &taskId, bool standardError)
     GroupProcess *process = running->process;
     const QByteArray bytes = standardError ? process->readAllStandardError() : process->readAllStandardOutput();
     LineSplitter &splitter = standardError ? running->stderrLines : running->stdoutLines;
-    handleLines(taskId, splitter.feed(bytes), standardError);
+    ProgressUpdate update = handleLines(taskId, splitter.feed(bytes), standardError);
 
     // yt-dlp starts each redraw with "\r", so its newest progress line is finished only by the
     // next one. Read that line's progress now, so the queue is not one update behind; it reaches
     // the log once finished. A token of a half-written line cannot match early: each ends in
     // "%", "iB" or "iB/s".
     const QString drawing = splitter.pending();
-    if (drawing.contains(u"[download]") && drawing.contains(u'%'))
-        applyProgress(taskId, parseProgress({ drawing }));
+    if (drawing.contains(u"[download]") && drawing.contains(u'%')) {
+        const ProgressUpdate newest = parseProgress({ drawing });
+        if (newest.progress)
+            update.progress = newest.progress;
+        if (newest.speed)
+            update.speed = newest.speed;
+        if (newest.size)
+            update.size = newest.size;
+    }
+    applyProgress(taskId, update);
 }
 
 void DownloadManager::applyProgress(const QUuid &taskId, const ProgressUpdate &update)
@@ -256,10 +277,10 @@ void DownloadManager::applyProgress(const QUuid &taskId, const ProgressUpdate &u
     });
 }
 
-void DownloadManager::handleLines(const QUuid &taskId, const QStringList &lines, bool standardError)
+ProgressUpdate DownloadManager::handleLines(const QUuid &taskId, const QStringList &lines, bool standardError)
 {
     if (lines.isEmpty())
-        return;
+        return {};
     Running *running = m_active.value(taskId);
     if (running)
         keepTail(standardError ? running->stderrTail : running->stdoutTail, lines);
@@ -271,7 +292,7 @@ void DownloadManager::handleLines(const QUuid &taskId, const QStringList &lines,
     for (const QString &line : lines)
         addLog(line, standardError ? typeOfStderrLine(line) : LogEntry::LogType::Download);
 
-    applyProgress(taskId, parseProgress(lines));
+    return parseProgress(lines);
 }
 
 void DownloadManager::completeDownload(const QUuid &taskId, int exitCode, bool crashed)
@@ -284,8 +305,8 @@ void DownloadManager::completeDownload(const QUuid &taskId, int exitCode, bool c
     readOutput(taskId, true);
     const QStringList stdoutRest = running->stdoutLines.finish();
     const QStringList stderrRest = running->stderrLines.finish();
-    handleLines(taskId, stdoutRest, false);
-    handleLines(taskId, stderrRest, true);
+    applyProgress(taskId, handleLines(taskId, stdoutRest, false));
+    applyProgress(taskId, handleLines(taskId, stderrRest, true));
 
     qCInfo(lcEngine, "[Quillbox] [executeDownload] 进程结束, 退出码: %d", exitCode);
     qCInfo(lcEngine, "[Quillbox] [executeDownload] stdout:\n%ls", qUtf16Printable(stdoutRest.join(u'\n')));

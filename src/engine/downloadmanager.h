@@ -1,5 +1,6 @@
 #pragma once
 
+#include "engine/progressparser.h"
 #include "engine/taskmodel.h"
 #include "model/downloadpreset.h"
 #include "model/downloadtask.h"
@@ -18,7 +19,6 @@
 
 class AppState;
 class GroupProcess;
-struct ProgressUpdate;
 struct ShellResult;
 
 // Where tool discovery looks. standard() is the real machine; a test points it elsewhere.
@@ -197,7 +197,8 @@ private:
     void executeDownload(const Waiting &job);
     void failToLaunch(const QUuid &taskId, const QString &message);
     void readOutput(const QUuid &taskId, bool standardError);
-    void handleLines(const QUuid &taskId, const QStringList &lines, bool standardError);
+    // Logs the lines and reads what they say about progress.
+    ProgressUpdate handleLines(const QUuid &taskId, const QStringList &lines, bool standardError);
     void applyProgress(const QUuid &taskId, const ProgressUpdate &update);
     void completeDownload(const QUuid &taskId, int exitCode, bool crashed);
     void removeRunning(const QUuid &taskId);
@@ -226,5 +227,6 @@ private:
 
     int m_maxConcurrent = DefaultMaxConcurrentDownloads;
     std::deque<Waiting> m_waiting;
+    bool m_pumpScheduled = false;
     QHash<QUuid, Running *> m_active;
 };

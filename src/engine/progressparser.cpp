@@ -25,25 +25,30 @@ const Expressions &expressions()
     return compiled;
 }
 
+// Fills the fields still empty in `update` from `line`.
 void readProgressLine(const QString &line, ProgressUpdate &update)
 {
     const Expressions &re = expressions();
-    const QRegularExpressionMatch percent = re.percent.match(line);
-    if (percent.hasMatch()) {
+    if (!update.progress) {
+        const QRegularExpressionMatch percent = re.percent.match(line);
         bool ok = false;
-        const double value = percent.capturedView(1).toDouble(&ok);
+        const double value = percent.hasMatch() ? percent.capturedView(1).toDouble(&ok) : 0.0;
         if (ok)
             update.progress = value / 100.0;
     }
-    const QRegularExpressionMatch speed = re.speed.match(line);
-    if (speed.hasMatch()) {
-        QString text = speed.captured(0);
-        text.remove(u"at"_s);
-        update.speed = text.trimmed();
+    if (!update.speed) {
+        const QRegularExpressionMatch speed = re.speed.match(line);
+        if (speed.hasMatch()) {
+            QString text = speed.captured(0);
+            text.remove(u"at"_s);
+            update.speed = text.trimmed();
+        }
     }
-    const QRegularExpressionMatch size = re.size.match(line);
-    if (size.hasMatch())
-        update.size = size.captured(0);
+    if (!update.size) {
+        const QRegularExpressionMatch size = re.size.match(line);
+        if (size.hasMatch())
+            update.size = size.captured(0);
+    }
 }
 
 bool anyContains(const QStringList &lines, QStringView needle)
@@ -56,9 +61,13 @@ ProgressUpdate parseProgress(const QStringList &lines)
 {
     ProgressUpdate update;
     if (anyContains(lines, u"[download]")) {
-        for (const QString &line : lines) {
-            if (line.contains(u'%'))
-                readProgressLine(line, update);
+        // A later line overrides an earlier one field by field, so the first match of each
+        // field counted from the end is the one that stands.
+        for (auto line = lines.crbegin(); line != lines.crend(); ++line) {
+            if (line->contains(u'%'))
+                readProgressLine(*line, update);
+            if (update.progress && update.speed && update.size)
+                break;
         }
     }
     if (anyContains(lines, u"ERROR") || anyContains(lines, u"error")) {

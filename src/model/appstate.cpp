@@ -53,10 +53,13 @@ void AppState::flushPendingLogs()
         pending.swap(m_pending);
         m_flushScheduled = false;
     }
+    // Lines the cap would drop at once are never built, and one batch shares one time.
+    const qsizetype first = std::max<qsizetype>(0, pending.size() - MaxLogEntries);
+    const QDateTime now = QDateTime::currentDateTime();
     QList<LogEntry> batch;
-    batch.reserve(pending.size());
-    for (const PendingLog &line : std::as_const(pending))
-        batch.append(LogEntry::make(line.message, line.type));
+    batch.reserve(pending.size() - first);
+    for (qsizetype i = first; i < pending.size(); ++i)
+        batch.append(LogEntry { QUuid::createUuid(), now, pending.at(i).type, pending.at(i).message });
     m_log->append(std::move(batch));
 }
 

@@ -1,5 +1,6 @@
 #include "model/logcategories.h"
 
-Q_LOGGING_CATEGORY(lcEngine, "quillbox.engine")
-Q_LOGGING_CATEGORY(lcCookies, "quillbox.cookies")
-Q_LOGGING_CATEGORY(lcUi, "quillbox.ui")
+// Debug output (every line a download prints) only when asked for with QT_LOGGING_RULES.
+Q_LOGGING_CATEGORY(lcEngine, "quillbox.engine", QtInfoMsg)
+Q_LOGGING_CATEGORY(lcCookies, "quillbox.cookies", QtInfoMsg)
+Q_LOGGING_CATEGORY(lcUi, "quillbox.ui", QtInfoMsg)
