@@ -7,6 +7,8 @@
 
 #include "testsupport.h"
 
+#include <QJsonArray>
+#include <QJsonDocument>
 #include <QQmlEngine>
 #include <QQuickStyle>
 #include <QtQml/qqmlextensionplugin.h>
@@ -51,6 +53,39 @@ public:
             file.write(steps.toUtf8());
         qputenv("FAKE_YTDLP_SCENARIO", file.fileName().toUtf8());
         qputenv("FAKE_YTDLP_EXIT", QByteArray::number(exitCode));
+    }
+
+    Q_INVOKABLE QStringList taskUrls() const
+    {
+        QStringList urls;
+        for (const DownloadTask &task : DownloadManager::instance()->tasks())
+            urls << task.url;
+        return urls;
+    }
+
+    Q_INVOKABLE QStringList taskStatuses() const
+    {
+        QStringList statuses;
+        for (const DownloadTask &task : DownloadManager::instance()->tasks())
+            statuses << rawValue(task.status);
+        return statuses;
+    }
+
+    // The arguments the stand-in received for the download of `url`.
+    Q_INVOKABLE QStringList argvFor(const QString &url) const
+    {
+        QFile file(m_root + u"/argv.jsonl"_s);
+        if (!file.open(QIODevice::ReadOnly))
+            return {};
+        QStringList found;
+        for (const QByteArray &line : file.readAll().split('\n')) {
+            QStringList argv;
+            for (const QJsonValue &word : QJsonDocument::fromJson(line).array())
+                argv << word.toString();
+            if (!argv.isEmpty() && argv.constLast() == url)
+                found = argv;
+        }
+        return found;
     }
 
     Q_INVOKABLE QString lastTaskStatus() const

@@ -1,0 +1,128 @@
+#include "engine/taskmodel.h"
+
+#include <QAbstractItemModelTester>
+#include <QSignalSpy>
+#include <QtTest>
+
+using namespace Qt::StringLiterals;
+
+class TestTaskModel : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void statusPresentation_data();
+    void statusPresentation();
+    void percentText_data();
+    void percentText();
+    void updatesSignalOneRowAndItsRoles();
+    void countersFollowStatus();
+};
+
+void TestTaskModel::statusPresentation_data()
+{
+    QTest::addColumn<DownloadStatus>("status");
+    QTest::addColumn<QString>("label");
+    QTest::addColumn<QString>("symbol");
+    QTest::addColumn<QString>("tint");
+    QTest::addColumn<bool>("bar");
+    QTest::newRow("pending") << DownloadStatus::Pending << u"等待中"_s << u"clock"_s << u"gray"_s << false;
+    QTest::newRow("preparing") << DownloadStatus::Preparing << u"准备中"_s << u"gearshape"_s << u"orange"_s << true;
+    QTest::newRow("downloading") << DownloadStatus::Downloading << u"下载中"_s << u"arrow.down.circle"_s << u"blue"_s
+                                 << true;
+    QTest::newRow("completed") << DownloadStatus::Completed << u"已完成"_s << u"checkmark.circle.fill"_s << u"green"_s
+                               << false;
+    QTest::newRow("failed") << DownloadStatus::Failed << u"失败"_s << u"xmark.circle.fill"_s << u"red"_s << false;
+    QTest::newRow("cancelled") << DownloadStatus::Cancelled << u"已取消"_s << u"minus.circle.fill"_s << u"yellow"_s
+                               << false;
+    QTest::newRow("paused shares orange, shows no bar")
+        << DownloadStatus::Paused << u"已暂停"_s << u"pause.circle.fill"_s << u"orange"_s << false;
+}
+
+void TestTaskModel::statusPresentation()
+{
+    QFETCH(DownloadStatus, status);
+    QFETCH(QString, label);
+    QFETCH(QString, symbol);
+    QFETCH(QString, tint);
+    QFETCH(bool, bar);
+    TaskModel model;
+    DownloadTask task = DownloadTask::create(u"https://x.example/v"_s);
+    task.status = status;
+    model.append(task);
+    const QModelIndex index = model.index(0);
+    QCOMPARE(index.data(TaskModel::StatusLabelRole).toString(), label);
+    QCOMPARE(index.data(TaskModel::StatusSymbolRole).toString(), symbol);
+    QCOMPARE(index.data(TaskModel::StatusTintRole).toString(), tint);
+    QCOMPARE(index.data(TaskModel::ShowsProgressRole).toBool(), bar);
+    QCOMPARE(index.data(TaskModel::PercentTextRole).toString(), u"0%"_s); // a preparing task reads 0%
+    QCOMPARE(index.data(TaskModel::IdRole).toString(), task.id.toString(QUuid::WithoutBraces));
+}
+
+void TestTaskModel::percentText_data()
+{
+    QTest::addColumn<double>("progress");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("0") << 0.0 << u"0%"_s;
+    QTest::newRow("0.423") << 0.423 << u"42%"_s;
+    QTest::newRow("0.999 is not rounded up") << 0.999 << u"99%"_s;
+    QTest::newRow("0.0099") << 0.0099 << u"0%"_s;
+    QTest::newRow("1") << 1.0 << u"100%"_s;
+}
+
+void TestTaskModel::percentText()
+{
+    QFETCH(double, progress);
+    QFETCH(QString, text);
+    QCOMPARE(TaskModel::percentText(progress), text);
+}
+
+void TestTaskModel::updatesSignalOneRowAndItsRoles()
+{
+    TaskModel model;
+    QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::QtTest);
+    model.appendAll({ DownloadTask::create(u"a"_s), DownloadTask::create(u"b"_s), DownloadTask::create(u"c"_s) });
+    QSignalSpy changed(&model, &QAbstractItemModel::dataChanged);
+    const QUuid second = model.tasks().at(1).id;
+
+    QVERIFY(model.update(second, [](DownloadTask &task) { task.progress = 0.5; }));
+    QCOMPARE(changed.count(), 1);
+    QCOMPARE(changed.at(0).at(0).toModelIndex().row(), 1);
+    QCOMPARE(changed.at(0).at(1).toModelIndex().row(), 1);
+    const auto roles = changed.at(0).at(2).value<QList<int>>();
+    QCOMPARE(roles, QList<int>({ TaskModel::ProgressRole, TaskModel::PercentTextRole }));
+
+    // No change, no signal; an unknown task is reported, not invented.
+    QVERIFY(model.update(second, [](DownloadTask &task) { task.progress = 0.5; }));
+    QCOMPARE(changed.count(), 1);
+    QVERIFY(!model.update(QUuid::createUuid(), [](DownloadTask &task) { task.progress = 1; }));
+
+    QVERIFY(model.update(second, [](DownloadTask &task) { task.status = DownloadStatus::Failed; }));
+    const auto statusRoles = changed.at(1).at(2).value<QList<int>>();
+    QVERIFY(statusRoles.contains(TaskModel::StatusLabelRole) && statusRoles.contains(TaskModel::ShowsProgressRole));
+}
+
+void TestTaskModel::countersFollowStatus()
+{
+    TaskModel model;
+    QSignalSpy downloading(&model, &TaskModel::hasDownloadingChanged);
+    model.appendAll({ DownloadTask::create(u"a"_s), DownloadTask::create(u"b"_s) });
+    const QUuid a = model.tasks().at(0).id;
+    const QUuid b = model.tasks().at(1).id;
+    const auto set = [&model](const QUuid &id, DownloadStatus status) {
+        model.update(id, [status](DownloadTask &task) { task.status = status; });
+    };
+    set(a, DownloadStatus::Downloading);
+    set(b, DownloadStatus::Downloading);
+    QVERIFY(model.hasDownloading());
+    set(a, DownloadStatus::Completed);
+    QVERIFY(model.hasDownloading());
+    set(b, DownloadStatus::Cancelled);
+    QVERIFY(!model.hasDownloading());
+    QCOMPARE(downloading.count(), 2);
+    QCOMPARE(model.completedCount(), 1);
+    QCOMPARE(model.count(), 2);
+}
+
+QTEST_GUILESS_MAIN(TestTaskModel)
+#include "tst_taskmodel.moc"

@@ -1,0 +1,238 @@
+import QtQuick
+import QtTest
+import Quillbox
+import QuillboxTest
+
+TestCase {
+    id: testCase
+
+    name: "InputAndQueue"
+    width: 1200
+    height: 800
+    visible: true
+    when: windowShown
+
+    Component {
+        id: mainViewComponent
+
+        MainView {
+            width: testCase.width
+            height: testCase.height
+        }
+    }
+
+    property var view: null
+
+    function init() {
+        AppState.urlInput = ""
+        AppState.customArguments = ""
+        AppState.selectedPreset = Download.Default
+        AppState.useCookies = false
+        AppState.showLogPanel = false
+        AppState.outputDirectory = TestHelper.tempDir() + "/out"
+        TestHelper.setScenario("[]", 0)
+        TestHelper.setEnv("FAKE_YTDLP_FORMATS", "")
+        TestHelper.setEnv("FAKE_YTDLP_FORMATS_EXIT", "")
+        TestHelper.setEnv("FAKE_YTDLP_FORMATS_STDERR", "")
+        view = createTemporaryObject(mainViewComponent, testCase)
+        verify(view)
+        // The view's own installation check must not race a test's clicks.
+        tryCompare(view, "installationCheck", 0, 20000)
+    }
+
+    function cleanup() {
+        DownloadManager.cancelAllDownloads()
+        tryCompare(DownloadManager, "runningCount", 0, 20000)
+    }
+
+    function child(name) {
+        const item = findChild(view, name)
+        verify(item, name)
+        return item
+    }
+
+    function newTasks(before) {
+        return TestHelper.taskUrls().slice(before)
+    }
+
+    function test_startQueuesTrimmedLinksInOrder() {
+        const before = DownloadManager.tasks.count
+        AppState.urlInput = "  a  \n\n\tb\n   "
+        mouseClick(child("startButton"))
+        compare(newTasks(before), ["a", "b"])
+        compare(AppState.urlInput, "  a  \n\n\tb\n   ")
+        compare(child("taskList").count, before + 2)
+    }
+
+    function test_blankLinesQueueNothing() {
+        const before = DownloadManager.tasks.count
+        AppState.urlInput = "   \n\t\n"
+        mouseClick(child("startButton"))
+        compare(DownloadManager.tasks.count, before)
+    }
+
+    function test_typedLinksAreQueued() {
+        const before = DownloadManager.tasks.count
+        const editor = child("linksEditor")
+        mouseClick(editor)
+        keySequence("h")
+        keyClick(Qt.Key_T)
+        compare(AppState.urlInput, "ht")
+        mouseClick(child("startButton"))
+        compare(newTasks(before), ["ht"])
+    }
+
+    function test_paste() {
+        Desktop.setClipboardText("https://p.example/1")
+        mouseClick(child("pasteButton"))
+        compare(AppState.urlInput, "https://p.example/1")
+        Desktop.setClipboardText("https://p.example/2")
+        mouseClick(child("pasteButton"))
+        compare(AppState.urlInput, "https://p.example/1\nhttps://p.example/2")
+        mouseClick(child("clearButton"))
+        compare(AppState.urlInput, "")
+    }
+
+    function test_droppedLinksJoinTheEditor() {
+        AppState.urlInput = "x"
+        child("downloadInput").addDropped(["https://d.example/1", "https://d.example/2"], "")
+        compare(AppState.urlInput, "x\nhttps://d.example/1\nhttps://d.example/2")
+    }
+
+    function test_customArgumentsOnlyUnderCustom() {
+        const custom = child("customSection")
+        compare(custom.visible, false)
+        mouseClick(child("preset5"))
+        compare(AppState.selectedPreset, Download.Custom)
+        tryCompare(custom, "visible", true)
+        mouseClick(child("customField"))
+        keySequence("-")
+        keySequence("-")
+        for (const key of "limit-rate 500k")
+            keySequence(key === " " ? "Space" : key)
+        compare(AppState.customArguments, "--limit-rate 500k")
+
+        // Another preset hides the field but keeps its text, and leaves it out of the command.
+        mouseClick(child("preset1"))
+        compare(custom.visible, false)
+        compare(AppState.customArguments, "--limit-rate 500k")
+        AppState.urlInput = "https://k.example/plain"
+        mouseClick(child("startButton"))
+        mouseClick(child("preset5"))
+        AppState.urlInput = "https://k.example/custom"
+        mouseClick(child("startButton"))
+        tryVerify(() => TestHelper.argvFor("https://k.example/custom").length > 0, 20000)
+        tryVerify(() => TestHelper.argvFor("https://k.example/plain").length > 0, 20000)
+        const plain = TestHelper.argvFor("https://k.example/plain")
+        const custom2 = TestHelper.argvFor("https://k.example/custom")
+        verify(plain.indexOf("--limit-rate") < 0)
+        verify(plain.indexOf("bv*+ba/b") >= 0)
+        verify(custom2.indexOf("--limit-rate") >= 0)
+        compare(custom2[custom2.indexOf("--limit-rate") + 1], "500k")
+    }
+
+    function test_presetCardsAdaptToWidth() {
+        const card = child("preset0")
+        verify(card.width > 160)
+        verify(findChild(card, "presetDescription").visible)
+        compare(findChild(card, "presetIcon").size, 24)
+        // A narrow pane: one column of cards at most 160 wide would be a different layout;
+        // make the cards themselves narrow.
+        card.width = 150
+        verify(!card.isWide)
+        compare(findChild(card, "presetDescription").visible, false)
+        compare(findChild(card, "presetIcon").size, 20)
+    }
+
+    function test_formatsSheetShowsTheTable() {
+        TestHelper.setEnv("FAKE_YTDLP_FORMATS", "ID  EXT  RESOLUTION\n18  mp4  640x360")
+        AppState.urlInput = "https://f.example/v\nhttps://f.example/other"
+        mouseClick(child("listFormatsButton"))
+        const sheet = child("formatsSheet")
+        tryCompare(sheet, "opened", true, 20000)
+        const text = findChild(sheet.contentItem, "formatsText")
+        verify(text)
+        compare(text.text, "ID  EXT  RESOLUTION\n18  mp4  640x360\n")
+        compare(child("listingIndicator").visible, false)
+
+        const copy = findChild(sheet.contentItem, "copyButton")
+        mouseClick(copy)
+        compare(Desktop.clipboardText(), "ID  EXT  RESOLUTION\n18  mp4  640x360\n")
+        compare(copy.text, "已复制")
+        tryCompare(copy, "text", "复制", 4000)
+        mouseClick(findChild(sheet.contentItem, "closeFormatsButton"))
+        tryCompare(sheet, "opened", false)
+    }
+
+    function test_formatsFailureShowsTheAlert() {
+        TestHelper.setEnv("FAKE_YTDLP_FORMATS_EXIT", "1")
+        TestHelper.setEnv("FAKE_YTDLP_FORMATS_STDERR", "ERROR: Unsupported URL: nope")
+        AppState.urlInput = "nope"
+        mouseClick(child("listFormatsButton"))
+        const alert = child("formatsErrorAlert")
+        tryCompare(alert, "opened", true, 20000)
+        compare(findChild(alert.contentItem, "alertHeading").text, "错误")
+        compare(findChild(alert.contentItem, "alertMessage").text, "ERROR: Unsupported URL: nope\n")
+        compare(child("formatsSheet").opened, false)
+        mouseClick(findChild(alert.contentItem, "alertOkButton"))
+        tryCompare(alert, "opened", false)
+    }
+
+    function test_emptyQueueShowsTheEmptyState() {
+        compare(child("emptyState").visible, DownloadManager.tasks.count === 0)
+        compare(child("stopButton").visible, false)
+    }
+
+    function test_rowsAndTheStopButton() {
+        const before = DownloadManager.tasks.count
+        TestHelper.setScenario('[{"out": "\\r[download]  42.9% of 10.00MiB at 1.50MiB/s ETA 00:05"}, {"sleep": 30}]', 0)
+        AppState.urlInput = "https://s.example/1\nhttps://s.example/2"
+        mouseClick(child("startButton"))
+        const stop = child("stopButton")
+        tryCompare(stop, "visible", true, 20000)
+        compare(child("emptyState").visible, false)
+
+        const list = child("taskList")
+        list.positionViewAtEnd()
+        let row = null
+        tryVerify(() => {
+            row = list.itemAtIndex(before)
+            return row !== null && findChild(row, "percentText").text === "42%"
+        }, 20000)
+        verify(findChild(row, "progressRow").visible)
+        compare(findChild(row, "statusText").text, "下载中")
+        compare(findChild(row, "speedText").text, "1.50MiB/s")
+        compare(findChild(row, "sizeText").text, "10.00MiB")
+        verify(findChild(row, "progressFill").width > 0)
+
+        // Selection follows the task.
+        mouseClick(row)
+        verify(row.isSelected)
+
+        mouseClick(stop)
+        const statuses = TestHelper.taskStatuses().slice(before)
+        compare(statuses, ["已取消", "已取消"])
+        tryCompare(DownloadManager, "runningCount", 0, 20000)
+        compare(TestHelper.taskStatuses().slice(before), ["已取消", "已取消"])
+        tryCompare(stop, "visible", false)
+        compare(findChild(row, "progressRow").visible, false)
+    }
+
+    function test_failedRowShowsItsErrorInRed() {
+        const before = DownloadManager.tasks.count
+        TestHelper.setScenario('[{"err": "ERROR: HTTP Error 404: Not Found\\n"}]', 1)
+        AppState.urlInput = "https://e.example/missing"
+        mouseClick(child("startButton"))
+        const list = child("taskList")
+        tryVerify(() => TestHelper.taskStatuses()[before] === "失败", 20000)
+        list.positionViewAtEnd()
+        let row = null
+        tryVerify(() => (row = list.itemAtIndex(before)) !== null)
+        const error = findChild(row, "errorText")
+        tryCompare(error, "visible", true)
+        compare(error.text, "ERROR: HTTP Error 404: Not Found")
+        verify(Qt.colorEqual(error.color, Theme.red))
+        compare(findChild(row, "progressRow").visible, false)
+        compare(findChild(row, "statusText").text, "失败")
+    }
+}

@@ -1,0 +1,187 @@
+#include "model/linkinput.h"
+#include "views/inputpresenter.h"
+
+#include "engine/enginefixture.h"
+
+#include <QSignalSpy>
+#include <QtTest>
+
+using namespace Qt::StringLiterals;
+
+class TestInputPresenter : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void links_data();
+    void links();
+    void firstLine_data();
+    void firstLine();
+    void pasteAndDrop();
+    void startQueuesEveryLink();
+    void customArgumentsOnlyUnderCustom();
+    void blankInputQueuesNothing();
+    void listFormats();
+
+private:
+    struct Engine
+    {
+        EngineFixture fixture;
+        FakeYtDlp fake { fixture };
+        AppState state;
+        std::unique_ptr<DownloadManager> manager;
+    };
+    static std::unique_ptr<Engine> makeEngine();
+};
+
+std::unique_ptr<TestInputPresenter::Engine> TestInputPresenter::makeEngine()
+{
+    auto engine = std::make_unique<Engine>();
+    ToolLocations locations = engine->fixture.emptyLocations();
+    locations.ytDlp << engine->fake.path();
+    engine->manager = std::make_unique<DownloadManager>(&engine->state, locations);
+    engine->state.setOutputDirectory(engine->fixture.path(u"out"_s));
+    engine->state.setUseCookies(false);
+    engine->fake.setScenario("[]");
+    return engine;
+}
+
+void TestInputPresenter::links_data()
+{
+    QTest::addColumn<QString>("input");
+    QTest::addColumn<QStringList>("links");
+    QTest::newRow("trimmed, blanks dropped") << u"  a  \n\n\tb\n   "_s << QStringList { u"a"_s, u"b"_s };
+    QTest::newRow("only blank lines") << u"\n  \n\t\n"_s << QStringList();
+    QTest::newRow("any line break") << u"a\r\nb\rc\u2028d\u0085e"_s
+                                    << QStringList { u"a"_s, u"b"_s, u"c"_s, u"d"_s, u"e"_s };
+    QTest::newRow("wide spaces trimmed") << u"\u3000a\u00a0"_s << QStringList { u"a"_s };
+    QTest::newRow("inner spaces kept") << u" a b "_s << QStringList { u"a b"_s };
+    QTest::newRow("duplicates kept") << u"x\nx"_s << QStringList { u"x"_s, u"x"_s };
+}
+
+void TestInputPresenter::links()
+{
+    QFETCH(QString, input);
+    QFETCH(QStringList, links);
+    QCOMPARE(linksFromInput(input), links);
+}
+
+void TestInputPresenter::firstLine_data()
+{
+    QTest::addColumn<QString>("input");
+    QTest::addColumn<QString>("line");
+    QTest::newRow("untrimmed first line") << u"  a\nb"_s << u"  a"_s;
+    QTest::newRow("single line") << u"https://x"_s << u"https://x"_s;
+    QTest::newRow("starts with a break") << u"\nb"_s << QString();
+}
+
+void TestInputPresenter::firstLine()
+{
+    QFETCH(QString, input);
+    QFETCH(QString, line);
+    QCOMPARE(firstLineOf(input), line);
+}
+
+void TestInputPresenter::pasteAndDrop()
+{
+    auto engine = makeEngine();
+    InputPresenter presenter(&engine->state, engine->manager.get());
+    QVERIFY(!presenter.paste(QString()));
+    QCOMPARE(engine->state.urlInput(), QString());
+    QVERIFY(presenter.paste(u"https://one"_s));
+    QCOMPARE(engine->state.urlInput(), u"https://one"_s);
+    QVERIFY(presenter.paste(u"https://two"_s));
+    QCOMPARE(engine->state.urlInput(), u"https://one\nhttps://two"_s);
+
+    engine->state.setUrlInput(u"x"_s);
+    QVERIFY(presenter.dropLinks({ QUrl(u"https://a.example/1"_s), QUrl(u"https://a.example/2"_s) }, QString()));
+    QCOMPARE(engine->state.urlInput(), u"x\nhttps://a.example/1\nhttps://a.example/2"_s);
+    QVERIFY(presenter.dropLinks({}, u"  https://b.example/3\n"_s));
+    QCOMPARE(engine->state.urlInput(), u"x\nhttps://a.example/1\nhttps://a.example/2\nhttps://b.example/3"_s);
+    QVERIFY(!presenter.dropLinks({}, u"  "_s));
+}
+
+void TestInputPresenter::startQueuesEveryLink()
+{
+    auto engine = makeEngine();
+    InputPresenter presenter(&engine->state, engine->manager.get());
+    QSignalSpy loading(&presenter, &InputPresenter::isLoadingChanged);
+    engine->state.setUrlInput(u"  a  \n\n\tb\n   "_s);
+    engine->state.setSelectedPreset(DownloadPreset::AudioOnly);
+    engine->state.setDownloadPlaylist(false);
+    presenter.startDownload();
+    QCOMPARE(loading.count(), 2);
+    QVERIFY(!presenter.isLoading());
+    const auto tasks = engine->manager->tasks();
+    QCOMPARE(tasks.size(), 2);
+    QCOMPARE(tasks.at(0).url, u"a"_s);
+    QCOMPARE(tasks.at(1).url, u"b"_s);
+    QCOMPARE(engine->state.urlInput(), u"  a  \n\n\tb\n   "_s); // the editor keeps its text
+
+    QTRY_COMPARE_WITH_TIMEOUT(engine->fake.runs().size(), 2, 20000);
+    for (const QStringList &argv : engine->fake.runs()) {
+        QVERIFY(argv.contains(u"--no-playlist"_s));
+        QVERIFY(argv.contains(u"--audio-format"_s));
+        QVERIFY(argv.contains(u"-o"_s) && argv.at(argv.indexOf(u"-o"_s) + 1).startsWith(engine->fixture.path(u"out/"_s)));
+    }
+}
+
+void TestInputPresenter::customArgumentsOnlyUnderCustom()
+{
+    auto engine = makeEngine();
+    InputPresenter presenter(&engine->state, engine->manager.get());
+    engine->state.setCustomArguments(u"--limit-rate 1M"_s);
+    engine->state.setUrlInput(u"https://c.example/1"_s);
+    engine->state.setSelectedPreset(DownloadPreset::BestQuality);
+    presenter.startDownload();
+    engine->state.setSelectedPreset(DownloadPreset::Custom);
+    engine->state.setUrlInput(u"https://c.example/2"_s);
+    presenter.startDownload();
+    QTRY_COMPARE_WITH_TIMEOUT(engine->fake.runs().size(), 2, 20000);
+    for (const QStringList &argv : engine->fake.runs()) {
+        const bool custom = argv.constLast() == u"https://c.example/2"_s;
+        QCOMPARE(argv.contains(u"--limit-rate"_s), custom);
+        QCOMPARE(argv.contains(u"bv*+ba/b"_s), !custom);
+    }
+    QCOMPARE(engine->state.customArguments(), u"--limit-rate 1M"_s);
+}
+
+void TestInputPresenter::blankInputQueuesNothing()
+{
+    auto engine = makeEngine();
+    InputPresenter presenter(&engine->state, engine->manager.get());
+    QSignalSpy loading(&presenter, &InputPresenter::isLoadingChanged);
+    presenter.startDownload(); // empty: nothing at all
+    QCOMPARE(loading.count(), 0);
+    engine->state.setUrlInput(u" \n\t\n"_s);
+    presenter.startDownload(); // blank lines: busy for a moment, nothing queued
+    QCOMPARE(loading.count(), 2);
+    QCOMPARE(engine->manager->tasks().size(), 0);
+}
+
+void TestInputPresenter::listFormats()
+{
+    auto engine = makeEngine();
+    InputPresenter presenter(&engine->state, engine->manager.get());
+    QSignalSpy listed(&presenter, &InputPresenter::formatsListed);
+    QSignalSpy failed(&presenter, &InputPresenter::formatsFailed);
+    engine->state.setUrlInput(u"  https://f.example/1\nhttps://f.example/2"_s);
+    qputenv("FAKE_YTDLP_FORMATS", "ID EXT\n18 mp4");
+    presenter.listFormats();
+    QVERIFY(presenter.isListingFormats());
+    QTRY_COMPARE_WITH_TIMEOUT(listed.count(), 1, 20000);
+    QVERIFY(!presenter.isListingFormats());
+    QCOMPARE(listed.at(0).at(0).toString(), u"ID EXT\n18 mp4\n"_s);
+    // The first line, untrimmed.
+    QCOMPARE(engine->fake.runs().constLast().constLast(), u"  https://f.example/1"_s);
+
+    qputenv("FAKE_YTDLP_FORMATS_EXIT", "1");
+    qputenv("FAKE_YTDLP_FORMATS_STDERR", "ERROR: no formats here");
+    presenter.listFormats();
+    QTRY_COMPARE_WITH_TIMEOUT(failed.count(), 1, 20000);
+    QCOMPARE(failed.at(0).at(0).toString(), u"ERROR: no formats here\n"_s);
+    QVERIFY(!presenter.isListingFormats());
+}
+
+QTEST_MAIN(TestInputPresenter)
+#include "tst_inputpresenter.moc"
