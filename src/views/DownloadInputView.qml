@@ -42,6 +42,7 @@ Rectangle {
     ScrollView {
         id: scroller
 
+        objectName: "inputScroller"
         anchors.fill: parent
         contentWidth: availableWidth
         clip: true

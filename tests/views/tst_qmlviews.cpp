@@ -1,5 +1,7 @@
 // Qt Quick Test runner for the views: the real QML module and the real AppState and
 // DownloadManager singletons, offscreen, in a sandboxed home whose yt-dlp is the stand-in.
+// Built a second time with QUILLBOX_REAL_YTDLP, it uses Debian's yt-dlp instead and serves test
+// media on 127.0.0.1 (TestHelper.baseUrl), for end-to-end runs through the real window.
 
 #include "engine/downloadmanager.h"
 #include "model/appstate.h"
@@ -7,9 +9,11 @@
 
 #include "testsupport.h"
 
+#include <QDir>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QQmlEngine>
+#include <QProcess>
 #include <QQuickStyle>
 #include <QtQml/qqmlextensionplugin.h>
 #include <QtQuickTest>
@@ -30,6 +34,13 @@ public:
     }
 
     Q_INVOKABLE QString tempDir() const { return m_root; }
+    Q_INVOKABLE QString baseUrl() const { return m_baseUrl; }
+    void setBaseUrl(const QString &url) { m_baseUrl = url; }
+
+    Q_INVOKABLE QStringList filesIn(const QString &dir) const
+    {
+        return QDir(dir).entryList(QDir::Files | QDir::NoDotAndDotDot, QDir::Name);
+    }
 
     Q_INVOKABLE void addLogs(int count, const QString &prefix, int type) const
     {
@@ -96,6 +107,7 @@ public:
 
 private:
     QString m_root;
+    QString m_baseUrl;
 };
 
 class Setup : public QObject
@@ -106,20 +118,52 @@ public Q_SLOTS:
     void applicationAvailable()
     {
         m_env = std::make_unique<IsolatedEnvironment>();
-        const QString fake = QString::fromLocal8Bit(qgetenv("QUILLBOX_TESTS_DIR")) + u"/fakes/yt-dlp"_s;
-        QSettings().setValue(QLatin1String(DownloadManager::CustomYtDlpPathKey), fake);
+        const QString tests = QString::fromLocal8Bit(qgetenv("QUILLBOX_TESTS_DIR"));
+#ifdef QUILLBOX_REAL_YTDLP
+        QSettings().setValue(QLatin1String(DownloadManager::CustomYtDlpPathKey), u"/usr/bin/yt-dlp"_s);
+        startMediaServer(tests);
+#else
+        QSettings().setValue(QLatin1String(DownloadManager::CustomYtDlpPathKey), QString(tests + u"/fakes/yt-dlp"_s));
+#endif
         qputenv("QUILLBOX_NO_BROWSER", "1");
         qputenv("FAKE_YTDLP_ARGV_FILE", (m_env->root() + u"/argv.jsonl"_s).toUtf8());
         QQuickStyle::setStyle(u"Basic"_s);
         m_helper = new TestHelper(m_env->root());
+        m_helper->setBaseUrl(m_baseUrl);
         qmlRegisterSingletonInstance("QuillboxTest", 1, 0, "TestHelper", m_helper);
     }
 
     void qmlEngineAvailable(QQmlEngine *engine) { setupQmlEngine(*engine); }
 
-    void cleanupTestCase() { DownloadManager::instance()->shutdown(); }
+    void cleanupTestCase()
+    {
+        DownloadManager::instance()->shutdown();
+        if (m_server.state() != QProcess::NotRunning) {
+            m_server.closeWriteChannel(); // the server ends with its standard input
+            if (!m_server.waitForFinished(5000))
+                m_server.kill();
+        }
+    }
 
 private:
+    void startMediaServer(const QString &tests)
+    {
+        const QString media = m_env->root() + u"/media"_s;
+        m_server.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        m_server.start(u"python3"_s, { tests + u"/support/mediaserver.py"_s, u"--root"_s, media, u"--port"_s, u"0"_s,
+                                          u"--generate"_s, u"--duration"_s, u"3"_s });
+        if (!m_server.waitForStarted(10000))
+            qFatal("cannot start the media server");
+        QByteArray line;
+        while (!line.contains('\n') && m_server.waitForReadyRead(60000))
+            line += m_server.readAllStandardOutput();
+        if (!line.startsWith("READY "))
+            qFatal("the media server did not start");
+        m_baseUrl = QString::fromUtf8(line.mid(6).trimmed());
+    }
+
+    QProcess m_server;
+    QString m_baseUrl;
     std::unique_ptr<IsolatedEnvironment> m_env;
     TestHelper *m_helper = nullptr;
 };
