@@ -49,11 +49,9 @@ int main(int argc, char *argv[])
 
     AppLifecycle lifecycle(DownloadManager::instance());
     QQmlApplicationEngine engine;
-    setupQmlEngine(engine);
-    engine.load(QUrl(QStringLiteral("qrc:/qt/qml/Quillbox/Main.qml")));
-    if (engine.rootObjects().isEmpty())
+    QQuickWindow *window = loadMainWindow(engine);
+    if (!window)
         return 1;
-    auto *window = qobject_cast<QQuickWindow *>(engine.rootObjects().constFirst());
     reportFirstFrame(window);
     lifecycle.attachMainWindow(window);
     return app.exec();

@@ -1,5 +1,8 @@
 #include "engine/taskmodel.h"
 
+#include <algorithm>
+#include <array>
+
 TaskModel::TaskModel(QObject *parent)
     : QAbstractListModel(parent)
 {
@@ -76,45 +79,39 @@ QHash<int, QByteArray> TaskModel::roleNames() const
     };
 }
 
+namespace {
+struct StatusLook
+{
+    DownloadStatus status;
+    const char16_t *symbol;
+    const char16_t *tint;
+};
+
+// Preparing and paused share orange on purpose.
+constexpr std::array<StatusLook, 7> looks { {
+    { DownloadStatus::Pending, u"clock", u"gray" },
+    { DownloadStatus::Preparing, u"gearshape", u"orange" },
+    { DownloadStatus::Downloading, u"arrow.down.circle", u"blue" },
+    { DownloadStatus::Completed, u"checkmark.circle.fill", u"green" },
+    { DownloadStatus::Failed, u"xmark.circle.fill", u"red" },
+    { DownloadStatus::Cancelled, u"minus.circle.fill", u"yellow" },
+    { DownloadStatus::Paused, u"pause.circle.fill", u"orange" },
+} };
+
+const StatusLook &lookOf(DownloadStatus status)
+{
+    return *std::find_if(looks.cbegin(), looks.cend(), [status](const StatusLook &look) { return look.status == status; });
+}
+} // namespace
+
 QString TaskModel::symbolFor(DownloadStatus status)
 {
-    switch (status) {
-    case DownloadStatus::Pending:
-        return QStringLiteral("clock");
-    case DownloadStatus::Preparing:
-        return QStringLiteral("gearshape");
-    case DownloadStatus::Downloading:
-        return QStringLiteral("arrow.down.circle");
-    case DownloadStatus::Completed:
-        return QStringLiteral("checkmark.circle.fill");
-    case DownloadStatus::Failed:
-        return QStringLiteral("xmark.circle.fill");
-    case DownloadStatus::Cancelled:
-        return QStringLiteral("minus.circle.fill");
-    case DownloadStatus::Paused:
-        return QStringLiteral("pause.circle.fill");
-    }
-    return QString();
+    return QString::fromUtf16(lookOf(status).symbol);
 }
 
 QString TaskModel::tintFor(DownloadStatus status)
 {
-    switch (status) {
-    case DownloadStatus::Pending:
-        return QStringLiteral("gray");
-    case DownloadStatus::Preparing:
-    case DownloadStatus::Paused: // shares orange with preparing on purpose
-        return QStringLiteral("orange");
-    case DownloadStatus::Downloading:
-        return QStringLiteral("blue");
-    case DownloadStatus::Completed:
-        return QStringLiteral("green");
-    case DownloadStatus::Failed:
-        return QStringLiteral("red");
-    case DownloadStatus::Cancelled:
-        return QStringLiteral("yellow");
-    }
-    return QString();
+    return QString::fromUtf16(lookOf(status).tint);
 }
 
 bool TaskModel::showsProgress(DownloadStatus status)

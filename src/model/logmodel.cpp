@@ -1,5 +1,8 @@
 #include "model/logmodel.h"
 
+#include <algorithm>
+#include <array>
+
 LogModel::LogModel(int capacity, QObject *parent)
     : QAbstractListModel(parent)
     , m_capacity(capacity)
@@ -53,34 +56,35 @@ QHash<int, QByteArray> LogModel::roleNames() const
     };
 }
 
+namespace {
+struct TypeLook
+{
+    LogEntry::LogType type;
+    const char16_t *symbol;
+    const char16_t *tint;
+};
+
+constexpr std::array<TypeLook, 4> looks { {
+    { LogEntry::LogType::Info, u"info.circle", u"blue" },
+    { LogEntry::LogType::Warning, u"exclamationmark.triangle", u"orange" },
+    { LogEntry::LogType::Error, u"xmark.octagon", u"red" },
+    { LogEntry::LogType::Download, u"arrow.down.circle", u"green" },
+} };
+
+const TypeLook &lookOf(LogEntry::LogType type)
+{
+    return *std::find_if(looks.cbegin(), looks.cend(), [type](const TypeLook &look) { return look.type == type; });
+}
+} // namespace
+
 QString LogModel::symbolFor(LogEntry::LogType type)
 {
-    switch (type) {
-    case LogEntry::LogType::Info:
-        return QStringLiteral("info.circle");
-    case LogEntry::LogType::Warning:
-        return QStringLiteral("exclamationmark.triangle");
-    case LogEntry::LogType::Error:
-        return QStringLiteral("xmark.octagon");
-    case LogEntry::LogType::Download:
-        return QStringLiteral("arrow.down.circle");
-    }
-    return QString();
+    return QString::fromUtf16(lookOf(type).symbol);
 }
 
 QString LogModel::tintFor(LogEntry::LogType type)
 {
-    switch (type) {
-    case LogEntry::LogType::Info:
-        return QStringLiteral("blue");
-    case LogEntry::LogType::Warning:
-        return QStringLiteral("orange");
-    case LogEntry::LogType::Error:
-        return QStringLiteral("red");
-    case LogEntry::LogType::Download:
-        return QStringLiteral("green");
-    }
-    return QString();
+    return QString::fromUtf16(lookOf(type).tint);
 }
 
 QList<LogEntry> LogModel::entries() const

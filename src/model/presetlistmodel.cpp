@@ -1,6 +1,7 @@
 #include "model/presetlistmodel.h"
 
-using namespace Qt::StringLiterals;
+#include <algorithm>
+#include <array>
 
 int PresetListModel::rowCount(const QModelIndex &parent) const
 {
@@ -33,40 +34,35 @@ QHash<int, QByteArray> PresetListModel::roleNames() const
         { DescriptionRole, "description" } };
 }
 
+namespace {
+struct PresetLook
+{
+    DownloadPreset preset;
+    const char16_t *symbol;
+    const char16_t *description;
+};
+
+constexpr std::array<PresetLook, 6> looks { {
+    { DownloadPreset::Default, u"wand.and.stars", u"使用 yt-dlp 默认参数，自动选择最佳格式" },
+    { DownloadPreset::BestQuality, u"sparkles.tv", u"下载最高画质和音质的视频" },
+    { DownloadPreset::BestAudio, u"waveform", u"下载最佳音质的音频" },
+    { DownloadPreset::BestVideoAudio, u"rectangle.stack", u"分别下载最佳视频和音频并合并" },
+    { DownloadPreset::AudioOnly, u"music.note", u"仅下载音频（MP3格式）" },
+    { DownloadPreset::Custom, u"slider.horizontal.3", u"使用自定义参数" },
+} };
+
+const PresetLook &lookOf(DownloadPreset preset)
+{
+    return *std::find_if(looks.cbegin(), looks.cend(), [preset](const PresetLook &look) { return look.preset == preset; });
+}
+} // namespace
+
 QString PresetListModel::symbolFor(DownloadPreset preset)
 {
-    switch (preset) {
-    case DownloadPreset::Default:
-        return u"wand.and.stars"_s;
-    case DownloadPreset::BestQuality:
-        return u"sparkles.tv"_s;
-    case DownloadPreset::BestAudio:
-        return u"waveform"_s;
-    case DownloadPreset::BestVideoAudio:
-        return u"rectangle.stack"_s;
-    case DownloadPreset::AudioOnly:
-        return u"music.note"_s;
-    case DownloadPreset::Custom:
-        return u"slider.horizontal.3"_s;
-    }
-    return QString();
+    return QString::fromUtf16(lookOf(preset).symbol);
 }
 
 QString PresetListModel::descriptionFor(DownloadPreset preset)
 {
-    switch (preset) {
-    case DownloadPreset::Default:
-        return u"使用 yt-dlp 默认参数，自动选择最佳格式"_s;
-    case DownloadPreset::BestQuality:
-        return u"下载最高画质和音质的视频"_s;
-    case DownloadPreset::BestAudio:
-        return u"下载最佳音质的音频"_s;
-    case DownloadPreset::BestVideoAudio:
-        return u"分别下载最佳视频和音频并合并"_s;
-    case DownloadPreset::AudioOnly:
-        return u"仅下载音频（MP3格式）"_s;
-    case DownloadPreset::Custom:
-        return u"使用自定义参数"_s;
-    }
-    return QString();
+    return QString::fromUtf16(lookOf(preset).description);
 }

@@ -67,11 +67,9 @@ int main(int argc, char *argv[])
 
     AppLifecycle lifecycle(DownloadManager::instance());
     QQmlApplicationEngine engine;
-    setupQmlEngine(engine);
-    engine.load(QUrl(u"qrc:/qt/qml/Quillbox/Main.qml"_s));
-    if (engine.rootObjects().isEmpty())
+    QQuickWindow *window = loadMainWindow(engine);
+    if (!window)
         return 2;
-    auto *window = qobject_cast<QQuickWindow *>(engine.rootObjects().constFirst());
     lifecycle.attachMainWindow(window);
 
     DownloadManager::instance()->startDownload(u"https://quit.example/v"_s, DownloadPreset::Default, QString(),
