@@ -53,7 +53,8 @@ DownloadManager::DownloadManager(AppState *appState, ToolLocations locations, QO
     , m_locations(std::move(locations))
     , m_tasks(new TaskModel(this))
 {
-    const int stored = QSettings().value(QLatin1String(MaxConcurrentDownloadsKey), DefaultMaxConcurrentDownloads).toInt();
+    const int stored
+        = QSettings().value(QLatin1String(MaxConcurrentDownloadsKey), DefaultMaxConcurrentDownloads).toInt();
     m_maxConcurrent = std::clamp(stored, 1, 16);
 
     chooseYtDlpPath();

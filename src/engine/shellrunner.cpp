@@ -93,8 +93,8 @@ void runShellCommand(const QString &command, PipeMode mode, QObject *context,
         result.errorString = u"无法启动 %1：%2"_s.arg(process->program(), process->errorString());
         finish(result);
     });
-    QObject::connect(process, &QProcess::finished, context,
-        [process, finish, mode](int exitCode, QProcess::ExitStatus status) {
+    QObject::connect(
+        process, &QProcess::finished, context, [process, finish, mode](int exitCode, QProcess::ExitStatus status) {
             ShellResult result;
             result.launched = true;
             result.exitCode = exitCode;

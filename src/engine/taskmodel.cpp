@@ -100,7 +100,8 @@ constexpr std::array<StatusLook, 7> looks { {
 
 const StatusLook &lookOf(DownloadStatus status)
 {
-    return *std::find_if(looks.cbegin(), looks.cend(), [status](const StatusLook &look) { return look.status == status; });
+    return *std::find_if(
+        looks.cbegin(), looks.cend(), [status](const StatusLook &look) { return look.status == status; });
 }
 } // namespace
 

@@ -1,9 +1,9 @@
 #include "engine/downloadmanager.h"
 
+#include "cookies/chromecookies.h"
 #include "engine/shellrunner.h"
 #include "model/appstate.h"
 #include "model/logcategories.h"
-#include "cookies/chromecookies.h"
 
 #include <QFileInfo>
 #include <QRegularExpression>
@@ -20,7 +20,8 @@ bool fileExists(const QString &path)
     return info.exists() && !info.isDir();
 }
 
-const QString ytDlpFallback = u"source ~/.zshrc 2>/dev/null; source ~/.zprofile 2>/dev/null; which yt-dlp 2>/dev/null || echo ''"_s;
+const QString ytDlpFallback
+    = u"source ~/.zshrc 2>/dev/null; source ~/.zprofile 2>/dev/null; which yt-dlp 2>/dev/null || echo ''"_s;
 
 QString whichCommand(const QString &name)
 {
@@ -51,8 +52,7 @@ void DownloadManager::findYtDlp(int candidate, std::function<void(const QString 
 
     if (candidate < m_locations.ytDlp.size()) {
         const QString path = m_locations.ytDlp.at(candidate);
-        const QString command
-            = quoteIfNeeded(path) + u" --version > /dev/null 2>&1 && echo "_s + shellQuote(path);
+        const QString command = quoteIfNeeded(path) + u" --version > /dev/null 2>&1 && echo "_s + shellQuote(path);
         runShellCommand(
             command, PipeMode::Shared, this,
             [this, candidate, found = std::move(found)](const ShellResult &result) mutable {
@@ -155,8 +155,8 @@ bool DownloadManager::supportsJsRuntimes(const QString &ytDlpVersion)
     const QRegularExpressionMatch match = dated.match(ytDlpVersion.trimmed());
     if (!match.hasMatch())
         return false;
-    const auto date = std::make_tuple(match.capturedView(1).toInt(), match.capturedView(2).toInt(),
-        match.capturedView(3).toInt());
+    const auto date
+        = std::make_tuple(match.capturedView(1).toInt(), match.capturedView(2).toInt(), match.capturedView(3).toInt());
     return date >= std::make_tuple(2025, 11, 12);
 }
 
@@ -166,8 +166,9 @@ void DownloadManager::warnIfYtDlpTooOld()
         || supportsJsRuntimes(m_ytDlpVersion))
         return;
     m_warnedOldYtDlp = true;
-    addLog(u"⚠️ yt-dlp %1 版本过旧，不支持 JS 运行时（--js-runtimes），下载时不会使用 %2；请更新 yt-dlp"_s.arg(
-               m_ytDlpVersion, m_detectedJSRuntime),
+    addLog(
+        u"⚠️ yt-dlp %1 版本过旧，不支持 JS 运行时（--js-runtimes），下载时不会使用 %2；请更新 yt-dlp"_s
+            .arg(m_ytDlpVersion, m_detectedJSRuntime),
         LogEntry::LogType::Warning);
 }
 
@@ -185,7 +186,8 @@ void DownloadManager::detectRuntime(int generation, int runtime, int candidate)
     if (runtime >= m_locations.runtimes.size()) {
         qCInfo(lcEngine, "[Quillbox] [detectJSRuntime] 未检测到任何 JS 运行时");
         setJSRuntime(QString(), QString());
-        addLog(u"⚠️ 未检测到 JS 运行时（Deno/Node/Bun），YouTube 下载可能失败"_s, LogEntry::LogType::Warning);
+        addLog(u"⚠️ 未检测到 JS 运行时（Deno/Node/Bun），YouTube 下载可能失败"_s,
+            LogEntry::LogType::Warning);
         return;
     }
     const ToolLocations::Runtime &entry = m_locations.runtimes.at(runtime);
@@ -314,7 +316,8 @@ bool DownloadManager::chromeCookiesAvailable() const
         return true;
     if (!m_warnedNoChrome) {
         m_warnedNoChrome = true;
-        addLog(u"⚠️ 未找到 Chrome 浏览器的 Cookie 数据库，本次不使用浏览器 Cookie"_s, LogEntry::LogType::Warning);
+        addLog(u"⚠️ 未找到 Chrome 浏览器的 Cookie 数据库，本次不使用浏览器 Cookie"_s,
+            LogEntry::LogType::Warning);
     }
     return false;
 }

@@ -29,8 +29,8 @@ const QStringList &presetArguments(DownloadPreset preset)
     // only by its "--audio-quality 0": both are intended.
     static const QStringList none;
     static const QStringList bestVideoAndAudio { QStringLiteral("-f"), QStringLiteral("bv*+ba/b") };
-    static const QStringList bestAudio { QStringLiteral("-x"), QStringLiteral("--audio-format"),
-        QStringLiteral("mp3"), QStringLiteral("--audio-quality"), QStringLiteral("0") };
+    static const QStringList bestAudio { QStringLiteral("-x"), QStringLiteral("--audio-format"), QStringLiteral("mp3"),
+        QStringLiteral("--audio-quality"), QStringLiteral("0") };
     static const QStringList audioOnly { QStringLiteral("-x"), QStringLiteral("--audio-format"),
         QStringLiteral("mp3") };
 

@@ -53,7 +53,8 @@ constexpr std::array<PresetLook, 6> looks { {
 
 const PresetLook &lookOf(DownloadPreset preset)
 {
-    return *std::find_if(looks.cbegin(), looks.cend(), [preset](const PresetLook &look) { return look.preset == preset; });
+    return *std::find_if(
+        looks.cbegin(), looks.cend(), [preset](const PresetLook &look) { return look.preset == preset; });
 }
 } // namespace
 

@@ -20,13 +20,22 @@ public:
 
     bool ok() const { return m_ok; }
 
-    void required(const char *key, QString &out) { readString(key, true, [&](QString s) { out = std::move(s); }); }
+    void required(const char *key, QString &out)
+    {
+        readString(key, true, [&](QString s) { out = std::move(s); });
+    }
     void optional(const char *key, std::optional<QString> &out)
     {
         readString(key, false, [&](QString s) { out = std::move(s); });
     }
-    void required(const char *key, qint64 &out) { readInteger(key, true, [&](qint64 v) { out = v; }); }
-    void optional(const char *key, std::optional<qint64> &out) { readInteger(key, false, [&](qint64 v) { out = v; }); }
+    void required(const char *key, qint64 &out)
+    {
+        readInteger(key, true, [&](qint64 v) { out = v; });
+    }
+    void optional(const char *key, std::optional<qint64> &out)
+    {
+        readInteger(key, false, [&](qint64 v) { out = v; });
+    }
     void optional(const char *key, std::optional<double> &out)
     {
         const QJsonValue value = lookup(key, false);

@@ -47,8 +47,11 @@ QImage IconProvider::requestImage(const QString &id, QSize *size, const QSize &r
     if (!from.isEmpty() && !to.isEmpty()) {
         // Top-leading to bottom-trailing, across the icon's own box.
         const QByteArray gradient = "<defs><linearGradient id=\"qbg\" x1=\"0\" y1=\"0\" x2=\"1\" y2=\"1\">"
-                                    "<stop offset=\"0\" stop-color=\"" + from.toLatin1() + "\"/>"
-                                    "<stop offset=\"1\" stop-color=\"" + to.toLatin1() + "\"/></linearGradient></defs>";
+                                    "<stop offset=\"0\" stop-color=\""
+            + from.toLatin1()
+            + "\"/>"
+              "<stop offset=\"1\" stop-color=\""
+            + to.toLatin1() + "\"/></linearGradient></defs>";
         const qsizetype open = data.indexOf('>', data.indexOf("<svg"));
         if (open > 0)
             data.insert(open + 1, gradient);

@@ -25,8 +25,8 @@ public:
         // The few utilities the tools' command lines use; nothing that could be found as a tool.
         for (const char *tool : { "head", "cat", "sleep", "env", "python3", "printf", "sh", "ls", "mkdir" }) {
             // The system's own first: a version manager's shim would need the PATH we take away.
-            QString found = QStandardPaths::findExecutable(QString::fromLatin1(tool), { QStringLiteral("/usr/bin"),
-                QStringLiteral("/bin") });
+            QString found = QStandardPaths::findExecutable(
+                QString::fromLatin1(tool), { QStringLiteral("/usr/bin"), QStringLiteral("/bin") });
             if (found.isEmpty())
                 found = QStandardPaths::findExecutable(QString::fromLatin1(tool));
             if (!found.isEmpty())
@@ -94,8 +94,8 @@ public:
     {
         ToolLocations locations;
         locations.home = home();
-        locations.runtimes = { { QStringLiteral("deno"), {} }, { QStringLiteral("node"), {} },
-            { QStringLiteral("bun"), {} } };
+        locations.runtimes
+            = { { QStringLiteral("deno"), {} }, { QStringLiteral("node"), {} }, { QStringLiteral("bun"), {} } };
         return locations;
     }
 
@@ -142,9 +142,10 @@ public:
 
     ~FakeYtDlp()
     {
-        for (const char *name : { "FAKE_YTDLP_ARGV_FILE", "FAKE_YTDLP_PIDFILE", "FAKE_YTDLP_SCENARIO", "FAKE_YTDLP_EXIT",
-                 "FAKE_YTDLP_VERSION", "FAKE_YTDLP_VERSION_EXIT", "FAKE_YTDLP_UPDATE_OUTPUT", "FAKE_YTDLP_UPDATE_EXIT",
-                 "FAKE_YTDLP_FORMATS", "FAKE_YTDLP_FORMATS_STDERR", "FAKE_YTDLP_FORMATS_EXIT" })
+        for (const char *name :
+            { "FAKE_YTDLP_ARGV_FILE", "FAKE_YTDLP_PIDFILE", "FAKE_YTDLP_SCENARIO", "FAKE_YTDLP_EXIT",
+                "FAKE_YTDLP_VERSION", "FAKE_YTDLP_VERSION_EXIT", "FAKE_YTDLP_UPDATE_OUTPUT", "FAKE_YTDLP_UPDATE_EXIT",
+                "FAKE_YTDLP_FORMATS", "FAKE_YTDLP_FORMATS_STDERR", "FAKE_YTDLP_FORMATS_EXIT" })
             qunsetenv(name);
     }
 

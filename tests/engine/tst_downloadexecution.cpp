@@ -49,7 +49,8 @@ private:
     // (null if discovery did not finish).
     static std::unique_ptr<Engine> makeEngine(bool ready = true);
     static void download(Engine &engine, const QString &url, DownloadPreset preset = DownloadPreset::Default,
-        const QString &custom = QString(), const QString &folder = QString(), bool playlist = true, bool cookies = false);
+        const QString &custom = QString(), const QString &folder = QString(), bool playlist = true,
+        bool cookies = false);
     static const DownloadTask &only(const Engine &engine) { return engine.manager->taskModel()->tasks().constFirst(); }
     static bool allFinished(const Engine &engine);
     static bool alive(qint64 pid) { return ::kill(pid_t(pid), 0) == 0; }
@@ -114,8 +115,8 @@ void TestDownloadExecution::commandWords_data()
                                       << QStringList { u"-f"_s, u"bv*+ba/b"_s };
     QTest::newRow("audio only") << DownloadPreset::AudioOnly << QString() << true << url << u"out"_s
                                 << QStringList { u"-x"_s, u"--audio-format"_s, u"mp3"_s };
-    QTest::newRow("custom, empty: no format at all") << DownloadPreset::Custom << QString() << true << url << u"out"_s
-                                                     << QStringList();
+    QTest::newRow("custom, empty: no format at all")
+        << DownloadPreset::Custom << QString() << true << url << u"out"_s << QStringList();
     QTest::newRow("custom words split by the shell")
         << DownloadPreset::Custom << u"--limit-rate 1M -f 'best[height<=480]'"_s << true << url << u"out"_s
         << QStringList { u"--limit-rate"_s, u"1M"_s, u"-f"_s, u"best[height<=480]"_s };
@@ -270,8 +271,8 @@ void TestDownloadExecution::failureMessages_data()
         << QByteArray(R"([{"err": "just talk\n"}, {"out": "ERROR: ignored, stderr spoke\n"}])") << 3
         << u"下载失败 (错误码: 3)"_s;
     QTest::newRow("silent failure: default") << QByteArray("[]") << 4 << u"下载失败 (错误码: 4)"_s;
-    QTest::newRow("last line without a newline") << QByteArray(R"([{"err": "ERROR: cut off"}])") << 1
-                                                 << u"ERROR: cut off"_s;
+    QTest::newRow("last line without a newline")
+        << QByteArray(R"([{"err": "ERROR: cut off"}])") << 1 << u"ERROR: cut off"_s;
 }
 
 void TestDownloadExecution::failureMessages()
@@ -308,11 +309,12 @@ void TestDownloadExecution::missingYtDlp()
     EngineFixture fixture;
     AppState state;
     DownloadManager manager(&state, fixture.emptyLocations());
-    manager.startDownload(u"https://m.example/v"_s, DownloadPreset::Default, QString(), fixture.path(u"out"_s), true,
-        false);
+    manager.startDownload(
+        u"https://m.example/v"_s, DownloadPreset::Default, QString(), fixture.path(u"out"_s), true, false);
     QTRY_COMPARE_WITH_TIMEOUT(manager.tasks().constFirst().status, DownloadStatus::Failed, 20000);
     const QString message = manager.tasks().constFirst().errorMessage.value_or(QString());
-    QVERIFY2(message.startsWith(u"下载失败 (错误码: 127)"_s) && message.contains(u"找不到 yt-dlp"_s), qPrintable(message));
+    QVERIFY2(
+        message.startsWith(u"下载失败 (错误码: 127)"_s) && message.contains(u"找不到 yt-dlp"_s), qPrintable(message));
 }
 
 void TestDownloadExecution::atMostNAtOnce()
@@ -410,7 +412,8 @@ void TestDownloadExecution::launchFailuresLoseNothing()
     QVERIFY(engine);
     engine->fake.setScenario("[]");
     engine->fixture.writeFile(u"a-file"_s, "x");
-    download(*engine, u"https://l.example/1"_s, DownloadPreset::Default, QString(), engine->fixture.path(u"a-file/sub"_s));
+    download(
+        *engine, u"https://l.example/1"_s, DownloadPreset::Default, QString(), engine->fixture.path(u"a-file/sub"_s));
     download(*engine, u"https://l.example/2"_s);
     QTRY_VERIFY_WITH_TIMEOUT(allFinished(*engine), 20000);
     const auto tasks = engine->manager->tasks();

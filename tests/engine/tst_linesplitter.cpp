@@ -27,8 +27,8 @@ void TestLineSplitter::split_data()
     QTest::newRow("line across reads") << QList<QByteArray> { "[downl", "oad] 42", ".3%\r" }
                                        << QStringList { u"[download] 42.3%"_s };
     QTest::newRow("partial held until the end") << QList<QByteArray> { "a\nb" } << QStringList { u"a"_s, u"b"_s };
-    QTest::newRow("character split across reads") << QList<QByteArray> { "\xe4\xb8", "\x8b\xe8\xbd\xbd\n" }
-                                                  << QStringList { u"下载"_s };
+    QTest::newRow("character split across reads")
+        << QList<QByteArray> { "\xe4\xb8", "\x8b\xe8\xbd\xbd\n" } << QStringList { u"下载"_s };
     QTest::newRow("empty reads") << QList<QByteArray> { "", "\n\n", "" } << QStringList();
 }
 

@@ -75,10 +75,9 @@ void TestMaintenance::update_data()
                                            << 0 << u"✅ 更新成功，当前版本: 2026.02.01"_s << true;
     const QByteArray longOutput = QByteArray("错").repeated(10) + QByteArray("x").repeated(990);
     QTest::newRow("failure shows the first 300 characters")
-        << QByteArray() << longOutput << 1 << 0
-        << u"❌ 更新失败: "_s + QString::fromUtf8(longOutput).left(300) << true;
-    QTest::newRow("updated but the version probe fails") << QByteArray() << QByteArray("ok") << 0 << 1
-                                                         << u"✅ 命令执行成功，但版本检测失败"_s << true;
+        << QByteArray() << longOutput << 1 << 0 << u"❌ 更新失败: "_s + QString::fromUtf8(longOutput).left(300) << true;
+    QTest::newRow("updated but the version probe fails")
+        << QByteArray() << QByteArray("ok") << 0 << 1 << u"✅ 命令执行成功，但版本检测失败"_s << true;
 }
 
 void TestMaintenance::update()
@@ -138,7 +137,8 @@ void TestMaintenance::updateWithAShellThatCannotStart()
     QVERIFY(!result->ok);
     QCOMPARE(result->error.domain, u"QProcess"_s);
     QVERIFY(result->error.localizedDescription.contains(u"无法启动"_s));
-    QTRY_VERIFY(EngineFixture::messages(engine->state).contains(u"获取格式列表失败: "_s + result->error.localizedDescription));
+    QTRY_VERIFY(
+        EngineFixture::messages(engine->state).contains(u"获取格式列表失败: "_s + result->error.localizedDescription));
 }
 
 void TestMaintenance::listFormats_data()
@@ -155,10 +155,12 @@ void TestMaintenance::listFormats_data()
     QTest::newRow("table with warnings") << QByteArray("ID EXT\n") << QByteArray("WARNING: slow") << 0 << true
                                          << u"ID EXT\n\nWARNING: slow\n"_s << u"格式列表获取成功"_s;
     QTest::newRow("failure says stderr") << QByteArray("partial") << QByteArray("ERROR: Unsupported URL") << 1 << false
-                                         << u"ERROR: Unsupported URL\n"_s << u"获取格式列表失败: ERROR: Unsupported URL\n"_s;
+                                         << u"ERROR: Unsupported URL\n"_s
+                                         << u"获取格式列表失败: ERROR: Unsupported URL\n"_s;
     const QByteArray longOut = QByteArray("y").repeated(500);
-    QTest::newRow("failure on stdout only") << longOut << QByteArray() << 2 << false << QString::fromLatin1(longOut + '\n')
-                                            << u"获取格式列表失败: "_s + QString::fromLatin1(longOut.left(200));
+    QTest::newRow("failure on stdout only")
+        << longOut << QByteArray() << 2 << false << QString::fromLatin1(longOut + '\n')
+        << u"获取格式列表失败: "_s + QString::fromLatin1(longOut.left(200));
 }
 
 void TestMaintenance::listFormats()

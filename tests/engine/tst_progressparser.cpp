@@ -31,37 +31,35 @@ void TestProgressParser::parse_data()
 
     QTest::newRow("typical line") << QStringList { u"[download]  42.3% of 120.50MiB at 2.35MiB/s ETA 00:31"_s }
                                   << OptDouble(0.423) << OptString(u"2.35MiB/s"_s) << OptString(u"120.50MiB"_s) << none;
-    QTest::newRow("finished line keeps speed") << QStringList { u"[download] 100% of 10.00MiB in 00:03"_s } << OptDouble(1.0)
-                                               << none << OptString(u"10.00MiB"_s) << none;
-    QTest::newRow("destination only") << QStringList { u"[download] Destination: a.mp4"_s } << noProgress << none << none
-                                      << none;
-    QTest::newRow("no [download] in batch") << QStringList { u" 12.0% of 1.00MiB at 1.00MiB/s ETA 00:01"_s } << noProgress
-                                            << none << none << none;
-    QTest::newRow("[download] on another line") << QStringList { u"[download] Destination: a.mp4"_s, u"50%"_s }
-                                                << OptDouble(0.5) << none << none << none;
-    QTest::newRow("last line wins")
-        << QStringList { u"[download]  10.0% of 5.00MiB at 1.00MiB/s ETA 00:04"_s,
-               u"[download]  20.0% of 5.00MiB at 2.00KiB/s ETA 00:03"_s }
-        << OptDouble(0.2) << OptString(u"2.00KiB/s"_s) << OptString(u"5.00MiB"_s) << none;
+    QTest::newRow("finished line keeps speed") << QStringList { u"[download] 100% of 10.00MiB in 00:03"_s }
+                                               << OptDouble(1.0) << none << OptString(u"10.00MiB"_s) << none;
+    QTest::newRow("destination only") << QStringList { u"[download] Destination: a.mp4"_s } << noProgress << none
+                                      << none << none;
+    QTest::newRow("no [download] in batch")
+        << QStringList { u" 12.0% of 1.00MiB at 1.00MiB/s ETA 00:01"_s } << noProgress << none << none << none;
+    QTest::newRow("[download] on another line")
+        << QStringList { u"[download] Destination: a.mp4"_s, u"50%"_s } << OptDouble(0.5) << none << none << none;
+    QTest::newRow("last line wins") << QStringList { u"[download]  10.0% of 5.00MiB at 1.00MiB/s ETA 00:04"_s,
+        u"[download]  20.0% of 5.00MiB at 2.00KiB/s ETA 00:03"_s }
+                                    << OptDouble(0.2) << OptString(u"2.00KiB/s"_s) << OptString(u"5.00MiB"_s) << none;
     QTest::newRow("approximate size takes the total")
         << QStringList { u"[download]   3.1% of ~ 300.00MiB at  1.00MiB/s ETA 04:50 (frag 2/90)"_s } << OptDouble(0.031)
         << OptString(u"1.00MiB/s"_s) << OptString(u"300.00MiB"_s) << none;
     QTest::newRow("no total: size is the speed's number")
         << QStringList { u"[download]   5.0% at  1.00MiB/s"_s } << OptDouble(0.05) << OptString(u"1.00MiB/s"_s)
         << OptString(u"1.00MiB"_s) << none;
-    QTest::newRow("bytes and TiB do not count") << QStringList { u"[download]   1.0% of 12.00TiB at 300B/s"_s }
-                                                << OptDouble(0.01) << none << none << none;
+    QTest::newRow("bytes and TiB do not count")
+        << QStringList { u"[download]   1.0% of 12.00TiB at 300B/s"_s } << OptDouble(0.01) << none << none << none;
     QTest::newRow("unknown speed") << QStringList { u"[download]  7.5% of 2.00GiB at Unknown B/s ETA Unknown"_s }
                                    << OptDouble(0.075) << none << OptString(u"2.00GiB"_s) << none;
-    QTest::newRow("login required") << QStringList { u"ERROR: [youtube] x: Login required"_s } << noProgress << none << none
-                                    << OptString(u"需要登录或 Cookie 已过期"_s);
-    QTest::newRow("registered users")
-        << QStringList { u"ERROR: This video is available only for registered users"_s } << noProgress << none << none
-        << OptString(u"需要登录或 Cookie 已过期"_s);
+    QTest::newRow("login required") << QStringList { u"ERROR: [youtube] x: Login required"_s } << noProgress << none
+                                    << none << OptString(u"需要登录或 Cookie 已过期"_s);
+    QTest::newRow("registered users") << QStringList { u"ERROR: This video is available only for registered users"_s }
+                                      << noProgress << none << none << OptString(u"需要登录或 Cookie 已过期"_s);
     QTest::newRow("invalid url") << QStringList { u"error: 'abc' is not a valid URL"_s } << noProgress << none << none
                                  << OptString(u"无效的 URL"_s);
-    QTest::newRow("other errors leave the message") << QStringList { u"ERROR: HTTP Error 404: Not Found"_s } << noProgress
-                                                    << none << none << none;
+    QTest::newRow("other errors leave the message")
+        << QStringList { u"ERROR: HTTP Error 404: Not Found"_s } << noProgress << none << none << none;
     QTest::newRow("friendly text needs an error word")
         << QStringList { u"WARNING: Login required for some formats"_s } << noProgress << none << none << none;
     QTest::newRow("error and progress together")
@@ -91,7 +89,8 @@ void TestProgressParser::recordedOutput()
     // ends at 1.
     QFile file(QFINDTESTDATA("../data/ytdlp-progress.txt"));
     QVERIFY(file.open(QIODevice::ReadOnly));
-    const QStringList lines = QString::fromUtf8(file.readAll()).split(QRegularExpression(u"[\r\n]"_s), Qt::SkipEmptyParts);
+    const QStringList lines
+        = QString::fromUtf8(file.readAll()).split(QRegularExpression(u"[\r\n]"_s), Qt::SkipEmptyParts);
     double last = -1;
     int updates = 0;
     for (const QString &line : lines) {

@@ -44,9 +44,9 @@ namespace {
 QString randomText(QRandomGenerator &random)
 {
     static const QStringList pieces { u"'"_s, u"\""_s, u"$"_s, u"`"_s, u"\\"_s, u" "_s, u"\n"_s, u"\t"_s, u"!"_s,
-        u"*"_s, u"?"_s, u"["_s, u"]"_s, u"{"_s, u"}"_s, u";"_s, u"&"_s, u"|"_s, u"<"_s, u">"_s, u"("_s, u")"_s,
-        u"#"_s, u"~"_s, u"%"_s, u"="_s, u"-"_s, u"视频"_s, u"é"_s, u"🎬"_s, u"e\u0301"_s, u"$(id)"_s, u"${HOME}"_s,
-        u"'\\''"_s, u"%(title)s"_s, u"a"_s, u"Z"_s, u"0"_s, u"/"_s, u"."_s, u"\r"_s, u"\u00a0"_s };
+        u"*"_s, u"?"_s, u"["_s, u"]"_s, u"{"_s, u"}"_s, u";"_s, u"&"_s, u"|"_s, u"<"_s, u">"_s, u"("_s, u")"_s, u"#"_s,
+        u"~"_s, u"%"_s, u"="_s, u"-"_s, u"视频"_s, u"é"_s, u"🎬"_s, u"e\u0301"_s, u"$(id)"_s, u"${HOME}"_s, u"'\\''"_s,
+        u"%(title)s"_s, u"a"_s, u"Z"_s, u"0"_s, u"/"_s, u"."_s, u"\r"_s, u"\u00a0"_s };
     QString text;
     const int length = random.bounded(1, 24);
     for (int i = 0; i < length; ++i)

@@ -49,12 +49,12 @@ void TestToolDiscovery::choosingTheYtDlpPath_data()
     QTest::addColumn<QStringList>("candidates"); // "bad:" prefix = exists but fails --version
     QTest::addColumn<QString>("chosen");
     QTest::addColumn<QString>("logLine");
-    QTest::newRow("first working candidate") << QString() << QStringList { u"a/yt-dlp"_s, u"b/yt-dlp"_s }
-                                             << u"a/yt-dlp"_s << u"使用自动检测路径"_s;
+    QTest::newRow("first working candidate")
+        << QString() << QStringList { u"a/yt-dlp"_s, u"b/yt-dlp"_s } << u"a/yt-dlp"_s << u"使用自动检测路径"_s;
     QTest::newRow("failing candidate skipped") << QString() << QStringList { u"bad:a/yt-dlp"_s, u"b/yt-dlp.exe"_s }
                                                << u"b/yt-dlp.exe"_s << u"使用自动检测路径"_s;
-    QTest::newRow("missing candidate skipped") << QString() << QStringList { u"missing:a/yt-dlp"_s, u"b/yt-dlp"_s }
-                                               << u"b/yt-dlp"_s << u"使用自动检测路径"_s;
+    QTest::newRow("missing candidate skipped")
+        << QString() << QStringList { u"missing:a/yt-dlp"_s, u"b/yt-dlp"_s } << u"b/yt-dlp"_s << u"使用自动检测路径"_s;
     QTest::newRow("stored path used") << u"custom/yt-dlp"_s << QStringList { u"a/yt-dlp"_s } << u"custom/yt-dlp"_s
                                       << u"使用自定义路径"_s;
     QTest::newRow("stored path gone") << u"missing:custom/yt-dlp"_s << QStringList { u"a/yt-dlp"_s } << u"a/yt-dlp"_s
@@ -129,7 +129,8 @@ void TestToolDiscovery::pathWithSpaces()
     QCOMPARE(manager.ytDlpPath(), locations.ytDlp.constFirst());
     QTRY_COMPARE(manager.ytDlpVersion(), u"2025.12.01"_s);
     QTRY_COMPARE(manager.detectedFfmpegVersion(), u"ffmpeg version 9 spaced"_s);
-    QCOMPARE(manager.ffmpegArgs(), QStringList({ u"--ffmpeg-location"_s, u"'"_s + locations.ffmpeg.constFirst() + u"'"_s }));
+    QCOMPARE(
+        manager.ffmpegArgs(), QStringList({ u"--ffmpeg-location"_s, u"'"_s + locations.ffmpeg.constFirst() + u"'"_s }));
 }
 
 void TestToolDiscovery::runtimeOrder()
@@ -153,8 +154,8 @@ void TestToolDiscovery::runtimeOrder()
     const QStringList lookedUp = fixture.readFile(u"home/which.log"_s).split(u'\n', Qt::SkipEmptyParts);
     QVERIFY2(lookedUp.contains(u"deno"_s), qPrintable(lookedUp.join(u',')));
     QVERIFY(!lookedUp.contains(u"node"_s));
-    QTRY_VERIFY(EngineFixture::messages(state).contains(
-        u"✅ 检测到 JS 运行时: node ("_s + fixture.path(u"n3/node"_s) + u")"_s));
+    QTRY_VERIFY(
+        EngineFixture::messages(state).contains(u"✅ 检测到 JS 运行时: node ("_s + fixture.path(u"n3/node"_s) + u")"_s));
     QVERIFY(fixture.systemLog().contains(u"[Quillbox] [detectJSRuntime] 检测到 node: "_s + fixture.path(u"n3/node"_s)));
 }
 
@@ -176,8 +177,9 @@ void TestToolDiscovery::noRuntimeWarns()
     EngineFixture fixture;
     AppState state;
     DownloadManager manager(&state, fixture.emptyLocations());
-    QTRY_VERIFY_WITH_TIMEOUT(
-        EngineFixture::messages(state).contains(u"⚠️ 未检测到 JS 运行时（Deno/Node/Bun），YouTube 下载可能失败"_s), 20000);
+    QTRY_VERIFY_WITH_TIMEOUT(EngineFixture::messages(state).contains(
+                                 u"⚠️ 未检测到 JS 运行时（Deno/Node/Bun），YouTube 下载可能失败"_s),
+        20000);
     QCOMPARE(manager.detectedJSRuntime(), QString());
     QCOMPARE(manager.jsRuntimeArgs(), QStringList());
     const auto entries = state.logEntries();
@@ -253,8 +255,8 @@ void TestToolDiscovery::setCustomPath()
 {
     EngineFixture fixture;
     ToolLocations locations = fixture.emptyLocations();
-    locations.ytDlp << fixture.writeScript(u"y/yt-dlp"_s,
-        "echo probe >> \"$HOME/probes.log\"\n" + versionScript("2025.11.20"));
+    locations.ytDlp << fixture.writeScript(
+        u"y/yt-dlp"_s, "echo probe >> \"$HOME/probes.log\"\n" + versionScript("2025.11.20"));
     AppState state;
     DownloadManager manager(&state, locations);
     QTRY_COMPARE_WITH_TIMEOUT(manager.ytDlpVersion(), u"2025.11.20"_s, 20000);

@@ -67,7 +67,8 @@ void TestAppState::preferences_data()
     QTest::newRow("nothing stored") << QVariant() << QVariant() << defaultOutput << QString();
     QTest::newRow("both stored") << QVariant(u"/data/视频"_s) << QVariant(u"/tmp/c.txt"_s) << u"/data/视频"_s
                                  << u"/tmp/c.txt"_s;
-    QTest::newRow("stored empty output replaces default") << QVariant(QString()) << QVariant() << QString() << QString();
+    QTest::newRow("stored empty output replaces default")
+        << QVariant(QString()) << QVariant() << QString() << QString();
     QTest::newRow("only cookie") << QVariant() << QVariant(u"c"_s) << defaultOutput << u"c"_s;
 }
 

@@ -36,8 +36,7 @@ void TestDataModel::presetWords_data()
     QTest::newRow("bestQuality") << DownloadPreset::BestQuality << u"最佳画质"_s
                                  << QStringList { u"-f"_s, u"bv*+ba/b"_s };
     QTest::newRow("bestAudio") << DownloadPreset::BestAudio << u"最佳音质"_s
-                               << QStringList { u"-x"_s, u"--audio-format"_s, u"mp3"_s, u"--audio-quality"_s,
-                                      u"0"_s };
+                               << QStringList { u"-x"_s, u"--audio-format"_s, u"mp3"_s, u"--audio-quality"_s, u"0"_s };
     QTest::newRow("bestVideoAudio") << DownloadPreset::BestVideoAudio << u"最佳视频+音频"_s
                                     << QStringList { u"-f"_s, u"bv*+ba/b"_s };
     QTest::newRow("audioOnly") << DownloadPreset::AudioOnly << u"仅音频"_s
@@ -59,8 +58,8 @@ void TestDataModel::presetsShareTheirConstants()
 {
     // Same selector for two presets, and the audio pair differs only by its quality words.
     QCOMPARE(presetArguments(DownloadPreset::BestQuality), presetArguments(DownloadPreset::BestVideoAudio));
-    const QStringList audioWithQuality = presetArguments(DownloadPreset::AudioOnly)
-        + QStringList { u"--audio-quality"_s, u"0"_s };
+    const QStringList audioWithQuality
+        = presetArguments(DownloadPreset::AudioOnly) + QStringList { u"--audio-quality"_s, u"0"_s };
     QCOMPARE(presetArguments(DownloadPreset::BestAudio), audioWithQuality);
     // Reading a preset twice hands out the same shared list, not a fresh copy.
     QCOMPARE(&presetArguments(DownloadPreset::AudioOnly), &presetArguments(DownloadPreset::AudioOnly));
@@ -168,15 +167,18 @@ void TestDataModel::decodeVideoInfo_data()
     QTest::newRow("null uploader") << QByteArray(R"({"url":"u","title":"t","duration":1,"uploader":null,"formats":[]})")
                                    << false;
     QTest::newRow("missing formats") << QByteArray(R"({"url":"u","title":"t","duration":1,"uploader":"a"})") << false;
-    QTest::newRow("duration as text") << QByteArray(R"({"url":"u","title":"t","duration":"1","uploader":"a","formats":[]})")
+    QTest::newRow("duration as text") << QByteArray(
+        R"({"url":"u","title":"t","duration":"1","uploader":"a","formats":[]})")
                                       << false;
-    QTest::newRow("fractional duration") << QByteArray(R"({"url":"u","title":"t","duration":1.5,"uploader":"a","formats":[]})")
+    QTest::newRow("fractional duration") << QByteArray(
+        R"({"url":"u","title":"t","duration":1.5,"uploader":"a","formats":[]})")
                                          << false;
     QTest::newRow("view count as text") << "{" + base + R"(,"viewCount":"12"})" << false;
-    QTest::newRow("format without ext") << QByteArray(R"({"url":"u","title":"t","duration":1,"uploader":"a","formats":[{"formatId":"18"}]})")
+    QTest::newRow("format without ext") << QByteArray(
+        R"({"url":"u","title":"t","duration":1,"uploader":"a","formats":[{"formatId":"18"}]})")
                                         << false;
-    QTest::newRow("format list holds a number") << QByteArray(R"({"url":"u","title":"t","duration":1,"uploader":"a","formats":[3]})")
-                                                << false;
+    QTest::newRow("format list holds a number")
+        << QByteArray(R"({"url":"u","title":"t","duration":1,"uploader":"a","formats":[3]})") << false;
     QTest::newRow("not an object") << QByteArray("[1,2]") << false;
     QTest::newRow("broken JSON") << QByteArray("{\"url\":") << false;
 }

@@ -72,8 +72,8 @@ int main(int argc, char *argv[])
         return 2;
     lifecycle.attachMainWindow(window);
 
-    DownloadManager::instance()->startDownload(u"https://quit.example/v"_s, DownloadPreset::Default, QString(),
-        env.root() + u"/out"_s, true, false);
+    DownloadManager::instance()->startDownload(
+        u"https://quit.example/v"_s, DownloadPreset::Default, QString(), env.root() + u"/out"_s, true, false);
     qputenv("FAKE_YTDLP_PIDFILE", pidFile.toUtf8());
 
     // Once the download and its child run, close the window as the user would.

@@ -122,7 +122,8 @@ void TestInputPresenter::startQueuesEveryLink()
     for (const QStringList &argv : engine->fake.runs()) {
         QVERIFY(argv.contains(u"--no-playlist"_s));
         QVERIFY(argv.contains(u"--audio-format"_s));
-        QVERIFY(argv.contains(u"-o"_s) && argv.at(argv.indexOf(u"-o"_s) + 1).startsWith(engine->fixture.path(u"out/"_s)));
+        QVERIFY(
+            argv.contains(u"-o"_s) && argv.at(argv.indexOf(u"-o"_s) + 1).startsWith(engine->fixture.path(u"out/"_s)));
     }
 }
 

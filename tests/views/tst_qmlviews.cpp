@@ -12,8 +12,8 @@
 #include <QDir>
 #include <QJsonArray>
 #include <QJsonDocument>
-#include <QQmlEngine>
 #include <QProcess>
+#include <QQmlEngine>
 #include <QQuickStyle>
 #include <QtQml/qqmlextensionplugin.h>
 #include <QtQuickTest>
@@ -99,6 +99,28 @@ public:
         return found;
     }
 
+    // A log entry stamped with the given time of today, straight into the real log.
+    Q_INVOKABLE void addLogAt(int hour, int minute, int second, const QString &message) const
+    {
+        LogEntry entry = LogEntry::make(message, LogEntry::LogType::Info);
+        entry.timestamp = QDateTime(QDate::currentDate(), QTime(hour, minute, second));
+        AppState::instance()->logModel()->append({ entry });
+    }
+
+    // A task list of its own, with one task in each of the given states at the given progress,
+    // for rows the engine never produces on cue (paused) or only for an instant (preparing).
+    Q_INVOKABLE TaskModel *sampleTasks(const QStringList &statuses, double progress)
+    {
+        auto *model = new TaskModel(this);
+        for (const QString &status : statuses) {
+            DownloadTask task = DownloadTask::create(u"https://sample.example/"_s + status);
+            task.status = downloadStatusFromRawValue(status).value_or(DownloadStatus::Pending);
+            task.progress = progress;
+            model->append(task);
+        }
+        return model;
+    }
+
     Q_INVOKABLE QString lastTaskStatus() const
     {
         const auto tasks = DownloadManager::instance()->tasks();
@@ -133,7 +155,10 @@ public Q_SLOTS:
         qmlRegisterSingletonInstance("QuillboxTest", 1, 0, "TestHelper", m_helper);
     }
 
-    void qmlEngineAvailable(QQmlEngine *engine) { setupQmlEngine(*engine); }
+    void qmlEngineAvailable(QQmlEngine *engine)
+    {
+        setupQmlEngine(*engine);
+    }
 
     void cleanupTestCase()
     {
@@ -150,8 +175,9 @@ private:
     {
         const QString media = m_env->root() + u"/media"_s;
         m_server.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-        m_server.start(u"python3"_s, { tests + u"/support/mediaserver.py"_s, u"--root"_s, media, u"--port"_s, u"0"_s,
-                                          u"--generate"_s, u"--duration"_s, u"3"_s });
+        m_server.start(u"python3"_s,
+            { tests + u"/support/mediaserver.py"_s, u"--root"_s, media, u"--port"_s, u"0"_s, u"--generate"_s,
+                u"--duration"_s, u"3"_s });
         if (!m_server.waitForStarted(10000))
             qFatal("cannot start the media server");
         QByteArray line;

@@ -218,6 +218,41 @@ TestCase {
         compare(findChild(row, "progressRow").visible, false)
     }
 
+    Component {
+        id: sampleList
+
+        ListView {
+            width: 500
+            height: 400
+            delegate: DownloadTaskRow {
+                width: 500
+            }
+        }
+    }
+
+    function test_progressShowsOnlyWhilePreparingOrDownloading() {
+        const list = createTemporaryObject(sampleList, testCase,
+            { model: TestHelper.sampleTasks(["准备中", "下载中", "已暂停", "等待中"], 0.999) })
+        tryCompare(list, "count", 4)
+        tryVerify(() => list.itemAtIndex(3) !== null)
+        const row = i => list.itemAtIndex(i)
+        verify(findChild(row(0), "progressRow").visible)
+        compare(findChild(row(0), "statusText").text, "准备中")
+        compare(findChild(row(1), "percentText").text, "99%") // 0.999 is not rounded up
+        verify(findChild(row(1), "progressRow").visible)
+        compare(findChild(row(2), "progressRow").visible, false) // paused: no bar
+        compare(findChild(row(2), "statusText").text, "已暂停")
+        compare(findChild(row(3), "progressRow").visible, false)
+        // Nothing but the status on the details line when speed and size are unknown.
+        compare(findChild(row(3), "speedText").visible, false)
+        compare(findChild(row(3), "sizeText").visible, false)
+
+        const fresh = createTemporaryObject(sampleList, testCase, { model: TestHelper.sampleTasks(["准备中"], 0) })
+        tryVerify(() => fresh.itemAtIndex(0) !== null)
+        compare(findChild(fresh.itemAtIndex(0), "percentText").text, "0%")
+        compare(findChild(fresh.itemAtIndex(0), "progressFill").width, 0)
+    }
+
     function test_failedRowShowsItsErrorInRed() {
         const before = DownloadManager.tasks.count
         TestHelper.setScenario('[{"err": "ERROR: HTTP Error 404: Not Found\\n"}]', 1)

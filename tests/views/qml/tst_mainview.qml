@@ -138,6 +138,17 @@ TestCase {
         verify(/^\d\d:\d\d:\d\d$/.test(findChild(list.itemAtIndex(0), "timeText").text))
     }
 
+    function test_timeJustAfterMidnight() {
+        const view = makeView()
+        const list = findChild(panelOf(view), "logList")
+        TestHelper.addLogAt(0, 0, 7, "midnight")
+        TestHelper.addLogAt(13, 5, 9, "afternoon")
+        tryCompare(list, "count", 2)
+        tryVerify(() => list.itemAtIndex(1) !== null)
+        compare(findChild(list.itemAtIndex(0), "timeText").text, "00:00:07")
+        compare(findChild(list.itemAtIndex(1), "timeText").text, "13:05:09")
+    }
+
     SignalSpy {
         id: scrollSpy
 
