@@ -23,7 +23,6 @@ AbstractButton {
 
     readonly property color tint: Theme.tint(statusTint)
 
-    implicitHeight: content.implicitHeight + 24
     padding: 12
 
     background: Rectangle {
@@ -32,8 +31,6 @@ AbstractButton {
     }
 
     contentItem: RowLayout {
-        id: content
-
         spacing: 12
 
         Rectangle {
@@ -109,8 +106,6 @@ AbstractButton {
                 spacing: 8
 
                 Rectangle {
-                    id: track
-
                     Layout.fillWidth: true
                     implicitHeight: 4
                     radius: 4
@@ -118,7 +113,7 @@ AbstractButton {
 
                     Rectangle {
                         objectName: "progressFill"
-                        width: track.width * Math.max(0, Math.min(1, root.progress))
+                        width: parent.width * Math.max(0, Math.min(1, root.progress))
                         height: parent.height
                         radius: 4
                         gradient: Gradient {

@@ -14,7 +14,6 @@ AbstractButton {
 
     readonly property bool isWide: width > 160
 
-    implicitHeight: content.implicitHeight + 24
     padding: 12
     hoverEnabled: true
 
@@ -26,8 +25,6 @@ AbstractButton {
     }
 
     contentItem: RowLayout {
-        id: content
-
         spacing: 10
 
         Item {

@@ -137,22 +137,20 @@ Rectangle {
                 Item {
                     Layout.fillWidth: true
                 }
-                Rectangle {
+                Label {
                     objectName: "logBadge"
                     visible: AppState.logEntries.count > 0
-                    implicitWidth: badgeText.implicitWidth + 12
-                    implicitHeight: badgeText.implicitHeight + 4
-                    radius: height / 2
-                    color: Theme.accent
+                    leftPadding: 6
+                    rightPadding: 6
+                    topPadding: 2
+                    bottomPadding: 2
+                    text: String(AppState.logEntries.count)
+                    color: Theme.text
+                    font.pixelSize: 10
 
-                    Text {
-                        id: badgeText
-
-                        objectName: "logBadgeText"
-                        anchors.centerIn: parent
-                        text: String(AppState.logEntries.count)
-                        color: Theme.text
-                        font.pixelSize: 10
+                    background: Rectangle {
+                        radius: height / 2
+                        color: Theme.accent
                     }
                 }
             }

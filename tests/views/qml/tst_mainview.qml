@@ -82,7 +82,7 @@ TestCase {
         compare(badge.visible, false)
         TestHelper.addLogs(3, "line", 0)
         tryCompare(badge, "visible", true)
-        compare(findChild(view, "logBadgeText").text, "3")
+        compare(badge.text, "3")
     }
 
     function test_logButtonTogglesThePanel() {
