@@ -5,6 +5,7 @@
 #include "enginefixture.h"
 
 #include <QDeadlineTimer>
+#include <QFileInfo>
 #include <QProcess>
 #include <QRegularExpression>
 #include <QTcpServer>
@@ -127,7 +128,8 @@ void TestEndToEnd::initTestCase()
         if (!QFileInfo(tool).isExecutable())
             QSKIP(qPrintable(tool + u" is not installed"_s));
     }
-    const QString python = QStandardPaths::findExecutable(u"python3"_s);
+    const QString python = QFileInfo::exists(u"/usr/bin/python3"_s) ? u"/usr/bin/python3"_s
+                                                                     : QStandardPaths::findExecutable(u"python3"_s);
     if (python.isEmpty())
         QSKIP("python3 is not installed");
     const QString script = QFINDTESTDATA("../support/mediaserver.py");

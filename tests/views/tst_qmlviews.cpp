@@ -10,6 +10,7 @@
 #include "testsupport.h"
 
 #include <QDir>
+#include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QProcess>
@@ -175,7 +176,8 @@ private:
     {
         const QString media = m_env->root() + u"/media"_s;
         m_server.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-        m_server.start(u"python3"_s,
+        const QString python = QFileInfo::exists(u"/usr/bin/python3"_s) ? u"/usr/bin/python3"_s : u"python3"_s;
+        m_server.start(python,
             { tests + u"/support/mediaserver.py"_s, u"--root"_s, media, u"--port"_s, u"0"_s, u"--generate"_s,
                 u"--duration"_s, u"3"_s });
         if (!m_server.waitForStarted(10000))
