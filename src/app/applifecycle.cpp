@@ -85,7 +85,7 @@ bool AppLifecycle::checkDisplay()
     std::fputs("Quillbox needs a display to show its window, and none was found "
                "(neither DISPLAY nor WAYLAND_DISPLAY is set).\n"
                "To run it without a screen, start it under a virtual display:\n"
-               "    xvfb-run -a -s '-screen 0 1400x900x24' build/quillbox\n",
+               "    xvfb-run -a -s '-screen 0 1400x900x24' build/src/quillbox\n",
         stderr);
     return false;
 #else

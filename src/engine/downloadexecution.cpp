@@ -6,6 +6,7 @@
 #include "model/appstate.h"
 #include "model/logcategories.h"
 
+#include <QDeadlineTimer>
 #include <QDir>
 #include <QTimer>
 
@@ -134,7 +135,10 @@ void DownloadManager::pumpQueue()
 void DownloadManager::executeDownload(const Waiting &job)
 {
     const QUuid taskId = job.taskId;
-    const DownloadRequest &request = job.request;
+    DownloadRequest request = job.request;
+    // A folder typed as "~/Videos" means the home folder's, as it would in a shell.
+    if (request.outputDir == u"~"_s || request.outputDir.startsWith(u"~/"_s))
+        request.outputDir = m_locations.home + request.outputDir.mid(1);
     qCInfo(lcEngine, "[Quillbox] [executeDownload] 任务ID: %ls, URL: %ls",
         qUtf16Printable(taskId.toString(QUuid::WithoutBraces)), qUtf16Printable(request.url));
     m_tasks->update(taskId, [](DownloadTask &task) { task.status = DownloadStatus::Preparing; });
@@ -181,6 +185,14 @@ void DownloadManager::executeDownload(const Waiting &job)
         failToLaunch(taskId, u"未设置输出目录"_s);
         return;
     }
+    if (QDir::isRelativePath(request.outputDir)) {
+        failToLaunch(taskId, u"输出目录必须是完整路径: "_s + request.outputDir);
+        return;
+    }
+    if (!shellQuotesBalanced(request.customArgs)) {
+        failToLaunch(taskId, u"自定义参数中的引号没有成对闭合: "_s + request.customArgs);
+        return;
+    }
     if (!QDir().mkpath(request.outputDir)) {
         failToLaunch(taskId, u"无法创建输出目录: "_s + request.outputDir);
         return;
@@ -197,8 +209,11 @@ void DownloadManager::executeDownload(const Waiting &job)
     process->setStandardInputFile(QProcess::nullDevice());
     connect(process, &QProcess::readyReadStandardOutput, this, [this, taskId] { readOutput(taskId, false); });
     connect(process, &QProcess::readyReadStandardError, this, [this, taskId] { readOutput(taskId, true); });
-    connect(process, &QProcess::started, this, [this, taskId, process] {
+    connect(process, &QProcess::started, this, [this, taskId, process, running] {
         qCInfo(lcEngine, "[Quillbox] [executeDownload] 进程已启动, PID: %lld", process->processId());
+        // Stopped while the shell was still starting: the group exists only now.
+        if (running->cancelled)
+            process->signalGroup(SIGTERM);
         m_tasks->update(taskId, [](DownloadTask &task) {
             if (task.status == DownloadStatus::Preparing)
                 task.status = DownloadStatus::Downloading;
@@ -372,6 +387,10 @@ void DownloadManager::removeRunning(const QUuid &taskId)
     Running *running = m_active.take(taskId);
     if (!running)
         return;
+    // The shell of a stopped download has gone; whatever it started and is still slow to
+    // stop (an ffmpeg mid-merge) goes with the group now rather than after the grace period.
+    if (running->cancelled && running->process)
+        running->process->signalGroup(SIGKILL);
     if (running->process) {
         running->process->disconnect(this);
         running->process->deleteLater();
@@ -406,8 +425,11 @@ void DownloadManager::shutdown()
     QList<QPointer<GroupProcess>> processes;
     for (Running *running : std::as_const(m_active))
         processes.append(running->process);
+    // One grace period for all of them, not one each.
+    const QDeadlineTimer grace(CancelGraceMs);
     for (const QPointer<GroupProcess> &process : std::as_const(processes)) {
-        if (process && process->state() != QProcess::NotRunning && !process->waitForFinished(CancelGraceMs))
+        if (process && process->state() != QProcess::NotRunning
+            && !process->waitForFinished(int(std::max<qint64>(0, grace.remainingTime()))))
             process->signalGroup(SIGKILL);
     }
     for (const QPointer<GroupProcess> &process : std::as_const(processes)) {
@@ -417,5 +439,12 @@ void DownloadManager::shutdown()
         process->signalGroup(SIGKILL);
         if (process->state() != QProcess::NotRunning)
             process->waitForFinished(2000);
+    }
+    // Format listings, updates and discovery probes are children too; none outlives us.
+    for (GroupProcess *helper : findChildren<GroupProcess *>()) {
+        if (helper->state() != QProcess::NotRunning) {
+            helper->signalGroup(SIGKILL);
+            helper->waitForFinished(1000);
+        }
     }
 }

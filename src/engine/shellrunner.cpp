@@ -61,6 +61,36 @@ bool GroupProcess::signalGroup(int signal) const
     return m_groupId > 0 && ::kill(-pid_t(m_groupId), signal) == 0;
 }
 
+bool shellQuotesBalanced(const QString &text)
+{
+    enum { Plain, Single, Double } state = Plain;
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        const QChar c = text.at(i);
+        switch (state) {
+        case Plain:
+            if (c == u'\\') {
+                ++i; // escapes the next character (a last one escapes the space that follows)
+            } else if (c == u'\'') {
+                state = Single;
+            } else if (c == u'"') {
+                state = Double;
+            }
+            break;
+        case Single:
+            if (c == u'\'')
+                state = Plain;
+            break;
+        case Double:
+            if (c == u'\\')
+                ++i;
+            else if (c == u'"')
+                state = Plain;
+            break;
+        }
+    }
+    return state == Plain;
+}
+
 QString decodeUtf8OrEmpty(const QByteArray &bytes)
 {
     QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);

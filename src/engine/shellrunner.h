@@ -36,6 +36,10 @@ private:
     qint64 m_groupId = 0;
 };
 
+// True when `text`, read as shell words, closes every quote it opens: custom arguments go into
+// the command as the user wrote them, and an open quote would swallow the link that follows.
+bool shellQuotesBalanced(const QString &text);
+
 // Decodes strict UTF-8; output that is not valid UTF-8 decodes to an empty text.
 QString decodeUtf8OrEmpty(const QByteArray &bytes);
 

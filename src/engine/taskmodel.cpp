@@ -122,8 +122,9 @@ bool TaskModel::showsProgress(DownloadStatus status)
 
 QString TaskModel::percentText(double progress)
 {
-    // Truncated toward zero: 0.999 is 99%, not 100%.
-    return QString::number(qint64(progress * 100)) + u'%';
+    // Truncated toward zero: 0.999 is 99%, not 100%. The nudge keeps 0.29 (from "29.0%") from
+    // reading 28, as 0.29 * 100 is 28.999999999999996 in binary.
+    return QString::number(qint64(progress * 100 + 1e-9)) + u'%';
 }
 
 const DownloadTask *TaskModel::find(const QUuid &id) const

@@ -76,7 +76,12 @@ private:
         if (!m_ok || value.isUndefined() || value.isNull())
             return;
         // JSON has one number type: an integer field takes only numbers without a fraction
-        // that fit in 64 bits.
+        // that fit in 64 bits. Integers the parser kept exact are taken as they are (a double
+        // would round the largest of them past the limit).
+        if (value.toVariant().metaType().id() == QMetaType::LongLong) {
+            assign(value.toInteger());
+            return;
+        }
         const double number = value.toDouble();
         constexpr double limit = 9223372036854775808.0; // 2^63
         if (!value.isDouble() || std::trunc(number) != number || number < -limit || number >= limit) {

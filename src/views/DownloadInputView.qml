@@ -259,6 +259,7 @@ Rectangle {
                         objectName: "listFormatsButton"
                         Layout.fillWidth: true
                         implicitHeight: 42
+                        enabled: !presenter.isListingFormats
                         onClicked: presenter.listFormats()
 
                         background: Rectangle {

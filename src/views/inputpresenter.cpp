@@ -39,7 +39,7 @@ void InputPresenter::startDownload()
 
 void InputPresenter::listFormats()
 {
-    if (!m_state || !m_downloads || m_state->urlInput().isEmpty())
+    if (!m_state || !m_downloads || m_state->urlInput().isEmpty() || m_isListingFormats)
         return;
     setListingFormats(true);
     QPointer<InputPresenter> self(this);

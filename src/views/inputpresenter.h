@@ -29,7 +29,7 @@ public:
     // switches; custom arguments only under the custom preset. The editor keeps its text.
     Q_INVOKABLE void startDownload();
     // Lists the formats of the editor's first line; the answer comes as formatsListed() or
-    // formatsFailed().
+    // formatsFailed(). One listing at a time.
     Q_INVOKABLE void listFormats();
     // Adds `text` to the editor on a line of its own; false when there was nothing to add.
     Q_INVOKABLE bool paste(const QString &text);

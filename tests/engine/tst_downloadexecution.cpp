@@ -33,6 +33,7 @@ private Q_SLOTS:
     void shutdownReturnsWithNothingLeft();
     void launchFailuresLoseNothing();
     void outputThatIsNotUtf8();
+    void foldersAndArgumentsCheckedFirst();
 
 private:
     struct Engine
@@ -443,6 +444,32 @@ void TestDownloadExecution::outputThatIsNotUtf8()
     QTRY_VERIFY_WITH_TIMEOUT(allFinished(*engine), 20000);
     QCOMPARE(only(*engine).status, DownloadStatus::Completed);
     QVERIFY(EngineFixture::messages(engine->state).contains(u"[download] 50.0% f\uFFFD"_s));
+}
+
+void TestDownloadExecution::foldersAndArgumentsCheckedFirst()
+{
+    auto engine = makeEngine();
+    QVERIFY(engine);
+    engine->fake.setScenario("[]");
+    // "~/" is the home folder, as in a shell.
+    download(*engine, u"https://h.example/tilde"_s, DownloadPreset::Default, QString(), u"~/Videos"_s);
+    // A relative folder would depend on where Quillbox was started from.
+    download(*engine, u"https://h.example/relative"_s, DownloadPreset::Default, QString(), u"Videos"_s);
+    // An open quote in the custom arguments would swallow the link: refused before running.
+    download(*engine, u"https://h.example/;echo INJECTED;#"_s, DownloadPreset::Custom, u"--match-title Don't"_s);
+    QTRY_VERIFY_WITH_TIMEOUT(allFinished(*engine), 20000);
+
+    const auto tasks = engine->manager->tasks();
+    QCOMPARE(tasks.at(0).status, DownloadStatus::Completed);
+    const QStringList argv = engine->fake.runs().constFirst();
+    QCOMPARE(argv.at(argv.indexOf(u"-o"_s) + 1), engine->fixture.home() + u"/Videos/%(title)s.%(ext)s"_s);
+    QVERIFY(QFileInfo(engine->fixture.home() + u"/Videos"_s).isDir());
+
+    QCOMPARE(tasks.at(1).status, DownloadStatus::Failed);
+    QCOMPARE(tasks.at(1).errorMessage, std::optional(u"输出目录必须是完整路径: Videos"_s));
+    QCOMPARE(tasks.at(2).status, DownloadStatus::Failed);
+    QVERIFY(tasks.at(2).errorMessage.value_or(QString()).startsWith(u"自定义参数中的引号没有成对闭合"_s));
+    QCOMPARE(engine->fake.runs().size(), 1);
 }
 
 QTEST_GUILESS_MAIN(TestDownloadExecution)

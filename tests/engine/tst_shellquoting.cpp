@@ -15,6 +15,8 @@ class TestShellQuoting : public QObject
 private Q_SLOTS:
     void quotePath_data();
     void quotePath();
+    void balancedQuotes_data();
+    void balancedQuotes();
     void roundTrip_data();
     void roundTrip();
     void shellChoice();
@@ -38,6 +40,34 @@ void TestShellQuoting::quotePath()
     QFETCH(QString, path);
     QFETCH(QString, word);
     QCOMPARE(quoteIfNeeded(path), word);
+}
+
+void TestShellQuoting::balancedQuotes_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<bool>("balanced");
+    QTest::newRow("empty") << QString() << true;
+    QTest::newRow("plain words") << u"--limit-rate 1M -f best"_s << true;
+    QTest::newRow("single-quoted") << u"-f 'best[height<=480]'"_s << true;
+    QTest::newRow("double-quoted with escape") << u"--match-title \"Don\\\"t\""_s << true;
+    QTest::newRow("escaped quote outside") << u"--match-title Don\\'t"_s << true;
+    QTest::newRow("double quote inside single") << u"'say \"hi'"_s << true;
+    QTest::newRow("open single quote") << u"--match-title Don't"_s << false;
+    QTest::newRow("open double quote") << u"-o \"x"_s << false;
+    QTest::newRow("trailing backslash escapes the space after it") << u"-f best \\"_s << true;
+    QTest::newRow("escaped backslash at the end") << u"-f best \\\\"_s << true;
+}
+
+void TestShellQuoting::balancedQuotes()
+{
+    QFETCH(QString, text);
+    QFETCH(bool, balanced);
+    QCOMPARE(shellQuotesBalanced(text), balanced);
+    // Whatever the answer, it agrees with a real shell: a balanced text parses, an open one does not.
+    QProcess shell;
+    shell.start(u"/bin/sh"_s, { u"-n"_s, u"-c"_s, u"echo "_s + text + u" 'https://x'"_s });
+    QVERIFY(shell.waitForFinished(5000));
+    QCOMPARE(shell.exitCode() == 0, balanced);
 }
 
 namespace {

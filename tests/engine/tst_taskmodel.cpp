@@ -68,6 +68,8 @@ void TestTaskModel::percentText_data()
     QTest::newRow("0.999 is not rounded up") << 0.999 << u"99%"_s;
     QTest::newRow("0.0099") << 0.0099 << u"0%"_s;
     QTest::newRow("1") << 1.0 << u"100%"_s;
+    QTest::newRow("29.0% parsed") << 29.0 / 100.0 << u"29%"_s;
+    QTest::newRow("57.0% parsed") << 57.0 / 100.0 << u"57%"_s;
 }
 
 void TestTaskModel::percentText()

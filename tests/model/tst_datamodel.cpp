@@ -179,6 +179,8 @@ void TestDataModel::decodeVideoInfo_data()
                                         << false;
     QTest::newRow("format list holds a number")
         << QByteArray(R"({"url":"u","title":"t","duration":1,"uploader":"a","formats":[3]})") << false;
+    QTest::newRow("largest 64-bit count") << "{" + base + R"(,"viewCount":9223372036854775807})" << true;
+    QTest::newRow("past 64 bits") << "{" + base + R"(,"viewCount":9223372036854775808})" << false;
     QTest::newRow("not an object") << QByteArray("[1,2]") << false;
     QTest::newRow("broken JSON") << QByteArray("{\"url\":") << false;
 }

@@ -170,7 +170,11 @@ void TestInputPresenter::listFormats()
     qputenv("FAKE_YTDLP_FORMATS", "ID EXT\n18 mp4");
     presenter.listFormats();
     QVERIFY(presenter.isListingFormats());
+    presenter.listFormats(); // one at a time: a second press while listing does nothing
     QTRY_COMPARE_WITH_TIMEOUT(listed.count(), 1, 20000);
+    QTest::qWait(200);
+    QCOMPARE(listed.count(), 1);
+    QCOMPARE(engine->fake.runs().size(), 1);
     QVERIFY(!presenter.isListingFormats());
     QCOMPARE(listed.at(0).at(0).toString(), u"ID EXT\n18 mp4\n"_s);
     // The first line, untrimmed.
