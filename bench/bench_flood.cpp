@@ -4,7 +4,6 @@
 
 #include "benchengine.h"
 
-
 using namespace Qt::StringLiterals;
 using namespace bench;
 
@@ -181,6 +180,7 @@ int main(int argc, char **argv)
         probe.start();
         rssSampler.start(20);
         const double cpuBefore = selfCpuMs();
+        const MachineTimes machineBefore = MachineTimes::now();
         QElapsedTimer wall;
         wall.start();
         manager.startDownloads(urls, requestInto(sandbox.path(u"out"_s)));
@@ -190,6 +190,7 @@ int main(int argc, char **argv)
             fail(u"the downloads did not end within %1 s"_s.arg(seconds + 120));
         const double elapsedS = double(wall.nsecsElapsed()) / 1e9;
         const double cpuMs = selfCpuMs() - cpuBefore;
+        const MachineTimes machineAfter = MachineTimes::now();
         const StallProbe::Stall longest = probe.longest();
         const StallProbe::Stall steady = probe.longestSteady();
         const double stallMs = longest.ms();
@@ -224,8 +225,8 @@ int main(int argc, char **argv)
         say(u"    longest:                    "_s + describe(longest));
         say(u"    longest after the start call: "_s + describe(steady));
         say(u"    the startDownloads() call itself took %1 ms"_s.arg(number(startCallMs, 1)));
-        say(u"  dataChanged from the task model: %1 (%2 per download per second)"_s.arg(QString::number(changes),
-            number(double(changes) / Downloads / elapsedS, 0)));
+        say(u"  dataChanged from the task model: %1 (%2 per download per second)"_s.arg(
+            QString::number(changes), number(double(changes) / Downloads / elapsedS, 0)));
         say(u"  in-app log: %1 entries at the end, at most %2 (cap %3); %4 rows inserted in all"_s.arg(
             QString::number(logCount), QString::number(logCountMax), QString::number(AppState::MaxLogEntries),
             QString::number(logRowsInserted)));
@@ -233,6 +234,7 @@ int main(int argc, char **argv)
             number(mib(rssBefore)), number(mib(rssPeak)), number(mib(rssAfter)), rssDeltaMiB >= 0 ? u"+"_s : QString(),
             number(rssDeltaMiB)));
         say(u"  engine diagnostics composed and dropped: %1"_s.arg(QuietEngineLog::dropped()));
+        say(u"  the machine's CPUs during the run: %1"_s.arg(machineAfter.describeSince(machineBefore)));
 
         writeResult("bench_flood",
             {
@@ -253,9 +255,11 @@ int main(int argc, char **argv)
                 { u"rss_after_mib"_s, number(mib(rssAfter)) },
                 { u"rss_delta_mib"_s, number(rssDeltaMiB) },
                 { u"cpu_s"_s, number(cpuMs / 1000, 2) },
+                { u"stolen_pct"_s, number(machineAfter.stolenPercentSince(machineBefore), 0) },
             });
         if (logCountMax > AppState::MaxLogEntries)
-            fail(u"the in-app log grew to %1 entries, past its cap of %2"_s.arg(logCountMax).arg(AppState::MaxLogEntries));
+            fail(u"the in-app log grew to %1 entries, past its cap of %2"_s.arg(logCountMax)
+                     .arg(AppState::MaxLogEntries));
         return 0;
     });
 }

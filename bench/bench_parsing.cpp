@@ -116,10 +116,10 @@ int main(int argc, char **argv)
         };
         say(u"  parseProgress, one line per call:   %1 M lines/s, median (min–max) of %2 runs"_s.arg(
             spread(millions(single), 3), QString::number(Runs)));
-        say(u"  parseProgress, %1 lines per call:   %2 M lines/s"_s.arg(QString::number(BatchLines),
-            spread(millions(batched), 3)));
-        say(u"  LineSplitter, %1 KiB reads:         %2 MB/s"_s.arg(QString::number(ChunkBytes / 1024),
-            spread(splitting, 1)));
+        say(u"  parseProgress, %1 lines per call:   %2 M lines/s"_s.arg(
+            QString::number(BatchLines), spread(millions(batched), 3)));
+        say(u"  LineSplitter, %1 KiB reads:         %2 MB/s"_s.arg(
+            QString::number(ChunkBytes / 1024), spread(splitting, 1)));
         say(u"  (checksum %1)"_s.arg(number(checksum, 1)));
 
         writeResult("bench_parsing",

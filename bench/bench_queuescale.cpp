@@ -4,6 +4,8 @@
 
 #include "benchengine.h"
 
+#include <QVarLengthArray>
+
 #include <atomic>
 #include <chrono>
 #include <cstring>
@@ -30,9 +32,11 @@ qsizetype readFile(const char *path, char *buffer, size_t size)
     return length;
 }
 
-// Counts live stand-in processes (those running the stand-in's script)
-// by reading /proc, every 10 ms on a thread of its own, so the count does not depend on the
-// event loop being free.
+// Counts downloads with a live stand-in process (those running the stand-in's script) by reading
+// /proc, every 10 ms on a thread of its own, so the count does not depend on the event loop being
+// free. A download is a process group (the engine starts each in a group of its own), and it is
+// counted once however many of its processes run the script: the stand-in's first line is a
+// shell whose command substitution forks a second copy of it for a moment.
 class ProcessCounter
 {
 public:
@@ -69,11 +73,11 @@ public:
     int max() const { return m_max.load(); }
     qint64 samples() const { return m_samples.load(); }
 
-    // Stand-in processes alive now (zombies not counted). Plain system calls rather than QFile:
-    // this runs every 10 ms and should take as little of the machine as it can.
+    // Process groups with a stand-in process alive now (zombies not counted). Plain system calls
+    // rather than QFile: this runs every 10 ms and should take as little of the machine as it can.
     int count() const
     {
-        int live = 0;
+        QVarLengthArray<long long, 16> groups;
         DIR *proc = opendir("/proc");
         if (!proc)
             return 0;
@@ -100,14 +104,19 @@ public:
             const qsizetype statLength = readFile(path, buffer, sizeof buffer - 1);
             if (statLength <= 0)
                 continue;
-            const QByteArrayView stat(buffer, statLength);
-            const qsizetype close = stat.lastIndexOf(')');
-            if (close >= 0 && close + 2 < statLength && stat.at(close + 2) == 'Z')
+            buffer[statLength] = '\0';
+            // After the command name: state, parent, process group.
+            const char *close = std::strrchr(buffer, ')');
+            char state = 0;
+            long long parent = 0;
+            long long group = 0;
+            if (!close || std::sscanf(close + 1, " %c %lld %lld", &state, &parent, &group) != 3 || state == 'Z')
                 continue;
-            ++live;
+            if (!groups.contains(group))
+                groups.append(group);
         }
         closedir(proc);
-        return live;
+        return int(groups.size());
     }
 
 private:
@@ -123,12 +132,12 @@ struct Outcome
     double callMs = 0; // the call (or loop of calls) that queued every link
     double firstTurnMs = 0; // from its return until the event loop next ran a timer
     int maxRunning = 0; // runningCount(), sampled on every change
-    int maxProcesses = 0; // live stand-in processes, sampled from /proc
+    int maxProcesses = 0; // downloads with a live stand-in process, sampled from /proc
     qint64 procSamples = 0;
     qsizetype completedMeanwhile = 0;
     double cancelCallMs = 0;
     double drainMs = 0; // from cancelAllDownloads() until runningCount() == 0
-    int leftAfter = 0; // stand-in processes alive after the drain
+    int leftAfter = 0; // downloads with a stand-in process alive after the drain
 };
 
 enum class Way { Loop, Batch };
@@ -209,7 +218,9 @@ Outcome measure(Sandbox &sandbox, Way way, int links, int observeMs)
         fail(u"%1 downloads failed"_s.arg(failed));
     }
     if (cancelled + outcome.completedMeanwhile != links)
-        fail(u"%1 cancelled + %2 completed, expected %3 in all"_s.arg(cancelled).arg(outcome.completedMeanwhile).arg(links));
+        fail(u"%1 cancelled + %2 completed, expected %3 in all"_s.arg(cancelled)
+                 .arg(outcome.completedMeanwhile)
+                 .arg(links));
     return outcome;
 }
 
@@ -240,9 +251,9 @@ void report(const char *label, const Series &series)
 {
     say(u"  %1: queued in %2 ms; next event-loop turn after %3 ms"_s.arg(
         QString::fromLatin1(label), spread(series.callMs), spread(series.firstTurnMs)));
-    say(u"    most running at once: %1 by runningCount(), %2 stand-in processes in /proc (%3 samples); limit %4"_s.arg(
-        QString::number(series.maxRunning), QString::number(series.maxProcesses),
-        QString::number(series.procSamples), QString::number(Limit)));
+    say(u"    most running at once: %1 by runningCount(), %2 by stand-in processes in /proc (%3 samples); limit %4"_s
+            .arg(QString::number(series.maxRunning), QString::number(series.maxProcesses),
+                QString::number(series.procSamples), QString::number(Limit)));
     say(u"    cancelAllDownloads() took %1 ms, nothing running after %2 ms, %3 stand-ins left; %4 completed before it"_s
             .arg(spread(series.cancelMs), spread(series.drainMs), QString::number(series.leftAfter),
                 QString::number(series.completedMeanwhile)));
@@ -267,8 +278,8 @@ int main(int argc, char **argv)
             return 77;
         }
 
-        say(u"bench_queuescale: %1 links, at most %2 at once, each download 0.2 s%3"_s.arg(QString::number(links),
-            QString::number(Limit), quick ? u", short mode"_s : QString()));
+        say(u"bench_queuescale: %1 links, at most %2 at once, each download 0.2 s%3"_s.arg(
+            QString::number(links), QString::number(Limit), quick ? u", short mode"_s : QString()));
         const qint64 rssStart = rssKiB();
         Series loop, batch;
         for (int rep = 0; rep < reps; ++rep) {
@@ -298,7 +309,8 @@ int main(int argc, char **argv)
                 { u"left_after"_s, QString::number(loop.leftAfter + batch.leftAfter) },
                 { u"rss_peak_mib"_s, number(mib(peakRssKiB())) },
             });
-        if (std::max(loop.maxRunning, batch.maxRunning) > Limit || std::max(loop.maxProcesses, batch.maxProcesses) > Limit)
+        if (std::max(loop.maxRunning, batch.maxRunning) > Limit
+            || std::max(loop.maxProcesses, batch.maxProcesses) > Limit)
             fail(u"more than %1 downloads ran at once"_s.arg(Limit));
         if (loop.leftAfter + batch.leftAfter > 0)
             fail(u"stand-in processes were left running after the cancel"_s);

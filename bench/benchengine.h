@@ -85,8 +85,8 @@ inline void warmUp(DownloadManager &manager, const QString &url, const QString &
     DownloadRequest request = requestInto(folder);
     manager.startDownloads({ url }, request);
     const auto ended = [&] {
-        return manager.taskModel()->count() > before
-            && isFinal(manager.taskModel()->tasks().at(before).status) && manager.runningCount() == 0;
+        return manager.taskModel()->count() > before && isFinal(manager.taskModel()->tasks().at(before).status)
+            && manager.runningCount() == 0;
     };
     if (!waitUntil(ended, timeoutMs, 10))
         fail(u"the warm-up download did not end within %1 s"_s.arg(timeoutMs / 1000));

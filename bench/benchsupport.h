@@ -209,9 +209,18 @@ inline qint64 procStatusKiB(const char *field)
     return -1;
 }
 
-inline qint64 rssKiB() { return procStatusKiB("VmRSS"); }
-inline qint64 peakRssKiB() { return procStatusKiB("VmHWM"); }
-inline double mib(qint64 kib) { return double(kib) / 1024.0; }
+inline qint64 rssKiB()
+{
+    return procStatusKiB("VmRSS");
+}
+inline qint64 peakRssKiB()
+{
+    return procStatusKiB("VmHWM");
+}
+inline double mib(qint64 kib)
+{
+    return double(kib) / 1024.0;
+}
 
 // User + system CPU time this process has used, without its children, in milliseconds.
 inline double selfCpuMs()
@@ -230,6 +239,49 @@ inline double childrenCpuMs()
     const auto ms = [](const timeval &t) { return double(t.tv_sec) * 1000.0 + double(t.tv_usec) / 1000.0; };
     return ms(usage.ru_utime) + ms(usage.ru_stime);
 }
+
+// The machine's CPU time as /proc/stat counts it, all CPUs together, in clock ticks. On a virtual
+// machine "stolen" is time the hypervisor gave to others while this machine wanted to run: then
+// even an idle event loop wakes late. Two readings around a run say what the run competed with.
+struct MachineTimes
+{
+    qint64 busy = 0; // user, nice, system, irq, softirq
+    qint64 idle = 0; // idle, iowait
+    qint64 stolen = 0;
+
+    static MachineTimes now()
+    {
+        QFile stat(u"/proc/stat"_s);
+        MachineTimes times;
+        if (!stat.open(QIODevice::ReadOnly))
+            return times;
+        const QList<QByteArray> fields = stat.readLine().simplified().split(' ');
+        const auto field = [&fields](int index) { return fields.value(index).toLongLong(); };
+        if (fields.value(0) != "cpu")
+            return times;
+        times.busy = field(1) + field(2) + field(3) + field(6) + field(7);
+        times.idle = field(4) + field(5);
+        times.stolen = field(8);
+        return times;
+    }
+
+    // The share of the CPUs' time since `before` that was stolen, in per cent.
+    double stolenPercentSince(const MachineTimes &before) const
+    {
+        const qint64 total = (busy - before.busy) + (idle - before.idle) + (stolen - before.stolen);
+        return total > 0 ? 100.0 * double(stolen - before.stolen) / double(total) : 0.0;
+    }
+
+    // "busy 41 %, idle 27 %, stolen 32 %" since `before`.
+    QString describeSince(const MachineTimes &before) const
+    {
+        const double total = double((busy - before.busy) + (idle - before.idle) + (stolen - before.stolen));
+        if (total <= 0)
+            return u"no reading"_s;
+        return u"busy %1 %, idle %2 %, stolen %3 %"_s.arg(number(100.0 * double(busy - before.busy) / total, 0),
+            number(100.0 * double(idle - before.idle) / total, 0), number(stolenPercentSince(before), 0));
+    }
+};
 
 // --- Waiting
 

@@ -1,0 +1,487 @@
+// Start-up: from starting the executable to the first frame of its window, for the application
+// (src/quillbox) against a bare Qt Quick window (bench_barewindow) started the same way,
+// alternating; and each one's resident memory 3 s after that frame. Both draw on a private Xvfb
+// (software OpenGL), so the frames are really rendered.
+//
+// The clock: this process reads CLOCK_MONOTONIC just before it starts the child; the child, run
+// with QUILLBOX_REPORT_FIRST_FRAME=FILE, appends CLOCK_MONOTONIC to FILE when its window's first
+// frame has been swapped (QQuickWindow::frameSwapped). The same clock in both processes, so the
+// difference covers everything: fork and exec, loading libraries, QML, the first render.
+
+#include "benchsupport.h"
+
+#include <QProcess>
+#include <QProcessEnvironment>
+
+#include <csignal>
+#include <ctime>
+#include <memory>
+
+#include <sys/prctl.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+using namespace Qt::StringLiterals;
+using namespace bench;
+
+namespace {
+constexpr int FirstFramePatienceMs = 60000;
+constexpr int SampleAfterMs = 3000;
+constexpr int QuitPatienceMs = 10000;
+
+qint64 monotonicNs()
+{
+    timespec now {};
+    clock_gettime(CLOCK_MONOTONIC, &now);
+    return qint64(now.tv_sec) * 1'000'000'000 + now.tv_nsec;
+}
+
+QByteArray readProcFile(qint64 pid, const char *name)
+{
+    QFile file(u"/proc/%1/%2"_s.arg(pid).arg(QLatin1String(name)));
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+// A "VmXXX:   1234 kB" field of /proc/PID/status, in KiB; -1 where there is none.
+qint64 statusKiB(qint64 pid, const char *field)
+{
+    const QByteArray wanted = QByteArray(field).append(':');
+    const QList<QByteArray> lines = readProcFile(pid, "status").split('\n');
+    for (const QByteArray &line : lines) {
+        if (line.startsWith(wanted))
+            return line.mid(wanted.size()).trimmed().split(' ').value(0).toLongLong();
+    }
+    return -1;
+}
+
+// The fields of /proc/PID/stat after the command name: index 0 is field 3 (the state).
+QList<QByteArray> statFields(qint64 pid)
+{
+    const QByteArray stat = readProcFile(pid, "stat");
+    const qsizetype close = stat.lastIndexOf(')');
+    return close < 0 ? QList<QByteArray>() : stat.mid(close + 2).split(' ');
+}
+
+// User + system CPU time of process `pid` so far, in milliseconds (to the clock tick).
+double cpuMsOf(qint64 pid)
+{
+    const QList<QByteArray> fields = statFields(pid);
+    if (fields.size() < 13)
+        return -1;
+    const double ticks = double(fields.at(11).toLongLong() + fields.at(12).toLongLong()); // utime, stime
+    return ticks * 1000.0 / double(sysconf(_SC_CLK_TCK));
+}
+
+// The command name of process `pid`, as /proc/PID/comm gives it.
+QString commandName(qint64 pid)
+{
+    return QString::fromLocal8Bit(readProcFile(pid, "comm")).trimmed();
+}
+
+// Processes whose parent is this one, but for `except`.
+QList<qint64> childrenOfThisProcess(qint64 except)
+{
+    QList<qint64> found;
+    const QStringList entries = QDir(u"/proc"_s).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
+    for (const QString &entry : entries) {
+        bool isPid = false;
+        const qint64 pid = entry.toLongLong(&isPid);
+        if (!isPid || pid == except)
+            continue;
+        const QList<QByteArray> fields = statFields(pid);
+        if (fields.size() > 1 && fields.at(1).toLongLong() == qint64(getpid()))
+            found.append(pid);
+    }
+    return found;
+}
+
+// This process adopts whatever a child leaves behind when it dies (it is the "subreaper"), so
+// what the application left running is seen, reported and ended here instead of under init.
+// Returns the command names of what it found; everything found is killed and reaped.
+QStringList endLeftovers(qint64 except)
+{
+    QStringList names;
+    QDeadlineTimer deadline(5000);
+    for (;;) {
+        const QList<qint64> left = childrenOfThisProcess(except);
+        if (left.isEmpty() || deadline.hasExpired())
+            break;
+        for (qint64 pid : left) {
+            names.append(commandName(pid));
+            const pid_t group = getpgid(pid_t(pid));
+            if (group > 0 && group != getpgrp())
+                ::kill(-group, SIGKILL);
+            ::kill(pid_t(pid), SIGKILL);
+            ::waitpid(pid_t(pid), nullptr, 0);
+        }
+    }
+    return names;
+}
+
+// A private X server on a free display number, ended when this goes.
+class VirtualDisplay
+{
+public:
+    explicit VirtualDisplay(const QString &xvfb, const QString &logFile)
+    {
+        for (int number = 99; number < 160 && m_name.isEmpty(); ++number) {
+            if (QFileInfo::exists(u"/tmp/.X%1-lock"_s.arg(number))
+                || QFileInfo::exists(u"/tmp/.X11-unix/X%1"_s.arg(number)))
+                continue;
+            m_process.setStandardInputFile(QProcess::nullDevice());
+            m_process.setStandardOutputFile(logFile, QIODevice::Append);
+            m_process.setStandardErrorFile(logFile, QIODevice::Append);
+            // Local connections only: no TCP listener.
+            m_process.start(
+                xvfb, { u":%1"_s.arg(number), u"-screen"_s, u"0"_s, u"1400x900x24"_s, u"-nolisten"_s, u"tcp"_s });
+            if (!m_process.waitForStarted(10000))
+                continue;
+            // Ready once its socket is there; gone early when another server took the number.
+            const QString socket = u"/tmp/.X11-unix/X%1"_s.arg(number);
+            waitUntil(
+                [&] { return QFileInfo::exists(socket) || m_process.state() == QProcess::NotRunning; }, 10000, 10);
+            if (m_process.state() == QProcess::Running && QFileInfo::exists(socket))
+                m_name = u":%1"_s.arg(number);
+            else
+                stop();
+        }
+    }
+
+    ~VirtualDisplay() { stop(); }
+
+    VirtualDisplay(const VirtualDisplay &) = delete;
+    VirtualDisplay &operator=(const VirtualDisplay &) = delete;
+
+    bool isValid() const { return !m_name.isEmpty(); }
+    QString name() const { return m_name; }
+    qint64 pid() const { return m_process.processId(); }
+
+private:
+    void stop()
+    {
+        if (m_process.state() == QProcess::NotRunning)
+            return;
+        m_process.terminate();
+        if (!m_process.waitForFinished(5000)) {
+            m_process.kill();
+            m_process.waitForFinished(5000);
+        }
+    }
+
+    QProcess m_process;
+    QString m_name;
+};
+
+struct Sample
+{
+    double firstFrameMs = 0;
+    double cpuAtFrameMs = 0; // the child's CPU time when its report was seen (within ~5 ms)
+    double cpuAtSampleMs = 0;
+    qint64 rssKiB = 0;
+    qint64 peakRssKiB = 0;
+    int threads = 0;
+    QStringList leftBehind;
+};
+
+// The last lines of `file`, for a failure message.
+QString tail(const QString &file, int lines = 15)
+{
+    QFile in(file);
+    if (!in.open(QIODevice::ReadOnly))
+        return QString();
+    const QStringList all = QString::fromLocal8Bit(in.readAll()).trimmed().split(u'\n');
+    return all.mid(std::max<qsizetype>(0, all.size() - lines)).join(u"\n    "_s);
+}
+
+class Runner
+{
+public:
+    Runner(const Sandbox &sandbox, QProcessEnvironment environment, qint64 displayPid)
+        : m_sandbox(sandbox)
+        , m_environment(std::move(environment))
+        , m_displayPid(displayPid)
+    {
+        m_environment.insert(u"QUILLBOX_REPORT_FIRST_FRAME"_s, report());
+    }
+
+    QString report() const { return m_sandbox.path(u"first-frame"_s); }
+
+    Sample run(const QString &program, const QString &what)
+    {
+        QFile::remove(report());
+        const QString log = m_sandbox.path(u"logs/%1-%2.log"_s.arg(what).arg(++m_runs));
+        QProcess process;
+        process.setProgram(program);
+        process.setProcessEnvironment(m_environment);
+        process.setWorkingDirectory(m_sandbox.home());
+        process.setStandardInputFile(QProcess::nullDevice());
+        process.setStandardOutputFile(log);
+        process.setStandardErrorFile(log);
+
+        const qint64 startedNs = monotonicNs();
+        process.start();
+        if (!process.waitForStarted(10000))
+            fail(u"%1 did not start: %2"_s.arg(program, process.errorString()));
+        const qint64 pid = process.processId();
+
+        Sample sample;
+        qint64 frameNs = 0;
+        waitUntil(
+            [&] {
+                frameNs = firstLine(report()).toLongLong();
+                if (frameNs > 0)
+                    sample.cpuAtFrameMs = cpuMsOf(pid);
+                return frameNs > 0 || process.state() == QProcess::NotRunning;
+            },
+            FirstFramePatienceMs, 5);
+        if (frameNs <= 0) {
+            const bool exited = process.state() == QProcess::NotRunning;
+            stop(process);
+            fail(u"%1 %2 without a first frame; its output:\n    %3"_s.arg(what,
+                exited ? u"exited (status %1)"_s.arg(process.exitCode())
+                       : u"showed nothing for %1 s"_s.arg(FirstFramePatienceMs / 1000),
+                tail(log)));
+        }
+        sample.firstFrameMs = double(frameNs - startedNs) / 1e6;
+
+        const qint64 sampleAtNs = frameNs + qint64(SampleAfterMs) * 1'000'000;
+        const qint64 remainingMs = (sampleAtNs - monotonicNs()) / 1'000'000;
+        if (remainingMs > 0)
+            spin(int(remainingMs));
+        if (process.state() != QProcess::Running)
+            fail(u"%1 exited within %2 s of its first frame; its output:\n    %3"_s.arg(
+                what, QString::number(SampleAfterMs / 1000), tail(log)));
+        sample.rssKiB = statusKiB(pid, "VmRSS");
+        sample.peakRssKiB = statusKiB(pid, "VmHWM");
+        sample.threads = int(statusKiB(pid, "Threads"));
+        sample.cpuAtSampleMs = cpuMsOf(pid);
+
+        stop(process);
+        sample.leftBehind = endLeftovers(m_displayPid);
+        return sample;
+    }
+
+private:
+    static QByteArray firstLine(const QString &path)
+    {
+        QFile in(path);
+        if (!in.open(QIODevice::ReadOnly))
+            return QByteArray();
+        const QByteArray line = in.readLine();
+        return line.endsWith('\n') ? line.trimmed() : QByteArray();
+    }
+
+    // SIGTERM, and the wait for the process to go; SIGKILL if it has not within the patience.
+    static void stop(QProcess &process)
+    {
+        if (process.state() == QProcess::NotRunning)
+            return;
+        process.terminate();
+        if (process.waitForFinished(QuitPatienceMs))
+            return;
+        process.kill();
+        process.waitForFinished(5000);
+        fail(u"%1 was still running %2 s after SIGTERM"_s.arg(
+            process.program(), QString::number(QuitPatienceMs / 1000)));
+    }
+
+    const Sandbox &m_sandbox;
+    QProcessEnvironment m_environment;
+    qint64 m_displayPid = 0;
+    int m_runs = 0;
+};
+
+QList<double> mibOf(const QList<Sample> &samples, qint64 Sample::*field)
+{
+    QList<double> values;
+    for (const Sample &sample : samples)
+        values << mib(sample.*field);
+    return values;
+}
+
+QList<double> valuesOf(const QList<Sample> &samples, double Sample::*field)
+{
+    QList<double> values;
+    for (const Sample &sample : samples)
+        values << sample.*field;
+    return values;
+}
+
+QString loadAverage()
+{
+    QFile in(u"/proc/loadavg"_s);
+    return in.open(QIODevice::ReadOnly) ? QString::fromLatin1(in.readAll()).section(u' ', 0, 2) : u"?"_s;
+}
+} // namespace
+
+int main(int argc, char **argv)
+{
+    QCoreApplication app(argc, argv);
+    return run("bench_startup", [&] {
+        const bool quick = shortMode(argc, argv);
+        const int pairs = std::max(1, intOption(argc, argv, "pairs", quick ? 2 : 10));
+        const bool offscreenAsked = QCoreApplication::arguments().contains(u"--offscreen"_s);
+        const bool lateDiscovery = QCoreApplication::arguments().contains(u"--late-discovery"_s);
+        const QString application = QStringLiteral(QUILLBOX_APP_EXECUTABLE);
+        const QString bare = QStringLiteral(QUILLBOX_BARE_WINDOW_EXECUTABLE);
+        for (const QString &program : { application, bare }) {
+            if (!QFileInfo(program).isExecutable())
+                fail(u"%1 is not built (cmake --build build-bench --target quillbox bench_barewindow)"_s.arg(program));
+        }
+        // The X server is found on the PATH the benchmark was started with, not the sandbox's.
+        const QString xvfb = QStandardPaths::findExecutable(u"Xvfb"_s);
+        const QString path = qEnvironmentVariable("PATH");
+
+        Sandbox sandbox;
+        QDir().mkpath(sandbox.path(u"logs"_s));
+        // What the children see: the user's environment with another home, settings and caches,
+        // and no display but ours.
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(u"PATH"_s, path);
+        environment.insert(u"HOME"_s, sandbox.home());
+        for (const auto &[variable, folder] : { std::pair { u"XDG_CONFIG_HOME"_s, u"config"_s },
+                 std::pair { u"XDG_CACHE_HOME"_s, u"cache"_s }, std::pair { u"XDG_DATA_HOME"_s, u"data"_s },
+                 std::pair { u"XDG_STATE_HOME"_s, u"state"_s }, std::pair { u"XDG_RUNTIME_DIR"_s, u"runtime"_s } }) {
+            QDir().mkpath(sandbox.path(folder));
+            environment.insert(variable, sandbox.path(folder));
+        }
+        ::chmod(QFile::encodeName(sandbox.path(u"runtime"_s)).constData(), 0700);
+        for (const QString &variable : { u"DISPLAY"_s, u"WAYLAND_DISPLAY"_s, u"QT_QPA_PLATFORM"_s,
+                 u"QT_QUICK_CONTROLS_STYLE"_s, u"QUILLBOX_SHELL"_s, u"QUILLBOX_REPORT_FIRST_FRAME"_s })
+            environment.remove(variable);
+
+        // What the application leaves running when it goes comes back to this process.
+        prctl(PR_SET_CHILD_SUBREAPER, 1);
+
+        std::unique_ptr<VirtualDisplay> display;
+        QString platform;
+        if (!offscreenAsked && !xvfb.isEmpty()) {
+            display = std::make_unique<VirtualDisplay>(xvfb, sandbox.path(u"logs/xvfb.log"_s));
+            if (!display->isValid()) {
+                say(u"bench_startup: Xvfb did not start on any display from :99 to :159; "
+                    "falling back to QT_QPA_PLATFORM=offscreen"_s);
+                display.reset();
+            }
+        } else if (!offscreenAsked) {
+            say(u"bench_startup: Xvfb is not installed (Debian: xvfb); falling back to QT_QPA_PLATFORM=offscreen"_s);
+        }
+        if (display) {
+            environment.insert(u"DISPLAY"_s, display->name());
+            environment.insert(u"QT_QPA_PLATFORM"_s, u"xcb"_s);
+            platform = u"Xvfb "_s + display->name() + u" 1400x900x24"_s;
+        } else {
+            environment.insert(u"QT_QPA_PLATFORM"_s, u"offscreen"_s);
+            platform = u"QT_QPA_PLATFORM=offscreen (no X server: the figures are not those of a real display)"_s;
+        }
+
+        say(u"bench_startup: %1 pairs (application, then bare window), %2, memory sampled %3 s after the "
+            "first frame, load average %4%5"_s.arg(QString::number(pairs), platform,
+                QString::number(SampleAfterMs / 1000), loadAverage(), quick ? u", short mode"_s : QString()));
+
+        // --late-discovery: a third start per round, with the application's tool discovery (its
+        // shell commands: yt-dlp --version, ffmpeg -version, which) held back 2 s by a shell that
+        // waits before running them, to show what those commands cost the first frame.
+        QProcessEnvironment lateEnvironment = environment;
+        if (lateDiscovery) {
+            QString shell = u"/bin/sh"_s;
+            for (const QString &candidate : { u"/bin/zsh"_s, u"/bin/bash"_s }) {
+                if (QFileInfo::exists(candidate)) {
+                    shell = candidate;
+                    break;
+                }
+            }
+            const QString lateShell = sandbox.path(u"late-shell"_s);
+            if (!sandbox.writeFile(u"late-shell"_s, "#!/bin/sh\nsleep 2\nexec " + shell.toUtf8() + " \"$@\"\n")
+                || !QFile::setPermissions(lateShell, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner))
+                fail(u"cannot write "_s + lateShell);
+            lateEnvironment.insert(u"QUILLBOX_SHELL"_s, lateShell);
+        }
+
+        Runner runner(sandbox, environment, display ? display->pid() : 0);
+        Runner lateRunner(sandbox, lateEnvironment, display ? display->pid() : 0);
+        // One untimed run of each: the first start in a new home fills the shader and font caches.
+        runner.run(application, u"warm-up-application"_s);
+        runner.run(bare, u"warm-up-bare"_s);
+
+        const MachineTimes machineBefore = MachineTimes::now();
+        QList<Sample> real, yardstick, held;
+        QList<double> ratios;
+        QStringList leftBehind;
+        for (int i = 1; i <= pairs; ++i) {
+            const Sample a = runner.run(application, u"application"_s);
+            const Sample b = runner.run(bare, u"bare"_s);
+            real << a;
+            yardstick << b;
+            ratios << a.firstFrameMs / b.firstFrameMs;
+            leftBehind << a.leftBehind << b.leftBehind;
+            QString late;
+            if (lateDiscovery) {
+                // What it leaves behind is its held-back shells, still waiting: not counted.
+                held << lateRunner.run(application, u"late-discovery"_s);
+                late = u"; discovery held back: %1 ms"_s.arg(number(held.constLast().firstFrameMs));
+            }
+            say(u"  pair %1: application %2 ms, bare %3 ms, ratio %4; RSS %5 vs %6 MiB; CPU at the first frame "
+                "%7 vs %8 ms%9"_s.arg(QString::number(i), number(a.firstFrameMs), number(b.firstFrameMs),
+                    number(ratios.last(), 2), number(mib(a.rssKiB)), number(mib(b.rssKiB)), number(a.cpuAtFrameMs, 0),
+                    number(b.cpuAtFrameMs, 0), late));
+        }
+
+        const MachineTimes machineAfter = MachineTimes::now();
+        const QList<double> realMs = valuesOf(real, &Sample::firstFrameMs);
+        const QList<double> bareMs = valuesOf(yardstick, &Sample::firstFrameMs);
+        const QList<double> realRss = mibOf(real, &Sample::rssKiB);
+        const QList<double> bareRss = mibOf(yardstick, &Sample::rssKiB);
+        const double ratio = median(realMs) / median(bareMs);
+        const double rssRatio = median(realRss) / median(bareRss);
+        say(u"  application: first frame %1 ms, median (min–max); CPU by then %2 ms; RSS %3 s later %4 MiB "
+            "(peak %5 MiB), CPU by then %6 ms, %7 threads"_s.arg(spread(realMs),
+                spread(valuesOf(real, &Sample::cpuAtFrameMs), 0), QString::number(SampleAfterMs / 1000),
+                spread(realRss), spread(mibOf(real, &Sample::peakRssKiB)),
+                spread(valuesOf(real, &Sample::cpuAtSampleMs), 0), QString::number(real.constLast().threads)));
+        say(u"  bare window: first frame %1 ms; CPU by then %2 ms; RSS %3 s later %4 MiB (peak %5 MiB), CPU by "
+            "then %6 ms, %7 threads"_s.arg(spread(bareMs), spread(valuesOf(yardstick, &Sample::cpuAtFrameMs), 0),
+                QString::number(SampleAfterMs / 1000), spread(bareRss), spread(mibOf(yardstick, &Sample::peakRssKiB)),
+                spread(valuesOf(yardstick, &Sample::cpuAtSampleMs), 0),
+                QString::number(yardstick.constLast().threads)));
+        say(u"  ratio application/bare: %1 of the medians; per pair %2 (target ≤ 1.3)"_s.arg(
+            number(ratio, 2), spread(ratios, 2)));
+        say(u"  RSS application/bare: %1 of the medians (+%2 MiB)"_s.arg(
+            number(rssRatio, 2), number(median(realRss) - median(bareRss))));
+        if (lateDiscovery) {
+            const QList<double> heldMs = valuesOf(held, &Sample::firstFrameMs);
+            say(u"  application with discovery held back 2 s: first frame %1 ms; CPU by then %2 ms; the "
+                "application's median is %3 of this one's (discovery's share)"_s.arg(spread(heldMs),
+                    spread(valuesOf(held, &Sample::cpuAtFrameMs), 0), number(median(realMs) / median(heldMs), 2)));
+        }
+        say(u"  the machine's CPUs during the timed runs: %1"_s.arg(machineAfter.describeSince(machineBefore)));
+        leftBehind.removeAll(QString());
+        say(u"  processes left running at SIGTERM and ended here: %1"_s.arg(
+            leftBehind.isEmpty() ? u"none"_s : leftBehind.join(u", "_s)));
+
+        QList<std::pair<QString, QString>> fields {
+            { u"pairs"_s, QString::number(pairs) },
+            { u"display"_s, display ? u"xvfb"_s : u"offscreen"_s },
+            { u"app_ms"_s, number(median(realMs)) },
+            { u"app_ms_min"_s, number(minimum(realMs)) },
+            { u"app_ms_max"_s, number(maximum(realMs)) },
+            { u"bare_ms"_s, number(median(bareMs)) },
+            { u"bare_ms_min"_s, number(minimum(bareMs)) },
+            { u"bare_ms_max"_s, number(maximum(bareMs)) },
+            { u"ratio"_s, number(ratio, 3) },
+            { u"ratio_pair_median"_s, number(median(ratios), 3) },
+            { u"ratio_min"_s, number(minimum(ratios), 3) },
+            { u"ratio_max"_s, number(maximum(ratios), 3) },
+            { u"app_rss_mib"_s, number(median(realRss)) },
+            { u"bare_rss_mib"_s, number(median(bareRss)) },
+            { u"app_cpu_at_frame_ms"_s, number(median(valuesOf(real, &Sample::cpuAtFrameMs)), 0) },
+            { u"bare_cpu_at_frame_ms"_s, number(median(valuesOf(yardstick, &Sample::cpuAtFrameMs)), 0) },
+            { u"left_behind"_s, QString::number(leftBehind.size()) },
+            { u"stolen_pct"_s, number(machineAfter.stolenPercentSince(machineBefore), 0) },
+        };
+        if (lateDiscovery)
+            fields.append({ u"late_discovery_ms"_s, number(median(valuesOf(held, &Sample::firstFrameMs))) });
+        writeResult("bench_startup", fields);
+        return 0;
+    });
+}
