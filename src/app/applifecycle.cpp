@@ -9,7 +9,13 @@
 #include <QScreen>
 #include <QSettings>
 
+#include <QSocketNotifier>
+#include <QTimer>
+
+#include <csignal>
 #include <cstdio>
+#include <sys/socket.h>
+#include <unistd.h>
 
 namespace {
 const QString geometryKey = QStringLiteral("Main Window/geometry");
@@ -49,6 +55,47 @@ void AppLifecycle::attachMainWindow(QQuickWindow *window)
         if (!visible)
             saveWindowGeometry();
     });
+}
+
+void AppLifecycle::startDiscoveryAfterFirstFrame(QQuickWindow *window)
+{
+    const QPointer<DownloadManager> downloads = m_downloads;
+    const auto start = [downloads] {
+        if (downloads)
+            downloads->startDiscovery();
+    };
+    connect(window, &QQuickWindow::frameSwapped, this, start,
+        Qt::ConnectionType(Qt::QueuedConnection | Qt::SingleShotConnection));
+    QTimer::singleShot(2000, this, start);
+}
+
+namespace {
+int signalPipe[2] = { -1, -1 };
+
+void onTerminationSignal(int)
+{
+    const char byte = 1;
+    [[maybe_unused]] const ssize_t written = ::write(signalPipe[1], &byte, 1);
+}
+} // namespace
+
+void AppLifecycle::quitOnTerminationSignals()
+{
+    // A signal handler may only write to a descriptor; the event loop reads it and quits.
+    if (signalPipe[0] >= 0 || ::socketpair(AF_UNIX, SOCK_STREAM, 0, signalPipe) != 0)
+        return;
+    auto *notifier = new QSocketNotifier(signalPipe[0], QSocketNotifier::Read, qApp);
+    connect(notifier, &QSocketNotifier::activated, qApp, [] {
+        char byte;
+        [[maybe_unused]] const ssize_t read = ::read(signalPipe[0], &byte, 1);
+        QCoreApplication::quit();
+    });
+    struct sigaction action = {};
+    action.sa_handler = onTerminationSignal;
+    sigemptyset(&action.sa_mask);
+    action.sa_flags = SA_RESTART;
+    ::sigaction(SIGTERM, &action, nullptr);
+    ::sigaction(SIGINT, &action, nullptr);
 }
 
 void AppLifecycle::saveWindowGeometry() const

@@ -22,6 +22,13 @@ public:
     // Restores the frame of `window` (or centres it), shows it, and saves its frame on quit.
     void attachMainWindow(QQuickWindow *window);
 
+    // Starts the engine's tool discovery once `window` has drawn its first frame (or after a
+    // moment, should no frame come), so its shells do not compete with start-up for the CPU.
+    void startDiscoveryAfterFirstFrame(QQuickWindow *window);
+
+    // SIGTERM and SIGINT quit the way closing the window does, so downloads stop with us.
+    static void quitOnTerminationSignals();
+
     void saveWindowGeometry() const;
 
     // The frame stored under "Main Window", if any, and whether it is usable on the present

@@ -46,13 +46,16 @@ int main(int argc, char *argv[])
     QGuiApplication::setOrganizationDomain(QStringLiteral("quillbox.app"));
     QGuiApplication::setApplicationDisplayName(QStringLiteral("Quillbox"));
     QQuickStyle::setStyle(QStringLiteral("Basic"));
+    AppLifecycle::quitOnTerminationSignals();
 
+    DownloadManager::deferDiscovery();
     AppLifecycle lifecycle(DownloadManager::instance());
     QQmlApplicationEngine engine;
     QQuickWindow *window = loadMainWindow(engine);
     if (!window)
         return 1;
     reportFirstFrame(window);
+    lifecycle.startDiscoveryAfterFirstFrame(window);
     lifecycle.attachMainWindow(window);
     return app.exec();
 }

@@ -40,14 +40,24 @@ ToolLocations ToolLocations::standard(const QString &home)
     return locations;
 }
 
+namespace {
+bool discoveryDeferred = false;
+} // namespace
+
 DownloadManager *DownloadManager::instance()
 {
-    static DownloadManager *const shared
-        = new DownloadManager(AppState::instance(), ToolLocations::standard(QDir::homePath()));
+    static DownloadManager *const shared = new DownloadManager(AppState::instance(),
+        ToolLocations::standard(QDir::homePath()), nullptr,
+        discoveryDeferred ? Discovery::WaitForStart : Discovery::StartNow);
     return shared;
 }
 
-DownloadManager::DownloadManager(AppState *appState, ToolLocations locations, QObject *parent)
+void DownloadManager::deferDiscovery()
+{
+    discoveryDeferred = true;
+}
+
+DownloadManager::DownloadManager(AppState *appState, ToolLocations locations, QObject *parent, Discovery discovery)
     : QObject(parent)
     , m_appState(appState)
     , m_locations(std::move(locations))
@@ -56,7 +66,15 @@ DownloadManager::DownloadManager(AppState *appState, ToolLocations locations, QO
     const int stored
         = QSettings().value(QLatin1String(MaxConcurrentDownloadsKey), DefaultMaxConcurrentDownloads).toInt();
     m_maxConcurrent = std::clamp(stored, 1, 16);
+    if (discovery == Discovery::StartNow)
+        startDiscovery();
+}
 
+void DownloadManager::startDiscovery()
+{
+    if (m_discoveryStarted)
+        return;
+    m_discoveryStarted = true;
     chooseYtDlpPath();
     detectJSRuntime();
     detectFfmpeg();

@@ -96,9 +96,19 @@ public:
 
     // The process-wide engine, bound to AppState::instance() and the real tool locations.
     static DownloadManager *instance();
+    // Call before instance(): the process-wide engine then waits for startDiscovery(), so that
+    // the application can draw its first frame before the tool lookups compete for the CPU.
+    static void deferDiscovery();
 
-    // Starts choosing the yt-dlp path and the runtime and ffmpeg detections, and returns at once.
-    DownloadManager(AppState *appState, ToolLocations locations, QObject *parent = nullptr);
+    enum class Discovery { StartNow, WaitForStart };
+
+    // Starts choosing the yt-dlp path and the runtime and ffmpeg detections (unless told to wait
+    // for startDiscovery()), and returns at once.
+    DownloadManager(AppState *appState, ToolLocations locations, QObject *parent = nullptr,
+        Discovery discovery = Discovery::StartNow);
+
+    // Starts discovery if it has not started yet. Whatever needs a tool waits for it meanwhile.
+    void startDiscovery();
     ~DownloadManager() override;
 
     // --- Tool discovery
@@ -209,6 +219,7 @@ private:
 
     QString m_ytDlpPath;
     bool m_ytDlpPathKnown = false;
+    bool m_discoveryStarted = false;
     bool m_versionProbed = false;
     bool m_runtimeDetected = false;
     bool m_ffmpegDetected = false;

@@ -31,6 +31,8 @@ Item {
         sourceSize: Qt.size(Math.ceil(root.size * 2), Math.ceil(root.size * 2))
         fillMode: Image.PreserveAspectFit
         smooth: true
+        // Rendered off the GUI thread, so icons never hold up a frame.
+        asynchronous: true
         opacity: root.hasGradient ? 1 : root.color.a
         source: root.symbol.length === 0 ? ""
             : "image://icons/" + root.symbol + "?color=" + encodeURIComponent(root.hex(root.color))

@@ -1,6 +1,7 @@
 // Quitting stops downloads: runs the real application set-up with the stand-in yt-dlp, starts a
-// download whose process leaves a child behind, closes the window, and once the event loop has
-// ended checks that none of those processes still runs. Exits 0 when none does.
+// download whose process leaves a child behind, closes the window (or, with --sigterm, is sent
+// SIGTERM), and once the event loop has ended checks that none of those processes still runs.
+// Exits 0 when none does.
 
 #include "app/applifecycle.h"
 #include "engine/downloadmanager.h"
@@ -16,7 +17,9 @@
 #include <QTimer>
 #include <QtQml/qqmlextensionplugin.h>
 
+#include <csignal>
 #include <cstdio>
+#include <unistd.h>
 
 Q_IMPORT_QML_PLUGIN(QuillboxPlugin)
 
@@ -64,6 +67,8 @@ int main(int argc, char *argv[])
     steps.close();
     qputenv("FAKE_YTDLP_SCENARIO", scenario.toUtf8());
     QQuickStyle::setStyle(u"Basic"_s);
+    AppLifecycle::quitOnTerminationSignals();
+    const bool bySignal = app.arguments().contains(u"--sigterm"_s);
 
     AppLifecycle lifecycle(DownloadManager::instance());
     QQmlApplicationEngine engine;
@@ -82,7 +87,10 @@ int main(int argc, char *argv[])
     QObject::connect(&poll, &QTimer::timeout, window, [&] {
         if (pidsIn(pidFile).size() >= 2) {
             poll.stop();
-            window->close();
+            if (bySignal)
+                ::kill(::getpid(), SIGTERM);
+            else
+                window->close();
         }
     });
     poll.start();
