@@ -4,6 +4,7 @@
 #include "model/logcategories.h"
 
 #include <QCoreApplication>
+#include <QFontDatabase>
 #include <QGuiApplication>
 #include <QQuickWindow>
 #include <QScreen>
@@ -78,6 +79,20 @@ void onTerminationSignal(int)
     [[maybe_unused]] const ssize_t written = ::write(signalPipe[1], &byte, 1);
 }
 } // namespace
+
+void AppLifecycle::preferCjkFont()
+{
+#if defined(Q_OS_LINUX) || defined(Q_OS_FREEBSD)
+    for (const QString &family : { QStringLiteral("Noto Sans CJK SC"), QStringLiteral("WenQuanYi Micro Hei") }) {
+        if (QFontDatabase::hasFamily(family)) {
+            QFont font = QGuiApplication::font();
+            font.setFamilies({ family, font.family() });
+            QGuiApplication::setFont(font);
+            return;
+        }
+    }
+#endif
+}
 
 void AppLifecycle::quitOnTerminationSignals()
 {

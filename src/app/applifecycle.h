@@ -26,6 +26,10 @@ public:
     // moment, should no frame come), so its shells do not compete with start-up for the CPU.
     void startDiscoveryAfterFirstFrame(QQuickWindow *window);
 
+    // On Linux, names the installed CJK font first, so Chinese text does not search the font
+    // fallbacks on every layout. Elsewhere the system font covers Chinese already.
+    static void preferCjkFont();
+
     // SIGTERM and SIGINT quit the way closing the window does, so downloads stop with us.
     static void quitOnTerminationSignals();
 

@@ -47,6 +47,7 @@ int main(int argc, char *argv[])
     QGuiApplication::setApplicationDisplayName(QStringLiteral("Quillbox"));
     QQuickStyle::setStyle(QStringLiteral("Basic"));
     AppLifecycle::quitOnTerminationSignals();
+    AppLifecycle::preferCjkFont();
 
     DownloadManager::deferDiscovery();
     AppLifecycle lifecycle(DownloadManager::instance());

@@ -61,6 +61,7 @@ int main(int argc, char *argv[])
     if (parser.isSet(ytDlp))
         QSettings().setValue(QLatin1String(DownloadManager::CustomYtDlpPathKey), parser.value(ytDlp));
     QQuickStyle::setStyle(u"Basic"_s);
+    AppLifecycle::preferCjkFont();
 
     AppLifecycle lifecycle(DownloadManager::instance());
     QQmlApplicationEngine engine;
