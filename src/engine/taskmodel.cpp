@@ -1,7 +1,6 @@
 #include "engine/taskmodel.h"
 
-#include <algorithm>
-#include <array>
+#include "model/rawvalue.h"
 
 TaskModel::TaskModel(QObject *parent)
     : QAbstractListModel(parent)
@@ -98,21 +97,16 @@ constexpr std::array<StatusLook, 7> looks { {
     { DownloadStatus::Paused, u"pause.circle.fill", u"orange" },
 } };
 
-const StatusLook &lookOf(DownloadStatus status)
-{
-    return *std::find_if(
-        looks.cbegin(), looks.cend(), [status](const StatusLook &look) { return look.status == status; });
-}
 } // namespace
 
 QString TaskModel::symbolFor(DownloadStatus status)
 {
-    return QString::fromUtf16(lookOf(status).symbol);
+    return QString::fromUtf16(entryFor(looks, &StatusLook::status, status).symbol);
 }
 
 QString TaskModel::tintFor(DownloadStatus status)
 {
-    return QString::fromUtf16(lookOf(status).tint);
+    return QString::fromUtf16(entryFor(looks, &StatusLook::status, status).tint);
 }
 
 bool TaskModel::showsProgress(DownloadStatus status)

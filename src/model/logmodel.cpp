@@ -1,7 +1,6 @@
 #include "model/logmodel.h"
 
-#include <algorithm>
-#include <array>
+#include "model/rawvalue.h"
 
 LogModel::LogModel(int capacity, QObject *parent)
     : QAbstractListModel(parent)
@@ -71,20 +70,16 @@ constexpr std::array<TypeLook, 4> looks { {
     { LogEntry::LogType::Download, u"arrow.down.circle", u"green" },
 } };
 
-const TypeLook &lookOf(LogEntry::LogType type)
-{
-    return *std::find_if(looks.cbegin(), looks.cend(), [type](const TypeLook &look) { return look.type == type; });
-}
 } // namespace
 
 QString LogModel::symbolFor(LogEntry::LogType type)
 {
-    return QString::fromUtf16(lookOf(type).symbol);
+    return QString::fromUtf16(entryFor(looks, &TypeLook::type, type).symbol);
 }
 
 QString LogModel::tintFor(LogEntry::LogType type)
 {
-    return QString::fromUtf16(lookOf(type).tint);
+    return QString::fromUtf16(entryFor(looks, &TypeLook::type, type).tint);
 }
 
 QList<LogEntry> LogModel::entries() const

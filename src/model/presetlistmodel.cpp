@@ -1,7 +1,6 @@
 #include "model/presetlistmodel.h"
 
-#include <algorithm>
-#include <array>
+#include "model/rawvalue.h"
 
 int PresetListModel::rowCount(const QModelIndex &parent) const
 {
@@ -51,19 +50,14 @@ constexpr std::array<PresetLook, 6> looks { {
     { DownloadPreset::Custom, u"slider.horizontal.3", u"使用自定义参数" },
 } };
 
-const PresetLook &lookOf(DownloadPreset preset)
-{
-    return *std::find_if(
-        looks.cbegin(), looks.cend(), [preset](const PresetLook &look) { return look.preset == preset; });
-}
 } // namespace
 
 QString PresetListModel::symbolFor(DownloadPreset preset)
 {
-    return QString::fromUtf16(lookOf(preset).symbol);
+    return QString::fromUtf16(entryFor(looks, &PresetLook::preset, preset).symbol);
 }
 
 QString PresetListModel::descriptionFor(DownloadPreset preset)
 {
-    return QString::fromUtf16(lookOf(preset).description);
+    return QString::fromUtf16(entryFor(looks, &PresetLook::preset, preset).description);
 }

@@ -3,8 +3,16 @@
 #include <QString>
 #include <QStringView>
 
+#include <algorithm>
 #include <array>
 #include <optional>
+
+// The entry of a table that lists every case of an enumeration once, found by that case.
+template <typename Entry, std::size_t N, typename Key>
+const Entry &entryFor(const std::array<Entry, N> &table, Key Entry::*key, Key value)
+{
+    return *std::find_if(table.cbegin(), table.cend(), [&](const Entry &entry) { return entry.*key == value; });
+}
 
 // An enumeration whose raw values are fixed texts: a table of (case, text) pairs and the two
 // lookups. Matching is exact and case-sensitive.
