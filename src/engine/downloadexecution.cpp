@@ -423,8 +423,12 @@ void DownloadManager::shutdown()
 {
     cancelAllDownloads();
     QList<QPointer<GroupProcess>> processes;
-    for (Running *running : std::as_const(m_active))
+    QList<qint64> groups;
+    for (Running *running : std::as_const(m_active)) {
         processes.append(running->process);
+        if (running->process)
+            groups.append(running->process->groupId());
+    }
     // One grace period for all of them, not one each.
     const QDeadlineTimer grace(CancelGraceMs);
     for (const QPointer<GroupProcess> &process : std::as_const(processes)) {
@@ -443,8 +447,13 @@ void DownloadManager::shutdown()
     // Format listings, updates and discovery probes are children too; none outlives us.
     for (GroupProcess *helper : findChildren<GroupProcess *>()) {
         if (helper->state() != QProcess::NotRunning) {
+            groups.append(helper->groupId());
             helper->signalGroup(SIGKILL);
             helper->waitForFinished(1000);
         }
     }
+    // A killed process is gone only once the kernel has torn it down, which on a busy machine
+    // can come after our own exit; wait for that, so nothing of ours runs once we have quit.
+    if (!waitForGroupsGone(groups, QDeadlineTimer(2000)))
+        qCWarning(lcEngine, "[Quillbox] 退出时仍有子进程未结束");
 }

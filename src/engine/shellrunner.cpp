@@ -5,10 +5,20 @@
 #include <QStringDecoder>
 #include <QTimer>
 
+#include <QThread>
+
+#include <cerrno>
 #include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
 #include <memory>
 #include <sys/types.h>
 #include <unistd.h>
+
+#ifdef Q_OS_LINUX
+#include <dirent.h>
+#endif
 
 using namespace Qt::StringLiterals;
 
@@ -59,6 +69,70 @@ GroupProcess::~GroupProcess()
 bool GroupProcess::signalGroup(int signal) const
 {
     return m_groupId > 0 && ::kill(-pid_t(m_groupId), signal) == 0;
+}
+
+namespace {
+#ifdef Q_OS_LINUX
+// Whether a process of `group` other than an exited one awaiting collection is left. A zombie
+// answers kill(2) but runs nothing, and whoever adopted it may take its time to collect it.
+bool groupHasLiveMember(pid_t group)
+{
+    DIR *proc = ::opendir("/proc");
+    if (!proc)
+        return true;
+    bool live = false;
+    while (const dirent *entry = ::readdir(proc)) {
+        if (entry->d_name[0] < '1' || entry->d_name[0] > '9')
+            continue;
+        char path[sizeof entry->d_name + 16];
+        std::snprintf(path, sizeof path, "/proc/%s/stat", entry->d_name);
+        FILE *file = std::fopen(path, "re");
+        if (!file)
+            continue;
+        char text[512];
+        const size_t size = std::fread(text, 1, sizeof text - 1, file);
+        std::fclose(file);
+        text[size] = '\0';
+        // "pid (name) state ppid pgrp ..."; the name may itself hold ") ".
+        const char *close = std::strrchr(text, ')');
+        char state = 0;
+        long ppid = 0;
+        long pgrp = 0;
+        if (close && std::sscanf(close + 1, " %c %ld %ld", &state, &ppid, &pgrp) == 3 && pgrp == group
+            && state != 'Z' && state != 'X') {
+            live = true;
+            break;
+        }
+    }
+    ::closedir(proc);
+    return live;
+}
+#endif
+
+bool groupRuns(qint64 group)
+{
+    if (group <= 0)
+        return false;
+    if (::kill(-pid_t(group), 0) != 0 && errno == ESRCH)
+        return false;
+#ifdef Q_OS_LINUX
+    return groupHasLiveMember(pid_t(group));
+#else
+    return true;
+#endif
+}
+} // namespace
+
+bool waitForGroupsGone(const QList<qint64> &groups, QDeadlineTimer deadline)
+{
+    for (qint64 group : groups) {
+        while (groupRuns(group)) {
+            if (deadline.hasExpired())
+                return false;
+            QThread::msleep(2);
+        }
+    }
+    return true;
 }
 
 bool shellQuotesBalanced(const QString &text)

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QDeadlineTimer>
+#include <QList>
 #include <QObject>
 #include <QProcess>
 #include <QString>
@@ -32,9 +34,17 @@ public:
     // are left). Returns false when there is no such group any more.
     bool signalGroup(int signal) const;
 
+    // The group's id (the shell's pid), kept after the shell has gone; 0 before it started.
+    qint64 groupId() const { return m_groupId; }
+
 private:
     qint64 m_groupId = 0;
 };
+
+// Waits until no process of any of `groups` runs any more, or `deadline` expires; returns
+// whether they all went. A killed process still takes a moment to go, and the children a shell
+// leaves behind are not ours to wait for, so quitting polls their groups instead.
+bool waitForGroupsGone(const QList<qint64> &groups, QDeadlineTimer deadline);
 
 // True when `text`, read as shell words, closes every quote it opens: custom arguments go into
 // the command as the user wrote them, and an open quote would swallow the link that follows.
