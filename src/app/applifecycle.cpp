@@ -83,8 +83,11 @@ void onTerminationSignal(int)
 void AppLifecycle::preferCjkFont()
 {
 #if defined(Q_OS_LINUX) || defined(Q_OS_FREEBSD)
+    // families() rather than hasFamily(): the latter also resolves the name as a fontconfig
+    // alias, a costly substitution pass the first frame would wait for.
+    const QStringList installed = QFontDatabase::families();
     for (const QString &family : { QStringLiteral("Noto Sans CJK SC"), QStringLiteral("WenQuanYi Micro Hei") }) {
-        if (QFontDatabase::hasFamily(family)) {
+        if (installed.contains(family)) {
             QFont font = QGuiApplication::font();
             font.setFamilies({ family, font.family() });
             QGuiApplication::setFont(font);

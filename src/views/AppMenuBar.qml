@@ -37,43 +37,46 @@ MenuBar {
         }
     }
 
-    Menu {
+    // A menu whose entries are made the first time it opens, not with the window: an Action
+    // each, or null for a separator. The keys work before that; they belong to the actions.
+    component LazyMenu: Menu {
+        id: menu
+
+        property var entries: []
+        readonly property Component itemMaker: Component {
+            MenuItem {}
+        }
+        readonly property Component separatorMaker: Component {
+            MenuSeparator {}
+        }
+
+        onAboutToShow: {
+            if (menu.count > 0)
+                return
+            for (let i = 0; i < menu.entries.length; ++i) {
+                const entry = menu.entries[i]
+                const maker = entry ? menu.itemMaker : menu.separatorMaker
+                menu.addItem(maker.createObject(menu.contentItem, entry ? { action: entry } : {}))
+            }
+        }
+    }
+
+    LazyMenu {
         title: "Quillbox"
-
-        MenuItem { action: root.actions.about }
-        MenuSeparator {}
-        MenuItem { action: root.actions.preferences }
-        MenuSeparator {}
-        MenuItem { action: root.actions.hide }
-        MenuItem { action: root.actions.hideOthers }
-        MenuItem { action: root.actions.showAll }
-        MenuSeparator {}
-        MenuItem { action: root.actions.quit }
+        entries: [root.actions.about, null, root.actions.preferences, null, root.actions.hide,
+            root.actions.hideOthers, root.actions.showAll, null, root.actions.quit]
     }
-    Menu {
+    LazyMenu {
         title: "文件"
-
-        MenuItem { action: root.actions.newDownload }
-        MenuSeparator {}
-        MenuItem { action: root.actions.closeWindow }
+        entries: [root.actions.newDownload, null, root.actions.closeWindow]
     }
-    Menu {
+    LazyMenu {
         title: "编辑"
-
-        MenuItem { action: root.actions.undo }
-        MenuItem { action: root.actions.redo }
-        MenuSeparator {}
-        MenuItem { action: root.actions.cut }
-        MenuItem { action: root.actions.copy }
-        MenuItem { action: root.actions.paste }
-        MenuItem { action: root.actions.selectAll }
+        entries: [root.actions.undo, root.actions.redo, null, root.actions.cut, root.actions.copy,
+            root.actions.paste, root.actions.selectAll]
     }
-    Menu {
+    LazyMenu {
         title: "窗口"
-
-        MenuItem { action: root.actions.minimize }
-        MenuItem { action: root.actions.zoom }
-        MenuSeparator {}
-        MenuItem { action: root.actions.bringAllToFront }
+        entries: [root.actions.minimize, root.actions.zoom, null, root.actions.bringAllToFront]
     }
 }

@@ -2,7 +2,6 @@ pragma ComponentBehavior: Bound
 
 import QtQuick
 import QtQuick.Controls.Basic
-import QtQuick.Dialogs
 import QtQuick.Layouts
 import Quillbox
 
@@ -31,11 +30,10 @@ Rectangle {
 
         onFormatsListed: text => {
             root.formatsOutput = text
-            formatsSheet.shown = true
+            formatsSheet.open({ shown: true })
         }
         onFormatsFailed: description => {
-            errorAlert.message = description
-            errorAlert.open()
+            errorAlert.open({ message: description })
         }
     }
 
@@ -352,29 +350,36 @@ Rectangle {
         }
     }
 
-    FolderDialog {
+    OnDemand {
         id: folderDialog
 
-        currentFolder: Desktop.fileUrl(AppState.outputDirectory)
-        onAccepted: AppState.outputDirectory = Desktop.localPath(selectedFolder)
+        objectName: "folderDialog"
+        source: "FolderPicker.qml"
     }
 
-    SheetHost {
+    OnDemand {
         id: formatsSheet
 
         objectName: "formatsSheet"
-        onDismissed: shown = false
 
-        FormatsListSheet {
-            formatsOutput: root.formatsOutput
-            onDismissed: formatsSheet.shown = false
+        component: SheetHost {
+            id: sheet
+
+            onDismissed: sheet.shown = false
+
+            FormatsListSheet {
+                formatsOutput: root.formatsOutput
+                onDismissed: sheet.shown = false
+            }
         }
     }
 
-    MessageAlert {
+    OnDemand {
         id: errorAlert
 
         objectName: "formatsErrorAlert"
-        heading: "错误"
+        component: MessageAlert {
+            heading: "错误"
+        }
     }
 }

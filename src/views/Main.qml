@@ -68,12 +68,15 @@ ApplicationWindow {
         onLoaded: item.actions = actions
     }
 
-    AboutDialog {
-        id: aboutDialog
-    }
-
     MainView {
         objectName: "mainView"
         anchors.fill: parent
+    }
+
+    OnDemand {
+        id: aboutDialog
+
+        objectName: "aboutDialog"
+        component: AboutDialog {}
     }
 }

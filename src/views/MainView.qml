@@ -129,9 +129,10 @@ Item {
         onDismissed: root.showVideoInfo = false
     }
 
-    InstallationAlert {
+    OnDemand {
         id: installationAlert
 
         objectName: "installationAlert"
+        component: InstallationAlert {}
     }
 }

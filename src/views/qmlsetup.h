@@ -4,7 +4,8 @@ class QQmlApplicationEngine;
 class QQmlEngine;
 class QQuickWindow;
 
-// Readies an engine for the Quillbox module: the module's import path and the icon provider.
+// Readies an engine for the Quillbox module: the module's import path and the icon provider, and
+// native text rendering for the windows to come.
 // The application, the view tests and the screenshot tool all start from here.
 void setupQmlEngine(QQmlEngine &engine);
 

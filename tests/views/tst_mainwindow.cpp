@@ -6,6 +6,9 @@
 
 #include <QGuiApplication>
 #include <QQmlApplicationEngine>
+#include <QQmlListReference>
+#include <QQmlProperty>
+#include <QQuickItem>
 #include <QQuickWindow>
 #include <QScreen>
 #include <QSettings>
@@ -28,6 +31,7 @@ private Q_SLOTS:
     void unusableGeometryIgnored_data();
     void unusableGeometryIgnored();
     void keyEquivalents();
+    void menusAsDesigned();
 
 private:
     std::unique_ptr<QQmlApplicationEngine> loadMain();
@@ -127,6 +131,64 @@ void TestMainWindow::keyEquivalents()
 
     QTest::keyClick(window, Qt::Key_W, Qt::ControlModifier);
     QTRY_VERIFY(!window->isVisible());
+}
+
+// Each menu as "title: entry, entry | entry", a separator as "|" and a disabled entry in
+// brackets; read after opening the menu, which is when its entries are made.
+void TestMainWindow::menusAsDesigned()
+{
+    auto engine = loadMain();
+    auto *window = qobject_cast<QQuickWindow *>(engine->rootObjects().constFirst());
+    AppLifecycle lifecycle(nullptr);
+    lifecycle.attachMainWindow(window);
+    QVERIFY(QTest::qWaitForWindowExposed(window));
+    auto *menuBar = window->property("menuBar").value<QObject *>();
+    QVERIFY(menuBar);
+
+    QStringList menus;
+    QQuickItem *aboutItem = nullptr;
+    const QQmlListReference list(menuBar, "menus");
+    for (qsizetype i = 0; i < list.count(); ++i) {
+        QObject *menu = list.at(i);
+        QVERIFY(QMetaObject::invokeMethod(menu, "open"));
+        QTRY_VERIFY(menu->property("opened").toBool());
+        QString text = menu->property("title").toString() + u':';
+        for (int at = 0; at < menu->property("count").toInt(); ++at) {
+            QQuickItem *entry = nullptr;
+            QVERIFY(QMetaObject::invokeMethod(menu, "itemAt", Q_RETURN_ARG(QQuickItem *, entry), Q_ARG(int, at)));
+            const QString label = entry->property("text").toString();
+            if (label.isEmpty())
+                text += u" |"_s;
+            else
+                text += entry->isEnabled() ? QString(u' ' + label) : QString(u" ["_s + label + u']');
+            if (label == u"关于 Quillbox"_s)
+                aboutItem = entry;
+        }
+        menus << text;
+        QVERIFY(QMetaObject::invokeMethod(menu, "close"));
+        QTRY_VERIFY(!menu->property("visible").toBool());
+    }
+    QCOMPARE(menus,
+        QStringList({ u"Quillbox: 关于 Quillbox | [偏好设置...] | 隐藏 Quillbox 隐藏其他 显示全部 | 退出 Quillbox"_s,
+            u"文件: [新建下载任务] | 关闭窗口"_s, u"编辑: 撤销 重做 | 剪切 复制 粘贴 全选"_s,
+            u"窗口: 最小化 缩放 | 全部置于顶层"_s }));
+
+    // Opening a menu again, as a person does, does not add its entries twice; and
+    // "关于 Quillbox" opens the About panel, made on that first use.
+    const auto clickCentre = [window](QQuickItem *item) {
+        QTest::mouseClick(window, Qt::LeftButton, {}, item->mapToScene(QPointF(item->width() / 2, item->height() / 2)).toPoint());
+    };
+    QQuickItem *title = nullptr;
+    QVERIFY(QMetaObject::invokeMethod(menuBar, "itemAt", Q_RETURN_ARG(QQuickItem *, title), Q_ARG(int, 0)));
+    clickCentre(title);
+    QObject *first = list.at(0);
+    QTRY_VERIFY(first->property("opened").toBool());
+    QCOMPARE(first->property("count").toInt(), 9);
+    QVERIFY(aboutItem);
+    clickCentre(aboutItem);
+    auto *about = window->findChild<QObject *>(u"aboutDialog"_s);
+    QVERIFY(about);
+    QTRY_VERIFY(about->property("opened").toBool());
 }
 
 QTEST_MAIN(TestMainWindow)

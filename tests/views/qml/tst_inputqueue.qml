@@ -163,18 +163,45 @@ TestCase {
         mouseClick(child("listFormatsButton"))
         const sheet = child("formatsSheet")
         tryCompare(sheet, "opened", true, 20000)
-        const text = findChild(sheet.contentItem, "formatsText")
+        const text = findChild(sheet, "formatsText")
         verify(text)
         compare(text.text, "ID  EXT  RESOLUTION\n18  mp4  640x360\n")
         compare(child("listingIndicator").visible, false)
 
-        const copy = findChild(sheet.contentItem, "copyButton")
+        const copy = findChild(sheet, "copyButton")
         mouseClick(copy)
         compare(Desktop.clipboardText(), "ID  EXT  RESOLUTION\n18  mp4  640x360\n")
         compare(copy.text, "已复制")
         tryCompare(copy, "text", "复制", 4000)
-        mouseClick(findChild(sheet.contentItem, "closeFormatsButton"))
+        mouseClick(findChild(sheet, "closeFormatsButton"))
         tryCompare(sheet, "opened", false)
+
+        // The sheet is made once; listing again shows it again, with the new table.
+        TestHelper.setEnv("FAKE_YTDLP_FORMATS", "ID  EXT\n22  webm")
+        mouseClick(child("listFormatsButton"))
+        tryCompare(sheet, "opened", true, 20000)
+        tryCompare(findChild(sheet, "formatsText"), "text", "ID  EXT\n22  webm\n")
+        keyClick(Qt.Key_Escape)
+        tryCompare(sheet, "opened", false)
+    }
+
+    function test_folderButtonChoosesTheOutputFolder() {
+        const picker = child("folderDialog")
+        compare(picker.opened, false)
+        mouseClick(child("folderButton"))
+        tryCompare(picker, "opened", true)
+        const chosen = TestHelper.tempDir() + "/chosen"
+        picker.item.selectedFolder = "file://" + chosen
+        picker.item.accept()
+        tryCompare(picker, "opened", false)
+        compare(AppState.outputDirectory, chosen)
+
+        // Cancelling leaves the folder as it was.
+        mouseClick(child("folderButton"))
+        tryCompare(picker, "opened", true)
+        picker.item.reject()
+        tryCompare(picker, "opened", false)
+        compare(AppState.outputDirectory, chosen)
     }
 
     function test_formatsFailureShowsTheAlert() {
@@ -184,10 +211,10 @@ TestCase {
         mouseClick(child("listFormatsButton"))
         const alert = child("formatsErrorAlert")
         tryCompare(alert, "opened", true, 20000)
-        compare(findChild(alert.contentItem, "alertHeading").text, "错误")
-        compare(findChild(alert.contentItem, "alertMessage").text, "ERROR: Unsupported URL: nope\n")
+        compare(findChild(alert, "alertHeading").text, "错误")
+        compare(findChild(alert, "alertMessage").text, "ERROR: Unsupported URL: nope\n")
         compare(child("formatsSheet").opened, false)
-        mouseClick(findChild(alert.contentItem, "alertOkButton"))
+        mouseClick(findChild(alert, "alertOkButton"))
         tryCompare(alert, "opened", false)
     }
 
