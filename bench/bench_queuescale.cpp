@@ -8,6 +8,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <cstdlib>
 #include <cstring>
 #include <thread>
 
@@ -30,6 +31,26 @@ qsizetype readFile(const char *path, char *buffer, size_t size)
     const ssize_t length = ::read(fd, buffer, size);
     ::close(fd);
     return length;
+}
+
+// The process group of `pid` while it runs; 0 once it has exited (a zombie) or gone.
+long long liveGroupOf(long long pid)
+{
+    char path[64];
+    char buffer[1024];
+    std::snprintf(path, sizeof path, "/proc/%lld/stat", pid);
+    const qsizetype length = readFile(path, buffer, sizeof buffer - 1);
+    if (length <= 0)
+        return 0;
+    buffer[length] = '\0';
+    // After the command name: state, parent, process group.
+    const char *close = std::strrchr(buffer, ')');
+    char state = 0;
+    long long parent = 0;
+    long long group = 0;
+    if (!close || std::sscanf(close + 1, " %c %lld %lld", &state, &parent, &group) != 3 || state == 'Z' || state == 'X')
+        return 0;
+    return group;
 }
 
 // Counts downloads with a live stand-in process (those running the stand-in's script) by reading
@@ -75,9 +96,15 @@ public:
 
     // Process groups with a stand-in process alive now (zombies not counted). Plain system calls
     // rather than QFile: this runs every 10 ms and should take as little of the machine as it can.
+    //
+    // A pass over /proc is not one instant: a download seen early in it may end, and the next
+    // begin, before the pass gets to the latter's pid. So the processes found are looked at once
+    // more after the pass, and only those still alive then are counted: each was alive from its
+    // first look to its second, and every first look comes before every second one, so all of
+    // them were alive together in between.
     int count() const
     {
-        QVarLengthArray<long long, 16> groups;
+        QVarLengthArray<std::pair<long long, long long>, 16> found; // pid, group
         DIR *proc = opendir("/proc");
         if (!proc)
             return 0;
@@ -100,22 +127,18 @@ public:
             }
             if (!standIn)
                 continue;
-            std::snprintf(path, sizeof path, "/proc/%s/stat", entry->d_name);
-            const qsizetype statLength = readFile(path, buffer, sizeof buffer - 1);
-            if (statLength <= 0)
-                continue;
-            buffer[statLength] = '\0';
-            // After the command name: state, parent, process group.
-            const char *close = std::strrchr(buffer, ')');
-            char state = 0;
-            long long parent = 0;
-            long long group = 0;
-            if (!close || std::sscanf(close + 1, " %c %lld %lld", &state, &parent, &group) != 3 || state == 'Z')
-                continue;
-            if (!groups.contains(group))
-                groups.append(group);
+            const long long pid = std::atoll(entry->d_name);
+            const long long group = liveGroupOf(pid);
+            if (group > 0)
+                found.append({ pid, group });
         }
         closedir(proc);
+
+        QVarLengthArray<long long, 16> groups;
+        for (const auto &[pid, group] : found) {
+            if (liveGroupOf(pid) == group && !groups.contains(group))
+                groups.append(group);
+        }
         return int(groups.size());
     }
 

@@ -28,11 +28,11 @@ int main(int argc, char *argv[])
     DownloadManager::deferDiscovery();
     AppLifecycle lifecycle(DownloadManager::instance());
     QQmlApplicationEngine engine;
-    QQuickWindow *window = loadMainWindow(engine);
+    const std::unique_ptr<QQuickWindow> window = loadMainWindow(engine);
     if (!window)
         return 1;
-    reportFirstFrame(window);
-    lifecycle.startDiscoveryAfterFirstFrame(window);
-    lifecycle.attachMainWindow(window);
+    reportFirstFrame(window.get());
+    lifecycle.startDiscoveryAfterFirstFrame(window.get());
+    lifecycle.attachMainWindow(window.get());
     return app.exec();
 }

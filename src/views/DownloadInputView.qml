@@ -1,11 +1,11 @@
-pragma ComponentBehavior: Bound
-
 import QtQuick
 import QtQuick.Controls.Basic
 import QtQuick.Layouts
 import Quillbox
 
 // The left pane: links, preset, custom arguments, switches, output folder, and the two actions.
+// Its components stay unbound (no ComponentBehavior pragma): a Loader of Qt 6.4 cannot make a
+// bound component.
 Rectangle {
     id: root
 
@@ -156,35 +156,38 @@ Rectangle {
                     }
                 }
 
-                // Custom arguments, only under the custom preset
-                ColumnLayout {
+                // Custom arguments, only under the custom preset; made when that preset is chosen.
+                // The text lives in the application state, so it outlasts the field.
+                Loader {
                     objectName: "customSection"
                     Layout.fillWidth: true
-                    visible: AppState.selectedPreset === Download.Custom
-                    spacing: 8
+                    active: AppState.selectedPreset === Download.Custom
+                    visible: active
 
-                    SectionHeader {
-                        text: "自定义参数"
-                    }
-                    TextField {
-                        id: customField
+                    sourceComponent: ColumnLayout {
+                        spacing: 8
 
-                        objectName: "customField"
-                        Layout.fillWidth: true
-                        text: AppState.customArguments
-                        onTextEdited: AppState.customArguments = text
-                        placeholderText: "-f best -x --audio-format mp3"
-                        placeholderTextColor: Theme.gray
-                        color: Theme.text
-                        font.family: Theme.fixedFont.family
-                        padding: 10
-                        background: Rectangle {
-                            radius: 10
-                            color: Theme.raised
+                        SectionHeader {
+                            text: "自定义参数"
                         }
-                    }
-                    Hint {
-                        text: "输入 yt-dlp 的自定义参数，使用空格分隔"
+                        TextField {
+                            objectName: "customField"
+                            Layout.fillWidth: true
+                            text: AppState.customArguments
+                            onTextEdited: AppState.customArguments = text
+                            placeholderText: "-f best -x --audio-format mp3"
+                            placeholderTextColor: Theme.gray
+                            color: Theme.text
+                            font.family: Theme.fixedFont.family
+                            padding: 10
+                            background: Rectangle {
+                                radius: 10
+                                color: Theme.raised
+                            }
+                        }
+                        Hint {
+                            text: "输入 yt-dlp 的自定义参数，使用空格分隔"
+                        }
                     }
                 }
 

@@ -1,8 +1,11 @@
 #include "views/qmlsetup.h"
 
+#include "model/logcategories.h"
 #include "views/iconprovider.h"
 
+#include <QEventLoop>
 #include <QQmlApplicationEngine>
+#include <QQmlComponent>
 #include <QQuickWindow>
 
 void setupQmlEngine(QQmlEngine &engine)
@@ -15,11 +18,28 @@ void setupQmlEngine(QQmlEngine &engine)
     engine.addImageProvider(QStringLiteral("icons"), new IconProvider);
 }
 
-QQuickWindow *loadMainWindow(QQmlApplicationEngine &engine)
+std::unique_ptr<QQuickWindow> loadMainWindow(QQmlApplicationEngine &engine)
 {
     setupQmlEngine(engine);
-    engine.load(QUrl(QStringLiteral("qrc:/qt/qml/Quillbox/Main.qml")));
-    if (engine.rootObjects().isEmpty())
+    QQmlComponent component(&engine);
+    component.loadUrl(QUrl(QStringLiteral("qrc:/qt/qml/Quillbox/Main.qml")), QQmlComponent::Asynchronous);
+    {
+        // The first window made in a process sets up the render loop; this one is never shown
+        // and only does that, while the QML loads.
+        const QQuickWindow renderLoopReady;
+    }
+    if (component.isLoading()) {
+        QEventLoop loop;
+        QObject::connect(&component, &QQmlComponent::statusChanged, &loop, &QEventLoop::quit);
+        loop.exec(QEventLoop::ExcludeUserInputEvents);
+    }
+    std::unique_ptr<QObject> root(component.isReady() ? component.create() : nullptr);
+    auto *window = qobject_cast<QQuickWindow *>(root.get());
+    if (!window) {
+        for (const QQmlError &error : component.errors())
+            qCCritical(lcUi).noquote() << error.toString();
         return nullptr;
-    return qobject_cast<QQuickWindow *>(engine.rootObjects().constFirst());
+    }
+    root.release();
+    return std::unique_ptr<QQuickWindow>(window);
 }

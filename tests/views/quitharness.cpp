@@ -10,6 +10,7 @@
 #include "testsupport.h"
 
 #include <QFile>
+#include <QFileInfo>
 #include <QGuiApplication>
 #include <QQmlApplicationEngine>
 #include <QQuickStyle>
@@ -57,6 +58,10 @@ int main(int argc, char *argv[])
     QGuiApplication app(argc, argv);
     IsolatedEnvironment env;
     const QString fake = QString::fromLocal8Bit(qgetenv("QUILLBOX_TESTS_DIR")) + u"/fakes/yt-dlp"_s;
+    if (!QFileInfo(fake).isExecutable()) {
+        std::fputs("no stand-in yt-dlp: set QUILLBOX_TESTS_DIR to the tests folder\n", stderr);
+        return 2;
+    }
     QSettings().setValue(QLatin1String(DownloadManager::CustomYtDlpPathKey), fake);
     const QString pidFile = env.root() + u"/pids.txt"_s;
     const QString scenario = env.root() + u"/scenario.json"_s;
@@ -66,20 +71,21 @@ int main(int argc, char *argv[])
     steps.write(R"([{"spawn_child_sleep": 60}, {"sleep": 60}])");
     steps.close();
     qputenv("FAKE_YTDLP_SCENARIO", scenario.toUtf8());
+    qputenv("FAKE_YTDLP_PIDFILE", pidFile.toUtf8());
     QQuickStyle::setStyle(u"Basic"_s);
     AppLifecycle::quitOnTerminationSignals();
     const bool bySignal = app.arguments().contains(u"--sigterm"_s);
 
     AppLifecycle lifecycle(DownloadManager::instance());
     QQmlApplicationEngine engine;
-    QQuickWindow *window = loadMainWindow(engine);
+    const std::unique_ptr<QQuickWindow> owner = loadMainWindow(engine);
+    QQuickWindow *window = owner.get();
     if (!window)
         return 2;
     lifecycle.attachMainWindow(window);
 
     DownloadManager::instance()->startDownload(
         u"https://quit.example/v"_s, DownloadPreset::Default, QString(), env.root() + u"/out"_s, true, false);
-    qputenv("FAKE_YTDLP_PIDFILE", pidFile.toUtf8());
 
     // Once the download and its child run, close the window as the user would.
     QTimer poll;

@@ -65,7 +65,8 @@ int main(int argc, char *argv[])
 
     AppLifecycle lifecycle(DownloadManager::instance());
     QQmlApplicationEngine engine;
-    QQuickWindow *window = loadMainWindow(engine);
+    const std::unique_ptr<QQuickWindow> owner = loadMainWindow(engine);
+    QQuickWindow *window = owner.get();
     if (!window)
         return 1;
     lifecycle.attachMainWindow(window);
