@@ -23,12 +23,12 @@ int main(int argc, char *argv[])
     QGuiApplication::setApplicationDisplayName(QStringLiteral("Quillbox"));
     QQuickStyle::setStyle(QStringLiteral("Basic"));
     AppLifecycle::quitOnTerminationSignals();
-    AppLifecycle::preferCjkFont();
 
     DownloadManager::deferDiscovery();
     AppLifecycle lifecycle(DownloadManager::instance());
     QQmlApplicationEngine engine;
-    const std::unique_ptr<QQuickWindow> window = loadMainWindow(engine);
+    // The installed fonts are read while the QML loads, before any text is laid out.
+    const std::unique_ptr<QQuickWindow> window = loadMainWindow(engine, &AppLifecycle::preferCjkFont);
     if (!window)
         return 1;
     reportFirstFrame(window.get());

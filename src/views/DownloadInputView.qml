@@ -10,7 +10,6 @@ Rectangle {
     id: root
 
     readonly property InputPresenter presenter: presenter
-    property string formatsOutput
 
     // Dropped links or text join the editor, one per line.
     function addDropped(urls: list<url>, text: string) {
@@ -28,13 +27,8 @@ Rectangle {
     InputPresenter {
         id: presenter
 
-        onFormatsListed: text => {
-            root.formatsOutput = text
-            formatsSheet.open({ shown: true })
-        }
-        onFormatsFailed: description => {
-            errorAlert.open({ message: description })
-        }
+        onFormatsListed: text => formatsSheet.open({ formatsOutput: text, shown: true })
+        onFormatsFailed: description => errorAlert.open({ heading: "错误", message: description })
     }
 
     ScrollView {
@@ -364,25 +358,13 @@ Rectangle {
         id: formatsSheet
 
         objectName: "formatsSheet"
-
-        component: SheetHost {
-            id: sheet
-
-            onDismissed: sheet.shown = false
-
-            FormatsListSheet {
-                formatsOutput: root.formatsOutput
-                onDismissed: sheet.shown = false
-            }
-        }
+        source: "FormatsSheet.qml"
     }
 
     OnDemand {
         id: errorAlert
 
         objectName: "formatsErrorAlert"
-        component: MessageAlert {
-            heading: "错误"
-        }
+        source: "MessageAlert.qml"
     }
 }

@@ -77,6 +77,6 @@ ApplicationWindow {
         id: aboutDialog
 
         objectName: "aboutDialog"
-        component: AboutDialog {}
+        source: "AboutDialog.qml"
     }
 }

@@ -133,6 +133,6 @@ Item {
         id: installationAlert
 
         objectName: "installationAlert"
-        component: InstallationAlert {}
+        source: "InstallationAlert.qml"
     }
 }

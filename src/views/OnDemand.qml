@@ -1,12 +1,11 @@
 import QtQuick
 
 // Holds a popup or dialog that is made the first time it is opened rather than with the window:
-// most are never opened, and the window appears sooner without them. Give it the popup as
-// `component`, or as `source` to also put off loading the modules that file imports.
+// most are never opened, and the window appears sooner without them. The popup's file (`source`)
+// is read only then too, with the modules it imports.
 Item {
     id: root
 
-    property Component component
     property url source
     // The popup once made; it then stays for later openings.
     property QtObject item: null
@@ -15,7 +14,7 @@ Item {
     // Makes the popup if need be, sets `properties` on it and opens it.
     function open(properties) {
         if (!root.item) {
-            const maker = root.component ?? Qt.createComponent(root.source)
+            const maker = Qt.createComponent(root.source)
             root.item = maker.createObject(root, properties ?? {})
             if (!root.item) {
                 console.warn("cannot make", root.source, maker.errorString())

@@ -18,7 +18,7 @@ void setupQmlEngine(QQmlEngine &engine)
     engine.addImageProvider(QStringLiteral("icons"), new IconProvider);
 }
 
-std::unique_ptr<QQuickWindow> loadMainWindow(QQmlApplicationEngine &engine)
+std::unique_ptr<QQuickWindow> loadMainWindow(QQmlApplicationEngine &engine, const std::function<void()> &meanwhile)
 {
     setupQmlEngine(engine);
     QQmlComponent component(&engine);
@@ -28,6 +28,8 @@ std::unique_ptr<QQuickWindow> loadMainWindow(QQmlApplicationEngine &engine)
         // and only does that, while the QML loads.
         const QQuickWindow renderLoopReady;
     }
+    if (meanwhile)
+        meanwhile();
     if (component.isLoading()) {
         QEventLoop loop;
         QObject::connect(&component, &QQmlComponent::statusChanged, &loop, &QEventLoop::quit);

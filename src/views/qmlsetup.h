@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 
 class QQmlApplicationEngine;
@@ -16,6 +17,7 @@ void setupQmlEngine(QQmlEngine &engine);
 // loaded (the reasons have been logged).
 //
 // The QML is read on the engine's loader thread while this thread readies the scene graph's
-// render loop, which picks and loads the graphics driver: two costs on the way to the first
-// frame, paid side by side rather than one after the other.
-std::unique_ptr<QQuickWindow> loadMainWindow(QQmlApplicationEngine &engine);
+// render loop, which picks and loads the graphics driver, and then runs `meanwhile`: costs on the
+// way to the first frame, paid side by side rather than one after the other.
+std::unique_ptr<QQuickWindow> loadMainWindow(
+    QQmlApplicationEngine &engine, const std::function<void()> &meanwhile = {});
