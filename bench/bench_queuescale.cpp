@@ -8,6 +8,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <memory>
 #include <cstdlib>
 #include <cstring>
 #include <thread>
@@ -33,24 +34,36 @@ qsizetype readFile(const char *path, char *buffer, size_t size)
     return length;
 }
 
-// The process group of `pid` while it runs; 0 once it has exited (a zombie) or gone.
-long long liveGroupOf(long long pid)
+struct ProcessState
+{
+    char state = 0;
+    long long parent = 0;
+    long long group = 0;
+};
+
+// State, parent and process group of `pid`; state 0 when there is no such process.
+ProcessState stateOf(long long pid)
 {
     char path[64];
     char buffer[1024];
     std::snprintf(path, sizeof path, "/proc/%lld/stat", pid);
     const qsizetype length = readFile(path, buffer, sizeof buffer - 1);
     if (length <= 0)
-        return 0;
+        return {};
     buffer[length] = '\0';
     // After the command name: state, parent, process group.
     const char *close = std::strrchr(buffer, ')');
-    char state = 0;
-    long long parent = 0;
-    long long group = 0;
-    if (!close || std::sscanf(close + 1, " %c %lld %lld", &state, &parent, &group) != 3 || state == 'Z' || state == 'X')
-        return 0;
-    return group;
+    ProcessState state;
+    if (!close || std::sscanf(close + 1, " %c %lld %lld", &state.state, &state.parent, &state.group) != 3)
+        return {};
+    return state;
+}
+
+// The process group of `pid` while it runs; 0 once it has exited (a zombie) or gone.
+long long liveGroupOf(long long pid)
+{
+    const ProcessState state = stateOf(pid);
+    return state.state == 0 || state.state == 'Z' || state.state == 'X' ? 0 : state.group;
 }
 
 // Counts downloads with a live stand-in process (those running the stand-in's script) by reading
@@ -61,9 +74,13 @@ long long liveGroupOf(long long pid)
 class ProcessCounter
 {
 public:
+    // Marks this process's environment, which the downloads inherit: other programs may run the
+    // stand-in at the same time (tests in parallel), and only this benchmark's count.
     explicit ProcessCounter(QString script)
         : m_script(script.toLocal8Bit())
+        , m_owner("QUILLBOX_BENCH_OWNER=" + QByteArray::number(qint64(::getpid())))
     {
+        qputenv("QUILLBOX_BENCH_OWNER", QByteArray::number(qint64(::getpid())));
     }
     ~ProcessCounter() { stop(); }
 
@@ -125,7 +142,7 @@ public:
                 standIn = QByteArrayView(buffer + at, end) == QByteArrayView(m_script);
                 at += end + 1;
             }
-            if (!standIn)
+            if (!standIn || !ours(entry->d_name))
                 continue;
             const long long pid = std::atoll(entry->d_name);
             const long long group = liveGroupOf(pid);
@@ -143,7 +160,26 @@ public:
     }
 
 private:
+    // Whether the process `pid` carries this benchmark's mark in its environment.
+    bool ours(const char *pid) const
+    {
+        char path[300];
+        std::snprintf(path, sizeof path, "/proc/%s/environ", pid);
+        char *buffer = m_environment.get();
+        const qsizetype length = readFile(path, buffer, EnvironmentSize);
+        for (qsizetype at = 0; at < length;) {
+            const qsizetype end = qsizetype(::strnlen(buffer + at, size_t(length - at)));
+            if (QByteArrayView(buffer + at, end) == QByteArrayView(m_owner))
+                return true;
+            at += end + 1;
+        }
+        return false;
+    }
+
+    static constexpr size_t EnvironmentSize = 256 * 1024;
+    std::unique_ptr<char[]> m_environment { new char[EnvironmentSize] };
     QByteArray m_script;
+    QByteArray m_owner;
     std::thread m_thread;
     std::atomic<bool> m_running { false };
     std::atomic<int> m_max { 0 };

@@ -3,14 +3,12 @@
 #include <QFileInfo>
 #include <QProcess>
 #include <QStringDecoder>
-#include <QTimer>
-
 #include <QThread>
+#include <QTimer>
 
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <memory>
 #include <sys/types.h>

@@ -34,6 +34,12 @@ std::unique_ptr<QQuickWindow> loadMainWindow(QQmlApplicationEngine &engine, cons
         QEventLoop loop;
         QObject::connect(&component, &QQmlComponent::statusChanged, &loop, &QEventLoop::quit);
         loop.exec(QEventLoop::ExcludeUserInputEvents);
+        // Still loading: the loop was ended by a request to quit (SIGTERM, say) before the window
+        // existed.
+        if (component.isLoading()) {
+            qCInfo(lcUi, "quit before the main window was loaded");
+            return nullptr;
+        }
     }
     std::unique_ptr<QObject> root(component.isReady() ? component.create() : nullptr);
     auto *window = qobject_cast<QQuickWindow *>(root.get());
