@@ -34,36 +34,24 @@ qsizetype readFile(const char *path, char *buffer, size_t size)
     return length;
 }
 
-struct ProcessState
-{
-    char state = 0;
-    long long parent = 0;
-    long long group = 0;
-};
-
-// State, parent and process group of `pid`; state 0 when there is no such process.
-ProcessState stateOf(long long pid)
+// The process group of `pid` while it runs; 0 once it has exited (a zombie) or gone.
+long long liveGroupOf(long long pid)
 {
     char path[64];
     char buffer[1024];
     std::snprintf(path, sizeof path, "/proc/%lld/stat", pid);
     const qsizetype length = readFile(path, buffer, sizeof buffer - 1);
     if (length <= 0)
-        return {};
+        return 0;
     buffer[length] = '\0';
     // After the command name: state, parent, process group.
     const char *close = std::strrchr(buffer, ')');
-    ProcessState state;
-    if (!close || std::sscanf(close + 1, " %c %lld %lld", &state.state, &state.parent, &state.group) != 3)
-        return {};
-    return state;
-}
-
-// The process group of `pid` while it runs; 0 once it has exited (a zombie) or gone.
-long long liveGroupOf(long long pid)
-{
-    const ProcessState state = stateOf(pid);
-    return state.state == 0 || state.state == 'Z' || state.state == 'X' ? 0 : state.group;
+    char state = 0;
+    long long parent = 0;
+    long long group = 0;
+    if (!close || std::sscanf(close + 1, " %c %lld %lld", &state, &parent, &group) != 3 || state == 'Z' || state == 'X')
+        return 0;
+    return group;
 }
 
 // Counts downloads with a live stand-in process (those running the stand-in's script) by reading
