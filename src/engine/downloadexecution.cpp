@@ -3,6 +3,7 @@
 #include "engine/linesplitter.h"
 #include "engine/progressparser.h"
 #include "engine/shellrunner.h"
+#include "engine/shellwords.h"
 #include "model/appstate.h"
 #include "model/logcategories.h"
 
@@ -64,10 +65,13 @@ QString DownloadManager::buildDownloadCommand(const QString &ytDlpPath, const Do
         for (const QString &word : presetArguments(request.preset))
             args << quoteIfNeeded(word);
     }
-    if (!request.customArgs.isEmpty())
-        args << request.customArgs; // one word: the shell splits it as the user wrote it
+    // Split here rather than by the shell, so the text is only ever words: an odd quote cannot
+    // reach the link, and nothing in it runs. executeDownload refuses a text that does not split.
+    for (const QString &word : splitShellWords(request.customArgs).words)
+        args << quoteIfNeeded(word);
     args << u"--progress"_s;
-    args << shellQuote(request.url);
+    // After "--" the link is never read as an option, whatever it starts with.
+    args << u"--"_s << shellQuote(request.url);
     return quoteIfNeeded(ytDlpPath) + u' ' + args.join(u' ');
 }
 
@@ -189,8 +193,8 @@ void DownloadManager::executeDownload(const Waiting &job)
         failToLaunch(taskId, u"输出目录必须是完整路径: "_s + request.outputDir);
         return;
     }
-    if (!shellQuotesBalanced(request.customArgs)) {
-        failToLaunch(taskId, u"自定义参数中的引号没有成对闭合: "_s + request.customArgs);
+    if (const ShellWords custom = splitShellWords(request.customArgs); !custom.ok()) {
+        failToLaunch(taskId, custom.error + u": "_s + request.customArgs);
         return;
     }
     if (!QDir().mkpath(request.outputDir)) {

@@ -64,7 +64,7 @@ void DownloadManager::listFormats(
         words += jsRuntimeArgs();
         if (useCookies && chromeCookiesAvailable())
             words << u"--cookies-from-browser"_s << u"chrome"_s;
-        words << shellQuote(url);
+        words << u"--"_s << shellQuote(url);
         const QString command = words.join(u' ');
 
         qCInfo(lcEngine, "%s", separatorLine);

@@ -2,6 +2,8 @@
 
 #include <QRegularExpression>
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -33,8 +35,9 @@ void readProgressLine(const QString &line, ProgressUpdate &update)
         const QRegularExpressionMatch percent = re.percent.match(line);
         bool ok = false;
         const double value = percent.hasMatch() ? percent.capturedView(1).toDouble(&ok) : 0.0;
+        // A file name such as "99999999999999999999%" matches too; the fraction stays in 0–1.
         if (ok)
-            update.progress = value / 100.0;
+            update.progress = std::clamp(value / 100.0, 0.0, 1.0);
     }
     if (!update.speed) {
         const QRegularExpressionMatch speed = re.speed.match(line);

@@ -96,8 +96,8 @@ bool groupHasLiveMember(pid_t group)
         char state = 0;
         long ppid = 0;
         long pgrp = 0;
-        if (close && std::sscanf(close + 1, " %c %ld %ld", &state, &ppid, &pgrp) == 3 && pgrp == group
-            && state != 'Z' && state != 'X') {
+        if (close && std::sscanf(close + 1, " %c %ld %ld", &state, &ppid, &pgrp) == 3 && pgrp == group && state != 'Z'
+            && state != 'X') {
             live = true;
             break;
         }
@@ -131,36 +131,6 @@ bool waitForGroupsGone(const QList<qint64> &groups, QDeadlineTimer deadline)
         }
     }
     return true;
-}
-
-bool shellQuotesBalanced(const QString &text)
-{
-    enum { Plain, Single, Double } state = Plain;
-    for (qsizetype i = 0; i < text.size(); ++i) {
-        const QChar c = text.at(i);
-        switch (state) {
-        case Plain:
-            if (c == u'\\') {
-                ++i; // escapes the next character (a last one escapes the space that follows)
-            } else if (c == u'\'') {
-                state = Single;
-            } else if (c == u'"') {
-                state = Double;
-            }
-            break;
-        case Single:
-            if (c == u'\'')
-                state = Plain;
-            break;
-        case Double:
-            if (c == u'\\')
-                ++i;
-            else if (c == u'"')
-                state = Plain;
-            break;
-        }
-    }
-    return state == Plain;
 }
 
 QString decodeUtf8OrEmpty(const QByteArray &bytes)

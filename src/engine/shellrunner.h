@@ -46,10 +46,6 @@ private:
 // leaves behind are not ours to wait for, so quitting polls their groups instead.
 bool waitForGroupsGone(const QList<qint64> &groups, QDeadlineTimer deadline);
 
-// True when `text`, read as shell words, closes every quote it opens: custom arguments go into
-// the command as the user wrote them, and an open quote would swallow the link that follows.
-bool shellQuotesBalanced(const QString &text);
-
 // Decodes strict UTF-8; output that is not valid UTF-8 decodes to an empty text.
 QString decodeUtf8OrEmpty(const QByteArray &bytes);
 

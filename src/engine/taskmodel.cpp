@@ -2,6 +2,9 @@
 
 #include "model/rawvalue.h"
 
+#include <algorithm>
+#include <cmath>
+
 TaskModel::TaskModel(QObject *parent)
     : QAbstractListModel(parent)
 {
@@ -118,7 +121,9 @@ QString TaskModel::percentText(double progress)
 {
     // Truncated toward zero: 0.999 is 99%, not 100%. The nudge keeps 0.29 (from "29.0%") from
     // reading 28, as 0.29 * 100 is 28.999999999999996 in binary.
-    return QString::number(qint64(progress * 100 + 1e-9)) + u'%';
+    // Whatever the task holds, the text reads 0–100 (a value out of range must not overflow).
+    const double fraction = std::isnan(progress) ? 0.0 : std::clamp(progress, 0.0, 1.0);
+    return QString::number(int(fraction * 100 + 1e-9)) + u'%';
 }
 
 const DownloadTask *TaskModel::find(const QUuid &id) const

@@ -168,7 +168,7 @@ public:
             QStringList argv;
             for (const QJsonValue &word : QJsonDocument::fromJson(line.toUtf8()).array())
                 argv << word.toString();
-            if (!argv.contains(QStringLiteral("--version")))
+            if (argv != QStringList { QStringLiteral("--version") })
                 result << argv;
         }
         return result;

@@ -127,6 +127,20 @@ void TestDownloadExecution::commandWords_data()
     QTest::newRow("no playlist") << DownloadPreset::Default << QString() << false << url << u"out"_s << QStringList();
     QTest::newRow("quotes and spaces") << DownloadPreset::Default << QString() << true << u"https://a'b.example/x y"_s
                                        << u"Down's 文件夹/$HOME `x`"_s << QStringList();
+    QTest::newRow("template zsh would refuse unquoted")
+        << DownloadPreset::Custom << u"-o %(title)s.%(ext)s --match-filter 'a;b'"_s << true << url << u"out"_s
+        << QStringList { u"-o"_s, u"%(title)s.%(ext)s"_s, u"--match-filter"_s, u"a;b"_s };
+    // Once the open ANSI-C quote swallowed the link and ran its text as a command.
+    QTest::newRow("ANSI-C quote before a link holding a command")
+        << DownloadPreset::Custom << u"$'\\'"_s << true << u"https://h.example/;touch PWNED;#"_s << u"out"_s
+        << QStringList { u"$\\"_s };
+    QTest::newRow("option-shaped link: --version")
+        << DownloadPreset::Default << QString() << true << u"--version"_s << u"out"_s << QStringList();
+    QTest::newRow("option-shaped link: --config-locations")
+        << DownloadPreset::Default << QString() << true << u"--config-locations=/tmp/x.conf"_s << u"out"_s
+        << QStringList();
+    QTest::newRow("option-shaped link: --exec")
+        << DownloadPreset::Default << QString() << true << u"--exec touch PWNED"_s << u"out"_s << QStringList();
 }
 
 void TestDownloadExecution::commandWords()
@@ -151,10 +165,12 @@ void TestDownloadExecution::commandWords()
         expected << u"--no-playlist"_s;
     expected << u"-o"_s << outputDir + u"/%(title)s.%(ext)s"_s;
     expected += presetAndCustomWords;
-    expected << u"--progress"_s << url;
+    // After "--" the link is only ever a link.
+    expected << u"--progress"_s << u"--"_s << url;
     const auto runs = engine->fake.runs();
     QCOMPARE(runs.size(), 1);
     QCOMPARE(runs.constFirst(), expected);
+    QVERIFY(!QFileInfo::exists(u"PWNED"_s) && !QFileInfo::exists(outputDir + u"/PWNED"_s));
 
     const QStringList log = EngineFixture::messages(engine->state);
     const QString command = log.filter(u"执行命令: "_s).value(0);
@@ -468,7 +484,7 @@ void TestDownloadExecution::foldersAndArgumentsCheckedFirst()
     QCOMPARE(tasks.at(1).status, DownloadStatus::Failed);
     QCOMPARE(tasks.at(1).errorMessage, std::optional(u"输出目录必须是完整路径: Videos"_s));
     QCOMPARE(tasks.at(2).status, DownloadStatus::Failed);
-    QVERIFY(tasks.at(2).errorMessage.value_or(QString()).startsWith(u"自定义参数中的引号没有成对闭合"_s));
+    QVERIFY(tasks.at(2).errorMessage.value_or(QString()).startsWith(u"自定义参数中的单引号没有闭合"_s));
     QCOMPARE(engine->fake.runs().size(), 1);
 }
 

@@ -225,7 +225,7 @@ void TestMaintenance::listFormatsCommand()
         expected << u"--js-runtimes"_s << u"deno:"_s + engine->fixture.path(u"tools/deno"_s);
     if (cookies && chromeInstalled)
         expected << u"--cookies-from-browser"_s << u"chrome"_s;
-    expected << url;
+    expected << u"--"_s << url; // a link that looks like an option stays a link
     QCOMPARE(engine->fake.runs(), QList<QStringList> { expected });
     const bool warned = !EngineFixture::messages(engine->state).filter(u"未找到 Chrome"_s).isEmpty();
     QCOMPARE(warned, cookies && !chromeInstalled);
@@ -235,7 +235,7 @@ void TestMaintenance::listFormatsCommand()
         command += u" --js-runtimes deno:"_s + engine->fixture.path(u"tools/deno"_s);
     if (cookies && chromeInstalled)
         command += u" --cookies-from-browser chrome"_s;
-    command += u" 'https://q.example/it'\\''s a \"test\" $HOME'"_s;
+    command += u" -- 'https://q.example/it'\\''s a \"test\" $HOME'"_s;
     QVERIFY(EngineFixture::messages(engine->state).contains(u"执行命令: "_s + command));
 }
 

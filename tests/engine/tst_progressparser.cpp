@@ -52,6 +52,13 @@ void TestProgressParser::parse_data()
         << QStringList { u"[download]   1.0% of 12.00TiB at 300B/s"_s } << OptDouble(0.01) << none << none << none;
     QTest::newRow("unknown speed") << QStringList { u"[download]  7.5% of 2.00GiB at Unknown B/s ETA Unknown"_s }
                                    << OptDouble(0.075) << none << OptString(u"2.00GiB"_s) << none;
+    QTest::newRow("a percentage in a file name stays within 0-1")
+        << QStringList { u"[download] Destination: /x/99999999999999999999%.mp4"_s } << OptDouble(1.0) << none << none
+        << none;
+    QTest::newRow("past 100%") << QStringList { u"[download] 250.0% of 1.00MiB"_s } << OptDouble(1.0) << none
+                               << OptString(u"1.00MiB"_s) << none;
+    QTest::newRow("too many digits for a double: ignored")
+        << QStringList { u"[download] "_s + QString(400, u'9') + u"%"_s } << noProgress << none << none << none;
     QTest::newRow("login required") << QStringList { u"ERROR: [youtube] x: Login required"_s } << noProgress << none
                                     << none << OptString(u"需要登录或 Cookie 已过期"_s);
     QTest::newRow("registered users") << QStringList { u"ERROR: This video is available only for registered users"_s }

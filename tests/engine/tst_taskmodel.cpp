@@ -4,6 +4,8 @@
 #include <QSignalSpy>
 #include <QtTest>
 
+#include <limits>
+
 using namespace Qt::StringLiterals;
 
 class TestTaskModel : public QObject
@@ -70,6 +72,10 @@ void TestTaskModel::percentText_data()
     QTest::newRow("1") << 1.0 << u"100%"_s;
     QTest::newRow("29.0% parsed") << 29.0 / 100.0 << u"29%"_s;
     QTest::newRow("57.0% parsed") << 57.0 / 100.0 << u"57%"_s;
+    QTest::newRow("past 1 reads 100") << 1e18 << u"100%"_s;
+    QTest::newRow("below 0 reads 0") << -0.5 << u"0%"_s;
+    QTest::newRow("infinite") << std::numeric_limits<double>::infinity() << u"100%"_s;
+    QTest::newRow("not a number") << std::numeric_limits<double>::quiet_NaN() << u"0%"_s;
 }
 
 void TestTaskModel::percentText()

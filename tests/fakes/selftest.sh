@@ -130,6 +130,15 @@ out=$(bash -c "$(quote "$fake") -o $(quote "$work/x/%(title)s.%(ext)s") https://
 [[ $rc == 0 && $out == *"[download] Destination: $work/x/fake.mp4"* && $out == *$'\r[download] 100%'* ]] \
     && pass "default download" || fail "default download rc=$rc: $out"
 
+# After "--" every word is a link, as in yt-dlp: an option-shaped link is not obeyed.
+out=$(bash -c "$(quote "$fake") -o $(quote "$work/x/%(title)s.%(ext)s") -- --version"); rc=$?
+[[ $rc == 0 && $out == *"[download] Destination:"* && $out != 2025.* ]] \
+    && pass "a link after -- is not an option" || fail "link after --: rc=$rc: $out"
+
+out=$(run "$(scenario '[{"flood": {"bytes": 200000}}]')"); rc=$?
+[[ $rc == 0 && ${#out} == 200000 && $out != *[!x]* ]] && pass "flood: bytes without a newline" \
+    || fail "flood: rc=$rc, ${#out} bytes"
+
 # --- processes --------------------------------------------------------------------------------
 rm -f "$work/pids"
 FAKE_YTDLP_PIDFILE="$work/pids" \

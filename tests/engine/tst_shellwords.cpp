@@ -1,0 +1,151 @@
+#include "engine/shellwords.h"
+
+#include <QFileInfo>
+#include <QProcess>
+#include <QRandomGenerator>
+#include <QtTest>
+
+using namespace Qt::StringLiterals;
+
+class TestShellWords : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void split_data();
+    void split();
+    void refused_data();
+    void refused();
+    void agreesWithAShell();
+};
+
+void TestShellWords::initTestCase()
+{
+    qputenv("HOME", "/home/someone");
+    qputenv("QB_SPACED", " two  words ");
+    qunsetenv("QB_UNSET");
+}
+
+void TestShellWords::split_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QStringList>("words");
+    QTest::newRow("empty") << QString() << QStringList();
+    QTest::newRow("blanks and newlines") << u" --limit-rate\t1M\n-f  best "_s
+                                         << QStringList { u"--limit-rate"_s, u"1M"_s, u"-f"_s, u"best"_s };
+    QTest::newRow("output template, parentheses and all")
+        << u"-o %(title)s.%(ext)s"_s << QStringList { u"-o"_s, u"%(title)s.%(ext)s"_s };
+    QTest::newRow("single quotes keep everything")
+        << u"-f 'best[height<=480]' '$HOME `x` \\'"_s
+        << QStringList { u"-f"_s, u"best[height<=480]"_s, u"$HOME `x` \\"_s };
+    QTest::newRow("double quotes: escapes and variables")
+        << u"\"a \\\"b\\\" \\$c \\x $HOME\""_s << QStringList { u"a \"b\" $c \\x /home/someone"_s };
+    QTest::newRow("backslash outside quotes") << u"Don\\'t a\\ b"_s << QStringList { u"Don't"_s, u"a b"_s };
+    QTest::newRow("backslash-newline joins") << u"ab\\\ncd"_s << QStringList { u"abcd"_s };
+    QTest::newRow("empty quoted words count") << u"'' \"\" x"_s << QStringList { QString(), QString(), u"x"_s };
+    QTest::newRow("ANSI-C quote is a dollar and a quoted word") << u"$'\\'"_s << QStringList { u"$\\"_s };
+    QTest::newRow("command separators are ordinary")
+        << u";touch x;# a|b&c>d"_s << QStringList { u";touch"_s, u"x;#"_s, u"a|b&c>d"_s };
+    QTest::newRow("no file-name matching") << u"bv*+ba/b ?"_s << QStringList { u"bv*+ba/b"_s, u"?"_s };
+    QTest::newRow("tilde at a word's start")
+        << u"~ ~/x a~ '~'/x ~\"\"/x"_s
+        << QStringList { u"/home/someone"_s, u"/home/someone/x"_s, u"a~"_s, u"~/x"_s, u"~/x"_s };
+    QTest::newRow("unknown user keeps the tilde") << u"~nobody-here/x"_s << QStringList { u"~nobody-here/x"_s };
+    QTest::newRow("braced variable") << u"${HOME}/v"_s << QStringList { u"/home/someone/v"_s };
+    QTest::newRow("unquoted value splits, quoted does not")
+        << u"a$QB_SPACED \"$QB_SPACED\""_s << QStringList { u"a"_s, u"two"_s, u"words"_s, u" two  words "_s };
+    QTest::newRow("unset variable: no word unless quoted")
+        << u"$QB_UNSET \"$QB_UNSET\" x$QB_UNSET"_s << QStringList { QString(), u"x"_s };
+    QTest::newRow("a dollar that names nothing")
+        << u"$ 5$ $/ $-"_s << QStringList { u"$"_s, u"5$"_s, u"$/"_s, u"$-"_s };
+}
+
+void TestShellWords::split()
+{
+    QFETCH(QString, text);
+    QFETCH(QStringList, words);
+    const ShellWords result = splitShellWords(text);
+    QVERIFY2(result.ok(), qPrintable(result.error));
+    QCOMPARE(result.words, words);
+}
+
+void TestShellWords::refused_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("reason");
+    QTest::newRow("open single quote") << u"--match-title Don't"_s << u"单引号没有闭合"_s;
+    QTest::newRow("open double quote") << u"-o \"x"_s << u"双引号没有闭合"_s;
+    QTest::newRow("command substitution") << u"-o $(id)"_s << u"命令替换"_s;
+    QTest::newRow("backticks") << u"-o `id`"_s << u"命令替换"_s;
+    QTest::newRow("substitution inside double quotes") << u"\"$(touch x)\""_s << u"命令替换"_s;
+    QTest::newRow("arithmetic is refused too") << u"$((1+1))"_s << u"命令替换"_s;
+    QTest::newRow("braced expression") << u"${HOME:-x}"_s << u"变量名"_s;
+    QTest::newRow("unclosed brace") << u"${HOME"_s << u"变量名"_s;
+}
+
+void TestShellWords::refused()
+{
+    QFETCH(QString, text);
+    QFETCH(QString, reason);
+    const ShellWords result = splitShellWords(text);
+    QVERIFY(!result.ok());
+    QVERIFY2(result.error.contains(reason), qPrintable(result.error));
+    QVERIFY(result.words.isEmpty());
+}
+
+void TestShellWords::agreesWithAShell()
+{
+    // Generated texts without the parts where shells differ from one another (ANSI-C quotes,
+    // brace expansion, comments, operators, special parameters, a newline ending a command): a
+    // POSIX shell with file-name
+    // matching off must hand a program exactly the words we split.
+    const QString sh = u"/bin/sh"_s;
+    const QString dumper = QCoreApplication::applicationDirPath() + u"/argvdump"_s;
+    if (!QFileInfo(dumper).isExecutable())
+        QSKIP("argvdump is not built");
+    static const QStringList pieces { u" "_s, u"  "_s, u"\t"_s, u"'"_s, u"\""_s, u"\\"_s, u"$HOME"_s, u"${HOME}"_s,
+        u"$QB_SPACED"_s, u"$QB_UNSET"_s, u"$/"_s, u"~"_s, u"~/"_s, u"/"_s, u"-f"_s, u"a"_s, u"Z9"_s, u"*"_s, u"?"_s,
+        u"["_s, u"]"_s, u"="_s, u"%"_s, u"视频"_s, u"é"_s, u"."_s, u"-"_s };
+    QRandomGenerator random(18);
+    int compared = 0;
+    for (int batch = 0; batch < 5; ++batch) {
+        QStringList commands { u"set -f"_s };
+        QList<QStringList> expected;
+        while (expected.size() < 200) {
+            QString text;
+            for (int i = random.bounded(1, 12); i > 0; --i)
+                text += pieces.at(random.bounded(pieces.size()));
+            const ShellWords result = splitShellWords(text);
+            // Each text on its own line, so a last backslash would join it to the next one.
+            if (!result.ok() || text.endsWith(u'\\'))
+                continue;
+            commands << u"'"_s + dumper + u"' "_s + text;
+            expected << result.words;
+        }
+        QProcess shell;
+        shell.start(sh, { u"-c"_s, commands.join(u'\n') });
+        QVERIFY(shell.waitForFinished(60000));
+        QCOMPARE(shell.exitCode(), 0);
+        const QList<QByteArray> records = shell.readAllStandardOutput().split('\x1e');
+        QCOMPARE(records.size(), expected.size() + 1);
+        for (qsizetype i = 0; i < expected.size(); ++i) {
+            QByteArray record = records.at(i);
+            if (record.startsWith('\n'))
+                record.remove(0, 1);
+            QList<QByteArray> argv = record.split('\0');
+            argv.removeLast();
+            QStringList words;
+            for (const QByteArray &word : argv)
+                words << QString::fromUtf8(word);
+            QVERIFY2(words == expected.at(i),
+                qPrintable(u"text %1: shell %2, split %3"_s.arg(
+                    commands.at(i + 1), words.join(u'|'), expected.at(i).join(u'|'))));
+            ++compared;
+        }
+    }
+    QCOMPARE(compared, 1000);
+}
+
+QTEST_GUILESS_MAIN(TestShellWords)
+#include "tst_shellwords.moc"
