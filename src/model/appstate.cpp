@@ -5,6 +5,8 @@
 #include <QMutexLocker>
 #include <QSettings>
 
+using namespace Qt::StringLiterals;
+
 AppState::AppState(QObject *parent)
     : QObject(parent)
     , m_outputDirectory(QDir(QDir::homePath()).filePath(QStringLiteral("Downloads")))
@@ -32,12 +34,30 @@ void AppState::loadPreferences()
         setCookiePath(cookiePath.toString());
 }
 
+namespace {
+// However much a tool prints on one line, the log keeps a few KiB of it: the whole log stays
+// within a few MiB, and the panel never has to lay out a megabyte of text.
+QString bounded(const QString &message)
+{
+    if (message.size() <= AppState::MaxLogMessageChars)
+        return message;
+    qsizetype kept = AppState::MaxLogMessageChars;
+    if (message.at(kept - 1).isHighSurrogate())
+        --kept;
+    return message.left(kept) + u"…（已省略 %1 个字符）"_s.arg(message.size() - kept);
+}
+} // namespace
+
 void AppState::addLog(const QString &message, LogEntry::LogType type)
 {
     // Calls are queued under one lock and drained by a single posted flush, so a burst of lines
     // becomes one model update per event-loop turn and the order is the order of the calls.
     QMutexLocker locker(&m_pendingMutex);
-    m_pending.append(PendingLog { message, type });
+    // Only the last MaxLogEntries survive the flush; a flood between two flushes holds no more
+    // than twice that.
+    if (m_pending.size() >= 2 * MaxLogEntries)
+        m_pending.remove(0, m_pending.size() - MaxLogEntries + 1);
+    m_pending.append(PendingLog { bounded(message), type });
     if (m_flushScheduled)
         return;
     m_flushScheduled = true;

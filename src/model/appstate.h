@@ -33,6 +33,8 @@ class AppState : public QObject
 
 public:
     static constexpr int MaxLogEntries = 500;
+    // Characters of one log message that are kept; the rest is replaced by a note of how many.
+    static constexpr int MaxLogMessageChars = 4096;
 
     explicit AppState(QObject *parent = nullptr);
     ~AppState() override;
@@ -46,7 +48,7 @@ public:
     void loadPreferences();
 
     // Callable from any thread; returns at once. The entry is appended on this object's thread,
-    // after every entry of an earlier call.
+    // after every entry of an earlier call. A message longer than MaxLogMessageChars is cut.
     void addLog(const QString &message, LogEntry::LogType type);
 
     // Empties the in-app log.

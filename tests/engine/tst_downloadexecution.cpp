@@ -1,4 +1,5 @@
 #include "engine/downloadmanager.h"
+#include "engine/linesplitter.h"
 #include "engine/taskmodel.h"
 #include "model/appstate.h"
 
@@ -33,6 +34,7 @@ private Q_SLOTS:
     void shutdownReturnsWithNothingLeft();
     void launchFailuresLoseNothing();
     void outputThatIsNotUtf8();
+    void endlessLineIsBounded();
     void foldersAndArgumentsCheckedFirst();
 
 private:
@@ -460,6 +462,24 @@ void TestDownloadExecution::outputThatIsNotUtf8()
     QTRY_VERIFY_WITH_TIMEOUT(allFinished(*engine), 20000);
     QCOMPARE(only(*engine).status, DownloadStatus::Completed);
     QVERIFY(EngineFixture::messages(engine->state).contains(u"[download] 50.0% f\uFFFD"_s));
+}
+
+void TestDownloadExecution::endlessLineIsBounded()
+{
+    // 10 MiB without a newline (once it froze the window for most of a minute) reaches the log
+    // as one line of a few KiB that says how much was left out.
+    auto engine = makeEngine();
+    QVERIFY(engine);
+    constexpr qint64 flood = 10 << 20;
+    engine->fake.setScenario(R"([{"flood": {"bytes": 10485760}}, {"out": "\n[download] 50.0% of 1.00MiB\n"}])");
+    download(*engine, u"https://flood.example/v"_s);
+    QTRY_VERIFY_WITH_TIMEOUT(allFinished(*engine), 30000);
+    QCOMPARE(only(*engine).status, DownloadStatus::Completed);
+    const QString kept(LineSplitter::MaxLineBytes, u'x');
+    QTRY_VERIFY(EngineFixture::messages(engine->state).contains(u"✅ 下载完成！"_s));
+    const QStringList log = EngineFixture::messages(engine->state);
+    QVERIFY(log.contains(kept + LineSplitter::elisionNote(flood - LineSplitter::MaxLineBytes)));
+    QVERIFY(log.contains(u"[download] 50.0% of 1.00MiB"_s));
 }
 
 void TestDownloadExecution::foldersAndArgumentsCheckedFirst()

@@ -13,7 +13,8 @@ private Q_SLOTS:
     void split();
     void everyCutGivesTheSameLines();
     void invalidUtf8IsKept();
-    void endlessLineIsPassedOn();
+    void longLinesAreBounded_data();
+    void longLinesAreBounded();
 };
 
 void TestLineSplitter::split_data()
@@ -73,20 +74,33 @@ void TestLineSplitter::invalidUtf8IsKept()
     QVERIFY(lines.constFirst().contains(QChar::ReplacementCharacter));
 }
 
-void TestLineSplitter::endlessLineIsPassedOn()
+void TestLineSplitter::longLinesAreBounded_data()
 {
+    QTest::addColumn<QByteArray>("unit"); // repeated to make the line
+    QTest::addColumn<int>("repeat");
+    QTest::addColumn<QString>("kept"); // the line's start that is kept
+    QTest::newRow("10 MiB without an end") << QByteArray("x") << 10 << QString(LineSplitter::MaxLineBytes, u'x');
+    QTest::newRow("a character is never cut")
+        << QByteArray("下") << 1 << QString(LineSplitter::MaxLineBytes / 3, u'下');
+}
+
+void TestLineSplitter::longLinesAreBounded()
+{
+    QFETCH(QByteArray, unit);
+    QFETCH(int, repeat);
+    QFETCH(QString, kept);
+    // `repeat` MiB of `unit` in 64 KiB reads: nothing is passed on, and nothing beyond the bound
+    // is held, until the line ends; then one line with a note of what was left out.
+    const QByteArray chunk = unit.repeated(64 * 1024 / unit.size());
     LineSplitter splitter;
-    const QByteArray chunk(64 * 1024, 'x');
-    qsizetype passed = 0;
-    for (int i = 0; i < 40; ++i) {
-        for (const QString &line : splitter.feed(chunk))
-            passed += line.size();
+    for (int i = 0; i < repeat * 16; ++i) {
+        QVERIFY(splitter.feed(chunk).isEmpty());
+        QVERIFY(splitter.pending().toUtf8().size() <= LineSplitter::MaxLineBytes);
     }
-    // Nothing is held beyond the limit, and nothing is lost.
-    QVERIFY(passed >= 40 * chunk.size() - LineSplitter::MaxLineBytes);
-    for (const QString &line : splitter.finish())
-        passed += line.size();
-    QCOMPARE(passed, 40 * chunk.size());
+    const QStringList lines = splitter.feed("\nnext\n");
+    const qint64 total = qint64(repeat) * 16 * chunk.size();
+    QCOMPARE(lines, QStringList({ kept + LineSplitter::elisionNote(total - kept.toUtf8().size()), u"next"_s }));
+    QVERIFY(splitter.finish().isEmpty());
 }
 
 QTEST_GUILESS_MAIN(TestLineSplitter)

@@ -22,6 +22,8 @@ private Q_SLOTS:
     void propertiesNotifyOnlyOnChange();
     void logCapKeepsNewest();
     void batchLargerThanCap();
+    void longMessagesAreCut_data();
+    void longMessagesAreCut();
     void addLogFromManyThreads();
     void clearLog();
     void presentationRoles_data();
@@ -162,6 +164,28 @@ void TestAppState::batchLargerThanCap()
     QTRY_COMPARE(state.logEntries().constLast().message, u"x19"_s);
     QCOMPARE(state.logModel()->count(), 500);
     QCOMPARE(state.logEntries().constFirst().message, u"754"_s);
+}
+
+void TestAppState::longMessagesAreCut_data()
+{
+    QTest::addColumn<QString>("message");
+    QTest::addColumn<QString>("shown");
+    const QString full(AppState::MaxLogMessageChars, u'x');
+    QTest::newRow("at the bound: whole") << full << full;
+    QTest::newRow("1 MiB: cut, with a note")
+        << QString(1 << 20, u'x') << full + u"…（已省略 %1 个字符）"_s.arg((1 << 20) - AppState::MaxLogMessageChars);
+    QTest::newRow("a character made of two is not split") << full.left(AppState::MaxLogMessageChars - 1)
+            + u"🎬y"_s << full.left(AppState::MaxLogMessageChars - 1) + u"…（已省略 3 个字符）"_s;
+}
+
+void TestAppState::longMessagesAreCut()
+{
+    QFETCH(QString, message);
+    QFETCH(QString, shown);
+    AppState state;
+    state.addLog(message, LogEntry::LogType::Download);
+    drainLog(state, 1);
+    QCOMPARE(state.logEntries().constFirst().message, shown);
 }
 
 void TestAppState::addLogFromManyThreads()
