@@ -9,6 +9,7 @@
 
 #include <QDeadlineTimer>
 #include <QDir>
+#include <QElapsedTimer>
 #include <QTimer>
 
 #include <csignal>
@@ -46,6 +47,9 @@ struct DownloadManager::Running
     QStringList stdoutTail;
     QStringList stderrTail;
     bool cancelled = false;
+    QElapsedTimer sinceOutput; // started with the process, restarted by every read
+    QTimer *stallTimer = nullptr; // owned by the process
+    bool stalled = false;
 };
 
 QString DownloadManager::buildDownloadCommand(const QString &ytDlpPath, const DownloadRequest &request,
@@ -226,6 +230,11 @@ void DownloadManager::executeDownload(const Waiting &job)
             if (m_active.contains(taskId))
                 qCInfo(lcEngine, "[Quillbox] [executeDownload] 进程运行超过30秒，可能是卡住了");
         });
+        running->sinceOutput.start();
+        running->stallTimer = new QTimer(process);
+        running->stallTimer->setSingleShot(true);
+        connect(running->stallTimer, &QTimer::timeout, this, [this, taskId] { checkStall(taskId); });
+        running->stallTimer->start(m_stallNoticeMs);
     });
     connect(process, &QProcess::errorOccurred, this, [this, taskId, process](QProcess::ProcessError error) {
         if (error != QProcess::FailedToStart)
@@ -260,6 +269,15 @@ void DownloadManager::readOutput(const QUuid &taskId, bool standardError)
         return;
     GroupProcess *process = running->process;
     const QByteArray bytes = standardError ? process->readAllStandardError() : process->readAllStandardOutput();
+    if (!bytes.isEmpty()) {
+        running->sinceOutput.restart();
+        if (running->stalled) {
+            running->stalled = false;
+            m_tasks->update(taskId, [](DownloadTask &task) { task.notice.clear(); });
+            if (running->stallTimer)
+                running->stallTimer->start(m_stallNoticeMs);
+        }
+    }
     LineSplitter &splitter = standardError ? running->stderrLines : running->stdoutLines;
     ProgressUpdate update = handleLines(taskId, splitter.feed(bytes), standardError);
 
@@ -386,11 +404,33 @@ void DownloadManager::completeDownload(const QUuid &taskId, int exitCode, bool c
     pumpQueue();
 }
 
+void DownloadManager::checkStall(const QUuid &taskId)
+{
+    Running *running = m_active.value(taskId);
+    if (!running || running->cancelled || !running->stallTimer)
+        return;
+    // The timer is not restarted by every read; it looks at the time of the last one instead.
+    const qint64 quiet = running->sinceOutput.elapsed();
+    if (quiet < m_stallNoticeMs) {
+        running->stallTimer->start(int(m_stallNoticeMs - quiet));
+        return;
+    }
+    running->stalled = true;
+    const QString notice = u"%1 秒无响应"_s.arg(m_stallNoticeMs / 1000);
+    const DownloadTask *task = m_tasks->find(taskId);
+    qCInfo(lcEngine, "[Quillbox] [executeDownload] %ls: %ls", qUtf16Printable(notice),
+        qUtf16Printable(task ? task->url : QString()));
+    addLog(u"⚠️ "_s + notice + u"："_s + (task ? task->url : QString()), LogEntry::LogType::Warning);
+    m_tasks->update(taskId, [&notice](DownloadTask &task) { task.notice = notice; });
+}
+
 void DownloadManager::removeRunning(const QUuid &taskId)
 {
     Running *running = m_active.take(taskId);
     if (!running)
         return;
+    if (running->stalled)
+        m_tasks->update(taskId, [](DownloadTask &task) { task.notice.clear(); });
     // The shell of a stopped download has gone; whatever it started and is still slow to
     // stop (an ffmpeg mid-merge) goes with the group now rather than after the grace period.
     if (running->cancelled && running->process)

@@ -90,6 +90,8 @@ public:
     static constexpr int DefaultMaxConcurrentDownloads = 3;
     static constexpr int CancelGraceMs = 3000;
     static constexpr int WatchdogMs = 30000;
+    // A running download that has printed nothing for this long says so on its row and in the log.
+    static constexpr int StallNoticeMs = 60000;
     static constexpr int ProbeTimeoutMs = 30000;
     static constexpr int ListFormatsTimeoutMs = 180000;
     static constexpr int UpdateTimeoutMs = 600000;
@@ -152,6 +154,8 @@ public:
     int runningCount() const { return int(m_active.size()); }
     int maxConcurrentDownloads() const { return m_maxConcurrent; }
     void setMaxConcurrentDownloads(int value);
+    // How long a download may stay silent before its row says so (StallNoticeMs; tests shorten it).
+    void setStallNoticeMs(int ms) { m_stallNoticeMs = ms; }
 
     Q_INVOKABLE void startDownload(const QString &url, quillbox::DownloadPreset preset, const QString &customArgs,
         const QString &outputDir, bool downloadPlaylist, bool useCookies);
@@ -212,6 +216,7 @@ private:
     void applyProgress(const QUuid &taskId, const ProgressUpdate &update);
     void completeDownload(const QUuid &taskId, int exitCode, bool crashed);
     void removeRunning(const QUuid &taskId);
+    void checkStall(const QUuid &taskId);
 
     AppState *m_appState;
     ToolLocations m_locations;
@@ -237,6 +242,7 @@ private:
     mutable bool m_warnedNoChrome = false;
 
     int m_maxConcurrent = DefaultMaxConcurrentDownloads;
+    int m_stallNoticeMs = StallNoticeMs;
     std::deque<Waiting> m_waiting;
     bool m_pumpScheduled = false;
     QHash<QUuid, Running *> m_active;

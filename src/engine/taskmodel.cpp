@@ -54,6 +54,8 @@ QVariant TaskModel::data(const QModelIndex &index, int role) const
         return percentText(task.progress);
     case HasErrorRole:
         return task.errorMessage.has_value();
+    case NoticeRole:
+        return task.notice;
     default:
         return QVariant();
     }
@@ -78,6 +80,7 @@ QHash<int, QByteArray> TaskModel::roleNames() const
         { ShowsProgressRole, "showsProgress" },
         { PercentTextRole, "percentText" },
         { HasErrorRole, "hasError" },
+        { NoticeRole, "notice" },
     };
 }
 
@@ -175,6 +178,8 @@ void TaskModel::changed(int row, const DownloadTask &before)
         roles << ErrorMessageRole << HasErrorRole;
     if (after.endTime != before.endTime)
         roles.append(EndTimeRole);
+    if (after.notice != before.notice)
+        roles.append(NoticeRole);
     if (roles.isEmpty())
         return;
     const QModelIndex changedIndex = index(row);

@@ -34,6 +34,7 @@ public:
         ShowsProgressRole, // a bar and a percentage while preparing or downloading
         PercentTextRole, // "42%": the whole percent, truncated
         HasErrorRole,
+        NoticeRole, // "60 秒无响应" while a download has been silent that long
     };
     Q_ENUM(Role)
 

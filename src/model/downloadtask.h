@@ -37,6 +37,8 @@ public:
     QDateTime startTime;
     std::optional<QDateTime> endTime;
     std::optional<QString> outputPath;
+    // A remark on a running task, such as that it has printed nothing for a while; else empty.
+    QString notice;
 
     // A new task for `url`: fresh id, title = url, pending, started now.
     static DownloadTask create(const QString &url);

@@ -19,6 +19,7 @@ AbstractButton {
     required property string percentText
     required property bool hasError
     required property var errorMessage
+    required property string notice
     property bool isSelected: false
 
     readonly property color tint: Theme.tint(statusTint)
@@ -96,6 +97,19 @@ AbstractButton {
                     visible: root.size.length > 0
                     text: root.size
                     color: Theme.gray
+                    font.pixelSize: 11
+                }
+                Text {
+                    visible: root.notice.length > 0
+                    text: "•"
+                    color: Theme.gray
+                    font.pixelSize: 11
+                }
+                Text {
+                    objectName: "noticeText"
+                    visible: root.notice.length > 0
+                    text: root.notice
+                    color: Theme.orange
                     font.pixelSize: 11
                 }
             }

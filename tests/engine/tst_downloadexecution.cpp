@@ -35,6 +35,7 @@ private Q_SLOTS:
     void launchFailuresLoseNothing();
     void outputThatIsNotUtf8();
     void endlessLineIsBounded();
+    void silentDownloadSaysSo();
     void foldersAndArgumentsCheckedFirst();
 
 private:
@@ -480,6 +481,35 @@ void TestDownloadExecution::endlessLineIsBounded()
     const QStringList log = EngineFixture::messages(engine->state);
     QVERIFY(log.contains(kept + LineSplitter::elisionNote(flood - LineSplitter::MaxLineBytes)));
     QVERIFY(log.contains(u"[download] 50.0% of 1.00MiB"_s));
+}
+
+void TestDownloadExecution::silentDownloadSaysSo()
+{
+    // A download that goes quiet says so on its row and in the log, takes it back when output
+    // resumes, and can still be stopped. The quiet period is shortened from 60 s to 1 s.
+    auto engine = makeEngine();
+    QVERIFY(engine);
+    engine->manager->setStallNoticeMs(1000);
+    engine->fake.setScenario(R"([{"out": "[download]   5.0% of 1.00MiB\n"}, {"sleep": 2},
+        {"out": "[download]  60.0% of 1.00MiB\n"}, {"sleep": 60}])");
+    const QString url = u"https://quiet.example/v"_s;
+    download(*engine, url);
+    QTRY_COMPARE_WITH_TIMEOUT(only(*engine).notice, u"1 秒无响应"_s, 10000);
+    QCOMPARE(only(*engine).status, DownloadStatus::Downloading);
+    QCOMPARE(only(*engine).progress, 0.05);
+    QTRY_VERIFY(EngineFixture::messages(engine->state).contains(u"⚠️ 1 秒无响应："_s + url));
+    const QModelIndex row = engine->manager->taskModel()->index(0);
+    QCOMPARE(row.data(TaskModel::NoticeRole).toString(), u"1 秒无响应"_s);
+
+    QTRY_COMPARE_WITH_TIMEOUT(only(*engine).progress, 0.6, 10000);
+    QCOMPARE(only(*engine).notice, QString());
+    QTRY_COMPARE_WITH_TIMEOUT(only(*engine).notice, u"1 秒无响应"_s, 10000);
+
+    engine->manager->cancelAllDownloads();
+    QTRY_VERIFY_WITH_TIMEOUT(allFinished(*engine), DownloadManager::CancelGraceMs + 10000);
+    QCOMPARE(only(*engine).status, DownloadStatus::Cancelled);
+    QCOMPARE(only(*engine).notice, QString());
+    QCOMPARE(EngineFixture::messages(engine->state).filter(u"秒无响应"_s).size(), 2);
 }
 
 void TestDownloadExecution::foldersAndArgumentsCheckedFirst()
