@@ -10,6 +10,8 @@
 #include <QDeadlineTimer>
 #include <QDir>
 #include <QElapsedTimer>
+#include <QFileInfo>
+#include <QRegularExpression>
 #include <QTimer>
 
 #include <csignal>
@@ -31,6 +33,46 @@ LogEntry::LogType typeOfStderrLine(const QString &line)
     return LogEntry::LogType::Download;
 }
 
+// yt-dlp's file name with "temp" before its extension: where a post-processing step writes
+// before it renames the result into place.
+QString tempNameOf(const QString &path)
+{
+    const qsizetype slash = path.lastIndexOf(u'/');
+    const qsizetype dot = path.lastIndexOf(u'.');
+    if (dot <= slash + 1)
+        return path + u".temp"_s;
+    return path.left(dot) + u".temp"_s + path.mid(dot);
+}
+
+// The files a post-processing step announced by `line` is about to write, if it is one.
+// Extracting audio and converting or remuxing write the target itself; merging, metadata,
+// subtitles and fix-ups write a ".temp." file.
+std::optional<QStringList> conversionFiles(const QString &line)
+{
+    static const QRegularExpression direct(
+        u"^\\[(?:ExtractAudio|VideoConvertor|VideoRemuxer)\\] (?:.*; )?Destination: (.+)$"_s);
+    static const QRegularExpression viaTemp(u"^\\[(?:Merger|Metadata|EmbedSubtitle|Fixup\\w*)\\] [^\"]*\"(.+)\"$"_s);
+    if (const QRegularExpressionMatch match = direct.match(line); match.hasMatch()) {
+        const QString target = match.captured(1);
+        return QStringList { target, tempNameOf(target) };
+    }
+    if (const QRegularExpressionMatch match = viaTemp.match(line); match.hasMatch())
+        return QStringList { tempNameOf(match.captured(1)) };
+    return std::nullopt;
+}
+
+// The file yt-dlp downloads (or already has), which a conversion reads and must never lose.
+std::optional<QString> downloadedFile(const QString &line)
+{
+    static const QRegularExpression destination(u"^\\[download\\] Destination: (.+)$"_s);
+    static const QRegularExpression already(u"^\\[download\\] (.+) has already been downloaded$"_s);
+    for (const QRegularExpression *expression : { &destination, &already }) {
+        if (const QRegularExpressionMatch match = expression->match(line); match.hasMatch())
+            return match.captured(1);
+    }
+    return std::nullopt;
+}
+
 void keepTail(QStringList &tail, const QStringList &lines)
 {
     tail += lines;
@@ -50,6 +92,11 @@ struct DownloadManager::Running
     QElapsedTimer sinceOutput; // started with the process, restarted by every read
     QTimer *stallTimer = nullptr; // owned by the process
     bool stalled = false;
+    // What the post-processing step under way writes: removed if the download is stopped
+    // before the step has ended, so no cut-off file looks finished.
+    QStringList partialFiles;
+    QDateTime partialSince;
+    QString source; // the downloaded file, never removed
 };
 
 QString DownloadManager::buildDownloadCommand(const QString &ytDlpPath, const DownloadRequest &request,
@@ -319,8 +366,10 @@ ProgressUpdate DownloadManager::handleLines(const QUuid &taskId, const QStringLi
     if (lines.isEmpty())
         return {};
     Running *running = m_active.value(taskId);
-    if (running)
+    if (running) {
         keepTail(standardError ? running->stderrTail : running->stdoutTail, lines);
+        trackConversion(*running, lines);
+    }
 
     if (lcEngine().isDebugEnabled()) {
         const char *stream = standardError ? "[stderr]" : "[stdout]";
@@ -424,6 +473,42 @@ void DownloadManager::checkStall(const QUuid &taskId)
     m_tasks->update(taskId, [&notice](DownloadTask &task) { task.notice = notice; });
 }
 
+void DownloadManager::trackConversion(Running &running, const QStringList &lines)
+{
+    // yt-dlp waits for ffmpeg in silence, so any later line means the step announced before it
+    // has ended, one way or the other.
+    for (const QString &line : lines) {
+        running.partialFiles.clear();
+        if (const std::optional<QStringList> files = conversionFiles(line)) {
+            running.partialFiles = *files;
+            running.partialFiles.removeAll(running.source);
+            running.partialSince = QDateTime::currentDateTime();
+        } else if (const std::optional<QString> file = downloadedFile(line)) {
+            running.source = *file;
+        }
+    }
+}
+
+void DownloadManager::removePartialConversion(Running &running)
+{
+    const QString folder = running.process && !running.process->workingDirectory().isEmpty()
+        ? running.process->workingDirectory()
+        : QDir::currentPath();
+    for (const QString &file : std::as_const(running.partialFiles)) {
+        const QFileInfo written(QDir(folder).absoluteFilePath(file));
+        // Only what was written since the step began: a file that was already there before
+        // and untouched since is not the step's.
+        if (!written.isFile() || written.lastModified() < running.partialSince.addSecs(-2))
+            continue;
+        if (QFile::remove(written.absoluteFilePath())) {
+            qCInfo(lcEngine, "[Quillbox] [executeDownload] 已删除未完成的文件: %ls",
+                qUtf16Printable(written.absoluteFilePath()));
+            info(u"已删除未完成的转换文件: "_s + written.absoluteFilePath());
+        }
+    }
+    running.partialFiles.clear();
+}
+
 void DownloadManager::removeRunning(const QUuid &taskId)
 {
     Running *running = m_active.take(taskId);
@@ -435,6 +520,8 @@ void DownloadManager::removeRunning(const QUuid &taskId)
     // stop (an ffmpeg mid-merge) goes with the group now rather than after the grace period.
     if (running->cancelled && running->process)
         running->process->signalGroup(SIGKILL);
+    if (running->cancelled)
+        removePartialConversion(*running);
     if (running->process) {
         running->process->disconnect(this);
         running->process->deleteLater();
@@ -500,4 +587,6 @@ void DownloadManager::shutdown()
     // can come after our own exit; wait for that, so nothing of ours runs once we have quit.
     if (!waitForGroupsGone(groups, QDeadlineTimer(2000)))
         qCWarning(lcEngine, "[Quillbox] 退出时仍有子进程未结束");
+    for (Running *running : std::as_const(m_active))
+        removePartialConversion(*running);
 }

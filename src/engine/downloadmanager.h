@@ -217,6 +217,8 @@ private:
     void completeDownload(const QUuid &taskId, int exitCode, bool crashed);
     void removeRunning(const QUuid &taskId);
     void checkStall(const QUuid &taskId);
+    void trackConversion(Running &running, const QStringList &lines);
+    void removePartialConversion(Running &running);
 
     AppState *m_appState;
     ToolLocations m_locations;

@@ -37,6 +37,7 @@ private Q_SLOTS:
     void listFormats();
     void listFormatsFromAClosedPort();
     void cancelLeavesNothingRunning();
+    void cancelledConversionLeavesNoPartFile();
 
 private:
     struct Engine
@@ -129,7 +130,7 @@ void TestEndToEnd::initTestCase()
             QSKIP(qPrintable(tool + u" is not installed"_s));
     }
     const QString python = QFileInfo::exists(u"/usr/bin/python3"_s) ? u"/usr/bin/python3"_s
-                                                                     : QStandardPaths::findExecutable(u"python3"_s);
+                                                                    : QStandardPaths::findExecutable(u"python3"_s);
     if (python.isEmpty())
         QSKIP("python3 is not installed");
     const QString script = QFINDTESTDATA("../support/mediaserver.py");
@@ -395,6 +396,38 @@ void TestEndToEnd::cancelLeavesNothingRunning()
     const QStringList messages = EngineFixture::messages(engine->state);
     QVERIFY(messages.filter(u"下载失败"_s).isEmpty());
     QVERIFY(!messages.contains(u"✅ 下载完成！"_s));
+}
+
+void TestEndToEnd::cancelledConversionLeavesNoPartFile()
+{
+    // Ten minutes of noise: ffmpeg takes seconds to make an MP3 of it, time enough to stop it.
+    const QString source = m_media.filePath(u"long-audio.m4a"_s);
+    QProcess encoder;
+    encoder.setProcessChannelMode(QProcess::MergedChannels);
+    encoder.start(ffmpeg,
+        { u"-hide_banner"_s, u"-nostdin"_s, u"-y"_s, u"-f"_s, u"lavfi"_s, u"-i"_s,
+            u"anoisesrc=duration=600:sample_rate=22050"_s, u"-ac"_s, u"1"_s, u"-c:a"_s, u"aac"_s, u"-b:a"_s, u"32k"_s,
+            source });
+    QVERIFY(encoder.waitForFinished(Patience));
+    QVERIFY2(encoder.exitCode() == 0, encoder.readAll().constData());
+
+    const auto engine = makeEngine();
+    QVERIFY(engine);
+    DownloadManager &manager = *engine->manager;
+    const QString outputDir = engine->fixture.path(u"converting"_s);
+    const QString downloaded = outputDir + u"/long-audio.m4a"_s;
+    const QString target = outputDir + u"/long-audio.mp3"_s;
+    manager.startDownload(m_base + u"long-audio.m4a"_s, DownloadPreset::AudioOnly, QString(), outputDir, false, false);
+    QTRY_VERIFY_WITH_TIMEOUT(QFileInfo(target).size() > 0, Patience);
+    QVERIFY(only(manager).status == DownloadStatus::Downloading);
+
+    manager.cancelAllDownloads();
+    QTRY_COMPARE_WITH_TIMEOUT(manager.runningCount(), 0, Patience);
+    QCOMPARE(only(manager).status, DownloadStatus::Cancelled);
+    // The cut-off MP3 is gone; the whole download stays, so a retry can convert it again.
+    QVERIFY(!QFileInfo::exists(target));
+    QCOMPARE(QFileInfo(downloaded).size(), QFileInfo(source).size());
+    QTRY_VERIFY(EngineFixture::messages(engine->state).contains(u"已删除未完成的转换文件: "_s + target));
 }
 
 QTEST_GUILESS_MAIN(TestEndToEnd)
