@@ -1,8 +1,14 @@
 // Ten downloads at once whose yt-dlp (the stand-in) each redraw the progress line 2,000 times a
 // second: does the event loop stay responsive, does the in-app log stay capped, and does memory
-// come back once they end?
+// come back once they end? Then one download that prints a 10 MiB line without a newline: how
+// much does memory grow, and how long is the event loop kept waiting?
 
 #include "benchengine.h"
+
+#include "views/qmlsetup.h"
+
+#include <QGuiApplication>
+#include <QQmlApplicationEngine>
 
 using namespace Qt::StringLiterals;
 using namespace bench;
@@ -120,7 +126,7 @@ QString describe(const StallProbe::Stall &stall)
 
 int main(int argc, char **argv)
 {
-    QCoreApplication app(argc, argv);
+    QGuiApplication app(argc, argv);
     return run("bench_flood", [&] {
         const bool quick = shortMode(argc, argv);
         const int seconds = intOption(argc, argv, "seconds", quick ? 1 : 10);
@@ -260,6 +266,61 @@ int main(int argc, char **argv)
         if (logCountMax > AppState::MaxLogEntries)
             fail(u"the in-app log grew to %1 entries, past its cap of %2"_s.arg(logCountMax)
                      .arg(AppState::MaxLogEntries));
+
+        // One line of 10 MiB without a newline (garbage, or a huge JSON answer), with the log panel
+        // showing the application's own log: memory growth and the event loop while it arrives.
+        const int lineMiB = intOption(argc, argv, "line-mib", 10);
+        QQmlApplicationEngine qml;
+        setupQmlEngine(qml);
+        qml.loadData(R"(import QtQuick
+            import Quillbox
+            Window { width: 1100; height: 320; visible: true; LogPanelView { anchors.fill: parent } })");
+        if (qml.rootObjects().isEmpty())
+            fail(u"the log panel did not load"_s);
+        DownloadManager panelManager(AppState::instance(), locationsFor(sandbox, ytDlp, QString()));
+        setStandInScenario(sandbox, {});
+        warmUp(panelManager, u"https://example.invalid/warm-up-2"_s, sandbox.path(u"out"_s));
+        setStandInScenario(
+            sandbox, R"([{"flood": {"bytes": )" + QByteArray::number(qint64(lineMiB) << 20) + R"(}}, {"out": "\n"}])");
+        spin(500);
+        StallProbe lineProbe;
+        const qint64 lineRssBefore = rssKiB();
+        rssPeak = lineRssBefore;
+        rssSampler.start(20);
+        lineProbe.start();
+        wall.restart();
+        panelManager.startDownloads({ u"https://example.invalid/long-line"_s }, requestInto(sandbox.path(u"out"_s)));
+        if (!waitUntil([&] { return allSettled(panelManager); }, 300000, 20))
+            fail(u"the long-line download did not end within 300 s"_s);
+        const double lineElapsedS = double(wall.nsecsElapsed()) / 1e9;
+        // The panel lays the new entries out on the next frames.
+        spin(500);
+        rssSampler.stop();
+        lineProbe.stop();
+        const qint64 lineRssAfter = rssKiB();
+        rssPeak = std::max(rssPeak, lineRssAfter);
+        qsizetype longestEntry = 0;
+        for (const LogEntry &entry : AppState::instance()->logEntries())
+            longestEntry = std::max(longestEntry, entry.message.size());
+        if (panelManager.taskModel()->tasks().constLast().status != DownloadStatus::Completed)
+            fail(u"the long-line download did not complete"_s);
+        const double growthMiB = mib(rssPeak - lineRssBefore);
+        say(u"bench_flood: one %1 MiB line without a newline, log panel shown; ended after %2 s"_s.arg(
+            QString::number(lineMiB), number(lineElapsedS, 2)));
+        say(u"  longest event-loop stall: %1 ms (target ≤ 100 ms)"_s.arg(number(lineProbe.longest().ms(), 1)));
+        say(u"  RSS: %1 MiB before, %2 MiB peak (+%3 MiB; target < 50 MiB), %4 MiB after"_s.arg(
+            number(mib(lineRssBefore)), number(mib(rssPeak)), number(growthMiB), number(mib(lineRssAfter))));
+        say(u"  longest log entry: %1 characters"_s.arg(longestEntry));
+        writeResult("bench_flood_longline",
+            {
+                { u"line_mib"_s, QString::number(lineMiB) },
+                { u"elapsed_s"_s, number(lineElapsedS, 2) },
+                { u"stall_max_ms"_s, number(lineProbe.longest().ms(), 1) },
+                { u"rss_before_mib"_s, number(mib(lineRssBefore)) },
+                { u"rss_peak_mib"_s, number(mib(rssPeak)) },
+                { u"rss_growth_mib"_s, number(growthMiB) },
+                { u"longest_log_entry_chars"_s, QString::number(longestEntry) },
+            });
         return 0;
     });
 }
