@@ -476,7 +476,9 @@ void DownloadManager::checkStall(const QUuid &taskId)
 void DownloadManager::trackConversion(Running &running, const QStringList &lines)
 {
     // yt-dlp waits for ffmpeg in silence, so any later line means the step announced before it
-    // has ended, one way or the other.
+    // has ended, one way or the other. Once stopped, what it says on its way out changes nothing.
+    if (running.cancelled)
+        return;
     for (const QString &line : lines) {
         running.partialFiles.clear();
         if (const std::optional<QStringList> files = conversionFiles(line)) {
