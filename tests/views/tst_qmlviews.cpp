@@ -110,13 +110,14 @@ public:
 
     // A task list of its own, with one task in each of the given states at the given progress,
     // for rows the engine never produces on cue (paused) or only for an instant (preparing).
-    Q_INVOKABLE TaskModel *sampleTasks(const QStringList &statuses, double progress)
+    Q_INVOKABLE TaskModel *sampleTasks(const QStringList &statuses, double progress, const QString &notice = {})
     {
         auto *model = new TaskModel(this);
         for (const QString &status : statuses) {
             DownloadTask task = DownloadTask::create(u"https://sample.example/"_s + status);
             task.status = downloadStatusFromRawValue(status).value_or(DownloadStatus::Pending);
             task.progress = progress;
+            task.notice = notice;
             model->append(task);
         }
         return model;

@@ -291,6 +291,18 @@ TestCase {
         tryVerify(() => fresh.itemAtIndex(0) !== null)
         compare(findChild(fresh.itemAtIndex(0), "percentText").text, "0%")
         compare(findChild(fresh.itemAtIndex(0), "progressFill").width, 0)
+        compare(findChild(fresh.itemAtIndex(0), "noticeText").visible, false)
+    }
+
+    function test_silentOrOutOfRangeDownloadReadsSanely() {
+        const list = createTemporaryObject(sampleList, testCase,
+            { model: TestHelper.sampleTasks(["下载中"], 1e18, "60 秒无响应") })
+        tryVerify(() => list.itemAtIndex(0) !== null)
+        const row = list.itemAtIndex(0)
+        compare(findChild(row, "percentText").text, "100%")
+        const notice = findChild(row, "noticeText")
+        verify(notice.visible)
+        compare(notice.text, "60 秒无响应")
     }
 
     function test_failedRowShowsItsErrorInRed() {
