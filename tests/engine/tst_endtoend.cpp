@@ -38,6 +38,7 @@ private Q_SLOTS:
     void listFormatsFromAClosedPort();
     void cancelLeavesNothingRunning();
     void cancelledConversionLeavesNoPartFile();
+    void optionShapedLinksAreLinks();
 
 private:
     struct Engine
@@ -428,6 +429,28 @@ void TestEndToEnd::cancelledConversionLeavesNoPartFile()
     QVERIFY(!QFileInfo::exists(target));
     QCOMPARE(QFileInfo(downloaded).size(), QFileInfo(source).size());
     QTRY_VERIFY(EngineFixture::messages(engine->state).contains(u"已删除未完成的转换文件: "_s + target));
+}
+
+void TestEndToEnd::optionShapedLinksAreLinks()
+{
+    // Once, a "link" that named a config file with an --exec in it ran that command, and
+    // "--version" ended "已完成" with nothing downloaded. After "--" yt-dlp reads both as links.
+    const auto engine = makeEngine();
+    QVERIFY(engine);
+    DownloadManager &manager = *engine->manager;
+    const QString marker = engine->fixture.path(u"PWNED"_s);
+    engine->fixture.writeFile(u"evil.conf"_s, "--exec \"touch " + marker.toUtf8() + "\"\n");
+    const QString outputDir = engine->fixture.path(u"options"_s);
+    for (const QString &link :
+        QStringList { u"--config-locations="_s + engine->fixture.path(u"evil.conf"_s), u"--version"_s })
+        manager.startDownload(link, DownloadPreset::Default, QString(), outputDir, false, false);
+    QTRY_VERIFY_WITH_TIMEOUT(settled(manager), Patience);
+    for (const DownloadTask &task : manager.tasks()) {
+        QCOMPARE(task.status, DownloadStatus::Failed);
+        QVERIFY2(task.errorMessage.value_or(QString()).contains(u"is not a valid URL"_s),
+            qPrintable(task.errorMessage.value_or(QString())));
+    }
+    QVERIFY(!QFileInfo::exists(marker));
 }
 
 QTEST_GUILESS_MAIN(TestEndToEnd)
