@@ -94,7 +94,9 @@ void TestProgressParser::recordedOutput()
 {
     // Output recorded from a real yt-dlp run, read line by line: progress only ever rises and
     // ends at 1.
-    QFile file(QFINDTESTDATA("../data/ytdlp-progress.txt"));
+    // QUILLBOX_TESTS_DIR, which ctest sets: QFINDTESTDATA misses when ccache makes source paths
+    // relative.
+    QFile file(qEnvironmentVariable("QUILLBOX_TESTS_DIR") + u"/data/ytdlp-progress.txt"_s);
     QVERIFY(file.open(QIODevice::ReadOnly));
     const QStringList lines
         = QString::fromUtf8(file.readAll()).split(QRegularExpression(u"[\r\n]"_s), Qt::SkipEmptyParts);
