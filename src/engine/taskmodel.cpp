@@ -51,6 +51,8 @@ QVariant TaskModel::data(const QModelIndex &index, int role) const
         return percentText(task.progress);
     case HasErrorRole:
         return task.errorMessage.has_value();
+    case ExplanationRole:
+        return task.explanation.value_or(QString());
     default:
         return QVariant();
     }
@@ -75,6 +77,7 @@ QHash<int, QByteArray> TaskModel::roleNames() const
         { ShowsProgressRole, "showsProgress" },
         { PercentTextRole, "percentText" },
         { HasErrorRole, "hasError" },
+        { ExplanationRole, "explanation" },
     };
 }
 
@@ -168,6 +171,8 @@ void TaskModel::changed(int row, const DownloadTask &before)
         roles.append(SizeRole);
     if (after.errorMessage != before.errorMessage)
         roles << ErrorMessageRole << HasErrorRole;
+    if (after.explanation != before.explanation)
+        roles.append(ExplanationRole);
     if (after.endTime != before.endTime)
         roles.append(EndTimeRole);
     if (roles.isEmpty())

@@ -34,6 +34,7 @@ public:
         ShowsProgressRole, // a bar and a percentage while preparing or downloading
         PercentTextRole, // "42%": the whole percent, truncated
         HasErrorRole,
+        ExplanationRole, // the failure in plain words, or empty
     };
     Q_ENUM(Role)
 
