@@ -80,6 +80,11 @@ bool InputPresenter::dropLinks(const QList<QUrl> &urls, const QString &text)
     return paste(links.isEmpty() ? text.trimmed() : links.join(u'\n'));
 }
 
+QString InputPresenter::rejectedNotice() const
+{
+    return m_rejectedLines.isEmpty() ? QString() : u"不是有效的链接："_s + m_rejectedLines.join(u'\n');
+}
+
 void InputPresenter::setNotices(const QStringList &rejectedLines, const QString &startNotice)
 {
     if (m_rejectedLines == rejectedLines && m_startNotice == startNotice)

@@ -19,6 +19,8 @@ class InputPresenter : public QObject
     // What the last start left out: the words of each line that are not links. Cleared when the
     // editor changes.
     Q_PROPERTY(QStringList rejectedLines READ rejectedLines NOTIFY noticesChanged)
+    // "不是有效的链接：" and those lines, one per line; empty when there are none.
+    Q_PROPERTY(QString rejectedNotice READ rejectedNotice NOTIFY noticesChanged)
     // Why the last start queued nothing, said beside the button; empty otherwise.
     Q_PROPERTY(QString startNotice READ startNotice NOTIFY noticesChanged)
 
@@ -30,6 +32,7 @@ public:
     bool isLoading() const { return m_isLoading; }
     bool isListingFormats() const { return m_isListingFormats; }
     QStringList rejectedLines() const { return m_rejectedLines; }
+    QString rejectedNotice() const;
     QString startNotice() const { return m_startNotice; }
 
     // One download per link of the editor, in order, with the form's preset, folder and
