@@ -129,11 +129,11 @@ void TestEndToEnd::initTestCase()
             QSKIP(qPrintable(tool + u" is not installed"_s));
     }
     const QString python = QFileInfo::exists(u"/usr/bin/python3"_s) ? u"/usr/bin/python3"_s
-                                                                     : QStandardPaths::findExecutable(u"python3"_s);
+                                                                    : QStandardPaths::findExecutable(u"python3"_s);
     if (python.isEmpty())
         QSKIP("python3 is not installed");
-    const QString script = QFINDTESTDATA("../support/mediaserver.py");
-    QVERIFY(!script.isEmpty());
+    const QString script = qEnvironmentVariable("QUILLBOX_TESTS_DIR") + u"/support/mediaserver.py"_s;
+    QVERIFY(QFileInfo::exists(script));
     QVERIFY(m_media.isValid());
 
     // A 20-second file for the throttled runs, next to the server's own media.
@@ -249,6 +249,9 @@ void TestEndToEnd::missingMediaFails()
     });
     QVERIFY(toolLine != log.cend());
     QCOMPARE(toolLine->type, LogEntry::LogType::Error);
+    // Explained in plain words, in the task and as the log's last line.
+    QVERIFY(task.explanation.value_or(QString()).startsWith(u"链接不存在或已删除"_s));
+    QCOMPARE(log.constLast().message, *task.explanation);
 }
 
 void TestEndToEnd::progressWhileThrottled()

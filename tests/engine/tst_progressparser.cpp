@@ -87,7 +87,7 @@ void TestProgressParser::recordedOutput()
 {
     // Output recorded from a real yt-dlp run, read line by line: progress only ever rises and
     // ends at 1.
-    QFile file(QFINDTESTDATA("../data/ytdlp-progress.txt"));
+    QFile file(qEnvironmentVariable("QUILLBOX_TESTS_DIR") + QStringLiteral("/data/ytdlp-progress.txt"));
     QVERIFY(file.open(QIODevice::ReadOnly));
     const QStringList lines
         = QString::fromUtf8(file.readAll()).split(QRegularExpression(u"[\r\n]"_s), Qt::SkipEmptyParts);
