@@ -314,7 +314,7 @@ void TestDownloadExecution::missingYtDlp()
     manager.startDownload(
         u"https://m.example/v"_s, DownloadPreset::Default, QString(), fixture.path(u"out"_s), true, false);
     QTRY_COMPARE_WITH_TIMEOUT(manager.tasks().constFirst().status, DownloadStatus::Failed, 20000);
-    // The designed message, and beside it which tool is missing.
+    // The usual message, and beside it which tool is missing.
     const DownloadTask task = manager.tasks().constFirst();
     QCOMPARE(task.errorMessage, std::optional(u"下载失败 (错误码: 127)"_s));
     QVERIFY2(task.explanation.value_or(QString()).startsWith(u"找不到 yt-dlp"_s),
