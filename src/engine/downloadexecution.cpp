@@ -1,5 +1,6 @@
 #include "engine/downloadmanager.h"
 
+#include "engine/errorexplanation.h"
 #include "engine/linesplitter.h"
 #include "engine/progressparser.h"
 #include "engine/shellrunner.h"
@@ -249,7 +250,7 @@ void DownloadManager::executeDownload(const Waiting &job)
         return;
     }
     if (!QDir().mkpath(request.outputDir)) {
-        failToLaunch(taskId, u"无法创建输出目录: "_s + request.outputDir);
+        failToLaunch(taskId, u"无法创建输出目录: "_s + request.outputDir, explainFolderFailure(request.outputDir));
         return;
     }
 
@@ -286,10 +287,11 @@ void DownloadManager::executeDownload(const Waiting &job)
     connect(process, &QProcess::errorOccurred, this, [this, taskId, process](QProcess::ProcessError error) {
         if (error != QProcess::FailedToStart)
             return;
-        const QString message = u"无法启动 %1：%2"_s.arg(process->program(), process->errorString());
+        const QString message = process->errorString();
         qCInfo(lcEngine, "[Quillbox] [executeDownload] 异常: %ls", qUtf16Printable(message));
+        const QString explanation = explainLaunchFailure(process->program(), message);
         removeRunning(taskId);
-        failToLaunch(taskId, message);
+        failToLaunch(taskId, message, explanation);
         pumpQueue();
     });
     connect(process, &QProcess::finished, this, [this, taskId](int exitCode, QProcess::ExitStatus status) {
@@ -300,12 +302,16 @@ void DownloadManager::executeDownload(const Waiting &job)
     process->start();
 }
 
-void DownloadManager::failToLaunch(const QUuid &taskId, const QString &message)
+void DownloadManager::failToLaunch(
+    const QUuid &taskId, const QString &message, const std::optional<QString> &explanation)
 {
     addLog(u"❌ "_s + message, LogEntry::LogType::Error);
-    m_tasks->update(taskId, [&message](DownloadTask &task) {
+    if (explanation)
+        addLog(*explanation, LogEntry::LogType::Error);
+    m_tasks->update(taskId, [&message, &explanation](DownloadTask &task) {
         task.status = DownloadStatus::Failed;
         task.errorMessage = message;
+        task.explanation = explanation;
     });
 }
 
@@ -439,14 +445,15 @@ void DownloadManager::completeDownload(const QUuid &taskId, int exitCode, bool c
         if (!kept.isEmpty()) {
             message = kept.mid(0, 3).join(u'\n');
             addLog(message, LogEntry::LogType::Error);
-        } else if (exitCode == 127) {
-            // The shell found nothing to run: say which tool is missing.
-            message += u"：找不到 yt-dlp（%1），请安装 yt-dlp 或在设置中指定它的路径"_s.arg(m_ytDlpPath);
-            addLog(message, LogEntry::LogType::Error);
         }
-        m_tasks->update(taskId, [&message](DownloadTask &task) {
+        const std::optional<QString> explanation
+            = explainFailure(FailedRun { stderrTail + stdoutTail, exitCode, crashed, m_ytDlpPath });
+        if (explanation)
+            addLog(*explanation, LogEntry::LogType::Error);
+        m_tasks->update(taskId, [&message, &explanation](DownloadTask &task) {
             task.status = DownloadStatus::Failed;
             task.errorMessage = message;
+            task.explanation = explanation;
         });
         qCInfo(lcEngine, "[Quillbox] [executeDownload] 错误信息: %ls", qUtf16Printable(message));
     }

@@ -209,7 +209,8 @@ private:
     QUuid createTask(const DownloadRequest &request, QList<DownloadTask> &created);
     void pumpQueue();
     void executeDownload(const Waiting &job);
-    void failToLaunch(const QUuid &taskId, const QString &message);
+    void failToLaunch(
+        const QUuid &taskId, const QString &message, const std::optional<QString> &explanation = std::nullopt);
     void readOutput(const QUuid &taskId, bool standardError);
     // Logs the lines and reads what they say about progress.
     ProgressUpdate handleLines(const QUuid &taskId, const QStringList &lines, bool standardError);

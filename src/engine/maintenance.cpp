@@ -13,6 +13,16 @@ EngineError launchError(const ShellResult &result)
 {
     return EngineError { u"QProcess"_s, -1, result.errorString };
 }
+
+// The first `count` characters: an emoji is one character, and a pair of surrogates is never
+// cut in two.
+QString leftCharacters(const QString &text, qsizetype count)
+{
+    qsizetype end = 0;
+    for (; end < text.size() && count > 0; --count)
+        end += text.at(end).isHighSurrogate() && end + 1 < text.size() && text.at(end + 1).isLowSurrogate() ? 2 : 1;
+    return text.left(end);
+}
 } // namespace
 
 void DownloadManager::updateYtDlp(std::function<void(const QString &)> completion)
@@ -35,7 +45,7 @@ void DownloadManager::updateYtDlp(std::function<void(const QString &)> completio
                 const QString output = result.trimmedOutput();
                 qCInfo(lcEngine, "[Quillbox] [updateYtDlp] 更新输出: %ls", qUtf16Printable(output));
                 if (result.exitCode != 0 || result.crashed) {
-                    const QString text = u"❌ 更新失败: "_s + output.left(300);
+                    const QString text = u"❌ 更新失败: "_s + leftCharacters(output, 300);
                     addLog(text, LogEntry::LogType::Error);
                     completion(text);
                     return;
@@ -93,7 +103,7 @@ void DownloadManager::listFormats(
                     return;
                 }
                 const QString message = result.standardError.isEmpty() ? combined : result.standardError;
-                addLog(u"获取格式列表失败: "_s + message.left(200), LogEntry::LogType::Error);
+                addLog(u"获取格式列表失败: "_s + leftCharacters(message, 200), LogEntry::LogType::Error);
                 answer.error = EngineError { managerDomain, result.exitCode, message };
                 completion(answer);
             },

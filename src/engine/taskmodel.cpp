@@ -56,6 +56,8 @@ QVariant TaskModel::data(const QModelIndex &index, int role) const
         return task.errorMessage.has_value();
     case NoticeRole:
         return task.notice;
+    case ExplanationRole:
+        return task.explanation.value_or(QString());
     default:
         return QVariant();
     }
@@ -81,6 +83,7 @@ QHash<int, QByteArray> TaskModel::roleNames() const
         { PercentTextRole, "percentText" },
         { HasErrorRole, "hasError" },
         { NoticeRole, "notice" },
+        { ExplanationRole, "explanation" },
     };
 }
 
@@ -176,6 +179,8 @@ void TaskModel::changed(int row, const DownloadTask &before)
         roles.append(SizeRole);
     if (after.errorMessage != before.errorMessage)
         roles << ErrorMessageRole << HasErrorRole;
+    if (after.explanation != before.explanation)
+        roles.append(ExplanationRole);
     if (after.endTime != before.endTime)
         roles.append(EndTimeRole);
     if (after.notice != before.notice)

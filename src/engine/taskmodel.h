@@ -35,6 +35,7 @@ public:
         PercentTextRole, // "42%": the whole percent, truncated
         HasErrorRole,
         NoticeRole, // "60 秒无响应" while a download has been silent that long
+        ExplanationRole, // the failure in plain words, or empty
     };
     Q_ENUM(Role)
 

@@ -34,6 +34,8 @@ public:
     QString speed;
     QString size;
     std::optional<QString> errorMessage;
+    // A failure said in plain words, with what to do; errorMessage keeps the tool's own text.
+    std::optional<QString> explanation;
     QDateTime startTime;
     std::optional<QDateTime> endTime;
     std::optional<QString> outputPath;

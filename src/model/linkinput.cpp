@@ -14,22 +14,54 @@ bool isBlank(QChar c)
 {
     return c == u'\t' || c.category() == QChar::Separator_Space;
 }
+
+QStringList wordsOf(const QString &line)
+{
+    QStringList words;
+    qsizetype begin = -1;
+    for (qsizetype i = 0; i <= line.size(); ++i) {
+        const bool blank = i == line.size() || isBlank(line.at(i));
+        if (!blank && begin < 0)
+            begin = i;
+        else if (blank && begin >= 0) {
+            words << line.mid(begin, i - begin);
+            begin = -1;
+        }
+    }
+    return words;
+}
 } // namespace
 
-QStringList linksFromInput(const QString &input)
+bool isLink(const QString &word)
 {
-    QStringList links;
+    if (word.isEmpty() || word.startsWith(u'-'))
+        return false;
+    // A scheme: "https://…", "ytsearch:…".
+    static const QRegularExpression scheme(QStringLiteral("^[A-Za-z][A-Za-z0-9+.-]*:\\S"));
+    // A host of dot-separated labels ending in a top-level name or an IPv4 address, then an
+    // optional port and path: "youtu.be/x", "www.example.com", "127.0.0.1:8000/v".
+    static const QRegularExpression host(
+        QStringLiteral("^(?:[^\\s/?#@]+@)?(?:(?:[\\w-]+\\.)+(?:[^\\W\\d_]{2,}|xn--[\\w-]+)|\\d{1,3}(?:\\.\\d{1,3}){3})"
+                       "(?::\\d+)?(?:[/?#]\\S*)?$"),
+        QRegularExpression::UseUnicodePropertiesOption);
+    return scheme.match(word).hasMatch() || host.match(word).hasMatch();
+}
+
+LinkInput readLinkInput(const QString &input)
+{
+    LinkInput result;
     for (const QString &line : input.split(lineBreaks())) {
-        qsizetype begin = 0;
-        qsizetype end = line.size();
-        while (begin < end && isBlank(line.at(begin)))
-            ++begin;
-        while (end > begin && isBlank(line.at(end - 1)))
-            --end;
-        if (end > begin)
-            links << line.mid(begin, end - begin);
+        QStringList others;
+        for (const QString &word : wordsOf(line)) {
+            if (isLink(word))
+                result.links << word;
+            else
+                others << word;
+        }
+        if (!others.isEmpty())
+            result.rejected << others.join(u' ');
     }
-    return links;
+    return result;
 }
 
 QString firstLineOf(const QString &input)

@@ -5,9 +5,21 @@
 
 // The rules of the links editor.
 
-// One link per line: lines are split at any line break, each trimmed of spaces and tabs, and
-// empty ones dropped. Nothing else is checked; a line given twice is queued twice.
-QStringList linksFromInput(const QString &input);
+// What the editor's text holds: the links to queue, in order, and the lines that are not links.
+struct LinkInput
+{
+    QStringList links;
+    QStringList rejected; // per line, the words that are not links, joined by a space
+};
+
+// One or more links per line: lines are split at any line break and into words at spaces and
+// tabs. A word is a link when it has a scheme ("https://…") or a dot-separated host
+// ("youtu.be/…") and does not begin with "-"; other words are rejected, never queued. A link
+// given twice is queued twice.
+LinkInput readLinkInput(const QString &input);
+
+// True for a word that can be queued as a link.
+bool isLink(const QString &word);
 
 // The first line as typed (not trimmed), or the whole text when it has no line break.
 QString firstLineOf(const QString &input);

@@ -22,6 +22,12 @@ Rectangle {
             linksEditor.forceActiveFocus()
     }
 
+    // Cleared through the editor itself, so the edit menu's undo brings the links back.
+    function clearLinks() {
+        linksEditor.remove(0, linksEditor.length)
+        linksEditor.forceActiveFocus()
+    }
+
     color: Theme.background
 
     InputPresenter {
@@ -80,7 +86,7 @@ Rectangle {
                             objectName: "clearButton"
                             text: "清空"
                             symbol: "xmark.circle"
-                            onClicked: AppState.urlInput = ""
+                            onClicked: root.clearLinks()
                         }
                     }
                     TextArea {
@@ -94,6 +100,19 @@ Rectangle {
                             if (text !== AppState.urlInput)
                                 AppState.urlInput = text
                         }
+                        // Tab moves the focus on, as everywhere else; Ctrl+Tab (or a pasted
+                        // tab) still puts a tab into the text.
+                        Keys.onPressed: event => {
+                            if (event.key === Qt.Key_Tab && (event.modifiers & Qt.ControlModifier)) {
+                                linksEditor.insert(linksEditor.cursorPosition, "\t")
+                                event.accepted = true
+                            } else if (event.key === Qt.Key_Tab || event.key === Qt.Key_Backtab) {
+                                const forward = event.key === Qt.Key_Tab && !(event.modifiers & Qt.ShiftModifier)
+                                linksEditor.nextItemInFocusChain(forward).forceActiveFocus(
+                                    forward ? Qt.TabFocusReason : Qt.BacktabFocusReason)
+                                event.accepted = true
+                            }
+                        }
                         placeholderText: "请输入视频链接，每行一个..."
                         placeholderTextColor: Theme.gray
                         color: Theme.text
@@ -104,9 +123,19 @@ Rectangle {
                         background: Rectangle {
                             radius: 10
                             color: Theme.raised
-                            border.width: linksEditor.activeFocus ? 1 : 0
-                            border.color: Theme.border
+                            border.width: linksEditor.activeFocus || presenter.rejectedNotice.length > 0 ? 2 : 0
+                            border.color: presenter.rejectedNotice.length > 0 ? Theme.red : Theme.accent
                         }
+                    }
+                    Text {
+                        objectName: "rejectedLinks"
+                        Layout.fillWidth: true
+                        visible: text.length > 0
+                        text: presenter.rejectedNotice
+                        color: Theme.red
+                        font.pixelSize: 12
+                        wrapMode: Text.WrapAnywhere
+                        textFormat: Text.PlainText
                     }
                     Hint {
                         text: "支持多个链接，每行一个"
@@ -165,6 +194,8 @@ Rectangle {
                             text: "自定义参数"
                         }
                         TextField {
+                            id: customField
+
                             objectName: "customField"
                             Layout.fillWidth: true
                             text: AppState.customArguments
@@ -177,6 +208,8 @@ Rectangle {
                             background: Rectangle {
                                 radius: 10
                                 color: Theme.raised
+                                border.width: customField.activeFocus ? 2 : 0
+                                border.color: Theme.accent
                             }
                         }
                         Hint {
@@ -218,6 +251,8 @@ Rectangle {
                         spacing: 8
 
                         TextField {
+                            id: outputField
+
                             objectName: "outputField"
                             Layout.fillWidth: true
                             text: AppState.outputDirectory
@@ -229,6 +264,8 @@ Rectangle {
                             background: Rectangle {
                                 radius: 8
                                 color: Theme.raised
+                                border.width: outputField.activeFocus ? 2 : 0
+                                border.color: Theme.accent
                             }
                         }
                         IconButton {
@@ -255,7 +292,15 @@ Rectangle {
                         Layout.fillWidth: true
                         implicitHeight: 42
                         enabled: !presenter.isListingFormats
+                        focusPolicy: Qt.StrongFocus
+                        Keys.onReturnPressed: clicked()
+                        Keys.onEnterPressed: clicked()
                         onClicked: presenter.listFormats()
+
+                        FocusRing {
+                            shown: formatsButton.visualFocus
+                            radius: 13
+                        }
 
                         background: Rectangle {
                             radius: 10
@@ -304,7 +349,15 @@ Rectangle {
                         objectName: "startButton"
                         Layout.fillWidth: true
                         implicitHeight: 46
+                        focusPolicy: Qt.StrongFocus
+                        Keys.onReturnPressed: clicked()
+                        Keys.onEnterPressed: clicked()
                         onClicked: presenter.startDownload()
+
+                        FocusRing {
+                            shown: startButton.visualFocus
+                            radius: 15
+                        }
 
                         background: Rectangle {
                             radius: 12
@@ -341,6 +394,14 @@ Rectangle {
                                 }
                             }
                         }
+                    }
+                    Text {
+                        objectName: "startNotice"
+                        Layout.alignment: Qt.AlignHCenter
+                        visible: text.length > 0
+                        text: presenter.startNotice
+                        color: Theme.orange
+                        font.pixelSize: 12
                     }
                 }
             }

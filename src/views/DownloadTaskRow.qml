@@ -3,7 +3,8 @@ import QtQuick.Controls.Basic
 import QtQuick.Layouts
 import Quillbox
 
-// One task of the queue: its status badge, title, details, progress while it runs, and error.
+// One task of the queue: its status badge, title, details, progress while it runs, and error. A
+// failure that has an explanation shows it first; the tool's own lines are one click away.
 AbstractButton {
     id: root
 
@@ -20,11 +21,24 @@ AbstractButton {
     required property bool hasError
     required property var errorMessage
     required property string notice
+    required property string explanation
     property bool isSelected: false
+    property bool showsToolOutput: false
+    property bool copied: false
 
     readonly property color tint: Theme.tint(statusTint)
+    readonly property bool isExplained: explanation.length > 0
+
+    // A reused row starts folded.
+    onTaskIdChanged: {
+        showsToolOutput = false
+        copied = false
+    }
 
     padding: 12
+    focusPolicy: Qt.StrongFocus
+    Keys.onReturnPressed: root.clicked()
+    Keys.onEnterPressed: root.clicked()
 
     background: Rectangle {
         radius: 12
@@ -152,14 +166,62 @@ AbstractButton {
                 }
             }
             Text {
-                objectName: "errorText"
+                objectName: "explanationText"
                 Layout.fillWidth: true
-                visible: root.hasError
-                text: root.hasError ? root.errorMessage : ""
+                visible: root.isExplained
+                text: root.explanation
                 color: Theme.red
-                font.pixelSize: 11
+                font.pixelSize: 12
                 wrapMode: Text.Wrap
             }
+            Text {
+                objectName: "errorText"
+                Layout.fillWidth: true
+                visible: root.hasError && (!root.isExplained || root.showsToolOutput)
+                text: root.hasError ? root.errorMessage : ""
+                color: root.isExplained ? Theme.gray : Theme.red
+                font.pixelSize: 11
+                font.family: root.isExplained ? Theme.fixedFont.family : root.font.family
+                wrapMode: Text.WrapAnywhere
+                textFormat: Text.PlainText
+            }
+            Row {
+                visible: root.hasError
+                spacing: 12
+
+                TextButton {
+                    objectName: "toolOutputButton"
+                    visible: root.isExplained
+                    text: root.showsToolOutput ? "隐藏原始输出" : "显示原始输出"
+                    symbol: "terminal"
+                    fontSize: 11
+                    onClicked: root.showsToolOutput = !root.showsToolOutput
+                }
+                TextButton {
+                    objectName: "copyErrorButton"
+                    text: root.copied ? "已复制" : "复制错误信息"
+                    symbol: root.copied ? "checkmark" : "doc.on.doc"
+                    tint: root.copied ? Theme.green : Theme.gray
+                    fontSize: 11
+                    onClicked: {
+                        Desktop.setClipboardText(root.errorMessage)
+                        root.copied = true
+                        copiedTimer.restart()
+                    }
+                }
+            }
         }
+    }
+
+    Timer {
+        id: copiedTimer
+
+        interval: 2000
+        onTriggered: root.copied = false
+    }
+
+    FocusRing {
+        shown: root.visualFocus
+        radius: 15
     }
 }

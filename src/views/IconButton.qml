@@ -14,6 +14,9 @@ AbstractButton {
     implicitWidth: 26
     implicitHeight: 26
     hoverEnabled: true
+    focusPolicy: Qt.StrongFocus
+    Keys.onReturnPressed: root.clicked()
+    Keys.onEnterPressed: root.clicked()
 
     background: Rectangle {
         radius: Theme.radiusSmall
@@ -28,5 +31,10 @@ AbstractButton {
             color: root.tint
             size: root.iconSize
         }
+    }
+
+    FocusRing {
+        shown: root.visualFocus
+        radius: Theme.radiusSmall + 3
     }
 }

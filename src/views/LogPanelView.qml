@@ -122,10 +122,15 @@ Rectangle {
                 Layout.fillWidth: true
             }
             AbstractButton {
+                id: newestButton
+
                 objectName: "newestButton"
                 padding: 6
                 leftPadding: 10
                 rightPadding: 10
+                focusPolicy: Qt.StrongFocus
+                Keys.onReturnPressed: clicked()
+                Keys.onEnterPressed: clicked()
                 // Switches auto-scroll on by passing through off, then shows the newest entry.
                 onClicked: {
                     if (AppState.logEntries.count === 0)
@@ -135,6 +140,10 @@ Rectangle {
                         root.autoScroll = true
                         root.scrollToNewest()
                     })
+                }
+
+                FocusRing {
+                    shown: newestButton.visualFocus
                 }
 
                 background: Rectangle {

@@ -7,12 +7,26 @@ import Quillbox
 ApplicationWindow {
     id: root
 
+    // The text item that last had the keyboard focus: an open menu takes the focus, and its
+    // edit commands are meant for the text behind it.
+    property Item lastTextItem: null
+
     // Edit commands go to whatever text item has the keyboard focus, as a menu would send them
     // down the responder chain.
     function editCommand(name: string) {
-        const item = root.activeFocusItem
-        if (item && typeof item[name] === "function")
-            item[name]()
+        if (root.handles(root.activeFocusItem, name))
+            root.activeFocusItem[name]()
+        else if (root.handles(root.lastTextItem, name))
+            root.send(root.lastTextItem, name)
+    }
+
+    function handles(item: Item, name: string): bool {
+        return item !== null && typeof item[name] === "function"
+    }
+
+    function send(item: Item, name: string) {
+        item.forceActiveFocus()
+        item[name]()
     }
 
     function toggleZoom() {
@@ -29,6 +43,10 @@ ApplicationWindow {
     minimumHeight: 600
     color: Theme.background
     visible: false
+    onActiveFocusItemChanged: {
+        if (handles(activeFocusItem, "undo"))
+            lastTextItem = activeFocusItem
+    }
 
     palette.window: Theme.background
     palette.windowText: Theme.text

@@ -16,6 +16,9 @@ AbstractButton {
 
     padding: 12
     hoverEnabled: true
+    focusPolicy: Qt.StrongFocus
+    Keys.onReturnPressed: root.clicked()
+    Keys.onEnterPressed: root.clicked()
 
     background: Rectangle {
         radius: 12
@@ -70,5 +73,10 @@ AbstractButton {
                 wrapMode: Text.Wrap
             }
         }
+    }
+
+    FocusRing {
+        shown: root.visualFocus
+        radius: 15
     }
 }

@@ -14,6 +14,9 @@ AbstractButton {
     leftPadding: 16
     rightPadding: 16
     hoverEnabled: true
+    focusPolicy: Qt.StrongFocus
+    Keys.onReturnPressed: root.clicked()
+    Keys.onEnterPressed: root.clicked()
 
     background: Rectangle {
         radius: 8
@@ -36,5 +39,10 @@ AbstractButton {
             color: root.isSelected ? Theme.text : Theme.gray
             font.pixelSize: 14
         }
+    }
+
+    FocusRing {
+        shown: root.visualFocus
+        radius: 11
     }
 }

@@ -118,7 +118,15 @@ Rectangle {
             implicitHeight: 40
             leftPadding: 20
             rightPadding: 20
+            focusPolicy: Qt.StrongFocus
+            Keys.onReturnPressed: clicked()
+            Keys.onEnterPressed: clicked()
             onClicked: AppState.showLogPanel = !AppState.showLogPanel
+
+            FocusRing {
+                shown: logButton.visualFocus
+                anchors.margins: 1
+            }
 
             contentItem: RowLayout {
                 spacing: 10
@@ -157,13 +165,23 @@ Rectangle {
         }
 
         AbstractButton {
+            id: settingsButton
+
             objectName: "settingsButton"
             Layout.fillWidth: true
             Layout.bottomMargin: 10
             implicitHeight: 40
             leftPadding: 20
             rightPadding: 20
+            focusPolicy: Qt.StrongFocus
+            Keys.onReturnPressed: clicked()
+            Keys.onEnterPressed: clicked()
             onClicked: AppState.showSettings = true
+
+            FocusRing {
+                shown: settingsButton.visualFocus
+                anchors.margins: 1
+            }
 
             contentItem: RowLayout {
                 spacing: 10

@@ -11,6 +11,9 @@ AbstractButton {
     property real fontSize: 12
 
     hoverEnabled: true
+    focusPolicy: Qt.StrongFocus
+    Keys.onReturnPressed: root.clicked()
+    Keys.onEnterPressed: root.clicked()
     padding: 4
 
     contentItem: Row {
@@ -30,5 +33,10 @@ AbstractButton {
             color: root.tint
             font.pixelSize: root.fontSize
         }
+    }
+
+    FocusRing {
+        shown: root.visualFocus
+        radius: 6
     }
 }

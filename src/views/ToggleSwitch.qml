@@ -9,6 +9,15 @@ Switch {
     property string symbol
 
     spacing: 8
+    focusPolicy: Qt.StrongFocus
+    Keys.onReturnPressed: {
+        root.toggle()
+        root.toggled()
+    }
+    Keys.onEnterPressed: {
+        root.toggle()
+        root.toggled()
+    }
     font.pixelSize: 13
 
     indicator: Rectangle {
@@ -53,5 +62,10 @@ Switch {
             font: root.font
             color: Theme.text
         }
+    }
+
+    FocusRing {
+        shown: root.visualFocus
+        radius: 8
     }
 }

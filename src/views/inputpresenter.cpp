@@ -4,6 +4,8 @@
 #include "model/appstate.h"
 #include "model/linkinput.h"
 
+using namespace Qt::StringLiterals;
+
 InputPresenter::InputPresenter(QObject *parent)
     : InputPresenter(AppState::instance(), DownloadManager::instance(), parent)
 {
@@ -14,12 +16,18 @@ InputPresenter::InputPresenter(AppState *state, DownloadManager *downloads, QObj
     , m_state(state)
     , m_downloads(downloads)
 {
+    if (m_state)
+        connect(m_state, &AppState::urlInputChanged, this, [this] { setNotices({}, {}); });
 }
 
 void InputPresenter::startDownload()
 {
-    if (!m_state || !m_downloads || m_state->urlInput().isEmpty())
+    if (!m_state || !m_downloads)
         return;
+    if (m_state->urlInput().isEmpty()) {
+        setNotices({}, u"请先输入视频链接"_s);
+        return;
+    }
     m_isLoading = true;
     Q_EMIT isLoadingChanged();
 
@@ -29,9 +37,10 @@ void InputPresenter::startDownload()
     request.outputDir = m_state->outputDirectory();
     request.downloadPlaylist = m_state->downloadPlaylist();
     request.useCookies = m_state->useCookies();
-    const QStringList links = linksFromInput(m_state->urlInput());
-    if (!links.isEmpty())
-        m_downloads->startDownloads(links, request);
+    const LinkInput input = readLinkInput(m_state->urlInput());
+    if (!input.links.isEmpty())
+        m_downloads->startDownloads(input.links, request);
+    setNotices(input.rejected, input.links.isEmpty() ? u"没有可以下载的链接"_s : QString());
 
     m_isLoading = false;
     Q_EMIT isLoadingChanged();
@@ -69,6 +78,20 @@ bool InputPresenter::dropLinks(const QList<QUrl> &urls, const QString &text)
     for (const QUrl &url : urls)
         links << (url.isLocalFile() ? url.toLocalFile() : url.toString());
     return paste(links.isEmpty() ? text.trimmed() : links.join(u'\n'));
+}
+
+QString InputPresenter::rejectedNotice() const
+{
+    return m_rejectedLines.isEmpty() ? QString() : u"不是有效的链接："_s + m_rejectedLines.join(u'\n');
+}
+
+void InputPresenter::setNotices(const QStringList &rejectedLines, const QString &startNotice)
+{
+    if (m_rejectedLines == rejectedLines && m_startNotice == startNotice)
+        return;
+    m_rejectedLines = rejectedLines;
+    m_startNotice = startNotice;
+    Q_EMIT noticesChanged();
 }
 
 void InputPresenter::setListingFormats(bool value)

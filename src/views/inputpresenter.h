@@ -16,6 +16,13 @@ class InputPresenter : public QObject
     QML_ELEMENT
     Q_PROPERTY(bool isLoading READ isLoading NOTIFY isLoadingChanged)
     Q_PROPERTY(bool isListingFormats READ isListingFormats NOTIFY isListingFormatsChanged)
+    // What the last start left out: the words of each line that are not links. Cleared when the
+    // editor changes.
+    Q_PROPERTY(QStringList rejectedLines READ rejectedLines NOTIFY noticesChanged)
+    // "不是有效的链接：" and those lines, one per line; empty when there are none.
+    Q_PROPERTY(QString rejectedNotice READ rejectedNotice NOTIFY noticesChanged)
+    // Why the last start queued nothing, said beside the button; empty otherwise.
+    Q_PROPERTY(QString startNotice READ startNotice NOTIFY noticesChanged)
 
 public:
     // Bound to the process-wide AppState and DownloadManager.
@@ -24,9 +31,13 @@ public:
 
     bool isLoading() const { return m_isLoading; }
     bool isListingFormats() const { return m_isListingFormats; }
+    QStringList rejectedLines() const { return m_rejectedLines; }
+    QString rejectedNotice() const;
+    QString startNotice() const { return m_startNotice; }
 
     // One download per link of the editor, in order, with the form's preset, folder and
-    // switches; custom arguments only under the custom preset. The editor keeps its text.
+    // switches; custom arguments only under the custom preset. The editor keeps its text; what
+    // is not a link is left out and named in rejectedLines.
     Q_INVOKABLE void startDownload();
     // Lists the formats of the editor's first line; the answer comes as formatsListed() or
     // formatsFailed(). One listing at a time.
@@ -39,14 +50,18 @@ public:
 Q_SIGNALS:
     void isLoadingChanged();
     void isListingFormatsChanged();
+    void noticesChanged();
     void formatsListed(const QString &text);
     void formatsFailed(const QString &description);
 
 private:
     void setListingFormats(bool value);
+    void setNotices(const QStringList &rejectedLines, const QString &startNotice);
 
     QPointer<AppState> m_state;
     QPointer<DownloadManager> m_downloads;
     bool m_isLoading = false;
     bool m_isListingFormats = false;
+    QStringList m_rejectedLines;
+    QString m_startNotice;
 };

@@ -307,6 +307,7 @@ void TestDownloadExecution::failureMessages()
     QTRY_VERIFY_WITH_TIMEOUT(allFinished(*engine), 20000);
     QCOMPARE(only(*engine).status, DownloadStatus::Failed);
     QCOMPARE(only(*engine).errorMessage, std::optional(message));
+    QCOMPARE(only(*engine).explanation, std::nullopt); // nothing known: the tool's text alone
     QVERIFY(!only(*engine).endTime);
     QTRY_VERIFY(EngineFixture::messages(engine->state).contains(u"❌ 下载失败 (错误码: %1)"_s.arg(exitCode)));
 }
@@ -332,9 +333,11 @@ void TestDownloadExecution::missingYtDlp()
     manager.startDownload(
         u"https://m.example/v"_s, DownloadPreset::Default, QString(), fixture.path(u"out"_s), true, false);
     QTRY_COMPARE_WITH_TIMEOUT(manager.tasks().constFirst().status, DownloadStatus::Failed, 20000);
-    const QString message = manager.tasks().constFirst().errorMessage.value_or(QString());
-    QVERIFY2(
-        message.startsWith(u"下载失败 (错误码: 127)"_s) && message.contains(u"找不到 yt-dlp"_s), qPrintable(message));
+    // The usual message, and beside it which tool is missing.
+    const DownloadTask task = manager.tasks().constFirst();
+    QCOMPARE(task.errorMessage, std::optional(u"下载失败 (错误码: 127)"_s));
+    QVERIFY2(task.explanation.value_or(QString()).startsWith(u"找不到 yt-dlp"_s),
+        qPrintable(task.explanation.value_or(QString())));
 }
 
 void TestDownloadExecution::atMostNAtOnce()
@@ -449,7 +452,9 @@ void TestDownloadExecution::launchFailuresLoseNothing()
     for (int i : { 2, 3 }) {
         const DownloadTask &task = engine->manager->tasks().at(i);
         QCOMPARE(task.status, DownloadStatus::Failed);
-        QVERIFY(task.errorMessage.value_or(QString()).contains(u"无法启动"_s));
+        QVERIFY(task.errorMessage.has_value());
+        QVERIFY(task.explanation.value_or(QString()).contains(
+            u"无法启动命令解释器 "_s + engine->fixture.path(u"no-shell"_s)));
     }
     QCOMPARE(engine->manager->runningCount(), 0);
 }

@@ -253,6 +253,9 @@ void TestEndToEnd::missingMediaFails()
     });
     QVERIFY(toolLine != log.cend());
     QCOMPARE(toolLine->type, LogEntry::LogType::Error);
+    // Explained in plain words, in the task and as the log's last line.
+    QVERIFY(task.explanation.value_or(QString()).startsWith(u"链接不存在或已删除"_s));
+    QCOMPARE(log.constLast().message, *task.explanation);
 }
 
 void TestEndToEnd::progressWhileThrottled()

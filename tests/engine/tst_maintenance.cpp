@@ -73,9 +73,10 @@ void TestMaintenance::update_data()
                                         << u"✅ 更新成功，当前版本: 2026.02.01"_s << true;
     QTest::newRow("brew fails: yt-dlp -U") << QByteArray("echo 'Error: no formula'; exit 1") << QByteArray("done") << 0
                                            << 0 << u"✅ 更新成功，当前版本: 2026.02.01"_s << true;
-    const QByteArray longOutput = QByteArray("错").repeated(10) + QByteArray("x").repeated(990);
+    const QByteArray emoji = QByteArray("\xF0\x9F\x98\x80"); // one character, two UTF-16 units
     QTest::newRow("failure shows the first 300 characters")
-        << QByteArray() << longOutput << 1 << 0 << u"❌ 更新失败: "_s + QString::fromUtf8(longOutput).left(300) << true;
+        << QByteArray() << emoji.repeated(1000) << 1 << 0 << u"❌ 更新失败: "_s + QString::fromUtf8(emoji.repeated(300))
+        << true;
     QTest::newRow("updated but the version probe fails")
         << QByteArray() << QByteArray("ok") << 0 << 1 << u"✅ 命令执行成功，但版本检测失败"_s << true;
 }
@@ -157,10 +158,10 @@ void TestMaintenance::listFormats_data()
     QTest::newRow("failure says stderr") << QByteArray("partial") << QByteArray("ERROR: Unsupported URL") << 1 << false
                                          << u"ERROR: Unsupported URL\n"_s
                                          << u"获取格式列表失败: ERROR: Unsupported URL\n"_s;
-    const QByteArray longOut = QByteArray("y").repeated(500);
-    QTest::newRow("failure on stdout only")
-        << longOut << QByteArray() << 2 << false << QString::fromLatin1(longOut + '\n')
-        << u"获取格式列表失败: "_s + QString::fromLatin1(longOut.left(200));
+    const QByteArray emoji = QByteArray("\xF0\x9F\x98\x80").repeated(1000);
+    QTest::newRow("failure on stdout only: the first 200 characters")
+        << emoji << QByteArray() << 2 << false << QString::fromUtf8(emoji + '\n')
+        << u"获取格式列表失败: "_s + QString::fromUtf8(QByteArray("\xF0\x9F\x98\x80").repeated(200));
 }
 
 void TestMaintenance::listFormats()

@@ -11,11 +11,13 @@ its stdin reaches end of file when stdin is a pipe or socket (so a test that die
 it behind). A terminal or /dev/null on stdin is not watched.
 
 Supports GET and HEAD, single byte ranges (206 / 416), Accept-Ranges and proper Content-Type for
-media and manifests. --rate-limit throttles every response body to about that many bytes per
-second.
+media and manifests. /status/CODE/... answers with that HTTP status (403, 404, 410, 429, ...),
+and /named/FILE/ANY-NAME serves FILE under any name. --rate-limit throttles every response body
+to about that many bytes per second.
 
 --generate first creates, with ffmpeg, whatever of these is missing in DIR:
     video.mp4            H.264 (or MPEG-4 part 2) + AAC, faststart
+    silent.mp4           the same video without an audio track
     audio.m4a            AAC only
     hls/index.m3u8       VOD playlist with 1 s .ts segments
     dash/manifest.mpd    separate video-only and audio-only representations
@@ -34,6 +36,7 @@ import tempfile
 import threading
 import time
 import urllib.parse
+from http import HTTPStatus
 from http.server import BaseHTTPRequestHandler, ThreadingHTTPServer
 
 HOST = "127.0.0.1"
@@ -58,6 +61,8 @@ CONTENT_TYPES = {
 }
 
 CHUNK = 64 * 1024
+
+STATUS_CODES = {status.value for status in HTTPStatus}
 
 
 # --------------------------------------------------------------------------------------------
@@ -137,6 +142,9 @@ def generate(root, duration):
 
     _make_file(root, "video.mp4", av + ["-movflags", "+faststart", "-f", "mp4"],
                duration, ffmpeg, timings)
+    _make_file(root, "silent.mp4", ["-map", "0:v"] + vcodec + gop + ["-movflags", "+faststart",
+                                                                     "-f", "mp4"],
+               duration, ffmpeg, timings)
     _make_file(root, "audio.m4a", ["-map", "1:a"] + aac + ["-movflags", "+faststart",
                                                            "-f", "ipod"],
                duration, ffmpeg, timings)
@@ -190,7 +198,16 @@ class MediaHandler(BaseHTTPRequestHandler):
         path = urllib.parse.urlsplit(self.path).path
         path = posixpath.normpath(urllib.parse.unquote(path))
         parts = [p for p in path.split("/") if p and p not in (".", "..")]
+        # /named/ANY/NAME.EXT serves ANY (a file under DIR) under a name no file system would
+        # take, such as one longer than 255 bytes.
+        if len(parts) >= 3 and parts[0] == "named":
+            parts = [parts[1]]
         return os.path.join(self.server.root, *parts)
+
+    def _status_path(self):
+        """The code of /status/CODE/..., which answers CODE instead of a file."""
+        m = re.match(r"/status/(\d{3})(/|$)", urllib.parse.urlsplit(self.path).path)
+        return int(m.group(1)) if m else None
 
     def _send_error_page(self, code, message, extra_headers=()):
         body = f"{code} {message}\n".encode()
@@ -204,6 +221,12 @@ class MediaHandler(BaseHTTPRequestHandler):
             self.wfile.write(body)
 
     def _serve(self, body):
+        status = self._status_path()
+        if status is not None:
+            extra = [("Retry-After", "60")] if status == 429 else []
+            self._send_error_page(status, HTTPStatus(status).phrase if status in STATUS_CODES
+                                  else "Error", extra)
+            return
         local = self._local_path()
         try:
             f = open(local, "rb")

@@ -50,20 +50,41 @@ void TestInputPresenter::links_data()
 {
     QTest::addColumn<QString>("input");
     QTest::addColumn<QStringList>("links");
-    QTest::newRow("trimmed, blanks dropped") << u"  a  \n\n\tb\n   "_s << QStringList { u"a"_s, u"b"_s };
-    QTest::newRow("only blank lines") << u"\n  \n\t\n"_s << QStringList();
-    QTest::newRow("any line break") << u"a\r\nb\rc\u2028d\u0085e"_s
-                                    << QStringList { u"a"_s, u"b"_s, u"c"_s, u"d"_s, u"e"_s };
-    QTest::newRow("wide spaces trimmed") << u"\u3000a\u00a0"_s << QStringList { u"a"_s };
-    QTest::newRow("inner spaces kept") << u" a b "_s << QStringList { u"a b"_s };
-    QTest::newRow("duplicates kept") << u"x\nx"_s << QStringList { u"x"_s, u"x"_s };
+    QTest::addColumn<QStringList>("rejected");
+    const QString a = u"https://a.example/v?x=1"_s;
+    const QString b = u"youtu.be/b"_s;
+    QTest::newRow("trimmed, blanks dropped")
+        << u"  "_s + a + u"  \n\n\t"_s + b + u"\n   "_s << QStringList { a, b } << QStringList();
+    QTest::newRow("only blank lines") << u"\n  \n\t\n"_s << QStringList() << QStringList();
+    QTest::newRow("any line break") << a + u"\r\n"_s + b + u"\r"_s + a + u"\u2028"_s + b + u"\u0085"_s + a
+                                    << QStringList { a, b, a, b, a } << QStringList();
+    QTest::newRow("wide spaces trimmed") << u"\u3000"_s + a + u"\u00a0"_s << QStringList { a } << QStringList();
+    QTest::newRow("two links on a line") << a + u" \t"_s + b << QStringList { a, b } << QStringList();
+    QTest::newRow("duplicates kept") << a + u"\n"_s + a << QStringList { a, a } << QStringList();
+    QTest::newRow("words are not links") << u"hello world\n"_s + a << QStringList { a }
+                                         << QStringList { u"hello world"_s };
+    QTest::newRow("a link beside words") << b + u" 好看的视频"_s << QStringList { b }
+                                         << QStringList { u"好看的视频"_s };
+    QTest::newRow("options are never links")
+        << u"--exec rm\n-https://a.example/v\n--config-locations=x.example"_s << QStringList()
+        << QStringList { u"--exec rm"_s, u"-https://a.example/v"_s, u"--config-locations=x.example"_s };
+    QTest::newRow("hosts, addresses and schemes")
+        << u"www.example.com 127.0.0.1:8000/v bücher.example ytsearch:cats ftp://h/x"_s
+        << QStringList { u"www.example.com"_s, u"127.0.0.1:8000/v"_s, u"bücher.example"_s, u"ytsearch:cats"_s,
+               u"ftp://h/x"_s }
+        << QStringList();
+    QTest::newRow("no host") << u"localhost/x a.b1 file.mp4 .example"_s << QStringList()
+                             << QStringList { u"localhost/x a.b1 file.mp4 .example"_s };
 }
 
 void TestInputPresenter::links()
 {
     QFETCH(QString, input);
     QFETCH(QStringList, links);
-    QCOMPARE(linksFromInput(input), links);
+    QFETCH(QStringList, rejected);
+    const LinkInput read = readLinkInput(input);
+    QCOMPARE(read.links, links);
+    QCOMPARE(read.rejected, rejected);
 }
 
 void TestInputPresenter::firstLine_data()
@@ -106,7 +127,8 @@ void TestInputPresenter::startQueuesEveryLink()
     auto engine = makeEngine();
     InputPresenter presenter(&engine->state, engine->manager.get());
     QSignalSpy loading(&presenter, &InputPresenter::isLoadingChanged);
-    engine->state.setUrlInput(u"  a  \n\n\tb\n   "_s);
+    const QString input = u"  a.example/1  \n\nhello world\n\thttps://b.example/2\n   "_s;
+    engine->state.setUrlInput(input);
     engine->state.setSelectedPreset(DownloadPreset::AudioOnly);
     engine->state.setDownloadPlaylist(false);
     presenter.startDownload();
@@ -114,9 +136,13 @@ void TestInputPresenter::startQueuesEveryLink()
     QVERIFY(!presenter.isLoading());
     const auto tasks = engine->manager->tasks();
     QCOMPARE(tasks.size(), 2);
-    QCOMPARE(tasks.at(0).url, u"a"_s);
-    QCOMPARE(tasks.at(1).url, u"b"_s);
-    QCOMPARE(engine->state.urlInput(), u"  a  \n\n\tb\n   "_s); // the editor keeps its text
+    QCOMPARE(tasks.at(0).url, u"a.example/1"_s);
+    QCOMPARE(tasks.at(1).url, u"https://b.example/2"_s);
+    QCOMPARE(engine->state.urlInput(), input); // the editor keeps its text
+    QCOMPARE(presenter.rejectedLines(), QStringList { u"hello world"_s });
+    QCOMPARE(presenter.startNotice(), QString());
+    engine->state.setUrlInput(input + u"x"_s); // an edit clears the marks
+    QCOMPARE(presenter.rejectedLines(), QStringList());
 
     QTRY_COMPARE_WITH_TIMEOUT(engine->fake.runs().size(), 2, 20000);
     for (const QStringList &argv : engine->fake.runs()) {
@@ -152,12 +178,16 @@ void TestInputPresenter::blankInputQueuesNothing()
     auto engine = makeEngine();
     InputPresenter presenter(&engine->state, engine->manager.get());
     QSignalSpy loading(&presenter, &InputPresenter::isLoadingChanged);
-    presenter.startDownload(); // empty: nothing at all
+    presenter.startDownload(); // empty: nothing but the notice
     QCOMPARE(loading.count(), 0);
-    engine->state.setUrlInput(u" \n\t\n"_s);
-    presenter.startDownload(); // blank lines: busy for a moment, nothing queued
+    QCOMPARE(presenter.startNotice(), u"请先输入视频链接"_s);
+    engine->state.setUrlInput(u" \n\t\nhello\n"_s);
+    QCOMPARE(presenter.startNotice(), QString());
+    presenter.startDownload(); // no link: busy for a moment, nothing queued
     QCOMPARE(loading.count(), 2);
     QCOMPARE(engine->manager->tasks().size(), 0);
+    QCOMPARE(presenter.startNotice(), u"没有可以下载的链接"_s);
+    QCOMPARE(presenter.rejectedLines(), QStringList { u"hello"_s });
 }
 
 void TestInputPresenter::listFormats()

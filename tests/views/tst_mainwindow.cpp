@@ -1,5 +1,6 @@
 #include "app/applifecycle.h"
 #include "app/hexcolor.h"
+#include "model/appstate.h"
 #include "views/qmlsetup.h"
 
 #include "testsupport.h"
@@ -32,6 +33,7 @@ private Q_SLOTS:
     void unusableGeometryIgnored();
     void keyEquivalents();
     void menusAsDesigned();
+    void undoBringsBackClearedLinks();
 
 private:
     std::unique_ptr<QQmlApplicationEngine> loadMain();
@@ -176,7 +178,8 @@ void TestMainWindow::menusAsDesigned()
     // Opening a menu again, as a person does, does not add its entries twice; and
     // "关于 Quillbox" opens the About panel, made on that first use.
     const auto clickCentre = [window](QQuickItem *item) {
-        QTest::mouseClick(window, Qt::LeftButton, {}, item->mapToScene(QPointF(item->width() / 2, item->height() / 2)).toPoint());
+        QTest::mouseClick(
+            window, Qt::LeftButton, {}, item->mapToScene(QPointF(item->width() / 2, item->height() / 2)).toPoint());
     };
     QQuickItem *title = nullptr;
     QVERIFY(QMetaObject::invokeMethod(menuBar, "itemAt", Q_RETURN_ARG(QQuickItem *, title), Q_ARG(int, 0)));
@@ -189,6 +192,42 @@ void TestMainWindow::menusAsDesigned()
     auto *about = window->findChild<QObject *>(u"aboutDialog"_s);
     QVERIFY(about);
     QTRY_VERIFY(about->property("opened").toBool());
+}
+
+// "清空" is an edit of the links, so the edit menu's "撤销" brings them back.
+void TestMainWindow::undoBringsBackClearedLinks()
+{
+    auto engine = loadMain();
+    auto *window = qobject_cast<QQuickWindow *>(engine->rootObjects().constFirst());
+    AppLifecycle lifecycle(nullptr);
+    lifecycle.attachMainWindow(window);
+    QVERIFY(QTest::qWaitForWindowExposed(window));
+    window->requestActivate();
+    QVERIFY(QTest::qWaitForWindowActive(window));
+    const auto clickCentre = [window](QQuickItem *item) {
+        QTest::mouseClick(
+            window, Qt::LeftButton, {}, item->mapToScene(QPointF(item->width() / 2, item->height() / 2)).toPoint());
+    };
+
+    const QString links = u"https://a.example/1\nhttps://b.example/2"_s;
+    AppState::instance()->setUrlInput(links);
+    auto *clear = window->findChild<QQuickItem *>(u"clearButton"_s);
+    QVERIFY(clear);
+    clickCentre(clear);
+    QCOMPARE(AppState::instance()->urlInput(), QString());
+
+    const QQmlListReference menus(window->property("menuBar").value<QObject *>(), "menus");
+    QObject *editMenu = menus.at(2);
+    QCOMPARE(editMenu->property("title").toString(), u"编辑"_s);
+    QVERIFY(QMetaObject::invokeMethod(editMenu, "open"));
+    QTRY_VERIFY(editMenu->property("opened").toBool());
+    QQuickItem *undo = nullptr;
+    QVERIFY(QMetaObject::invokeMethod(editMenu, "itemAt", Q_RETURN_ARG(QQuickItem *, undo), Q_ARG(int, 0)));
+    QCOMPARE(undo->property("text").toString(), u"撤销"_s);
+    // The menu lays out its entries, made as it opens, on the next frame.
+    QTRY_VERIFY(editMenu->property("height").toReal() > 4 * undo->height());
+    clickCentre(undo);
+    QTRY_COMPARE(AppState::instance()->urlInput(), links);
 }
 
 QTEST_MAIN(TestMainWindow)

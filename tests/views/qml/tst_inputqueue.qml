@@ -68,31 +68,75 @@ TestCase {
         return TestHelper.taskUrls().slice(before)
     }
 
-    function test_startQueuesTrimmedLinksInOrder() {
+    function test_onlyLinksAreQueued() {
         const before = DownloadManager.tasks.count
-        AppState.urlInput = "  a  \n\n\tb\n   "
+        const input = "  https://a.example/1  \n\nhello world\n\tb.example/2 https://b.example/3\n   "
+        AppState.urlInput = input
+        const marks = child("rejectedLinks")
+        compare(marks.visible, false)
         pressStart()
-        compare(newTasks(before), ["a", "b"])
-        compare(AppState.urlInput, "  a  \n\n\tb\n   ")
-        compare(child("taskList").count, before + 2)
+        compare(newTasks(before), ["https://a.example/1", "b.example/2", "https://b.example/3"])
+        compare(AppState.urlInput, input)
+        compare(child("taskList").count, before + 3)
+        verify(marks.visible)
+        compare(marks.text, "不是有效的链接：hello world")
+        compare(child("startNotice").visible, false)
     }
 
-    function test_blankLinesQueueNothing() {
+    function test_anEmptyStartSaysSo() {
         const before = DownloadManager.tasks.count
-        AppState.urlInput = "   \n\t\n"
+        const notice = child("startNotice")
+        compare(notice.visible, false)
         pressStart()
+        verify(notice.visible)
+        compare(notice.text, "请先输入视频链接")
         compare(DownloadManager.tasks.count, before)
+        AppState.urlInput = "x"
+        compare(notice.visible, false)
     }
 
     function test_typedLinksAreQueued() {
         const before = DownloadManager.tasks.count
         const editor = child("linksEditor")
         mouseClick(editor)
-        keySequence("h")
-        keyClick(Qt.Key_T)
-        compare(AppState.urlInput, "ht")
+        for (const key of "x.io")
+            keySequence(key)
+        compare(AppState.urlInput, "x.io")
         pressStart()
-        compare(newTasks(before), ["ht"])
+        compare(newTasks(before), ["x.io"])
+    }
+
+    // Tab walks the pane top to bottom, each focused control ringed in the accent; Ctrl+Tab
+    // types a tab into the links; Enter presses the focused button.
+    function test_keyboard() {
+        const before = DownloadManager.tasks.count
+        const editor = child("linksEditor")
+        mouseClick(editor)
+        keySequence("a")
+        keySequence(".")
+        keySequence("b")
+        keySequence("c")
+        keyClick(Qt.Key_Tab, Qt.ControlModifier)
+        compare(AppState.urlInput, "a.bc\t")
+        keyClick(Qt.Key_Backtab, Qt.ShiftModifier)
+        verify(child("clearButton").activeFocus)
+        keyClick(Qt.Key_Tab)
+        verify(editor.activeFocus)
+
+        const order = ["preset0", "preset1", "preset2", "preset3", "preset4", "preset5", "playlistSwitch",
+                       "cookieSwitch", "outputField", "folderButton", "listFormatsButton", "startButton"]
+        for (const name of order) {
+            keyClick(Qt.Key_Tab)
+            const item = child(name)
+            verify(item.activeFocus, name)
+            const ring = findChild(item, "focusRing")
+            if (ring) {
+                verify(ring.visible, name)
+                verify(Qt.colorEqual(ring.border.color, Theme.accent))
+            }
+        }
+        keyClick(Qt.Key_Return)
+        compare(newTasks(before), ["a.bc"])
     }
 
     function test_paste() {
@@ -104,6 +148,7 @@ TestCase {
         compare(AppState.urlInput, "https://p.example/1\nhttps://p.example/2")
         mouseClick(child("clearButton"))
         compare(AppState.urlInput, "")
+        verify(child("linksEditor").activeFocus) // where the edit menu's undo goes
     }
 
     function test_droppedLinksJoinTheEditor() {
@@ -305,7 +350,7 @@ TestCase {
         compare(notice.text, "60 秒无响应")
     }
 
-    function test_failedRowShowsItsErrorInRed() {
+    function test_failedRowExplainsFirst() {
         const before = DownloadManager.tasks.count
         TestHelper.setScenario('[{"err": "ERROR: HTTP Error 404: Not Found\\n"}]', 1)
         AppState.urlInput = "https://e.example/missing"
@@ -315,11 +360,22 @@ TestCase {
         list.positionViewAtEnd()
         let row = null
         tryVerify(() => (row = list.itemAtIndex(before)) !== null)
+        const explanation = findChild(row, "explanationText")
         const error = findChild(row, "errorText")
-        tryCompare(error, "visible", true)
-        compare(error.text, "ERROR: HTTP Error 404: Not Found")
-        verify(Qt.colorEqual(error.color, Theme.red))
+        tryCompare(explanation, "visible", true)
+        verify(explanation.text.startsWith("链接不存在或已删除"))
+        verify(Qt.colorEqual(explanation.color, Theme.red))
+        compare(error.visible, false)
         compare(findChild(row, "progressRow").visible, false)
         compare(findChild(row, "statusText").text, "失败")
+
+        // The tool's own line, one click away, under the explanation; and copied as it is.
+        mouseClick(findChild(row, "toolOutputButton"))
+        verify(error.visible)
+        compare(error.text, "ERROR: HTTP Error 404: Not Found")
+        tryVerify(() => error.mapToItem(row, 0, 0).y > explanation.mapToItem(row, 0, 0).y)
+        Desktop.setClipboardText("")
+        mouseClick(findChild(row, "copyErrorButton"))
+        compare(Desktop.clipboardText(), "ERROR: HTTP Error 404: Not Found")
     }
 }

@@ -1,0 +1,151 @@
+#include "engine/errorexplanation.h"
+
+#include <QList>
+#include <QRegularExpression>
+
+#include <csignal>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+const QString cookieAdvice = u"请在“Cookie 管理”中选择已登录该网站的浏览器或 Cookie 文件，并打开“Cookie”开关后重试。"_s;
+const QString settingsRecheck = u"然后在“设置”中重新检测。"_s;
+
+struct Rule
+{
+    QRegularExpression pattern;
+    QString text; // "%1" takes the pattern's first captured group
+    bool aboutFormats = false; // a missing JavaScript runtime is the likelier cause
+};
+
+// Earlier rules win: the specific cause before the general symptom (a private video is also
+// "unavailable", a file name too long also cannot be opened for writing).
+const QList<Rule> &rules()
+{
+    const auto rule = [](const char16_t *pattern, QString text, bool aboutFormats = false) {
+        return Rule { QRegularExpression(QString::fromUtf16(pattern), QRegularExpression::CaseInsensitiveOption),
+            std::move(text), aboutFormats };
+    };
+    static const QList<Rule> table {
+        rule(u"No supported JavaScript runtime|n challenge solving failed|nsig extraction failed|"
+             u"challenge solver",
+            u"缺少 JavaScript 运行时：YouTube 需要它来解析视频。请安装 Deno（https://deno.com），"_s + settingsRecheck),
+        rule(u"confirm (that )?you.?re not a bot",
+            u"需要登录：网站要求确认你不是机器人。"_s + cookieAdvice + u"也可以稍后再试。"_s),
+        rule(u"confirm your age|age.restricted|inappropriate for some users",
+            u"需要登录：这个视频有年龄限制，只有登录的账号才能观看。"_s + cookieAdvice),
+        rule(u"members.only|join this channel", u"需要登录：这个视频仅对频道会员开放。"_s + cookieAdvice),
+        rule(u"private video|this video is private",
+            u"需要登录：这是私享视频，只有获得授权的账号才能观看。"_s + cookieAdvice),
+        rule(u"sign in|HTTP Error 401\\b|log ?in required|registered users|requires? authentication|logged.in",
+            u"需要登录：这个视频只对登录的用户开放。"_s + cookieAdvice),
+        rule(u"geo.?restrict|not available (from|in) your (location|country)|available in your country|"
+             u"in your country",
+            u"地区限制：这个视频在你所在的地区不可用。可以在自定义参数中用 --proxy 指定代理后重试。"_s),
+        rule(u"HTTP Error 404\\b|HTTP Error 410\\b|video unavailable|has been removed|no longer available",
+            u"链接不存在或已删除（HTTP 404/410）：请检查链接是否完整、正确，或视频是否已被删除。"_s),
+        rule(u"HTTP Error 403\\b|HTTP Error 429\\b|Too Many Requests",
+            u"访问被拒绝或请求过多（HTTP 403/429）：网站暂时拒绝了下载。请稍等一会儿再试，或在“设置”中调低“同时下载数”，也可以在“Cookie 管理”中使用 Cookie。"_s),
+        rule(u"ffprobe and ffmpeg not found|ffmpeg not found|ffprobe not found|ffmpeg is not installed|"
+             u"ffmpeg-location .* does not exist",
+            u"找不到 FFmpeg：提取音频和合并音视频都需要它。请安装 FFmpeg，"_s + settingsRecheck),
+        rule(u"unable to obtain file audio codec|does not contain any audio|no audio stream|"
+             u"does not contain any stream",
+            u"这个视频没有音轨，无法提取音频：请换用“默认”或“最佳画质”预设下载。"_s),
+        rule(u"Requested format is not available|Only images are available|No video formats found",
+            u"没有所需的格式：这个视频不提供所选预设要求的格式。请换一个预设，或用“查看可用格式”查看后在自定义参数中选择。"_s,
+            true),
+        rule(u"File name too long|Errno 36\\b",
+            u"文件名太长：视频标题超出了系统允许的长度。请选择“自定义”预设，加上 --trim-filenames 150 后重试。"_s),
+        rule(u"No space left on device|Errno 28\\b|Disk quota exceeded",
+            u"磁盘空间不足：输出目录所在的磁盘已满。请清理空间，或换一个输出目录。"_s),
+        rule(u"Permission denied|Read-only file system|Errno 13\\b|Errno 30\\b|unable to open for writing",
+            u"无法写入输出目录：没有写入权限，或磁盘是只读的。请换一个可以写入的输出目录。"_s),
+        rule(u"ffmpeg exited with code|Conversion failed|Postprocessing:|ffprobe",
+            u"FFmpeg 处理失败：转换或合并时出错。请在“设置”中确认 FFmpeg 可用，或换一个预设再试。"_s),
+        rule(u"is not a valid URL", u"不是有效的链接：请确认它是视频页面的完整地址，以 http:// 或 https:// 开头。"_s),
+        rule(u"Unsupported URL",
+            u"不支持的链接：yt-dlp 在这个页面上找不到可以下载的视频。请确认链接指向视频页面本身。"_s),
+        rule(u"Connection refused|Errno 111\\b",
+            u"网络连接失败：对方拒绝了连接。请检查链接中的网址和端口，稍后再试。"_s),
+        rule(u"name resolution|Name or service not known|nodename nor servname|getaddrinfo failed|"
+             u"No address associated",
+            u"网络连接失败：无法解析网址中的域名。请检查网址拼写和网络连接。"_s),
+        rule(u"timed out|Errno 110\\b|Errno 60\\b", u"网络连接失败：连接超时。请检查网络或代理设置后重试。"_s),
+        rule(u"Network is unreachable|Connection reset|Connection aborted|Remote end closed",
+            u"网络连接失败：连接中断。请检查网络后重试。"_s),
+        rule(u"(?:no such|ambiguous) option: (\\S+)",
+            u"参数无法识别：yt-dlp 不认识“%1”，通常是 yt-dlp 版本太旧。请在“设置”中更新 yt-dlp，或检查自定义参数。"_s),
+    };
+    return table;
+}
+
+const QString &jsRuntimeText()
+{
+    return rules().constFirst().text;
+}
+
+bool isErrorLine(const QString &line)
+{
+    return line.contains(u"ERROR") || line.contains(u"error:");
+}
+
+// The first rule that one of `lines` matches, with its text filled in.
+std::optional<QString> firstMatch(const QStringList &lines, bool jsRuntimeTrouble)
+{
+    for (const Rule &rule : rules()) {
+        for (const QString &line : lines) {
+            const QRegularExpressionMatch match = rule.pattern.match(line);
+            if (!match.hasMatch())
+                continue;
+            if (rule.aboutFormats && jsRuntimeTrouble)
+                return jsRuntimeText();
+            return rule.text.contains(u"%1") ? rule.text.arg(match.captured(1)) : rule.text;
+        }
+    }
+    return std::nullopt;
+}
+
+bool killedFromOutside(const FailedRun &run)
+{
+    // A shell that did not replace itself with the tool reports a signal as 128 + its number.
+    static constexpr int stopSignals[] = { SIGKILL, SIGTERM, SIGHUP, SIGINT };
+    return run.crashed || std::any_of(std::begin(stopSignals), std::end(stopSignals), [&run](int signal) {
+        return run.exitCode == 128 + signal;
+    });
+}
+} // namespace
+
+std::optional<QString> explainFailure(const FailedRun &run)
+{
+    // The shell's own statuses: nothing to run, or nothing it may run.
+    if (run.exitCode == 127 && !run.crashed)
+        return u"找不到 yt-dlp（%1）：请安装 yt-dlp，或在“设置”中指定它的路径。"_s.arg(run.ytDlpPath);
+    if (run.exitCode == 126 && !run.crashed)
+        return u"yt-dlp 无法运行（%1）：它不是可执行文件或没有执行权限。请检查它，或在“设置”中指定另一个路径。"_s.arg(
+            run.ytDlpPath);
+
+    const bool jsRuntimeTrouble = std::any_of(run.lines.cbegin(), run.lines.cend(),
+        [](const QString &line) { return rules().constFirst().pattern.match(line).hasMatch(); });
+    // The error lines say what ended the run; warnings before them only sometimes do.
+    QStringList errorLines;
+    std::copy_if(run.lines.cbegin(), run.lines.cend(), std::back_inserter(errorLines), isErrorLine);
+    if (auto text = firstMatch(errorLines, jsRuntimeTrouble))
+        return text;
+    if (auto text = firstMatch(run.lines, jsRuntimeTrouble))
+        return text;
+    if (killedFromOutside(run))
+        return u"下载进程被外部结束（可能是系统内存不足，或被其他程序终止）：可以重新开始下载。"_s;
+    return std::nullopt;
+}
+
+QString explainLaunchFailure(const QString &shell, const QString &reason)
+{
+    return u"无法启动命令解释器 %1（%2）：下载没有开始。请检查 QUILLBOX_SHELL 环境变量，或确认系统的 shell 可用。"_s
+        .arg(shell, reason);
+}
+
+QString explainFolderFailure(const QString &folder)
+{
+    return u"无法创建输出目录 %1：没有写入权限，或路径中有同名的文件。请换一个输出目录。"_s.arg(folder);
+}

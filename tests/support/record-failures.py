@@ -1,0 +1,165 @@
+#!/usr/bin/env python3
+"""Records how Debian's yt-dlp fails, for the failure-explanation tests.
+
+    python3 tests/support/record-failures.py [--out tests/data/failures]
+
+Every case runs the real yt-dlp (and ffmpeg) the way a download does, against the media server
+in this folder on 127.0.0.1, a closed port, a listener that never answers, or a host name under
+.invalid looked up inside an empty network namespace, so nothing leaves the machine. The full
+disk and the read-only folder are tmpfs mounts and need root; without root they are skipped and
+their old recordings stay. Each case is written as NAME.json: the command, exit status, stdout
+and stderr.
+"""
+
+import argparse
+import json
+import os
+import shlex
+import socket
+import subprocess
+import sys
+import tempfile
+import threading
+
+HERE = os.path.dirname(os.path.abspath(__file__))
+YTDLP = "/usr/bin/yt-dlp"
+FFMPEG = "/usr/bin/ffmpeg"
+
+
+def start_server(root):
+    server = subprocess.Popen([sys.executable, os.path.join(HERE, "mediaserver.py"), "--root", root,
+                               "--generate"], stdin=subprocess.PIPE, stdout=subprocess.PIPE,
+                              text=True)
+    line = server.stdout.readline().strip()
+    if not line.startswith("READY "):
+        sys.exit("media server did not start: " + line)
+    return server, line.split(" ", 1)[1]
+
+
+def closed_port():
+    with socket.socket() as s:
+        s.bind(("127.0.0.1", 0))
+        return s.getsockname()[1]
+
+
+def silent_listener():
+    """A port that accepts connections and never answers."""
+    s = socket.socket()
+    s.bind(("127.0.0.1", 0))
+    s.listen(8)
+    held = []
+
+    def accept():
+        while True:
+            try:
+                held.append(s.accept()[0])
+            except OSError:
+                return
+    threading.Thread(target=accept, daemon=True).start()
+    return s, s.getsockname()[1]
+
+
+def download_words(folder, preset=(), extra=()):
+    # The words of a download as the engine builds them (no cookies, no JS runtime: this yt-dlp
+    # predates the option).
+    return [YTDLP, "--ffmpeg-location", FFMPEG, "--no-playlist", "-o",
+            folder + "/%(title)s.%(ext)s", *preset, *extra, "--progress"]
+
+
+def run(words, shell=False, prefix=()):
+    command = words if shell else shlex.join(words)
+    result = subprocess.run([*prefix, "/bin/sh", "-c", command], stdin=subprocess.DEVNULL,
+                            capture_output=True, timeout=120)
+    return command, result
+
+
+def mounted(path, options):
+    os.makedirs(path, exist_ok=True)
+    return subprocess.run(["mount", "-t", "tmpfs", "-o", options, "tmpfs", path]).returncode == 0
+
+
+def main():
+    parser = argparse.ArgumentParser()
+    parser.add_argument("--out", default=os.path.join(HERE, "..", "data", "failures"))
+    args = parser.parse_args()
+    os.makedirs(args.out, exist_ok=True)
+    work = tempfile.mkdtemp(prefix="quillbox-record-")
+    media = os.path.join(work, "media")
+    os.makedirs(media)
+    with open(os.path.join(media, "page.html"), "w") as f:
+        f.write("<html><head><title>No video here</title></head><body>text</body></html>\n")
+    out = os.path.join(work, "out")
+    server, base = start_server(media)
+    listener, silent_port = silent_listener()
+    audio_only = ["-x", "--audio-format", "mp3"]
+
+    cases = {
+        "http-404": download_words(out) + ["--", base + "missing.mp4"],
+        "http-410": download_words(out) + ["--", base + "status/410/gone.mp4"],
+        "http-403": download_words(out) + ["--", base + "status/403/video.mp4"],
+        "http-429": download_words(out) + ["--", base + "status/429/video.mp4"],
+        "connection-refused": download_words(out) + [
+            "--", f"http://127.0.0.1:{closed_port()}/video.mp4"],
+        "timeout": download_words(out, extra=["--socket-timeout", "2", "--retries", "0"]) + [
+            "--", f"http://127.0.0.1:{silent_port}/video.mp4"],
+        "unknown-option": download_words(out, extra=["--no-such-option"]) + [
+            "--", base + "video.mp4"],
+        "silent-audio-only": download_words(out, preset=audio_only) + ["--", base + "silent.mp4"],
+        "name-too-long": download_words(out) + ["--", base + "named/video.mp4/" + "长" * 100 + ".mp4"],
+        "not-a-link": download_words(out) + ["--", "hello world"],
+        "unsupported-url": download_words(out) + ["--", base + "page.html"],
+        "format-not-available": download_words(out, preset=["-f", "bv[height>4000]"]) + [
+            "--", base + "video.mp4"],
+        "ffmpeg-missing": [YTDLP, "--ffmpeg-location", "/nonexistent/ffmpeg", "--no-playlist", "-o",
+                           out + "/%(title)s.%(ext)s", *audio_only, "--progress", "--",
+                           base + "audio.m4a"],
+    }
+    recorded = {}
+    for name, words in cases.items():
+        recorded[name] = run(words)
+
+    # A name that does not resolve, looked up where there is no network at all.
+    dns_words = download_words(out) + ["--", "http://no-such-host.invalid/video.mp4"]
+    recorded["dns-failure"] = run(dns_words, prefix=("unshare", "-n"))
+
+    # The tool itself missing, as each shell says it.
+    for shell in ("bash", "zsh"):
+        command = "/nonexistent/yt-dlp --progress -- " + base + "video.mp4"
+        result = subprocess.run(["/bin/" + shell if os.path.exists("/bin/" + shell) else shell,
+                                 "-c", command], stdin=subprocess.DEVNULL, capture_output=True)
+        recorded["missing-ytdlp-" + shell] = (command, result)
+
+    if os.geteuid() == 0:
+        full = os.path.join(work, "full")
+        if mounted(full, "size=48k"):
+            recorded["disk-full"] = run(download_words(full) + ["--", base + "video.mp4"])
+            subprocess.run(["umount", full])
+        readonly = os.path.join(work, "readonly")
+        if mounted(readonly, "ro,size=1m"):
+            recorded["read-only-folder"] = run(download_words(readonly) + ["--", base + "video.mp4"])
+            subprocess.run(["umount", readonly])
+    else:
+        print("not root: disk-full and read-only-folder skipped", file=sys.stderr)
+
+    listener.close()
+    server.stdin.close()
+    server.wait()
+
+    for name, (command, result) in recorded.items():
+        record = {
+            "command": command.replace(base, "http://127.0.0.1:PORT/").replace(work, "/tmp/WORK"),
+            "exit": result.returncode,
+            "stdout": result.stdout.decode("utf-8", "replace").replace(work, "/tmp/WORK"),
+            "stderr": result.stderr.decode("utf-8", "replace").replace(work, "/tmp/WORK"),
+        }
+        for key in ("stdout", "stderr"):
+            record[key] = record[key].replace(base, "http://127.0.0.1:PORT/")
+        with open(os.path.join(args.out, name + ".json"), "w", encoding="utf-8") as f:
+            json.dump(record, f, ensure_ascii=False, indent=1)
+            f.write("\n")
+        print(f"{name}: exit {result.returncode}")
+    subprocess.run(["rm", "-rf", work])
+
+
+if __name__ == "__main__":
+    main()
