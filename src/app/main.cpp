@@ -1,9 +1,11 @@
 #include "app/applifecycle.h"
+#include "app/buildinfo.h"
 #include "app/firstframe.h"
 #include "engine/downloadmanager.h"
 #include "views/qmlsetup.h"
 
 #include <QGuiApplication>
+#include <QIcon>
 #include <QQmlApplicationEngine>
 #include <QQuickStyle>
 #include <QQuickWindow>
@@ -21,6 +23,10 @@ int main(int argc, char *argv[])
     QGuiApplication::setOrganizationName(QStringLiteral("Quillbox"));
     QGuiApplication::setOrganizationDomain(QStringLiteral("quillbox.app"));
     QGuiApplication::setApplicationDisplayName(QStringLiteral("Quillbox"));
+    QGuiApplication::setApplicationVersion(QString::fromLatin1(QuillboxVersion));
+    // The desktop finds the launcher entry, and with it the icon, by this name.
+    QGuiApplication::setDesktopFileName(QString::fromLatin1(QuillboxAppId));
+    QGuiApplication::setWindowIcon(QIcon(QStringLiteral(":/icons/quillbox.svg")));
     QQuickStyle::setStyle(QStringLiteral("Basic"));
     AppLifecycle::quitOnTerminationSignals();
 
