@@ -46,7 +46,7 @@ Dialog {
         Text {
             objectName: "homePageLink"
             Layout.alignment: Qt.AlignHCenter
-            text: Desktop.homePage.toString()
+            text: String(Desktop.homePage)
             color: Theme.cyan
             font.pixelSize: 12
             font.underline: linkArea.containsMouse
