@@ -22,7 +22,7 @@ int main(int argc, char *argv[])
     QGuiApplication::setApplicationName(QStringLiteral("Quillbox"));
     QGuiApplication::setOrganizationName(QStringLiteral("Quillbox"));
     QGuiApplication::setOrganizationDomain(QStringLiteral("quillbox.app"));
-    QGuiApplication::setApplicationDisplayName(QStringLiteral("Quillbox"));
+    // No display name: on X11 Qt would append it to every window title.
     QGuiApplication::setApplicationVersion(QString::fromLatin1(QuillboxVersion));
     // The desktop finds the launcher entry, and with it the icon, by this name.
     QGuiApplication::setDesktopFileName(QString::fromLatin1(QuillboxAppId));
