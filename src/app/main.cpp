@@ -26,7 +26,10 @@ int main(int argc, char *argv[])
     QGuiApplication::setApplicationVersion(QString::fromLatin1(QuillboxVersion));
     // The desktop finds the launcher entry, and with it the icon, by this name.
     QGuiApplication::setDesktopFileName(QString::fromLatin1(QuillboxAppId));
-    QGuiApplication::setWindowIcon(QIcon(QStringLiteral(":/icons/quillbox.svg")));
+    QIcon icon;
+    for (const int size : { 16, 32, 48, 64, 128 })
+        icon.addFile(QStringLiteral(":/icons/quillbox-%1.png").arg(size), QSize(size, size));
+    QGuiApplication::setWindowIcon(icon);
     QQuickStyle::setStyle(QStringLiteral("Basic"));
     AppLifecycle::quitOnTerminationSignals();
 
