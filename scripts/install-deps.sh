@@ -14,6 +14,7 @@ debian_packages=(
     fonts-noto-cjk fonts-noto-color-emoji fonts-dejavu-core
     yt-dlp ffmpeg zsh sqlite3 python3 nodejs
     xvfb xauth
+    qml6-module-qt-labs-folderlistmodel desktop-file-utils appstream librsvg2-bin
 )
 brew_packages=(cmake ninja ccache qt yt-dlp ffmpeg)
 

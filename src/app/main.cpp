@@ -1,9 +1,11 @@
 #include "app/applifecycle.h"
+#include "app/buildinfo.h"
 #include "app/firstframe.h"
 #include "engine/downloadmanager.h"
 #include "views/qmlsetup.h"
 
 #include <QGuiApplication>
+#include <QIcon>
 #include <QQmlApplicationEngine>
 #include <QQuickStyle>
 #include <QQuickWindow>
@@ -20,7 +22,14 @@ int main(int argc, char *argv[])
     QGuiApplication::setApplicationName(QStringLiteral("Quillbox"));
     QGuiApplication::setOrganizationName(QStringLiteral("Quillbox"));
     QGuiApplication::setOrganizationDomain(QStringLiteral("quillbox.app"));
-    QGuiApplication::setApplicationDisplayName(QStringLiteral("Quillbox"));
+    // No display name: on X11 Qt would append it to every window title.
+    QGuiApplication::setApplicationVersion(QString::fromLatin1(QuillboxVersion));
+    // The desktop finds the launcher entry, and with it the icon, by this name.
+    QGuiApplication::setDesktopFileName(QString::fromLatin1(QuillboxAppId));
+    QIcon icon;
+    for (const int size : { 16, 32, 48, 64, 128 })
+        icon.addFile(QStringLiteral(":/icons/quillbox-%1.png").arg(size), QSize(size, size));
+    QGuiApplication::setWindowIcon(icon);
     QQuickStyle::setStyle(QStringLiteral("Basic"));
     AppLifecycle::quitOnTerminationSignals();
 

@@ -30,8 +30,9 @@ Dialog {
             size: 56
         }
         Text {
+            objectName: "aboutVersion"
             Layout.alignment: Qt.AlignHCenter
-            text: "Quillbox " + Qt.application.version
+            text: "Quillbox " + Desktop.version
             color: Theme.text
             font.pixelSize: 18
             font.bold: true
@@ -41,6 +42,23 @@ Dialog {
             text: "视频下载管理器"
             color: Theme.gray
             font.pixelSize: 12
+        }
+        Text {
+            objectName: "homePageLink"
+            Layout.alignment: Qt.AlignHCenter
+            text: String(Desktop.homePage)
+            color: Theme.cyan
+            font.pixelSize: 12
+            font.underline: linkArea.containsMouse
+
+            MouseArea {
+                id: linkArea
+
+                anchors.fill: parent
+                hoverEnabled: true
+                cursorShape: Qt.PointingHandCursor
+                onClicked: Desktop.openUrl(Desktop.homePage)
+            }
         }
     }
 }

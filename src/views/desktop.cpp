@@ -1,5 +1,7 @@
 #include "views/desktop.h"
 
+#include "app/buildinfo.h"
+
 #include <QClipboard>
 #include <QDesktopServices>
 #include <QFontDatabase>
@@ -25,4 +27,14 @@ void Desktop::setClipboardText(const QString &text)
 QFont Desktop::fixedFont() const
 {
     return QFontDatabase::systemFont(QFontDatabase::FixedFont);
+}
+
+QString Desktop::version() const
+{
+    return QString::fromLatin1(QuillboxVersion);
+}
+
+QUrl Desktop::homePage() const
+{
+    return QUrl(QString::fromLatin1(QuillboxHomePage));
 }

@@ -5,13 +5,16 @@
 #include <QUrl>
 #include <QtQml/qqmlregistration.h>
 
-// What views ask of the desktop: open a web page, read and write the clipboard's text.
+// What views ask of the desktop: open a web page, read and write the clipboard's text; and what
+// the About panel shows of the application (its version and home page).
 class Desktop : public QObject
 {
     Q_OBJECT
     QML_ELEMENT
     QML_SINGLETON
     Q_PROPERTY(QFont fixedFont READ fixedFont CONSTANT)
+    Q_PROPERTY(QString version READ version CONSTANT)
+    Q_PROPERTY(QUrl homePage READ homePage CONSTANT)
 
 public:
     using QObject::QObject;
@@ -25,6 +28,8 @@ public:
     Q_INVOKABLE QString localPath(const QUrl &url) const { return url.toLocalFile(); }
     Q_INVOKABLE QUrl fileUrl(const QString &path) const { return QUrl::fromLocalFile(path); }
     QFont fixedFont() const;
+    QString version() const;
+    QUrl homePage() const;
 
 Q_SIGNALS:
     void urlOpened(const QUrl &url);
