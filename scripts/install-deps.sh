@@ -10,6 +10,7 @@ debian_packages=(
     qml6-module-qtquick qml6-module-qtquick-controls qml6-module-qtquick-templates
     qml6-module-qtquick-layouts qml6-module-qtquick-window qml6-module-qtquick-dialogs
     qml6-module-qtquick-shapes qml6-module-qttest qml6-module-qt-labs-platform
+    qml6-module-qt-labs-folderlistmodel qt6-translations-l10n qt6-gtk-platformtheme
     qt6-qpa-plugins libqt6svg6
     fonts-noto-cjk fonts-noto-color-emoji fonts-dejavu-core
     yt-dlp ffmpeg zsh sqlite3 python3 nodejs

@@ -20,9 +20,10 @@ int main(int argc, char *argv[])
     QGuiApplication::setApplicationName(QStringLiteral("Quillbox"));
     QGuiApplication::setOrganizationName(QStringLiteral("Quillbox"));
     QGuiApplication::setOrganizationDomain(QStringLiteral("quillbox.app"));
-    QGuiApplication::setApplicationDisplayName(QStringLiteral("Quillbox"));
+    // No display name: the window system would append it to the window's title.
     QQuickStyle::setStyle(QStringLiteral("Basic"));
     AppLifecycle::quitOnTerminationSignals();
+    AppLifecycle::loadQtTranslations();
 
     DownloadManager::deferDiscovery();
     AppLifecycle lifecycle(DownloadManager::instance());

@@ -4,6 +4,7 @@
 #include <QDesktopServices>
 #include <QFontDatabase>
 #include <QGuiApplication>
+#include <QKeySequence>
 
 void Desktop::openUrl(const QUrl &url)
 {
@@ -25,4 +26,16 @@ void Desktop::setClipboardText(const QString &text)
 QFont Desktop::fixedFont() const
 {
     return QFontDatabase::systemFont(QFontDatabase::FixedFont);
+}
+
+QString Desktop::shortcutText(const QVariant &shortcut) const
+{
+    if (shortcut.typeId() == QMetaType::QString)
+        return QKeySequence(shortcut.toString()).toString(QKeySequence::NativeText);
+    bool isKey = false;
+    const int standardKey = shortcut.toInt(&isKey);
+    if (!isKey || standardKey == QKeySequence::UnknownKey)
+        return QString();
+    const QList<QKeySequence> bindings = QKeySequence::keyBindings(QKeySequence::StandardKey(standardKey));
+    return bindings.isEmpty() ? QString() : bindings.constFirst().toString(QKeySequence::NativeText);
 }
