@@ -10,11 +10,12 @@ debian_packages=(
     qml6-module-qtquick qml6-module-qtquick-controls qml6-module-qtquick-templates
     qml6-module-qtquick-layouts qml6-module-qtquick-window qml6-module-qtquick-dialogs
     qml6-module-qtquick-shapes qml6-module-qttest qml6-module-qt-labs-platform
+    qml6-module-qt-labs-folderlistmodel qt6-translations-l10n qt6-gtk-platformtheme
     qt6-qpa-plugins libqt6svg6
     fonts-noto-cjk fonts-noto-color-emoji fonts-dejavu-core
     yt-dlp ffmpeg zsh sqlite3 python3 nodejs
     xvfb xauth
-    qml6-module-qt-labs-folderlistmodel desktop-file-utils appstream librsvg2-bin
+    desktop-file-utils appstream librsvg2-bin
 )
 brew_packages=(cmake ninja ccache qt yt-dlp ffmpeg)
 

@@ -6,12 +6,15 @@
 #include <QCoreApplication>
 #include <QFontDatabase>
 #include <QGuiApplication>
+#include <QLibraryInfo>
+#include <QLocale>
 #include <QQuickWindow>
 #include <QScreen>
 #include <QSettings>
 
 #include <QSocketNotifier>
 #include <QTimer>
+#include <QTranslator>
 
 #include <csignal>
 #include <cstdio>
@@ -95,6 +98,20 @@ void AppLifecycle::preferCjkFont()
         }
     }
 #endif
+}
+
+bool AppLifecycle::loadQtTranslations()
+{
+    auto *translator = new QTranslator(qApp);
+    const QLocale chinese(QLocale::Chinese, QLocale::SimplifiedChineseScript, QLocale::China);
+    if (!translator->load(chinese, QStringLiteral("qt"), QStringLiteral("_"),
+            QLibraryInfo::path(QLibraryInfo::TranslationsPath))) {
+        qCInfo(lcUi, "Qt's Chinese translations are not installed");
+        delete translator;
+        return false;
+    }
+    QCoreApplication::installTranslator(translator);
+    return true;
 }
 
 void AppLifecycle::quitOnTerminationSignals()

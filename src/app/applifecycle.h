@@ -30,6 +30,10 @@ public:
     // fallbacks on every layout. Elsewhere the system font covers Chinese already.
     static void preferCjkFont();
 
+    // Qt's own texts (dialog buttons, text-field menus) in Simplified Chinese, as the rest of the
+    // interface is, whatever the system's language. Returns whether the translations were found.
+    static bool loadQtTranslations();
+
     // SIGTERM and SIGINT quit the way closing the window does, so downloads stop with us.
     static void quitOnTerminationSignals();
 

@@ -32,6 +32,7 @@ int main(int argc, char *argv[])
     QGuiApplication::setWindowIcon(icon);
     QQuickStyle::setStyle(QStringLiteral("Basic"));
     AppLifecycle::quitOnTerminationSignals();
+    AppLifecycle::loadQtTranslations();
 
     DownloadManager::deferDiscovery();
     AppLifecycle lifecycle(DownloadManager::instance());

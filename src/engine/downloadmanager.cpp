@@ -1,5 +1,7 @@
 #include "engine/downloadmanager.h"
 
+#include <optional>
+
 #include "engine/shellrunner.h"
 #include "model/appstate.h"
 #include "model/logcategories.h"
@@ -42,14 +44,20 @@ ToolLocations ToolLocations::standard(const QString &home)
 
 namespace {
 bool discoveryDeferred = false;
+std::optional<ToolLocations> chosenLocations;
 } // namespace
 
 DownloadManager *DownloadManager::instance()
 {
     static DownloadManager *const shared = new DownloadManager(AppState::instance(),
-        ToolLocations::standard(QDir::homePath()), nullptr,
+        chosenLocations.value_or(ToolLocations::standard(QDir::homePath())), nullptr,
         discoveryDeferred ? Discovery::WaitForStart : Discovery::StartNow);
     return shared;
+}
+
+void DownloadManager::useLocations(const ToolLocations &locations)
+{
+    chosenLocations = locations;
 }
 
 void DownloadManager::deferDiscovery()

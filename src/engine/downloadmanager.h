@@ -101,6 +101,9 @@ public:
     // Call before instance(): the process-wide engine then waits for startDiscovery(), so that
     // the application can draw its first frame before the tool lookups compete for the CPU.
     static void deferDiscovery();
+    // Call before instance(): the process-wide engine looks for tools in `locations` rather than
+    // the standard places (a sandboxed run of the whole interface uses this).
+    static void useLocations(const ToolLocations &locations);
 
     enum class Discovery { StartNow, WaitForStart };
 

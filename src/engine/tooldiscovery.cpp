@@ -167,7 +167,7 @@ void DownloadManager::warnIfYtDlpTooOld()
         return;
     m_warnedOldYtDlp = true;
     addLog(
-        u"⚠️ yt-dlp %1 版本过旧，不支持 JS 运行时（--js-runtimes），下载时不会使用 %2；请更新 yt-dlp"_s
+        u"⚠️ yt-dlp %1 版本过旧，不支持 JS 运行时（--js-runtimes），下载时不会使用 %2；请在 设置 → 更新 yt-dlp 到最新版"_s
             .arg(m_ytDlpVersion, m_detectedJSRuntime),
         LogEntry::LogType::Warning);
 }

@@ -25,13 +25,36 @@ AppState *AppState::instance()
 
 void AppState::loadPreferences()
 {
+    m_remembering = false;
     const QSettings settings;
-    const QVariant outputDirectory = settings.value(QStringLiteral("outputDirectory"));
+    const QVariant outputDirectory = settings.value(QLatin1String(OutputDirectoryKey));
     if (outputDirectory.isValid())
         setOutputDirectory(outputDirectory.toString());
-    const QVariant cookiePath = settings.value(QStringLiteral("cookiePath"));
+    const QVariant cookiePath = settings.value(QLatin1String(CookiePathKey));
     if (cookiePath.isValid())
         setCookiePath(cookiePath.toString());
+    if (const auto preset = downloadPresetFromRawValue(settings.value(QLatin1String(SelectedPresetKey)).toString()))
+        setSelectedPreset(*preset);
+    // A switch stored by hand as anything but true or false is left at its default.
+    const auto readSwitch = [&settings](const char *key) -> std::optional<bool> {
+        const QString text = settings.value(QLatin1String(key)).toString().toLower();
+        if (text == u"true")
+            return true;
+        if (text == u"false")
+            return false;
+        return std::nullopt;
+    };
+    if (const auto playlist = readSwitch(DownloadPlaylistKey))
+        setDownloadPlaylist(*playlist);
+    if (const auto cookies = readSwitch(UseCookiesKey))
+        setUseCookies(*cookies);
+    m_remembering = true;
+}
+
+void AppState::remember(const char *key, const QVariant &value) const
+{
+    if (m_remembering)
+        QSettings().setValue(QLatin1String(key), value);
 }
 
 namespace {
@@ -90,12 +113,13 @@ void AppState::clearLog()
 
 namespace {
 template <typename T, typename Signal>
-void assign(AppState *state, T &member, const T &value, Signal changed)
+bool assign(AppState *state, T &member, const T &value, Signal changed)
 {
     if (member == value)
-        return;
+        return false;
     member = value;
     Q_EMIT(state->*changed)();
+    return true;
 }
 } // namespace
 
@@ -111,7 +135,8 @@ void AppState::setDownloadQueue(const QList<DownloadTask> &value)
 
 void AppState::setSelectedPreset(DownloadPreset value)
 {
-    assign(this, m_selectedPreset, value, &AppState::selectedPresetChanged);
+    if (assign(this, m_selectedPreset, value, &AppState::selectedPresetChanged))
+        remember(SelectedPresetKey, rawValue(value));
 }
 
 void AppState::setCustomArguments(const QString &value)
@@ -126,12 +151,14 @@ void AppState::setIsDownloading(bool value)
 
 void AppState::setOutputDirectory(const QString &value)
 {
-    assign(this, m_outputDirectory, value, &AppState::outputDirectoryChanged);
+    if (assign(this, m_outputDirectory, value, &AppState::outputDirectoryChanged))
+        remember(OutputDirectoryKey, value);
 }
 
 void AppState::setUseCookies(bool value)
 {
-    assign(this, m_useCookies, value, &AppState::useCookiesChanged);
+    if (assign(this, m_useCookies, value, &AppState::useCookiesChanged))
+        remember(UseCookiesKey, value);
 }
 
 void AppState::setCookiePath(const QString &value)
@@ -141,7 +168,8 @@ void AppState::setCookiePath(const QString &value)
 
 void AppState::setDownloadPlaylist(bool value)
 {
-    assign(this, m_downloadPlaylist, value, &AppState::downloadPlaylistChanged);
+    if (assign(this, m_downloadPlaylist, value, &AppState::downloadPlaylistChanged))
+        remember(DownloadPlaylistKey, value);
 }
 
 void AppState::setShowSettings(bool value)

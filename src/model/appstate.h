@@ -35,6 +35,12 @@ public:
     static constexpr int MaxLogEntries = 500;
     // Characters of one log message that are kept; the rest is replaced by a note of how many.
     static constexpr int MaxLogMessageChars = 4096;
+    // The form's choices kept in the settings store: read at start, written when they change.
+    static constexpr auto OutputDirectoryKey = "outputDirectory";
+    static constexpr auto CookiePathKey = "cookiePath";
+    static constexpr auto SelectedPresetKey = "selectedPreset";
+    static constexpr auto DownloadPlaylistKey = "downloadPlaylist";
+    static constexpr auto UseCookiesKey = "useCookies";
 
     explicit AppState(QObject *parent = nullptr);
     ~AppState() override;
@@ -43,8 +49,10 @@ public:
     // (the GUI thread in the application).
     static AppState *instance();
 
-    // Reads "outputDirectory" and "cookiePath" from the settings store; an absent key keeps the
-    // current value, a stored empty text replaces it.
+    // Reads the output folder, the cookie path, the preset and the playlist and cookie switches
+    // from the settings store; an absent or unreadable key keeps the current value, a stored
+    // empty folder replaces it. From then on, a change of the preset, the folder or a switch is
+    // written back at once, so the next start opens as this one was left.
     void loadPreferences();
 
     // Callable from any thread; returns at once. The entry is appended on this object's thread,
@@ -105,6 +113,7 @@ private:
     };
 
     void flushPendingLogs();
+    void remember(const char *key, const QVariant &value) const;
 
     QString m_urlInput;
     QList<DownloadTask> m_downloadQueue;
@@ -118,6 +127,7 @@ private:
     bool m_showSettings = false;
     int m_selectedTab = 0;
     bool m_showLogPanel = true;
+    bool m_remembering = false;
     LogModel *m_log;
 
     QMutex m_pendingMutex;

@@ -2,6 +2,7 @@ pragma ComponentBehavior: Bound
 
 import QtQuick
 import QtQuick.Controls.Basic
+import QtQuick.Layouts
 import Quillbox
 
 // The menu bar drawn inside the window, where the system has no global one.
@@ -44,7 +45,42 @@ MenuBar {
 
         property var entries: []
         readonly property Component itemMaker: Component {
-            MenuItem {}
+            MenuItem {
+                id: entry
+
+                readonly property string keys: entry.action ? Desktop.shortcutText(entry.action.shortcut) : ""
+
+                objectName: "menuItem_" + entry.text
+                implicitWidth: Math.max(200, entryRow.implicitWidth + entry.leftPadding + entry.rightPadding)
+
+                contentItem: RowLayout {
+                    id: entryRow
+
+                    spacing: 24
+
+                    Text {
+                        objectName: "menuItemText"
+                        text: entry.text
+                        color: entry.enabled ? Theme.text : Theme.gray
+                        opacity: entry.enabled ? 1 : 0.6
+                        font.pixelSize: 13
+                        Layout.fillWidth: true
+                    }
+                    Text {
+                        objectName: "menuItemKeys"
+                        text: entry.keys
+                        visible: entry.keys.length > 0
+                        color: Theme.gray
+                        opacity: entry.enabled ? 1 : 0.6
+                        font.pixelSize: 12
+                    }
+                }
+                background: Rectangle {
+                    implicitHeight: 26
+                    radius: 4
+                    color: entry.highlighted && entry.enabled ? Theme.accent : "transparent"
+                }
+            }
         }
         readonly property Component separatorMaker: Component {
             MenuSeparator {}

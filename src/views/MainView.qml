@@ -117,10 +117,28 @@ Item {
         }
     }
 
+    // The settings sheet closes only with its own close button. It is made each time it opens.
     SheetHost {
         objectName: "settingsSheet"
         shown: AppState.showSettings
+        closePolicy: Popup.NoAutoClose
         onDismissed: AppState.showSettings = false
+
+        Loader {
+            id: settingsLoader
+
+            objectName: "settingsLoader"
+            source: AppState.showSettings ? "SettingsView.qml" : ""
+        }
+
+        Connections {
+            target: settingsLoader.item
+            ignoreUnknownSignals: true
+
+            function onDismissed() {
+                AppState.showSettings = false
+            }
+        }
     }
 
     SheetHost {

@@ -39,6 +39,13 @@ QtObject {
         }
     }
 
+    // The type scale, in pixels.
+    readonly property int title2: 20
+    readonly property int headline: 15
+    readonly property int body: 13
+    readonly property int caption: 12
+    readonly property int caption2: 11
+
     readonly property int radiusSmall: 6
     readonly property int radius: 10
     readonly property int radiusLarge: 12

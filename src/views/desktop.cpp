@@ -6,6 +6,7 @@
 #include <QDesktopServices>
 #include <QFontDatabase>
 #include <QGuiApplication>
+#include <QKeySequence>
 
 void Desktop::openUrl(const QUrl &url)
 {
@@ -37,4 +38,16 @@ QString Desktop::version() const
 QUrl Desktop::homePage() const
 {
     return QUrl(QString::fromLatin1(QuillboxHomePage));
+}
+
+QString Desktop::shortcutText(const QVariant &shortcut) const
+{
+    if (shortcut.typeId() == QMetaType::QString)
+        return QKeySequence(shortcut.toString()).toString(QKeySequence::NativeText);
+    bool isKey = false;
+    const int standardKey = shortcut.toInt(&isKey);
+    if (!isKey || standardKey == QKeySequence::UnknownKey)
+        return QString();
+    const QList<QKeySequence> bindings = QKeySequence::keyBindings(QKeySequence::StandardKey(standardKey));
+    return bindings.isEmpty() ? QString() : bindings.constFirst().toString(QKeySequence::NativeText);
 }

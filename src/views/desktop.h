@@ -3,6 +3,7 @@
 #include <QFont>
 #include <QObject>
 #include <QUrl>
+#include <QVariant>
 #include <QtQml/qqmlregistration.h>
 
 // What views ask of the desktop: open a web page, read and write the clipboard's text; and what
@@ -27,6 +28,9 @@ public:
     // The file-system path of a file: URL (as a folder dialog gives it), and back.
     Q_INVOKABLE QString localPath(const QUrl &url) const { return url.toLocalFile(); }
     Q_INVOKABLE QUrl fileUrl(const QString &path) const { return QUrl::fromLocalFile(path); }
+    // How a menu shows a key equivalent given as an Action's shortcut (a StandardKey or a text
+    // such as "Ctrl+N"): "Ctrl+N" here, "⌘N" on macOS; empty for none.
+    Q_INVOKABLE QString shortcutText(const QVariant &shortcut) const;
     QFont fixedFont() const;
     QString version() const;
     QUrl homePage() const;

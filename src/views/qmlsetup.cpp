@@ -3,6 +3,7 @@
 #include "model/logcategories.h"
 #include "views/iconprovider.h"
 
+#include <QCoreApplication>
 #include <QEventLoop>
 #include <QQmlApplicationEngine>
 #include <QQmlComponent>
@@ -21,6 +22,9 @@ void setupQmlEngine(QQmlEngine &engine)
 std::unique_ptr<QQuickWindow> loadMainWindow(QQmlApplicationEngine &engine, const std::function<void()> &meanwhile)
 {
     setupQmlEngine(engine);
+    // Qt.quit() from the QML quits the application the usual way.
+    QObject::connect(&engine, &QQmlEngine::quit, QCoreApplication::instance(), &QCoreApplication::quit,
+        Qt::QueuedConnection);
     QQmlComponent component(&engine);
     component.loadUrl(QUrl(QStringLiteral("qrc:/qt/qml/Quillbox/Main.qml")), QQmlComponent::Asynchronous);
     {

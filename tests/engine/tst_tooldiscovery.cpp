@@ -246,6 +246,8 @@ void TestToolDiscovery::jsRuntimesNeedARecentYtDlp()
     } else {
         QCOMPARE(manager.jsRuntimeArgs(), QStringList());
         QTRY_COMPARE(EngineFixture::messages(state).filter(tooOld).size(), 1);
+        // The warning says where the fix is.
+        QVERIFY(EngineFixture::messages(state).filter(tooOld).constFirst().contains(u"设置 → 更新 yt-dlp 到最新版"_s));
     }
     QCoreApplication::processEvents();
     QCOMPARE(EngineFixture::messages(state).filter(tooOld).size(), supported ? 0 : 1);

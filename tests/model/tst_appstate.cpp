@@ -19,6 +19,7 @@ private Q_SLOTS:
     void initialValues();
     void preferences_data();
     void preferences();
+    void formIsRemembered();
     void propertiesNotifyOnlyOnChange();
     void logCapKeepsNewest();
     void batchLargerThanCap();
@@ -91,9 +92,31 @@ void TestAppState::preferences()
     QCOMPARE(state.outputDirectory(), expectedOutput);
     QCOMPARE(state.cookiePath(), expectedCookie);
 
-    // Changing the value in the interface is not written back.
-    state.setOutputDirectory(u"/elsewhere"_s);
-    QCOMPARE(QSettings().value(u"outputDirectory"_s), storedOutput);
+}
+
+// The form is written as it changes and read back by the next start; values stored by hand that
+// cannot be read leave the defaults.
+void TestAppState::formIsRemembered()
+{
+    {
+        AppState state;
+        state.setSelectedPreset(DownloadPreset::AudioOnly);
+        state.setOutputDirectory(u"/data/视频"_s);
+        state.setDownloadPlaylist(false);
+        state.setUseCookies(false);
+    }
+    AppState next;
+    QCOMPARE(next.selectedPreset(), DownloadPreset::AudioOnly);
+    QCOMPARE(next.outputDirectory(), u"/data/视频"_s);
+    QCOMPARE(next.downloadPlaylist(), false);
+    QCOMPARE(next.useCookies(), false);
+
+    QSettings().setValue(u"selectedPreset"_s, u"no such preset"_s);
+    QSettings().setValue(u"downloadPlaylist"_s, u"maybe"_s);
+    AppState garbled;
+    QCOMPARE(garbled.selectedPreset(), DownloadPreset::Default);
+    QCOMPARE(garbled.downloadPlaylist(), true);
+    QCOMPARE(garbled.useCookies(), false);
 }
 
 void TestAppState::propertiesNotifyOnlyOnChange()

@@ -1,0 +1,424 @@
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import QtQuick.Controls.Basic
+import QtQuick.Layouts
+import Quillbox
+
+// The settings sheet: which yt-dlp is used and keeping it current, the JavaScript runtime and
+// FFmpeg with help to install them, and where downloads go. Made each time it opens, so the path
+// field and the update result start empty.
+Rectangle {
+    id: root
+
+    property string customYtDlpPath: ""
+
+    signal dismissed
+
+    implicitWidth: 550
+    implicitHeight: 720
+    color: Theme.background
+    radius: Theme.radiusLarge
+
+    SettingsPresenter {
+        id: presenter
+    }
+
+    component Caption: Text {
+        Layout.fillWidth: true
+        wrapMode: Text.Wrap
+        color: Theme.secondaryText
+        font.pixelSize: Theme.caption
+    }
+
+    component Divider: Rectangle {
+        Layout.fillWidth: true
+        implicitHeight: 1
+        color: Theme.border
+    }
+
+    component StatusRow: RowLayout {
+        id: statusRow
+
+        property string symbol
+        property color tint
+        property string label
+        property color labelColor: statusRow.tint
+        property bool redetect: false
+
+        signal redetectClicked
+
+        Layout.fillWidth: true
+        spacing: 8
+
+        Icon {
+            symbol: statusRow.symbol
+            color: statusRow.tint
+            size: Theme.headline
+        }
+        Text {
+            objectName: "statusText"
+            Layout.fillWidth: true
+            text: statusRow.label
+            color: statusRow.labelColor
+            font.pixelSize: Theme.body
+            font.weight: Font.Medium
+            elide: Text.ElideRight
+        }
+        BorderedButton {
+            objectName: "redetectButton"
+            visible: statusRow.redetect
+            symbol: "arrow.clockwise"
+            text: "重新检测"
+            onClicked: statusRow.redetectClicked()
+        }
+    }
+
+    ColumnLayout {
+        anchors.fill: parent
+        spacing: 0
+
+        RowLayout {
+            Layout.fillWidth: true
+            Layout.margins: 16
+
+            Text {
+                text: "设置"
+                color: Theme.text
+                font.pixelSize: Theme.title2
+                font.weight: Font.DemiBold
+            }
+            Item {
+                Layout.fillWidth: true
+            }
+            IconButton {
+                objectName: "closeSettingsButton"
+                symbol: "xmark.circle.fill"
+                fill: "transparent"
+                iconSize: Theme.title2
+                implicitWidth: 30
+                implicitHeight: 30
+                onClicked: root.dismissed()
+            }
+        }
+        Divider {}
+
+        ScrollView {
+            id: scroll
+
+            objectName: "settingsScroll"
+            Layout.fillWidth: true
+            Layout.fillHeight: true
+            clip: true
+            contentWidth: availableWidth
+
+            ColumnLayout {
+                objectName: "settingsGroups"
+                x: 16
+                width: scroll.availableWidth - 32
+                spacing: 16
+
+                Item {
+                    implicitHeight: 0
+                }
+
+                SettingsGroup {
+                    objectName: "ytDlpGroup"
+                    Layout.fillWidth: true
+                    title: "yt-dlp 配置"
+                    symbol: "terminal"
+
+                    StatusRow {
+                        id: ytDlpStatus
+
+                        readonly property bool found: DownloadManager.ytDlpVersion.length > 0
+
+                        objectName: "ytDlpStatus"
+                        symbol: ytDlpStatus.found ? "checkmark.circle.fill" : "xmark.circle.fill"
+                        tint: ytDlpStatus.found ? Theme.green : Theme.red
+                        label: "yt-dlp 状态"
+                        labelColor: Theme.text
+
+                        Text {
+                            objectName: "ytDlpVersionText"
+                            text: ytDlpStatus.found ? "已安装 (v" + DownloadManager.ytDlpVersion + ")" : "未找到"
+                            color: ytDlpStatus.tint
+                            font.pixelSize: Theme.caption
+                        }
+                    }
+                    Text {
+                        text: "可执行文件路径"
+                        color: Theme.gray
+                        font.pixelSize: Theme.caption
+                    }
+                    RowLayout {
+                        Layout.fillWidth: true
+                        spacing: 8
+
+                        TextInputField {
+                            objectName: "pathField"
+                            Layout.fillWidth: true
+                            placeholderText: "输入 yt-dlp 路径"
+                            text: root.customYtDlpPath
+                            onTextEdited: root.customYtDlpPath = text
+                        }
+                        BorderedButton {
+                            objectName: "browseYtDlpButton"
+                            text: "浏览..."
+                            onClicked: filePicker.open()
+                        }
+                        BorderedButton {
+                            objectName: "probeButton"
+                            implicitWidth: 34
+                            symbol: "arrow.clockwise"
+                            busy: presenter.isChecking
+                            onClicked: presenter.verifyPath(root.customYtDlpPath)
+                        }
+                    }
+                    Text {
+                        objectName: "autoPathText"
+                        Layout.fillWidth: true
+                        text: "自动检测路径: " + DownloadManager.ytDlpPath
+                        color: Theme.gray
+                        font.pixelSize: Theme.caption2
+                        elide: Text.ElideMiddle
+                    }
+                    RowLayout {
+                        spacing: 8
+
+                        BorderedButton {
+                            objectName: "usePathButton"
+                            text: "使用此路径"
+                            prominent: true
+                            tint: Theme.accent
+                            enabled: root.customYtDlpPath.length > 0
+                            onClicked: DownloadManager.setCustomYtDlpPath(root.customYtDlpPath)
+                        }
+                        BorderedButton {
+                            objectName: "resetPathButton"
+                            text: "重置为自动检测"
+                            onClicked: {
+                                root.customYtDlpPath = ""
+                                presenter.resetToAutoDetect()
+                            }
+                        }
+                    }
+                    Divider {}
+                    Text {
+                        objectName: "updateResultText"
+                        Layout.fillWidth: true
+                        visible: presenter.updateResult.length > 0
+                        text: presenter.updateResult
+                        color: Theme.tint(presenter.updateResultTint)
+                        font.pixelSize: Theme.caption
+                        wrapMode: Text.Wrap
+                    }
+                    Text {
+                        objectName: "storyboardHint"
+                        Layout.fillWidth: true
+                        text: "⚠️ 如果下载 YouTube 时只看到图片格式（storyboard），通常是 yt-dlp 版本过旧，需要更新。"
+                        color: Theme.orange
+                        font.pixelSize: Theme.caption
+                        wrapMode: Text.Wrap
+                    }
+                    BorderedButton {
+                        objectName: "updateButton"
+                        prominent: true
+                        tint: Theme.blue
+                        busy: presenter.isUpdating
+                        symbol: "arrow.triangle.2.circlepath"
+                        text: presenter.isUpdating ? "更新中..." : "更新 yt-dlp 到最新版"
+                        onClicked: presenter.updateYtDlp()
+                    }
+                }
+
+                SettingsGroup {
+                    id: runtimeGroup
+
+                    readonly property bool found: DownloadManager.detectedJSRuntime.length > 0
+
+                    objectName: "runtimeGroup"
+                    Layout.fillWidth: true
+                    title: "JS 运行时（YouTube EJS）"
+                    symbol: "cpu"
+
+                    StatusRow {
+                        objectName: "runtimeStatus"
+                        symbol: runtimeGroup.found ? "checkmark.circle.fill" : "exclamationmark.triangle.fill"
+                        tint: runtimeGroup.found ? Theme.green : Theme.orange
+                        label: runtimeGroup.found ? DownloadManager.detectedJSRuntime + " 已就绪" : "未检测到 JS 运行时"
+                        redetect: true
+                        onRedetectClicked: DownloadManager.detectJSRuntime()
+                    }
+                    Text {
+                        objectName: "runtimePathText"
+                        Layout.fillWidth: true
+                        visible: DownloadManager.detectedJSRuntimePath.length > 0
+                        text: DownloadManager.detectedJSRuntimePath
+                        color: Theme.secondaryText
+                        font.pixelSize: Theme.caption2
+                        elide: Text.ElideMiddle
+                    }
+                    Divider {}
+                    Caption {
+                        text: "YouTube 下载需要 JS 运行时来解决 n-challenge（EJS）。支持 Deno（推荐）、Node.js（≥20）、Bun。"
+                    }
+                    RowLayout {
+                        objectName: "runtimeInstallRow"
+                        visible: !runtimeGroup.found
+                        spacing: 8
+
+                        BorderedButton {
+                            objectName: "installDenoButton"
+                            symbol: "arrow.up.right.square"
+                            text: "安装 Deno（推荐）"
+                            prominent: true
+                            tint: Theme.purple
+                            onClicked: Desktop.openUrl("https://docs.deno.com/runtime/getting_started/installation/")
+                        }
+                        BorderedButton {
+                            objectName: "installNodeButton"
+                            text: "安装 Node.js"
+                            onClicked: Desktop.openUrl("https://nodejs.org/zh-cn/download")
+                        }
+                    }
+                    Caption {
+                        objectName: "runtimeBrewHint"
+                        visible: !runtimeGroup.found
+                        text: "通过 Homebrew 安装：brew install deno  或  brew install node"
+                        font.pixelSize: Theme.caption2
+                    }
+                }
+
+                SettingsGroup {
+                    id: ffmpegGroup
+
+                    readonly property bool found: DownloadManager.detectedFfmpeg.length > 0
+
+                    objectName: "ffmpegGroup"
+                    Layout.fillWidth: true
+                    title: "FFmpeg（音频转码）"
+                    symbol: "waveform.path.ecg"
+
+                    StatusRow {
+                        objectName: "ffmpegStatus"
+                        symbol: ffmpegGroup.found ? "checkmark.circle.fill" : "exclamationmark.triangle.fill"
+                        tint: ffmpegGroup.found ? Theme.green : Theme.red
+                        label: ffmpegGroup.found ? "FFmpeg 已就绪" : "未检测到 FFmpeg"
+                        redetect: true
+                        onRedetectClicked: DownloadManager.detectFfmpeg()
+                    }
+                    Text {
+                        objectName: "ffmpegVersionText"
+                        Layout.fillWidth: true
+                        visible: DownloadManager.detectedFfmpegVersion.length > 0
+                        text: DownloadManager.detectedFfmpegVersion
+                        color: Theme.secondaryText
+                        font.pixelSize: Theme.caption2
+                        elide: Text.ElideRight
+                    }
+                    Divider {}
+                    Caption {
+                        text: "下载音频（最佳音质、仅音频）时，yt-dlp 需要 FFmpeg 进行音频提取和转码。"
+                    }
+                    BorderedButton {
+                        objectName: "downloadFfmpegButton"
+                        visible: !ffmpegGroup.found
+                        symbol: "arrow.up.right.square"
+                        text: "下载 FFmpeg"
+                        prominent: true
+                        tint: Theme.purple
+                        onClicked: Desktop.openUrl("https://ffmpeg.org/download.html")
+                    }
+                    Row {
+                        objectName: "ffmpegBrewHint"
+                        visible: !ffmpegGroup.found
+                        spacing: 0
+
+                        Text {
+                            text: "推荐通过 Homebrew 安装："
+                            color: Theme.secondaryText
+                            font.pixelSize: Theme.caption2
+                        }
+                        Text {
+                            text: "brew install ffmpeg"
+                            color: Theme.green
+                            font.family: Theme.fixedFont.family
+                            font.pixelSize: Theme.caption2
+                        }
+                    }
+                }
+
+                SettingsGroup {
+                    objectName: "downloadGroup"
+                    Layout.fillWidth: true
+                    title: "下载设置"
+                    symbol: "folder"
+
+                    Text {
+                        text: "默认输出目录"
+                        color: Theme.text
+                        font.pixelSize: Theme.body
+                    }
+                    RowLayout {
+                        Layout.fillWidth: true
+                        spacing: 8
+
+                        TextInputField {
+                            objectName: "outputDirField"
+                            Layout.fillWidth: true
+                            placeholderText: "选择下载目录"
+                            text: AppState.outputDirectory
+                            onTextEdited: AppState.outputDirectory = text
+                        }
+                        BorderedButton {
+                            objectName: "browseOutputButton"
+                            text: "浏览..."
+                            onClicked: folderDialog.open()
+                        }
+                    }
+                    RowLayout {
+                        Layout.fillWidth: true
+                        spacing: 8
+
+                        Text {
+                            Layout.fillWidth: true
+                            text: "同时下载数"
+                            color: Theme.text
+                            font.pixelSize: Theme.body
+                        }
+                        SpinBox {
+                            id: concurrency
+
+                            objectName: "concurrencySpin"
+                            from: 1
+                            to: 16
+                            editable: true
+                            value: DownloadManager.maxConcurrentDownloads
+                            onValueModified: DownloadManager.maxConcurrentDownloads = concurrency.value
+                        }
+                    }
+                }
+
+                Item {
+                    implicitHeight: 0
+                }
+            }
+        }
+    }
+
+    FilePickerView {
+        id: filePicker
+
+        objectName: "filePicker"
+        parent: Overlay.overlay
+        onSelected: path => root.customYtDlpPath = path
+    }
+
+    OnDemand {
+        id: folderDialog
+
+        objectName: "settingsFolderDialog"
+        source: "FolderPicker.qml"
+    }
+}

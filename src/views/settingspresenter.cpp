@@ -1,0 +1,78 @@
+#include "settingspresenter.h"
+
+#include "engine/downloadmanager.h"
+#include "engine/shellrunner.h"
+
+#include <QSettings>
+
+using namespace Qt::StringLiterals;
+
+SettingsPresenter::SettingsPresenter(QObject *parent)
+    : SettingsPresenter(DownloadManager::instance(), parent)
+{
+}
+
+SettingsPresenter::SettingsPresenter(DownloadManager *downloads, QObject *parent)
+    : QObject(parent)
+    , m_downloads(downloads)
+{
+}
+
+void SettingsPresenter::verifyPath(const QString &path)
+{
+    if (++m_checks == 1)
+        Q_EMIT isCheckingChanged();
+    runShellCommand(
+        quoteIfNeeded(path) + u" --version 2>&1"_s, PipeMode::Shared, this,
+        [this](const ShellResult &) {
+            if (--m_checks == 0)
+                Q_EMIT isCheckingChanged();
+        },
+        DownloadManager::ProbeTimeoutMs);
+}
+
+void SettingsPresenter::updateYtDlp()
+{
+    if (!m_downloads)
+        return;
+    setUpdating(true);
+    setUpdateResult(u"正在更新..."_s);
+    m_downloads->updateYtDlp([self = QPointer(this)](const QString &result) {
+        if (!self)
+            return;
+        self->setUpdating(false);
+        self->setUpdateResult(result);
+    });
+}
+
+void SettingsPresenter::resetToAutoDetect()
+{
+    QSettings().remove(QLatin1String(DownloadManager::CustomYtDlpPathKey));
+    if (m_downloads)
+        m_downloads->checkYtDlpInstallation([](bool, const QString &) {});
+}
+
+QString SettingsPresenter::tintForUpdateResult(const QString &result)
+{
+    if (result.contains(u"成功") || result.contains(u"up-to-date") || result.contains(u"最新"))
+        return u"green"_s;
+    if (result.contains(u"正在"))
+        return u"orange"_s;
+    return u"red"_s;
+}
+
+void SettingsPresenter::setUpdating(bool value)
+{
+    if (m_isUpdating == value)
+        return;
+    m_isUpdating = value;
+    Q_EMIT isUpdatingChanged();
+}
+
+void SettingsPresenter::setUpdateResult(const QString &value)
+{
+    if (m_updateResult == value)
+        return;
+    m_updateResult = value;
+    Q_EMIT updateResultChanged();
+}

@@ -1,0 +1,58 @@
+#pragma once
+
+#include <QObject>
+#include <QPointer>
+#include <QString>
+#include <QtQml/qqmlregistration.h>
+
+class DownloadManager;
+
+// What the settings sheet does besides binding to the engine: probes a typed yt-dlp path, runs
+// the update and keeps its result, and puts tool discovery back to automatic. Built with the
+// sheet, so every opening starts from nothing checked and nothing updated.
+class SettingsPresenter : public QObject
+{
+    Q_OBJECT
+    QML_ELEMENT
+    Q_PROPERTY(bool isChecking READ isChecking NOTIFY isCheckingChanged)
+    Q_PROPERTY(bool isUpdating READ isUpdating NOTIFY isUpdatingChanged)
+    Q_PROPERTY(QString updateResult READ updateResult NOTIFY updateResultChanged)
+    Q_PROPERTY(QString updateResultTint READ updateResultTint NOTIFY updateResultChanged)
+
+public:
+    // Bound to the process-wide DownloadManager.
+    explicit SettingsPresenter(QObject *parent = nullptr);
+    explicit SettingsPresenter(DownloadManager *downloads, QObject *parent = nullptr);
+
+    bool isChecking() const { return m_checks > 0; }
+    bool isUpdating() const { return m_isUpdating; }
+    QString updateResult() const { return m_updateResult; }
+    QString updateResultTint() const { return tintForUpdateResult(m_updateResult); }
+
+    // Runs `path --version` through the shell. Only isChecking shows it: the answer is neither
+    // shown nor stored.
+    Q_INVOKABLE void verifyPath(const QString &path);
+    // Updates yt-dlp; updateResult says "正在更新..." until the engine's answer replaces it.
+    // Pressing again while one runs starts another.
+    Q_INVOKABLE void updateYtDlp();
+    // Forgets the stored custom path and asks the yt-dlp in use for its version again.
+    Q_INVOKABLE void resetToAutoDetect();
+
+    // The colour of an update message: the first of "成功", "up-to-date", "最新" (green) and
+    // "正在" (orange) that it contains; red otherwise.
+    static QString tintForUpdateResult(const QString &result);
+
+Q_SIGNALS:
+    void isCheckingChanged();
+    void isUpdatingChanged();
+    void updateResultChanged();
+
+private:
+    void setUpdating(bool value);
+    void setUpdateResult(const QString &value);
+
+    QPointer<DownloadManager> m_downloads;
+    int m_checks = 0;
+    bool m_isUpdating = false;
+    QString m_updateResult;
+};
