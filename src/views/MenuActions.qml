@@ -38,7 +38,7 @@ QtObject {
     }
     readonly property Action quit: Action {
         text: "退出 Quillbox"
-        shortcut: root.bindKeys ? StandardKey.Quit : ""
+        shortcut: root.bindKeys ? "Ctrl+Q" : ""
         // The way closing the window quits, so downloads stop the same way.
         onTriggered: root.window.close()
     }

@@ -411,7 +411,6 @@ Rectangle {
         id: filePicker
 
         objectName: "filePicker"
-        parent: Overlay.overlay
         onSelected: path => root.customYtDlpPath = path
     }
 

@@ -1,7 +1,8 @@
 // Quitting stops downloads: runs the real application set-up with the stand-in yt-dlp, starts a
-// download whose process leaves a child behind, closes the window (or, with --sigterm, is sent
-// SIGTERM), and once the event loop has ended checks that none of those processes still runs.
-// Exits 0 when none does.
+// download whose process leaves a child behind, then quits as the mode says: closing the window
+// (no mode), "退出 Quillbox" clicked in the menu bar (--menu), its key equivalent (--key), or
+// SIGTERM (--sigterm). Once the event loop has ended it checks that none of those processes still
+// runs. Exits 0 when none does.
 
 #include "app/applifecycle.h"
 #include "engine/downloadmanager.h"
@@ -13,12 +14,15 @@
 #include <QFileInfo>
 #include <QGuiApplication>
 #include <QQmlApplicationEngine>
+#include <QQuickItem>
 #include <QQuickStyle>
 #include <QQuickWindow>
+#include <QTest>
 #include <QTimer>
 #include <QtQml/qqmlextensionplugin.h>
 
 #include <csignal>
+#include <functional>
 #include <cstdio>
 #include <unistd.h>
 
@@ -50,6 +54,50 @@ bool running(qint64 pid)
     const qsizetype close = text.lastIndexOf(')');
     return close > 0 && text.mid(close + 2, 1) != "Z";
 }
+
+// The first visible item under `root` (popups included, they sit in the window's overlay) that
+// `matches` accepts.
+QQuickItem *findItem(QQuickItem *root, const std::function<bool(QQuickItem *)> &matches)
+{
+    if (!root || !root->isVisible())
+        return nullptr;
+    if (matches(root))
+        return root;
+    for (QQuickItem *child : root->childItems()) {
+        if (QQuickItem *found = findItem(child, matches))
+            return found;
+    }
+    return nullptr;
+}
+
+void clickCentre(QQuickWindow *window, QQuickItem *item)
+{
+    const QPointF centre = item->mapToScene(QPointF(item->width() / 2, item->height() / 2));
+    QTest::mouseClick(window, Qt::LeftButton, Qt::NoModifier, centre.toPoint());
+}
+
+// Opens the application menu of the in-window menu bar and clicks its quit item, as a user would.
+bool quitFromMenu(QQuickWindow *window)
+{
+    QQuickItem *menuTitle = findItem(window->contentItem(), [](QQuickItem *item) {
+        return item->inherits("QQuickMenuBarItem") && item->property("text").toString() == u"Quillbox"_s;
+    });
+    if (!menuTitle)
+        return false;
+    clickCentre(window, menuTitle);
+    QQuickItem *quitItem = nullptr;
+    const bool shown = QTest::qWaitFor([&] {
+        quitItem = findItem(window->contentItem(), [](QQuickItem *item) {
+            return item->objectName() == u"menuItem_退出 Quillbox"_s && item->height() > 0;
+        });
+        return quitItem != nullptr;
+    });
+    if (!shown)
+        return false;
+    QTest::qWait(300); // the menu's opening transition
+    clickCentre(window, quitItem);
+    return true;
+}
 } // namespace
 
 int main(int argc, char *argv[])
@@ -74,7 +122,8 @@ int main(int argc, char *argv[])
     qputenv("FAKE_YTDLP_PIDFILE", pidFile.toUtf8());
     QQuickStyle::setStyle(u"Basic"_s);
     AppLifecycle::quitOnTerminationSignals();
-    const bool bySignal = app.arguments().contains(u"--sigterm"_s);
+    const QStringList arguments = app.arguments();
+    const QString mode = arguments.size() > 1 ? arguments.at(1) : QString();
 
     AppLifecycle lifecycle(DownloadManager::instance());
     QQmlApplicationEngine engine;
@@ -83,6 +132,7 @@ int main(int argc, char *argv[])
     if (!window)
         return 2;
     lifecycle.attachMainWindow(window);
+    window->requestActivate();
 
     DownloadManager::instance()->startDownload(
         u"https://quit.example/v"_s, DownloadPreset::Default, QString(), env.root() + u"/out"_s, true, false);
@@ -93,10 +143,21 @@ int main(int argc, char *argv[])
     QObject::connect(&poll, &QTimer::timeout, window, [&] {
         if (pidsIn(pidFile).size() >= 2) {
             poll.stop();
-            if (bySignal)
+            if (mode == u"--sigterm") {
                 ::kill(::getpid(), SIGTERM);
-            else
+            } else if (mode == u"--menu") {
+                if (!quitFromMenu(window)) {
+                    std::fputs("no \"退出 Quillbox\" in the menu bar\n", stderr);
+                    QCoreApplication::exit(4);
+                }
+            } else if (mode == u"--key") {
+                // Shortcuts go to the active window.
+                if (!QTest::qWaitForWindowActive(window))
+                    std::fputs("the window never became active\n", stderr);
+                QTest::keyClick(window, Qt::Key_Q, Qt::ControlModifier);
+            } else {
                 window->close();
+            }
         }
     });
     poll.start();

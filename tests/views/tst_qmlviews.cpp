@@ -123,6 +123,40 @@ public:
         return model;
     }
 
+    Q_INVOKABLE QVariant setting(const QString &key) const { return QSettings().value(key); }
+    Q_INVOKABLE void setSetting(const QString &key, const QVariant &value) const
+    {
+        QSettings().setValue(key, value);
+    }
+
+    // A shell script at `path` (folders made as needed) that prints `output`.
+    Q_INVOKABLE bool writeExecutable(const QString &path, const QString &output) const
+    {
+        QDir().mkpath(QFileInfo(path).path());
+        QFile file(path);
+        if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate))
+            return false;
+        file.write("#!/bin/sh\necho '" + output.toUtf8() + "'\n");
+        file.close();
+        return file.setPermissions(file.permissions() | QFileDevice::ExeOwner);
+    }
+    Q_INVOKABLE bool removeFile(const QString &path) const { return QFile::remove(path); }
+
+    // What the next start would read: a new application state and engine on the stored settings.
+    Q_INVOKABLE QString freshOutputDirectory() const
+    {
+        AppState state;
+        state.loadPreferences();
+        return state.outputDirectory();
+    }
+    Q_INVOKABLE int freshMaxConcurrentDownloads() const
+    {
+        AppState state;
+        const DownloadManager engine(&state, ToolLocations::standard(m_root), nullptr,
+            DownloadManager::Discovery::WaitForStart);
+        return engine.maxConcurrentDownloads();
+    }
+
     Q_INVOKABLE QString lastTaskStatus() const
     {
         const auto tasks = DownloadManager::instance()->tasks();
@@ -148,6 +182,11 @@ public Q_SLOTS:
         startMediaServer(tests);
 #else
         QSettings().setValue(QLatin1String(DownloadManager::CustomYtDlpPathKey), QString(tests + u"/fakes/yt-dlp"_s));
+        // Deno in the sandboxed home is the only JavaScript runtime, so a test decides whether one
+        // is there (whatever this machine has installed).
+        ToolLocations locations = ToolLocations::standard(m_env->home());
+        locations.runtimes = { { u"deno"_s, { m_env->home() + u"/.deno/bin/deno"_s } } };
+        DownloadManager::useLocations(locations);
 #endif
         qputenv("QUILLBOX_NO_BROWSER", "1");
         qputenv("FAKE_YTDLP_ARGV_FILE", (m_env->root() + u"/argv.jsonl"_s).toUtf8());

@@ -1,0 +1,214 @@
+import QtQuick
+import QtTest
+import Quillbox
+import QuillboxTest
+
+// The settings sheet against the real engine, whose yt-dlp is the stand-in.
+TestCase {
+    id: testCase
+
+    name: "Settings"
+    width: 550
+    height: 720
+    visible: true
+    when: windowShown
+
+    Component {
+        id: sheetComponent
+
+        SettingsView {
+            anchors.fill: parent
+        }
+    }
+
+    SignalSpy {
+        id: urlSpy
+
+        target: Desktop
+        signalName: "urlOpened"
+    }
+
+    readonly property string denoPath: TestHelper.tempDir() + "/home/.deno/bin/deno"
+
+    function makeSheet() {
+        const sheet = createTemporaryObject(sheetComponent, testCase)
+        verify(sheet)
+        return sheet
+    }
+
+    function texts(item) {
+        const found = []
+        const walk = node => {
+            if (!node.visible)
+                return
+            if (/^QQuickText\(/.test(node.toString()) && node.text.length > 0)
+                found.push(node.text)
+            for (let i = 0; i < node.children.length; ++i)
+                walk(node.children[i])
+        }
+        walk(item)
+        return found
+    }
+
+    function button(sheet, name) {
+        const found = findChild(sheet, name)
+        verify(found, name)
+        return found
+    }
+
+    function init() {
+        TestHelper.setEnv("FAKE_YTDLP_UPDATE_OUTPUT", "")
+        TestHelper.setEnv("FAKE_YTDLP_UPDATE_EXIT", "")
+        urlSpy.clear()
+    }
+
+    function test_groupsAndTheirTexts() {
+        const sheet = makeSheet()
+        tryVerify(() => DownloadManager.ytDlpVersion.length > 0, 20000)
+        const groups = ["ytDlpGroup", "runtimeGroup", "ffmpegGroup", "downloadGroup"].map(name => button(sheet, name))
+        compare(groups.map(group => findChild(group, "groupTitle").text),
+            ["yt-dlp 配置", "JS 运行时（YouTube EJS）", "FFmpeg（音频转码）", "下载设置"])
+        for (let i = 1; i < groups.length; ++i)
+            verify(groups[i].y > groups[i - 1].y, "group " + i + " below the one before")
+
+        const ytDlp = texts(groups[0])
+        compare(ytDlp.slice(0, 4), ["yt-dlp 配置", "yt-dlp 状态", "已安装 (v" + DownloadManager.ytDlpVersion + ")",
+            "可执行文件路径"])
+        verify(ytDlp.includes("自动检测路径: " + DownloadManager.ytDlpPath))
+        verify(ytDlp.includes("⚠️ 如果下载 YouTube 时只看到图片格式（storyboard），通常是 yt-dlp 版本过旧，需要更新。"))
+        compare(button(sheet, "updateButton").text, "更新 yt-dlp 到最新版")
+        // Nothing has been updated in a sheet just made.
+        verify(!button(sheet, "updateResultText").visible)
+        compare(texts(groups[3]), ["下载设置", "默认输出目录", "浏览...", "同时下载数"])
+        compare(button(sheet, "outputDirField").text, AppState.outputDirectory)
+
+        // Only "使用此路径" is ever disabled, and only while the field is empty.
+        const usePath = button(sheet, "usePathButton")
+        const field = button(sheet, "pathField")
+        compare(field.text, "")
+        verify(!usePath.enabled)
+        for (const name of ["resetPathButton", "updateButton", "probeButton", "browseYtDlpButton", "browseOutputButton"])
+            verify(button(sheet, name).enabled, name)
+        field.forceActiveFocus()
+        keyClick(Qt.Key_A)
+        verify(usePath.enabled)
+        keyClick(Qt.Key_Backspace)
+        verify(!usePath.enabled)
+    }
+
+    // Each case runs the stand-in's update; the message is coloured by what it contains.
+    function test_updateResultColour_data() {
+        return [
+            { tag: "success", output: "Updated yt-dlp to 2025.11.12", exit: 0, tint: "green", start: "✅ 更新成功" },
+            { tag: "up-to-date", output: "yt-dlp is up-to-date (2025.11.12)", exit: 1, tint: "green", start: "❌ 更新失败" },
+            { tag: "最新", output: "已是最新版本", exit: 1, tint: "green", start: "❌ 更新失败" },
+            { tag: "failure", output: "ERROR: Unable to write to /usr/bin/yt-dlp", exit: 1, tint: "red", start: "❌ 更新失败" },
+        ]
+    }
+
+    function test_updateResultColour(data) {
+        TestHelper.setEnv("FAKE_YTDLP_UPDATE_OUTPUT", data.output)
+        TestHelper.setEnv("FAKE_YTDLP_UPDATE_EXIT", String(data.exit))
+        const sheet = makeSheet()
+        const update = button(sheet, "updateButton")
+        const result = button(sheet, "updateResultText")
+        mouseClick(update)
+        // Running: the busy label, the orange "正在" message, and the button still pressable.
+        compare(result.text, "正在更新...")
+        compare(String(result.color), String(Theme.orange))
+        compare(update.text, "更新中...")
+        verify(update.enabled)
+        tryCompare(update, "text", "更新 yt-dlp 到最新版", 20000)
+        verify(result.text.startsWith(data.start), result.text)
+        compare(String(result.color), String(Theme.tint(data.tint)))
+    }
+
+    function test_redetectFindsANewRuntime() {
+        TestHelper.removeFile(denoPath)
+        const sheet = makeSheet()
+        const status = findChild(button(sheet, "runtimeStatus"), "statusText")
+        const install = button(sheet, "installDenoButton")
+        DownloadManager.detectJSRuntime()
+        tryCompare(status, "text", "未检测到 JS 运行时", 20000)
+        verify(install.visible)
+        verify(button(sheet, "runtimeBrewHint").visible)
+        compare(button(sheet, "runtimeBrewHint").text, "通过 Homebrew 安装：brew install deno  或  brew install node")
+        verify(!button(sheet, "runtimePathText").visible)
+        mouseClick(install)
+        compare(urlSpy.count, 1)
+        verify(String(urlSpy.signalArguments[0][0]).startsWith("https://docs.deno.com/"))
+
+        verify(TestHelper.writeExecutable(denoPath, "deno 2.1.4"))
+        mouseClick(findChild(button(sheet, "runtimeStatus"), "redetectButton"))
+        tryCompare(status, "text", "deno 已就绪", 20000)
+        verify(!install.visible)
+        verify(!button(sheet, "runtimeBrewHint").visible)
+        compare(button(sheet, "runtimePathText").text, denoPath)
+
+        TestHelper.removeFile(denoPath)
+        DownloadManager.detectJSRuntime()
+        tryCompare(status, "text", "未检测到 JS 运行时", 20000)
+    }
+
+    function test_pickerOnlyFillsTheField() {
+        const stored = TestHelper.setting("customYtDlpPath")
+        const sheet = makeSheet()
+        const picker = button(sheet, "filePicker")
+        mouseClick(button(sheet, "browseYtDlpButton"))
+        tryCompare(picker, "opened", true)
+        mouseClick(button(picker.contentItem, "pickerCancelButton"))
+        tryCompare(picker, "visible", false)
+        compare(button(sheet, "pathField").text, "")
+
+        mouseClick(button(sheet, "browseYtDlpButton"))
+        tryCompare(picker, "opened", true)
+        const entries = button(picker.contentItem, "pickerEntries")
+        const labels = []
+        for (let i = 0; i < entries.children.length; ++i)
+            labels.push(entries.children[i].text)
+        compare(labels.filter(label => label !== undefined),
+            ["✅ /opt/homebrew/bin/yt-dlp", "✅ /usr/local/bin/yt-dlp", "📁 手动选择..."])
+        const local = entries.children[labels.indexOf("✅ /usr/local/bin/yt-dlp")]
+        mouseClick(local)
+        tryCompare(picker, "visible", false)
+        compare(button(sheet, "pathField").text, "/usr/local/bin/yt-dlp")
+        verify(button(sheet, "usePathButton").enabled)
+        compare(TestHelper.setting("customYtDlpPath"), stored)
+    }
+
+    function test_resetRemovesTheStoredPath() {
+        const stored = TestHelper.setting("customYtDlpPath")
+        verify(stored.length > 0)
+        const sheet = makeSheet()
+        const field = button(sheet, "pathField")
+        field.forceActiveFocus()
+        keyClick("/")
+        keyClick("x")
+        mouseClick(button(sheet, "resetPathButton"))
+        compare(field.text, "")
+        compare(TestHelper.setting("customYtDlpPath"), undefined)
+        // The engine keeps the yt-dlp it has until the next start.
+        TestHelper.setSetting("customYtDlpPath", stored)
+    }
+
+    function test_downloadSettingsSurviveARestart() {
+        const sheet = makeSheet()
+        const folder = TestHelper.tempDir() + "/chosen"
+        const field = button(sheet, "outputDirField")
+        field.forceActiveFocus()
+        field.selectAll()
+        for (const character of folder)
+            keyClick(character)
+        compare(AppState.outputDirectory, folder)
+        compare(TestHelper.freshOutputDirectory(), folder)
+
+        const spin = button(sheet, "concurrencySpin")
+        const before = DownloadManager.maxConcurrentDownloads
+        spin.forceActiveFocus()
+        keyClick(Qt.Key_Up)
+        compare(DownloadManager.maxConcurrentDownloads, before + 1)
+        compare(TestHelper.freshMaxConcurrentDownloads(), before + 1)
+        keyClick(Qt.Key_Down)
+        compare(TestHelper.freshMaxConcurrentDownloads(), before)
+    }
+}
