@@ -12,6 +12,7 @@
 #include <QQuickItem>
 #include <QQuickWindow>
 #include <QScreen>
+#include <QSet>
 #include <QSettings>
 #include <QtQml/qqmlextensionplugin.h>
 #include <QtTest>
@@ -148,6 +149,7 @@ void TestMainWindow::menusAsDesigned()
     QVERIFY(menuBar);
 
     QStringList menus;
+    QSet<QString> labelColours[2]; // of disabled, of enabled entries
     QQuickItem *aboutItem = nullptr;
     const QQmlListReference list(menuBar, "menus");
     for (qsizetype i = 0; i < list.count(); ++i) {
@@ -159,10 +161,18 @@ void TestMainWindow::menusAsDesigned()
             QQuickItem *entry = nullptr;
             QVERIFY(QMetaObject::invokeMethod(menu, "itemAt", Q_RETURN_ARG(QQuickItem *, entry), Q_ARG(int, at)));
             const QString label = entry->property("text").toString();
-            if (label.isEmpty())
+            if (label.isEmpty()) {
                 text += u" |"_s;
-            else
-                text += entry->isEnabled() ? QString(u' ' + label) : QString(u" ["_s + label + u']');
+                continue;
+            }
+            text += entry->isEnabled() ? QString(u' ' + label) : QString(u" ["_s + label + u']');
+            // The key equivalent as the entry shows it, and the label's colour by state.
+            auto *keys = entry->findChild<QQuickItem *>(u"menuItemKeys"_s);
+            if (keys && keys->isVisible())
+                text += u'(' + keys->property("text").toString() + u')';
+            auto *shown = entry->findChild<QQuickItem *>(u"menuItemText"_s);
+            QVERIFY(shown);
+            labelColours[entry->isEnabled()] << shown->property("color").value<QColor>().name();
             if (label == u"关于 Quillbox"_s)
                 aboutItem = entry;
         }
@@ -171,9 +181,15 @@ void TestMainWindow::menusAsDesigned()
         QTRY_VERIFY(!menu->property("visible").toBool());
     }
     QCOMPARE(menus,
-        QStringList({ u"Quillbox: 关于 Quillbox | [偏好设置...] | 隐藏 Quillbox 隐藏其他 显示全部 | 退出 Quillbox"_s,
-            u"文件: [新建下载任务] | 关闭窗口"_s, u"编辑: 撤销 重做 | 剪切 复制 粘贴 全选"_s,
-            u"窗口: 最小化 缩放 | 全部置于顶层"_s }));
+        QStringList({ u"Quillbox: 关于 Quillbox | [偏好设置...](Ctrl+,) | 隐藏 Quillbox(Ctrl+H) "
+                      u"隐藏其他(Ctrl+Alt+H) 显示全部 | 退出 Quillbox(Ctrl+Q)"_s,
+            u"文件: [新建下载任务](Ctrl+N) | 关闭窗口(Ctrl+W)"_s,
+            u"编辑: 撤销(Ctrl+Z) 重做(Ctrl+Shift+Z) | 剪切(Ctrl+X) 复制(Ctrl+C) 粘贴(Ctrl+V) 全选(Ctrl+A)"_s,
+            u"窗口: 最小化(Ctrl+M) 缩放 | 全部置于顶层"_s }));
+    // Disabled entries are drawn in another colour than the enabled ones.
+    QCOMPARE(labelColours[0].size(), 1);
+    QCOMPARE(labelColours[1].size(), 1);
+    QVERIFY(labelColours[0] != labelColours[1]);
 
     // Opening a menu again, as a person does, does not add its entries twice; and
     // "关于 Quillbox" opens the About panel, made on that first use.

@@ -1,8 +1,9 @@
 // Renders the real main window offscreen to a PNG, in a sandbox (its own home and settings), so
 // the interface can be seen without a display:
-//     quillbox_screenshot OUT.png [--yt-dlp PATH] [--scenario DIR] [--wait MS]
+//     quillbox_screenshot OUT.png [--yt-dlp PATH] [--scenario DIR] [--settings] [--wait MS]
 // With --yt-dlp the window uses that yt-dlp; with --scenario it also starts the downloads listed
-// in DIR/downloads.txt (one "URL" per line), so the queue shows tasks in their states.
+// in DIR/downloads.txt (one "URL" per line), so the queue shows tasks in their states; with
+// --settings the settings sheet is open.
 
 #include "app/applifecycle.h"
 #include "engine/downloadmanager.h"
@@ -51,7 +52,8 @@ int main(int argc, char *argv[])
     const QCommandLineOption scenario(u"scenario"_s, u"folder with downloads.txt"_s, u"dir"_s);
     const QCommandLineOption wait(u"wait"_s, u"milliseconds to let the window settle"_s, u"ms"_s, u"2500"_s);
     const QCommandLineOption maxDownloads(u"max-downloads"_s, u"downloads at once"_s, u"n"_s, u"2"_s);
-    parser.addOptions({ ytDlp, scenario, wait, maxDownloads });
+    const QCommandLineOption settings(u"settings"_s, u"open the settings sheet"_s);
+    parser.addOptions({ ytDlp, scenario, wait, maxDownloads, settings });
     parser.addHelpOption();
     parser.process(app);
     if (parser.positionalArguments().size() != 1)
@@ -85,6 +87,9 @@ int main(int argc, char *argv[])
             DownloadManager::instance()->startDownloads(urls, request);
         }
     }
+
+    if (parser.isSet(settings))
+        AppState::instance()->setShowSettings(true);
 
     int status = 0;
     QTimer::singleShot(parser.value(wait).toInt(), &app, [&] {

@@ -221,7 +221,20 @@ TestCase {
         compare(AppState.showSettings, true)
         const sheet = findChild(view, "settingsSheet")
         tryCompare(sheet, "opened", true)
+        // Its own close button is the only way out; a reopened sheet starts afresh.
         keyClick(Qt.Key_Escape)
+        wait(50)
+        verify(sheet.opened)
+        const field = findChild(sheet.contentItem, "pathField")
+        field.text = "/typed/yt-dlp"
+        mouseClick(findChild(sheet.contentItem, "closeSettingsButton"))
+        tryCompare(sheet, "opened", false)
+        compare(AppState.showSettings, false)
+        mouseClick(findChild(view, "settingsButton"))
+        tryCompare(sheet, "opened", true)
+        tryVerify(() => findChild(sheet.contentItem, "pathField") !== null)
+        compare(findChild(sheet.contentItem, "pathField").text, "")
+        mouseClick(findChild(sheet.contentItem, "closeSettingsButton"))
         tryCompare(AppState, "showSettings", false)
     }
 
