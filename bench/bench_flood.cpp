@@ -189,7 +189,7 @@ int main(int argc, char **argv)
         const MachineTimes machineBefore = MachineTimes::now();
         QElapsedTimer wall;
         wall.start();
-        manager.startDownloads(urls, requestInto(sandbox.path(u"out"_s)));
+        manager.startDownloads(urls, optionsInto(sandbox.path(u"out"_s)));
         const double startCallMs = double(wall.nsecsElapsed()) / 1e6;
         probe.markSteady();
         if (!waitUntil([&] { return allSettled(manager); }, seconds * 1000 + 120000, 20))
@@ -289,7 +289,7 @@ int main(int argc, char **argv)
         rssSampler.start(20);
         lineProbe.start();
         wall.restart();
-        panelManager.startDownloads({ u"https://example.invalid/long-line"_s }, requestInto(sandbox.path(u"out"_s)));
+        panelManager.startDownloads({ u"https://example.invalid/long-line"_s }, optionsInto(sandbox.path(u"out"_s)));
         if (!waitUntil([&] { return allSettled(panelManager); }, 300000, 20))
             fail(u"the long-line download did not end within 300 s"_s);
         const double lineElapsedS = double(wall.nsecsElapsed()) / 1e9;

@@ -97,8 +97,6 @@ qint64 downloadedSize(const QString &folder, const char *what)
 
 Run engineRun(DownloadManager &manager, const AppState &state, const QString &url, const QString &folder)
 {
-    DownloadRequest request = requestInto(folder);
-    request.url = url;
     const int row = int(manager.taskModel()->count());
 
     QEventLoop loop;
@@ -118,7 +116,7 @@ Run engineRun(DownloadManager &manager, const AppState &state, const QString &ur
     const double cpuBefore = selfCpuMs();
     const double childrenBefore = childrenCpuMs();
     clock.start();
-    manager.startDownloads({ url }, request);
+    manager.startDownloads({ url }, optionsInto(folder));
     if (endedMs < 0)
         loop.exec();
     Run run;
@@ -135,7 +133,8 @@ Run engineRun(DownloadManager &manager, const AppState &state, const QString &ur
     // The command the engine logged is the one the direct run uses (log entries arrive a turn of
     // the event loop after they are made).
     const QString expected = DownloadManager::buildDownloadCommand(
-        manager.ytDlpPath(), request, manager.jsRuntimeArgs(), manager.ffmpegArgs(), false);
+        manager.ytDlpPath(), DownloadRequest { optionsInto(folder), url }, manager.jsRuntimeArgs(),
+        manager.ffmpegArgs(), false);
     if (!waitUntil([&] { return loggedCommand(state) == expected; }, 5000))
         fail(u"the engine ran «%1», not «%2»"_s.arg(loggedCommand(state), expected));
     return run;
@@ -214,8 +213,7 @@ int main(int argc, char **argv)
         if (manager.detectedFfmpeg() != ffmpeg)
             fail(u"the engine did not take ffmpeg from "_s + ffmpeg);
         const auto commandFor = [&](const QString &folder) {
-            DownloadRequest request = requestInto(folder);
-            request.url = url;
+            const DownloadRequest request { optionsInto(folder), url };
             return DownloadManager::buildDownloadCommand(
                 manager.ytDlpPath(), request, manager.jsRuntimeArgs(), manager.ffmpegArgs(), false);
         };

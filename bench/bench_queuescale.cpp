@@ -223,7 +223,7 @@ Outcome measure(Sandbox &sandbox, Way way, int links, int observeMs)
         for (const QString &url : std::as_const(urls))
             manager.startDownload(url, DownloadPreset::Default, QString(), folder, true, false);
     } else {
-        manager.startDownloads(urls, requestInto(folder));
+        manager.startDownloads(urls, optionsInto(folder));
     }
     outcome.callMs = double(clock.nsecsElapsed()) / 1e6;
     if (manager.taskModel()->count() - before != links)

@@ -4,7 +4,7 @@
 // stand-in yt-dlp of the tests, and a warm-up download that also waits out tool discovery.
 
 #include "engine/downloadmanager.h"
-#include "engine/taskmodel.h"
+#include "model/taskmodel.h"
 #include "model/appstate.h"
 
 #include "benchsupport.h"
@@ -67,14 +67,14 @@ inline qsizetype countWithStatus(const DownloadManager &manager, DownloadStatus 
         tasks.cbegin(), tasks.cend(), [status](const DownloadTask &task) { return task.status == status; });
 }
 
-inline DownloadRequest requestInto(const QString &folder)
+inline DownloadOptions optionsInto(const QString &folder)
 {
-    DownloadRequest request;
-    request.preset = DownloadPreset::Default;
-    request.outputDir = folder;
-    request.downloadPlaylist = true;
-    request.useCookies = false;
-    return request;
+    DownloadOptions options;
+    options.preset = DownloadPreset::Default;
+    options.outputDir = folder;
+    options.downloadPlaylist = true;
+    options.useCookies = false;
+    return options;
 }
 
 // One download of `url` into `folder`, waited for; downloads only start once discovery has
@@ -82,8 +82,7 @@ inline DownloadRequest requestInto(const QString &folder)
 inline void warmUp(DownloadManager &manager, const QString &url, const QString &folder, int timeoutMs = 120000)
 {
     const qsizetype before = manager.taskModel()->count();
-    DownloadRequest request = requestInto(folder);
-    manager.startDownloads({ url }, request);
+    manager.startDownloads({ url }, optionsInto(folder));
     const auto ended = [&] {
         return manager.taskModel()->count() > before && isFinal(manager.taskModel()->tasks().at(before).status)
             && manager.runningCount() == 0;

@@ -1,6 +1,6 @@
-#include "app/applifecycle.h"
+#include "views/applifecycle.h"
 #include "app/buildinfo.h"
-#include "app/firstframe.h"
+#include "views/firstframe.h"
 #include "engine/downloadmanager.h"
 #include "views/qmlsetup.h"
 

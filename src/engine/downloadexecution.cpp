@@ -130,16 +130,15 @@ QString DownloadManager::buildDownloadCommand(const QString &ytDlpPath, const Do
 void DownloadManager::startDownload(const QString &url, DownloadPreset preset, const QString &customArgs,
     const QString &outputDir, bool downloadPlaylist, bool useCookies)
 {
-    startDownloads({ url }, DownloadRequest { QString(), preset, customArgs, outputDir, downloadPlaylist, useCookies });
+    startDownloads({ url }, DownloadOptions { preset, customArgs, outputDir, downloadPlaylist, useCookies });
 }
 
-void DownloadManager::startDownloads(const QStringList &urls, const DownloadRequest &common)
+void DownloadManager::startDownloads(const QStringList &urls, const DownloadOptions &options)
 {
     QList<DownloadTask> created;
     created.reserve(urls.size());
     for (const QString &url : urls) {
-        DownloadRequest request = common;
-        request.url = url;
+        DownloadRequest request { options, url };
         const QUuid id = createTask(request, created);
         m_waiting.push_back(Waiting { id, std::move(request) });
     }

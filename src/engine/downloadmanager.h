@@ -1,7 +1,7 @@
 #pragma once
 
 #include "engine/progressparser.h"
-#include "engine/taskmodel.h"
+#include "model/taskmodel.h"
 #include "model/downloadpreset.h"
 #include "model/downloadtask.h"
 #include "model/logentry.h"
@@ -38,15 +38,20 @@ struct ToolLocations
     static ToolLocations standard(const QString &home);
 };
 
-// One user request to download one link.
-struct DownloadRequest
+// How the user asked for a download: the form's choices, shared by every link started together.
+struct DownloadOptions
 {
-    QString url;
     DownloadPreset preset = DownloadPreset::Default;
     QString customArgs;
     QString outputDir;
     bool downloadPlaylist = true;
     bool useCookies = true;
+};
+
+// One user request to download one link.
+struct DownloadRequest : DownloadOptions
+{
+    QString url;
 };
 
 // A failure the engine reports: its own (domain "DownloadManager", code = exit status or -1) or
@@ -163,7 +168,7 @@ public:
     Q_INVOKABLE void startDownload(const QString &url, quillbox::DownloadPreset preset, const QString &customArgs,
         const QString &outputDir, bool downloadPlaylist, bool useCookies);
     // startDownload for each link, in order, with one insertion into the task model.
-    void startDownloads(const QStringList &urls, const DownloadRequest &common);
+    void startDownloads(const QStringList &urls, const DownloadOptions &options);
     // Every running and waiting task becomes cancelled and stays so; running process groups get
     // SIGTERM, then SIGKILL after CancelGraceMs if still alive.
     Q_INVOKABLE void cancelAllDownloads();

@@ -14,7 +14,12 @@ Q_ENUM_NS(DownloadStatus)
 enum class DownloadPreset { Default, BestQuality, BestAudio, BestVideoAudio, AudioOnly, Custom };
 Q_ENUM_NS(DownloadPreset)
 
+// The colour a status, a log entry or a message is drawn in; the theme says which shade each is.
+enum class Tint { Gray, Orange, Blue, Green, Red, Yellow, Purple };
+Q_ENUM_NS(Tint)
+
 } // namespace quillbox
 
 using quillbox::DownloadPreset;
 using quillbox::DownloadStatus;
+using quillbox::Tint;

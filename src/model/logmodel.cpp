@@ -33,7 +33,7 @@ QVariant LogModel::data(const QModelIndex &index, int role) const
     case SymbolRole:
         return symbolFor(entry.type);
     case TintRole:
-        return tintFor(entry.type);
+        return int(tintFor(entry.type));
     case IsErrorRole:
         return entry.type == LogEntry::LogType::Error;
     default:
@@ -60,14 +60,14 @@ struct TypeLook
 {
     LogEntry::LogType type;
     const char16_t *symbol;
-    const char16_t *tint;
+    Tint tint;
 };
 
 constexpr std::array<TypeLook, 4> looks { {
-    { LogEntry::LogType::Info, u"info.circle", u"blue" },
-    { LogEntry::LogType::Warning, u"exclamationmark.triangle", u"orange" },
-    { LogEntry::LogType::Error, u"xmark.octagon", u"red" },
-    { LogEntry::LogType::Download, u"arrow.down.circle", u"green" },
+    { LogEntry::LogType::Info, u"info.circle", Tint::Blue },
+    { LogEntry::LogType::Warning, u"exclamationmark.triangle", Tint::Orange },
+    { LogEntry::LogType::Error, u"xmark.octagon", Tint::Red },
+    { LogEntry::LogType::Download, u"arrow.down.circle", Tint::Green },
 } };
 
 } // namespace
@@ -77,9 +77,9 @@ QString LogModel::symbolFor(LogEntry::LogType type)
     return QString::fromUtf16(entryFor(looks, &TypeLook::type, type).symbol);
 }
 
-QString LogModel::tintFor(LogEntry::LogType type)
+Tint LogModel::tintFor(LogEntry::LogType type)
 {
-    return QString::fromUtf16(entryFor(looks, &TypeLook::type, type).tint);
+    return entryFor(looks, &TypeLook::type, type).tint;
 }
 
 QList<LogEntry> LogModel::entries() const

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "model/enums.h"
 #include "model/logentry.h"
 
 #include <QAbstractListModel>
@@ -23,7 +24,7 @@ public:
         MessageRole,
         TimeTextRole, // "HH:mm:ss", 24-hour local time
         SymbolRole, // the icon of the entry's type
-        TintRole, // the colour name of the entry's type: blue, orange, red, green
+        TintRole, // the colour of the entry's type, a Tint
         IsErrorRole, // error lines show their message in red
     };
     Q_ENUM(Role)
@@ -42,7 +43,7 @@ public:
     void append(QList<LogEntry> batch);
 
     static QString symbolFor(LogEntry::LogType type);
-    static QString tintFor(LogEntry::LogType type);
+    static Tint tintFor(LogEntry::LogType type);
     void clear();
 
 Q_SIGNALS:

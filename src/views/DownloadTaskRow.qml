@@ -12,7 +12,7 @@ AbstractButton {
     required property string title
     required property string statusLabel
     required property string statusSymbol
-    required property string statusTint
+    required property int statusTint
     required property string speed
     required property string size
     required property real progress

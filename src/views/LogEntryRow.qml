@@ -8,7 +8,7 @@ RowLayout {
 
     required property string timeText
     required property string symbol
-    required property string tint
+    required property int tint
     required property string message
     required property bool isError
 

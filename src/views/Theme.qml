@@ -26,15 +26,15 @@ QtObject {
 
     readonly property font fixedFont: Desktop.fixedFont
 
-    // The colour behind a colour name that C++ presenters hand out ("blue", "red", …).
-    function tint(name: string): color {
+    // The shade of each colour the models and presenters name (Download.Blue, Download.Red, …).
+    function tint(name: int): color {
         switch (name) {
-        case "blue": return blue
-        case "green": return green
-        case "red": return red
-        case "orange": return orange
-        case "yellow": return yellow
-        case "purple": return purple
+        case Download.Blue: return blue
+        case Download.Green: return green
+        case Download.Red: return red
+        case Download.Orange: return orange
+        case Download.Yellow: return yellow
+        case Download.Purple: return purple
         default: return gray
         }
     }

@@ -31,15 +31,15 @@ void InputPresenter::startDownload()
     m_isLoading = true;
     Q_EMIT isLoadingChanged();
 
-    DownloadRequest request;
-    request.preset = m_state->selectedPreset();
-    request.customArgs = request.preset == DownloadPreset::Custom ? m_state->customArguments() : QString();
-    request.outputDir = m_state->outputDirectory();
-    request.downloadPlaylist = m_state->downloadPlaylist();
-    request.useCookies = m_state->useCookies();
+    DownloadOptions options;
+    options.preset = m_state->selectedPreset();
+    options.customArgs = options.preset == DownloadPreset::Custom ? m_state->customArguments() : QString();
+    options.outputDir = m_state->outputDirectory();
+    options.downloadPlaylist = m_state->downloadPlaylist();
+    options.useCookies = m_state->useCookies();
     const LinkInput input = readLinkInput(m_state->urlInput());
     if (!input.links.isEmpty())
-        m_downloads->startDownloads(input.links, request);
+        m_downloads->startDownloads(input.links, options);
     setNotices(input.rejected, input.links.isEmpty() ? u"没有可以下载的链接"_s : QString());
 
     m_isLoading = false;

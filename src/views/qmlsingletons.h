@@ -1,7 +1,7 @@
 #pragma once
 
 #include "engine/downloadmanager.h"
-#include "engine/taskmodel.h"
+#include "model/taskmodel.h"
 #include "model/appstate.h"
 #include "model/downloadpreset.h"
 #include "model/downloadtask.h"

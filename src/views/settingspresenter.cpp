@@ -52,13 +52,13 @@ void SettingsPresenter::resetToAutoDetect()
         m_downloads->checkYtDlpInstallation([](bool, const QString &) {});
 }
 
-QString SettingsPresenter::tintForUpdateResult(const QString &result)
+Tint SettingsPresenter::tintForUpdateResult(const QString &result)
 {
     if (result.contains(u"成功") || result.contains(u"up-to-date") || result.contains(u"最新"))
-        return u"green"_s;
+        return Tint::Green;
     if (result.contains(u"正在"))
-        return u"orange"_s;
-    return u"red"_s;
+        return Tint::Orange;
+    return Tint::Red;
 }
 
 void SettingsPresenter::setUpdating(bool value)

@@ -3,6 +3,8 @@
 #include <QObject>
 #include <QPointer>
 #include <QString>
+#include "model/enums.h"
+
 #include <QtQml/qqmlregistration.h>
 
 class DownloadManager;
@@ -17,7 +19,7 @@ class SettingsPresenter : public QObject
     Q_PROPERTY(bool isChecking READ isChecking NOTIFY isCheckingChanged)
     Q_PROPERTY(bool isUpdating READ isUpdating NOTIFY isUpdatingChanged)
     Q_PROPERTY(QString updateResult READ updateResult NOTIFY updateResultChanged)
-    Q_PROPERTY(QString updateResultTint READ updateResultTint NOTIFY updateResultChanged)
+    Q_PROPERTY(quillbox::Tint updateResultTint READ updateResultTint NOTIFY updateResultChanged)
 
 public:
     // Bound to the process-wide DownloadManager.
@@ -27,7 +29,7 @@ public:
     bool isChecking() const { return m_checks > 0; }
     bool isUpdating() const { return m_isUpdating; }
     QString updateResult() const { return m_updateResult; }
-    QString updateResultTint() const { return tintForUpdateResult(m_updateResult); }
+    Tint updateResultTint() const { return tintForUpdateResult(m_updateResult); }
 
     // Runs `path --version` through the shell. Only isChecking shows it: the answer is neither
     // shown nor stored.
@@ -40,7 +42,7 @@ public:
 
     // The colour of an update message: the first of "成功", "up-to-date", "最新" (green) and
     // "正在" (orange) that it contains; red otherwise.
-    static QString tintForUpdateResult(const QString &result);
+    static Tint tintForUpdateResult(const QString &result);
 
 Q_SIGNALS:
     void isCheckingChanged();

@@ -1,6 +1,6 @@
 #include "engine/downloadmanager.h"
 #include "engine/linesplitter.h"
-#include "engine/taskmodel.h"
+#include "model/taskmodel.h"
 #include "model/appstate.h"
 
 #include "enginefixture.h"

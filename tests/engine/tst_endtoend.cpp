@@ -1,5 +1,5 @@
 #include "engine/downloadmanager.h"
-#include "engine/taskmodel.h"
+#include "model/taskmodel.h"
 #include "model/appstate.h"
 
 #include "enginefixture.h"

@@ -1,4 +1,4 @@
-#include "engine/taskmodel.h"
+#include "model/taskmodel.h"
 
 #include <QAbstractItemModelTester>
 #include <QSignalSpy>
@@ -26,19 +26,19 @@ void TestTaskModel::statusPresentation_data()
     QTest::addColumn<DownloadStatus>("status");
     QTest::addColumn<QString>("label");
     QTest::addColumn<QString>("symbol");
-    QTest::addColumn<QString>("tint");
+    QTest::addColumn<Tint>("tint");
     QTest::addColumn<bool>("bar");
-    QTest::newRow("pending") << DownloadStatus::Pending << u"等待中"_s << u"clock"_s << u"gray"_s << false;
-    QTest::newRow("preparing") << DownloadStatus::Preparing << u"准备中"_s << u"gearshape"_s << u"orange"_s << true;
-    QTest::newRow("downloading") << DownloadStatus::Downloading << u"下载中"_s << u"arrow.down.circle"_s << u"blue"_s
+    QTest::newRow("pending") << DownloadStatus::Pending << u"等待中"_s << u"clock"_s << Tint::Gray << false;
+    QTest::newRow("preparing") << DownloadStatus::Preparing << u"准备中"_s << u"gearshape"_s << Tint::Orange << true;
+    QTest::newRow("downloading") << DownloadStatus::Downloading << u"下载中"_s << u"arrow.down.circle"_s << Tint::Blue
                                  << true;
-    QTest::newRow("completed") << DownloadStatus::Completed << u"已完成"_s << u"checkmark.circle.fill"_s << u"green"_s
+    QTest::newRow("completed") << DownloadStatus::Completed << u"已完成"_s << u"checkmark.circle.fill"_s << Tint::Green
                                << false;
-    QTest::newRow("failed") << DownloadStatus::Failed << u"失败"_s << u"xmark.circle.fill"_s << u"red"_s << false;
-    QTest::newRow("cancelled") << DownloadStatus::Cancelled << u"已取消"_s << u"minus.circle.fill"_s << u"yellow"_s
+    QTest::newRow("failed") << DownloadStatus::Failed << u"失败"_s << u"xmark.circle.fill"_s << Tint::Red << false;
+    QTest::newRow("cancelled") << DownloadStatus::Cancelled << u"已取消"_s << u"minus.circle.fill"_s << Tint::Yellow
                                << false;
     QTest::newRow("paused shares orange, shows no bar")
-        << DownloadStatus::Paused << u"已暂停"_s << u"pause.circle.fill"_s << u"orange"_s << false;
+        << DownloadStatus::Paused << u"已暂停"_s << u"pause.circle.fill"_s << Tint::Orange << false;
 }
 
 void TestTaskModel::statusPresentation()
@@ -46,7 +46,7 @@ void TestTaskModel::statusPresentation()
     QFETCH(DownloadStatus, status);
     QFETCH(QString, label);
     QFETCH(QString, symbol);
-    QFETCH(QString, tint);
+    QFETCH(Tint, tint);
     QFETCH(bool, bar);
     TaskModel model;
     DownloadTask task = DownloadTask::create(u"https://x.example/v"_s);
@@ -55,7 +55,7 @@ void TestTaskModel::statusPresentation()
     const QModelIndex index = model.index(0);
     QCOMPARE(index.data(TaskModel::StatusLabelRole).toString(), label);
     QCOMPARE(index.data(TaskModel::StatusSymbolRole).toString(), symbol);
-    QCOMPARE(index.data(TaskModel::StatusTintRole).toString(), tint);
+    QCOMPARE(index.data(TaskModel::StatusTintRole).toInt(), int(tint));
     QCOMPARE(index.data(TaskModel::ShowsProgressRole).toBool(), bar);
     QCOMPARE(index.data(TaskModel::PercentTextRole).toString(), u"0%"_s); // a preparing task reads 0%
     QCOMPARE(index.data(TaskModel::IdRole).toString(), task.id.toString(QUuid::WithoutBraces));

@@ -5,7 +5,7 @@
 #include "engine/linesplitter.h"
 #include "engine/progressparser.h"
 #include "engine/shellwords.h"
-#include "engine/taskmodel.h"
+#include "model/taskmodel.h"
 
 #include <cstdint>
 #include <cstdlib>

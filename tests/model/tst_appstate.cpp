@@ -265,19 +265,19 @@ void TestAppState::presentationRoles_data()
 {
     QTest::addColumn<LogEntry::LogType>("type");
     QTest::addColumn<QString>("symbol");
-    QTest::addColumn<QString>("tint");
+    QTest::addColumn<Tint>("tint");
     QTest::addColumn<bool>("isError");
-    QTest::newRow("info") << LogEntry::LogType::Info << u"info.circle"_s << u"blue"_s << false;
-    QTest::newRow("warning") << LogEntry::LogType::Warning << u"exclamationmark.triangle"_s << u"orange"_s << false;
-    QTest::newRow("error") << LogEntry::LogType::Error << u"xmark.octagon"_s << u"red"_s << true;
-    QTest::newRow("download") << LogEntry::LogType::Download << u"arrow.down.circle"_s << u"green"_s << false;
+    QTest::newRow("info") << LogEntry::LogType::Info << u"info.circle"_s << Tint::Blue << false;
+    QTest::newRow("warning") << LogEntry::LogType::Warning << u"exclamationmark.triangle"_s << Tint::Orange << false;
+    QTest::newRow("error") << LogEntry::LogType::Error << u"xmark.octagon"_s << Tint::Red << true;
+    QTest::newRow("download") << LogEntry::LogType::Download << u"arrow.down.circle"_s << Tint::Green << false;
 }
 
 void TestAppState::presentationRoles()
 {
     QFETCH(LogEntry::LogType, type);
     QFETCH(QString, symbol);
-    QFETCH(QString, tint);
+    QFETCH(Tint, tint);
     QFETCH(bool, isError);
     LogModel model(500);
     LogEntry entry = LogEntry::make(u"m"_s, type);
@@ -290,7 +290,7 @@ void TestAppState::presentationRoles()
     QCOMPARE(index.data(LogModel::TimeTextRole).toString(), u"00:00:07"_s);
     QCOMPARE(model.index(1).data(LogModel::TimeTextRole).toString(), u"13:05:09"_s);
     QCOMPARE(index.data(LogModel::SymbolRole).toString(), symbol);
-    QCOMPARE(index.data(LogModel::TintRole).toString(), tint);
+    QCOMPARE(index.data(LogModel::TintRole).toInt(), int(tint));
     QCOMPARE(index.data(LogModel::IsErrorRole).toBool(), isError);
 }
 

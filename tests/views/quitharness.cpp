@@ -4,7 +4,7 @@
 // SIGTERM (--sigterm). Once the event loop has ended it checks that none of those processes still
 // runs. Exits 0 when none does.
 
-#include "app/applifecycle.h"
+#include "views/applifecycle.h"
 #include "engine/downloadmanager.h"
 #include "views/qmlsetup.h"
 

@@ -1,4 +1,4 @@
-#include "app/hexcolor.h"
+#include "views/colors.h"
 
 #include <QtTest>
 

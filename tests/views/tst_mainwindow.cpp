@@ -1,5 +1,5 @@
-#include "app/applifecycle.h"
-#include "app/hexcolor.h"
+#include "views/applifecycle.h"
+#include "views/colors.h"
 #include "model/appstate.h"
 #include "views/qmlsetup.h"
 

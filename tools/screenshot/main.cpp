@@ -5,7 +5,7 @@
 // in DIR/downloads.txt (one "URL" per line), so the queue shows tasks in their states; with
 // --settings the settings sheet is open.
 
-#include "app/applifecycle.h"
+#include "views/applifecycle.h"
 #include "engine/downloadmanager.h"
 #include "model/appstate.h"
 #include "views/qmlsetup.h"
@@ -81,10 +81,10 @@ int main(int argc, char *argv[])
             AppState::instance()->setUrlInput(urls.join(u'\n'));
             AppState::instance()->setSelectedPreset(DownloadPreset::BestVideoAudio);
             DownloadManager::instance()->setMaxConcurrentDownloads(parser.value(maxDownloads).toInt());
-            DownloadRequest request;
-            request.outputDir = QDir(sandbox.path()).filePath(u"home/Downloads"_s);
-            request.useCookies = false;
-            DownloadManager::instance()->startDownloads(urls, request);
+            DownloadOptions options;
+            options.outputDir = QDir(sandbox.path()).filePath(u"home/Downloads"_s);
+            options.useCookies = false;
+            DownloadManager::instance()->startDownloads(urls, options);
         }
     }
 

@@ -99,10 +99,10 @@ TestCase {
     // Each case runs the stand-in's update; the message is coloured by what it contains.
     function test_updateResultColour_data() {
         return [
-            { tag: "success", output: "Updated yt-dlp to 2025.11.12", exit: 0, tint: "green", start: "✅ 更新成功" },
-            { tag: "up-to-date", output: "yt-dlp is up-to-date (2025.11.12)", exit: 1, tint: "green", start: "❌ 更新失败" },
-            { tag: "最新", output: "已是最新版本", exit: 1, tint: "green", start: "❌ 更新失败" },
-            { tag: "failure", output: "ERROR: Unable to write to /usr/bin/yt-dlp", exit: 1, tint: "red", start: "❌ 更新失败" },
+            { tag: "success", output: "Updated yt-dlp to 2025.11.12", exit: 0, tint: Download.Green, start: "✅ 更新成功" },
+            { tag: "up-to-date", output: "yt-dlp is up-to-date (2025.11.12)", exit: 1, tint: Download.Green, start: "❌ 更新失败" },
+            { tag: "最新", output: "已是最新版本", exit: 1, tint: Download.Green, start: "❌ 更新失败" },
+            { tag: "failure", output: "ERROR: Unable to write to /usr/bin/yt-dlp", exit: 1, tint: Download.Red, start: "❌ 更新失败" },
         ]
     }
 
@@ -115,7 +115,7 @@ TestCase {
         mouseClick(update)
         // Running: the busy label, the orange "正在" message, and the button still pressable.
         compare(result.text, "正在更新...")
-        compare(String(result.color), String(Theme.orange))
+        compare(String(result.color), String(Theme.tint(Download.Orange)))
         compare(update.text, "更新中...")
         verify(update.enabled)
         tryCompare(update, "text", "更新 yt-dlp 到最新版", 20000)

@@ -1,4 +1,4 @@
-#include "engine/taskmodel.h"
+#include "model/taskmodel.h"
 
 #include "model/rawvalue.h"
 
@@ -47,7 +47,7 @@ QVariant TaskModel::data(const QModelIndex &index, int role) const
     case StatusSymbolRole:
         return symbolFor(task.status);
     case StatusTintRole:
-        return tintFor(task.status);
+        return int(tintFor(task.status));
     case ShowsProgressRole:
         return showsProgress(task.status);
     case PercentTextRole:
@@ -92,18 +92,18 @@ struct StatusLook
 {
     DownloadStatus status;
     const char16_t *symbol;
-    const char16_t *tint;
+    Tint tint;
 };
 
 // Preparing and paused share orange on purpose.
 constexpr std::array<StatusLook, 7> looks { {
-    { DownloadStatus::Pending, u"clock", u"gray" },
-    { DownloadStatus::Preparing, u"gearshape", u"orange" },
-    { DownloadStatus::Downloading, u"arrow.down.circle", u"blue" },
-    { DownloadStatus::Completed, u"checkmark.circle.fill", u"green" },
-    { DownloadStatus::Failed, u"xmark.circle.fill", u"red" },
-    { DownloadStatus::Cancelled, u"minus.circle.fill", u"yellow" },
-    { DownloadStatus::Paused, u"pause.circle.fill", u"orange" },
+    { DownloadStatus::Pending, u"clock", Tint::Gray },
+    { DownloadStatus::Preparing, u"gearshape", Tint::Orange },
+    { DownloadStatus::Downloading, u"arrow.down.circle", Tint::Blue },
+    { DownloadStatus::Completed, u"checkmark.circle.fill", Tint::Green },
+    { DownloadStatus::Failed, u"xmark.circle.fill", Tint::Red },
+    { DownloadStatus::Cancelled, u"minus.circle.fill", Tint::Yellow },
+    { DownloadStatus::Paused, u"pause.circle.fill", Tint::Orange },
 } };
 
 } // namespace
@@ -113,9 +113,9 @@ QString TaskModel::symbolFor(DownloadStatus status)
     return QString::fromUtf16(entryFor(looks, &StatusLook::status, status).symbol);
 }
 
-QString TaskModel::tintFor(DownloadStatus status)
+Tint TaskModel::tintFor(DownloadStatus status)
 {
-    return QString::fromUtf16(entryFor(looks, &StatusLook::status, status).tint);
+    return entryFor(looks, &StatusLook::status, status).tint;
 }
 
 bool TaskModel::showsProgress(DownloadStatus status)

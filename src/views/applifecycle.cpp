@@ -1,4 +1,4 @@
-#include "app/applifecycle.h"
+#include "views/applifecycle.h"
 
 #include "engine/downloadmanager.h"
 #include "model/logcategories.h"

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "model/downloadtask.h"
+#include "model/enums.h"
 
 #include <QAbstractListModel>
 #include <QHash>
@@ -30,7 +31,7 @@ public:
         // Presentation, derived from the fields above.
         StatusLabelRole, // "下载中", …
         StatusSymbolRole, // the status icon
-        StatusTintRole, // the status colour name: gray, orange, blue, green, red, yellow
+        StatusTintRole, // the status colour, a Tint
         ShowsProgressRole, // a bar and a percentage while preparing or downloading
         PercentTextRole, // "42%": the whole percent, truncated
         HasErrorRole,
@@ -51,7 +52,7 @@ public:
     const QList<DownloadTask> &tasks() const { return m_tasks; }
 
     static QString symbolFor(DownloadStatus status);
-    static QString tintFor(DownloadStatus status);
+    static Tint tintFor(DownloadStatus status);
     static bool showsProgress(DownloadStatus status);
     static QString percentText(double progress);
     const DownloadTask *find(const QUuid &id) const;
