@@ -114,6 +114,7 @@ TestCase {
         const view = makeView()
         const list = findChild(panelOf(view), "logList")
         TestHelper.addLogs(1, "boom", 2)
+        tryCompare(list, "count", 1) // added on the next turn of the event loop
         TestHelper.addLogAt(0, 0, 7, "midnight")
         TestHelper.addLogAt(13, 5, 9, "afternoon")
         tryCompare(list, "count", 3)
