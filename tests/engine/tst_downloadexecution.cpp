@@ -73,6 +73,8 @@ void TestDownloadExecution::commandWords_data()
 
     const QString url = u"https://v.example/watch?v=1&t=2"_s;
     QTest::newRow("default") << DownloadPreset::Default << QString() << true << url << u"out"_s << QStringList();
+    QTest::newRow("best audio") << DownloadPreset::BestAudio << QString() << true << url << u"out"_s
+                                << QStringList { u"-x"_s, u"--audio-format"_s, u"mp3"_s, u"--audio-quality"_s, u"0"_s };
     QTest::newRow("best video+audio") << DownloadPreset::BestVideoAudio << QString() << true << url << u"out"_s
                                       << QStringList { u"-f"_s, u"bv*+ba/b"_s };
     QTest::newRow("audio only") << DownloadPreset::AudioOnly << QString() << true << url << u"out"_s
