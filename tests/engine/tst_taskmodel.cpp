@@ -23,6 +23,7 @@ void TestTaskModel::percentText_data()
 {
     QTest::addColumn<double>("progress");
     QTest::addColumn<QString>("text");
+    QTest::newRow("0") << 0.0 << u"0%"_s;
     QTest::newRow("0.423") << 0.423 << u"42%"_s;
     QTest::newRow("0.999 is not rounded up") << 0.999 << u"99%"_s;
     QTest::newRow("1") << 1.0 << u"100%"_s;
