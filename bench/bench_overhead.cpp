@@ -4,6 +4,7 @@
 
 #include "benchengine.h"
 #include "engine/shellrunner.h"
+#include "support/mediaserver.h"
 
 #include <QProcess>
 #include <QRegularExpression>
@@ -22,56 +23,6 @@ struct Run
     double wallMs = 0;
     double cpuMs = 0; // this process's own CPU time (children excluded)
     double childrenCpuMs = 0; // the shell's, yt-dlp's and whatever they started
-};
-
-// The media server of the tests, serving a generated clip on 127.0.0.1 until it is destroyed.
-class MediaServer
-{
-public:
-    MediaServer(const QString &root, int durationSeconds)
-    {
-        const QString script = sourceDir() + u"/tests/support/mediaserver.py"_s;
-        m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-        // It makes the clip with the ffmpeg on its PATH, which the sandbox's PATH leaves out.
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert(u"PATH"_s, QFileInfo(ffmpeg).absolutePath() + u':' + environment.value(u"PATH"_s));
-        m_process.setProcessEnvironment(environment);
-        // Stdin stays an open pipe: the server exits when it closes, even if this process dies.
-        m_process.start(python,
-            { script, u"--root"_s, root, u"--port"_s, u"0"_s, u"--generate"_s, u"--duration"_s,
-                QString::number(durationSeconds) });
-        if (!m_process.waitForStarted(Patience))
-            fail(u"the media server did not start: "_s + m_process.errorString());
-        QDeadlineTimer deadline(Patience);
-        while (!m_process.canReadLine() && m_process.state() == QProcess::Running && !deadline.hasExpired())
-            m_process.waitForReadyRead(1000);
-        const QString ready = QString::fromUtf8(m_process.readLine()).trimmed();
-        static const QRegularExpression readyLine(u"^READY (http://127\\.0\\.0\\.1:\\d+/)$"_s);
-        const QRegularExpressionMatch match = readyLine.match(ready);
-        if (!match.hasMatch())
-            fail(u"the media server said: "_s + ready);
-        m_base = match.captured(1);
-    }
-
-    ~MediaServer()
-    {
-        if (m_process.state() == QProcess::NotRunning)
-            return;
-        m_process.closeWriteChannel();
-        if (!m_process.waitForFinished(10000)) {
-            m_process.kill();
-            m_process.waitForFinished(5000);
-        }
-    }
-
-    MediaServer(const MediaServer &) = delete;
-    MediaServer &operator=(const MediaServer &) = delete;
-
-    QString base() const { return m_base; }
-
-private:
-    QProcess m_process;
-    QString m_base;
 };
 
 // The newest "执行命令: ..." line of the in-app log: the command the engine ran.
@@ -203,7 +154,14 @@ int main(int argc, char **argv)
 
         Sandbox sandbox;
         QuietEngineLog quiet;
-        MediaServer server(sandbox.path(u"media"_s), duration);
+        // The tests' media server. It makes the clip with the ffmpeg on its PATH, which the
+        // sandbox's PATH leaves out.
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(u"PATH"_s, QFileInfo(ffmpeg).absolutePath() + u':' + environment.value(u"PATH"_s));
+        const MediaServer server(sourceDir() + u"/tests"_s, sandbox.path(u"media"_s),
+            { u"--duration"_s, QString::number(duration) }, environment);
+        if (server.base().isEmpty())
+            fail(server.error());
         const QString url = server.base() + u"video.mp4"_s;
 
         AppState state;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "engine/downloadmanager.h"
+#include "model/taskmodel.h"
 #include "model/appstate.h"
 
 #include "testsupport.h"
@@ -11,6 +12,10 @@
 #include <QMutex>
 #include <QStandardPaths>
 #include <QtTest>
+
+#include <algorithm>
+#include <functional>
+#include <memory>
 
 // A sandbox for engine tests: a temporary home and settings store, a bin directory that holds
 // the only programs the shell can find by name, executable scripts written on demand, and a
@@ -185,4 +190,54 @@ public:
 private:
     const EngineFixture &m_fixture;
     QString m_path;
+};
+
+// An engine in its own sandbox, its yt-dlp the stand-in unless `edit` changes the locations.
+struct SandboxEngine
+{
+    EngineFixture fixture;
+    FakeYtDlp fake { fixture };
+    AppState state;
+    std::unique_ptr<DownloadManager> manager;
+
+    using Edit = std::function<void(SandboxEngine &, ToolLocations &)>;
+    using Ready = std::function<bool(const DownloadManager &)>;
+    static bool versionKnown(const DownloadManager &manager) { return !manager.ytDlpVersion().isEmpty(); }
+
+    // Null if `ready` does not hold within `patience` ms.
+    static std::unique_ptr<SandboxEngine> start(
+        const Edit &edit = {}, const Ready &ready = versionKnown, int patience = 20000)
+    {
+        auto engine = std::make_unique<SandboxEngine>();
+        ToolLocations locations = engine->fixture.emptyLocations();
+        locations.ytDlp << engine->fake.path();
+        if (edit)
+            edit(*engine, locations);
+        engine->manager = std::make_unique<DownloadManager>(&engine->state, locations);
+        const DownloadManager &manager = *engine->manager;
+        if (ready && !QTest::qWaitFor([&] { return ready(manager); }, patience))
+            return nullptr;
+        return engine;
+    }
+
+    void download(const QString &url, DownloadPreset preset = DownloadPreset::Default, const QString &custom = {},
+        const QString &folder = {}, bool playlist = true, bool cookies = false)
+    {
+        manager->startDownload(
+            url, preset, custom, folder.isEmpty() ? fixture.path(QStringLiteral("out")) : folder, playlist, cookies);
+    }
+
+    const DownloadTask &only() const { return manager->taskModel()->tasks().constFirst(); }
+    QStringList log() const { return EngineFixture::messages(state); }
+
+    // Every task has ended and nothing runs.
+    bool settled() const
+    {
+        const auto &tasks = manager->taskModel()->tasks();
+        return manager->runningCount() == 0 && !tasks.isEmpty()
+            && std::all_of(tasks.cbegin(), tasks.cend(), [](const DownloadTask &task) {
+                   return task.status == DownloadStatus::Completed || task.status == DownloadStatus::Failed
+                       || task.status == DownloadStatus::Cancelled;
+               });
+    }
 };

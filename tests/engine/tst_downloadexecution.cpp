@@ -31,74 +31,36 @@ private Q_SLOTS:
     void atMostNAtOnce();
     void requestedBeforeThePathIsKnown();
     void cancelStopsTheWholeGroup();
-    void shutdownReturnsWithNothingLeft();
     void launchFailuresLoseNothing();
     void outputThatIsNotUtf8();
     void endlessLineIsBounded();
     void silentDownloadSaysSo();
     void foldersAndArgumentsCheckedFirst();
-
-private:
-    struct Engine
-    {
-        EngineFixture fixture;
-        FakeYtDlp fake { fixture };
-        AppState state;
-        std::unique_ptr<DownloadManager> manager;
-        QString node;
-        QString ffmpeg;
-    };
-
-    // An engine whose yt-dlp is the stand-in, with node and ffmpeg found, ready to download
-    // (null if discovery did not finish).
-    static std::unique_ptr<Engine> makeEngine(bool ready = true);
-    static void download(Engine &engine, const QString &url, DownloadPreset preset = DownloadPreset::Default,
-        const QString &custom = QString(), const QString &folder = QString(), bool playlist = true,
-        bool cookies = false);
-    static const DownloadTask &only(const Engine &engine) { return engine.manager->taskModel()->tasks().constFirst(); }
-    static bool allFinished(const Engine &engine);
-    static bool alive(qint64 pid) { return ::kill(pid_t(pid), 0) == 0; }
 };
 
-std::unique_ptr<TestDownloadExecution::Engine> TestDownloadExecution::makeEngine(bool ready)
+namespace {
+// The stand-in as yt-dlp, with node and ffmpeg found (null if discovery did not finish).
+std::unique_ptr<SandboxEngine> makeEngine(bool ready = true)
 {
-    auto engine = std::make_unique<Engine>();
-    ToolLocations locations = engine->fixture.emptyLocations();
-    locations.ytDlp << engine->fake.path();
-    engine->node = engine->fixture.writeScript(u"tools/node"_s, "exit 0");
-    engine->ffmpeg = engine->fixture.writeScript(u"tools/ffmpeg"_s, "echo 'ffmpeg version 6'");
-    locations.runtimes[1].candidates << engine->node;
-    locations.ffmpeg << engine->ffmpeg;
-    engine->manager = std::make_unique<DownloadManager>(&engine->state, locations);
-    if (!ready)
-        return engine;
-    const DownloadManager &manager = *engine->manager;
-    const bool discovered = QTest::qWaitFor(
-        [&manager] {
-            return !manager.ytDlpVersion().isEmpty() && !manager.detectedJSRuntime().isEmpty()
-                && !manager.detectedFfmpeg().isEmpty();
-        },
-        20000);
-    // Forget the probes, so a test sees only its own downloads.
-    QFile::remove(engine->fixture.path(u"pids.txt"_s));
-    return discovered ? std::move(engine) : nullptr;
+    const auto tools = [](SandboxEngine &engine, ToolLocations &locations) {
+        locations.runtimes[1].candidates << engine.fixture.writeScript(u"tools/node"_s, "exit 0");
+        locations.ffmpeg << engine.fixture.writeScript(u"tools/ffmpeg"_s, "echo 'ffmpeg version 6'");
+    };
+    const auto found = [](const DownloadManager &manager) {
+        return !manager.ytDlpVersion().isEmpty() && !manager.detectedJSRuntime().isEmpty()
+            && !manager.detectedFfmpeg().isEmpty();
+    };
+    auto engine = SandboxEngine::start(tools, ready ? SandboxEngine::Ready(found) : SandboxEngine::Ready());
+    if (engine)
+        QFile::remove(engine->fixture.path(u"pids.txt"_s)); // forget the probes
+    return engine;
 }
 
-void TestDownloadExecution::download(Engine &engine, const QString &url, DownloadPreset preset, const QString &custom,
-    const QString &folder, bool playlist, bool cookies)
+bool alive(qint64 pid)
 {
-    const QString outputDir = folder.isEmpty() ? engine.fixture.path(u"out"_s) : folder;
-    engine.manager->startDownload(url, preset, custom, outputDir, playlist, cookies);
+    return ::kill(pid_t(pid), 0) == 0;
 }
-
-bool TestDownloadExecution::allFinished(const Engine &engine)
-{
-    const auto &tasks = engine.manager->taskModel()->tasks();
-    return engine.manager->runningCount() == 0 && std::all_of(tasks.cbegin(), tasks.cend(), [](const DownloadTask &t) {
-        return t.status == DownloadStatus::Completed || t.status == DownloadStatus::Failed
-            || t.status == DownloadStatus::Cancelled;
-    });
-}
+} // namespace
 
 void TestDownloadExecution::commandWords_data()
 {
@@ -111,8 +73,6 @@ void TestDownloadExecution::commandWords_data()
 
     const QString url = u"https://v.example/watch?v=1&t=2"_s;
     QTest::newRow("default") << DownloadPreset::Default << QString() << true << url << u"out"_s << QStringList();
-    QTest::newRow("best quality") << DownloadPreset::BestQuality << QString() << true << url << u"out"_s
-                                  << QStringList { u"-f"_s, u"bv*+ba/b"_s };
     QTest::newRow("best audio") << DownloadPreset::BestAudio << QString() << true << url << u"out"_s
                                 << QStringList { u"-x"_s, u"--audio-format"_s, u"mp3"_s, u"--audio-quality"_s, u"0"_s };
     QTest::newRow("best video+audio") << DownloadPreset::BestVideoAudio << QString() << true << url << u"out"_s
@@ -137,13 +97,9 @@ void TestDownloadExecution::commandWords_data()
     QTest::newRow("ANSI-C quote before a link holding a command")
         << DownloadPreset::Custom << u"$'\\'"_s << true << u"https://h.example/;touch PWNED;#"_s << u"out"_s
         << QStringList { u"$\\"_s };
-    QTest::newRow("option-shaped link: --version")
-        << DownloadPreset::Default << QString() << true << u"--version"_s << u"out"_s << QStringList();
-    QTest::newRow("option-shaped link: --config-locations")
-        << DownloadPreset::Default << QString() << true << u"--config-locations=/tmp/x.conf"_s << u"out"_s
-        << QStringList();
-    QTest::newRow("option-shaped link: --exec")
-        << DownloadPreset::Default << QString() << true << u"--exec touch PWNED"_s << u"out"_s << QStringList();
+    // After "--" yt-dlp reads even an option-shaped link as a link.
+    QTest::newRow("option-shaped link") << DownloadPreset::Default << QString() << true
+                                        << u"--config-locations=/tmp/x.conf"_s << u"out"_s << QStringList();
 }
 
 void TestDownloadExecution::commandWords()
@@ -159,11 +115,12 @@ void TestDownloadExecution::commandWords()
     QVERIFY(engine);
     engine->fake.setScenario(R"([{"out": "[download] 100% of 1.00MiB in 00:01\n"}])");
     const QString outputDir = engine->fixture.path(folder);
-    download(*engine, url, preset, custom, outputDir, playlist, false);
-    QTRY_VERIFY_WITH_TIMEOUT(allFinished(*engine), 20000);
-    QCOMPARE(only(*engine).status, DownloadStatus::Completed);
+    engine->download(url, preset, custom, outputDir, playlist, false);
+    QTRY_VERIFY_WITH_TIMEOUT(engine->settled(), 20000);
+    QCOMPARE(engine->only().status, DownloadStatus::Completed);
 
-    QStringList expected { u"--js-runtimes"_s, u"node:"_s + engine->node, u"--ffmpeg-location"_s, engine->ffmpeg };
+    QStringList expected { u"--js-runtimes"_s, u"node:"_s + engine->fixture.path(u"tools/node"_s),
+        u"--ffmpeg-location"_s, engine->fixture.path(u"tools/ffmpeg"_s) };
     if (!playlist)
         expected << u"--no-playlist"_s;
     expected << u"-o"_s << outputDir + u"/%(title)s.%(ext)s"_s;
@@ -175,14 +132,14 @@ void TestDownloadExecution::commandWords()
     QCOMPARE(runs.constFirst(), expected);
     QVERIFY(!QFileInfo::exists(u"PWNED"_s) && !QFileInfo::exists(outputDir + u"/PWNED"_s));
 
-    const QStringList log = EngineFixture::messages(engine->state);
+    const QStringList log = engine->log();
     const QString command = log.filter(u"执行命令: "_s).value(0);
     QVERIFY(command.startsWith(u"执行命令: "_s + engine->fake.path() + u" --js-runtimes"_s));
     QCOMPARE(log.contains(u"只下载当前视频"_s), !playlist);
     if (preset != DownloadPreset::Custom)
         QVERIFY(log.contains(u"预设参数: "_s + presetArguments(preset).join(u' ')));
     QVERIFY(log.contains(u"预设: "_s + rawValue(preset)));
-    QVERIFY(log.contains(u"JS 运行时: node:"_s + engine->node));
+    QVERIFY(log.contains(u"JS 运行时: node:"_s + engine->fixture.path(u"tools/node"_s)));
 }
 
 void TestDownloadExecution::cookiesOnlyWithChrome()
@@ -190,23 +147,23 @@ void TestDownloadExecution::cookiesOnlyWithChrome()
     auto engine = makeEngine();
     QVERIFY(engine);
     engine->fake.setScenario("[]");
-    download(*engine, u"https://a.example/1"_s, DownloadPreset::Default, QString(), QString(), false, true);
-    download(*engine, u"https://a.example/2"_s, DownloadPreset::Default, QString(), QString(), false, true);
-    QTRY_VERIFY_WITH_TIMEOUT(allFinished(*engine), 20000);
+    engine->download(u"https://a.example/1"_s, DownloadPreset::Default, QString(), QString(), false, true);
+    engine->download(u"https://a.example/2"_s, DownloadPreset::Default, QString(), QString(), false, true);
+    QTRY_VERIFY_WITH_TIMEOUT(engine->settled(), 20000);
     for (const QStringList &argv : engine->fake.runs())
         QVERIFY(!argv.contains(u"--cookies-from-browser"_s));
-    QTRY_COMPARE(EngineFixture::messages(engine->state).filter(u"未找到 Chrome"_s).size(), 1);
+    QTRY_COMPARE(engine->log().filter(u"未找到 Chrome"_s).size(), 1);
 
     engine->fixture.writeFile(u"home/.config/google-chrome/Default/Cookies"_s, "SQLite format 3");
-    download(*engine, u"https://a.example/3"_s, DownloadPreset::Default, QString(), QString(), false, true);
-    QTRY_VERIFY_WITH_TIMEOUT(allFinished(*engine) && engine->fake.runs().size() == 3, 20000);
+    engine->download(u"https://a.example/3"_s, DownloadPreset::Default, QString(), QString(), false, true);
+    QTRY_VERIFY_WITH_TIMEOUT(engine->settled() && engine->fake.runs().size() == 3, 20000);
     const QStringList argv = engine->fake.runs().constLast();
     // After the tool words, before the playlist switch.
     const int at = int(argv.indexOf(u"--cookies-from-browser"_s));
     QCOMPARE(argv.value(at + 1), u"chrome"_s);
-    QCOMPARE(argv.value(at - 1), engine->ffmpeg);
+    QCOMPARE(argv.value(at - 1), engine->fixture.path(u"tools/ffmpeg"_s));
     QCOMPARE(argv.value(at + 2), u"--no-playlist"_s);
-    QVERIFY(EngineFixture::messages(engine->state).contains(u"使用 Chrome 浏览器 Cookie"_s));
+    QVERIFY(engine->log().contains(u"使用 Chrome 浏览器 Cookie"_s));
 }
 
 void TestDownloadExecution::progressFromCarriageReturns()
@@ -226,19 +183,19 @@ void TestDownloadExecution::progressFromCarriageReturns()
             if (roles.contains(TaskModel::SpeedRole))
                 speeds << from.data(TaskModel::SpeedRole).toString();
         });
-    download(*engine, u"https://p.example/v"_s);
-    QTRY_VERIFY_WITH_TIMEOUT(allFinished(*engine), 20000);
-    QCOMPARE(only(*engine).status, DownloadStatus::Completed);
-    QCOMPARE(only(*engine).size, u"10.00MiB"_s);
-    QVERIFY(!only(*engine).speed.isEmpty());
+    engine->download(u"https://p.example/v"_s);
+    QTRY_VERIFY_WITH_TIMEOUT(engine->settled(), 20000);
+    QCOMPARE(engine->only().status, DownloadStatus::Completed);
+    QCOMPARE(engine->only().size, u"10.00MiB"_s);
+    QVERIFY(!engine->only().speed.isEmpty());
     QVERIFY(seen.size() >= 5);
     QVERIFY(std::is_sorted(seen.cbegin(), seen.cend()));
     QVERIFY(std::any_of(seen.cbegin(), seen.cend(), [](double p) { return p > 0.1 && p < 0.9; }));
     QCOMPARE(seen.constLast(), 1.0);
     QVERIFY(!speeds.isEmpty() && speeds.constFirst().endsWith(u"iB/s"_s));
-    QVERIFY(only(*engine).endTime.has_value());
+    QVERIFY(engine->only().endTime.has_value());
     // Every redraw reached the log as its own line.
-    QCOMPARE(EngineFixture::messages(engine->state).filter(u"[download]"_s).size(), 40);
+    QCOMPARE(engine->log().filter(u"[download]"_s).size(), 40);
 }
 
 void TestDownloadExecution::lineSplitAcrossReads()
@@ -247,12 +204,12 @@ void TestDownloadExecution::lineSplitAcrossReads()
     QVERIFY(engine);
     engine->fake.setScenario(R"([{"out": "\r[download]  42"}, {"sleep": 0.4},
         {"out": ".5% of 10.00MiB at 1.00MiB/s ETA 00:05\r"}, {"sleep": 1.5}])");
-    download(*engine, u"https://p.example/v"_s);
-    QTRY_COMPARE_WITH_TIMEOUT(only(*engine).progress, 0.425, 10000);
-    QCOMPARE(only(*engine).status, DownloadStatus::Downloading);
-    QCOMPARE(only(*engine).speed, u"1.00MiB/s"_s);
-    QTRY_VERIFY_WITH_TIMEOUT(allFinished(*engine), 20000);
-    const QStringList log = EngineFixture::messages(engine->state);
+    engine->download(u"https://p.example/v"_s);
+    QTRY_COMPARE_WITH_TIMEOUT(engine->only().progress, 0.425, 10000);
+    QCOMPARE(engine->only().status, DownloadStatus::Downloading);
+    QCOMPARE(engine->only().speed, u"1.00MiB/s"_s);
+    QTRY_VERIFY_WITH_TIMEOUT(engine->settled(), 20000);
+    const QStringList log = engine->log();
     QVERIFY(log.contains(u"[download]  42.5% of 10.00MiB at 1.00MiB/s ETA 00:05"_s));
     QVERIFY(!log.contains(u"[download]  42"_s));
 }
@@ -263,8 +220,8 @@ void TestDownloadExecution::outputTyping()
     QVERIFY(engine);
     engine->fake.setScenario(R"([{"err": "WARNING: slow\nERROR: broken\nplain note\n"},
         {"out": "ERROR looks bad but is stdout\n"}])");
-    download(*engine, u"https://t.example/v"_s);
-    QTRY_VERIFY_WITH_TIMEOUT(allFinished(*engine), 20000);
+    engine->download(u"https://t.example/v"_s);
+    QTRY_VERIFY_WITH_TIMEOUT(engine->settled(), 20000);
     QHash<QString, LogEntry::LogType> types;
     for (const LogEntry &entry : engine->state.logEntries())
         types.insert(entry.message, entry.type);
@@ -272,7 +229,7 @@ void TestDownloadExecution::outputTyping()
     QCOMPARE(types.value(u"ERROR: broken"_s), LogEntry::LogType::Error);
     QCOMPARE(types.value(u"plain note"_s), LogEntry::LogType::Download);
     QCOMPARE(types.value(u"ERROR looks bad but is stdout"_s), LogEntry::LogType::Download);
-    QCOMPARE(only(*engine).status, DownloadStatus::Completed); // exit status decides, not the words
+    QCOMPARE(engine->only().status, DownloadStatus::Completed); // exit status decides, not the words
 }
 
 void TestDownloadExecution::failureMessages_data()
@@ -303,13 +260,13 @@ void TestDownloadExecution::failureMessages()
     auto engine = makeEngine();
     QVERIFY(engine);
     engine->fake.setScenario(steps, exitCode);
-    download(*engine, u"https://f.example/v"_s);
-    QTRY_VERIFY_WITH_TIMEOUT(allFinished(*engine), 20000);
-    QCOMPARE(only(*engine).status, DownloadStatus::Failed);
-    QCOMPARE(only(*engine).errorMessage, std::optional(message));
-    QCOMPARE(only(*engine).explanation, std::nullopt); // nothing known: the tool's text alone
-    QVERIFY(!only(*engine).endTime);
-    QTRY_VERIFY(EngineFixture::messages(engine->state).contains(u"❌ 下载失败 (错误码: %1)"_s.arg(exitCode)));
+    engine->download(u"https://f.example/v"_s);
+    QTRY_VERIFY_WITH_TIMEOUT(engine->settled(), 20000);
+    QCOMPARE(engine->only().status, DownloadStatus::Failed);
+    QCOMPARE(engine->only().errorMessage, std::optional(message));
+    QCOMPARE(engine->only().explanation, std::nullopt); // nothing known: the tool's text alone
+    QVERIFY(!engine->only().endTime);
+    QTRY_VERIFY(engine->log().contains(u"❌ 下载失败 (错误码: %1)"_s.arg(exitCode)));
 }
 
 void TestDownloadExecution::friendlyMessageWhileRunning()
@@ -317,27 +274,23 @@ void TestDownloadExecution::friendlyMessageWhileRunning()
     auto engine = makeEngine();
     QVERIFY(engine);
     engine->fake.setScenario(R"([{"err": "ERROR: [youtube] x: Login required\n"}, {"sleep": 1.5}])", 1);
-    download(*engine, u"https://f.example/v"_s);
-    QTRY_COMPARE_WITH_TIMEOUT(only(*engine).errorMessage, std::optional(u"需要登录或 Cookie 已过期"_s), 10000);
-    QCOMPARE(only(*engine).status, DownloadStatus::Downloading);
-    QTRY_VERIFY_WITH_TIMEOUT(allFinished(*engine), 20000);
+    engine->download(u"https://f.example/v"_s);
+    QTRY_COMPARE_WITH_TIMEOUT(engine->only().errorMessage, std::optional(u"需要登录或 Cookie 已过期"_s), 10000);
+    QCOMPARE(engine->only().status, DownloadStatus::Downloading);
+    QTRY_VERIFY_WITH_TIMEOUT(engine->settled(), 20000);
     // The tool's own line replaces it once the run has failed.
-    QCOMPARE(only(*engine).errorMessage, std::optional(u"ERROR: [youtube] x: Login required"_s));
+    QCOMPARE(engine->only().errorMessage, std::optional(u"ERROR: [youtube] x: Login required"_s));
 }
 
 void TestDownloadExecution::missingYtDlp()
 {
-    EngineFixture fixture;
-    AppState state;
-    DownloadManager manager(&state, fixture.emptyLocations());
-    manager.startDownload(
-        u"https://m.example/v"_s, DownloadPreset::Default, QString(), fixture.path(u"out"_s), true, false);
-    QTRY_COMPARE_WITH_TIMEOUT(manager.tasks().constFirst().status, DownloadStatus::Failed, 20000);
+    auto engine = SandboxEngine::start([](SandboxEngine &, ToolLocations &locations) { locations.ytDlp.clear(); }, {});
+    engine->download(u"https://m.example/v"_s);
+    QTRY_COMPARE_WITH_TIMEOUT(engine->only().status, DownloadStatus::Failed, 20000);
     // The usual message, and beside it which tool is missing.
-    const DownloadTask task = manager.tasks().constFirst();
-    QCOMPARE(task.errorMessage, std::optional(u"下载失败 (错误码: 127)"_s));
-    QVERIFY2(task.explanation.value_or(QString()).startsWith(u"找不到 yt-dlp"_s),
-        qPrintable(task.explanation.value_or(QString())));
+    QCOMPARE(engine->only().errorMessage, std::optional(u"下载失败 (错误码: 127)"_s));
+    const QString explanation = engine->only().explanation.value_or(QString());
+    QVERIFY2(explanation.startsWith(u"找不到 yt-dlp"_s), qPrintable(explanation));
 }
 
 void TestDownloadExecution::atMostNAtOnce()
@@ -353,14 +306,14 @@ void TestDownloadExecution::atMostNAtOnce()
     for (int i = 0; i < 6; ++i)
         urls << u"https://q.example/%1"_s.arg(i);
     for (const QString &url : std::as_const(urls))
-        download(*engine, url);
+        engine->download(url);
 
     const auto &tasks = engine->manager->taskModel()->tasks();
     QCOMPARE(tasks.size(), 6);
     QCOMPARE(std::count_if(tasks.cbegin(), tasks.cend(),
                  [](const DownloadTask &t) { return t.status == DownloadStatus::Pending; }),
         4);
-    QTRY_VERIFY_WITH_TIMEOUT(allFinished(*engine), 30000);
+    QTRY_VERIFY_WITH_TIMEOUT(engine->settled(), 30000);
     QCOMPARE(most, 2);
     // Started in the order they were asked for (the children themselves may write in any order).
     QStringList startedOrder;
@@ -377,9 +330,9 @@ void TestDownloadExecution::requestedBeforeThePathIsKnown()
     QVERIFY(engine);
     engine->fake.setScenario("[]");
     QVERIFY(!engine->manager->isYtDlpPathKnown());
-    download(*engine, u"https://early.example/v"_s);
-    QCOMPARE(only(*engine).status, DownloadStatus::Pending);
-    QTRY_COMPARE_WITH_TIMEOUT(only(*engine).status, DownloadStatus::Completed, 20000);
+    engine->download(u"https://early.example/v"_s);
+    QCOMPARE(engine->only().status, DownloadStatus::Pending);
+    QTRY_COMPARE_WITH_TIMEOUT(engine->only().status, DownloadStatus::Completed, 20000);
     // It waited for the version probe, so it carries the runtime words.
     QVERIFY(engine->fake.runs().constFirst().contains(u"--js-runtimes"_s));
 }
@@ -392,9 +345,9 @@ void TestDownloadExecution::cancelStopsTheWholeGroup()
     engine->fake.setScenario(R"([{"spawn_child_sleep": 60}, {"ignore_sigterm": true},
         {"out": "[download]  10.0% of 1.00MiB at 1.00KiB/s ETA 10:00\r"}, {"sleep": 60}])");
     for (int i = 0; i < 3; ++i)
-        download(*engine, u"https://c.example/%1"_s.arg(i));
+        engine->download(u"https://c.example/%1"_s.arg(i));
     QTRY_COMPARE_WITH_TIMEOUT(engine->fake.pids().size(), 4, 20000); // two stand-ins, two children
-    QTRY_VERIFY(only(*engine).progress > 0);
+    QTRY_VERIFY(engine->only().progress > 0);
     const QList<qint64> pids = engine->fake.pids();
 
     engine->manager->cancelAllDownloads();
@@ -408,25 +361,7 @@ void TestDownloadExecution::cancelStopsTheWholeGroup()
     for (const DownloadTask &task : engine->manager->tasks())
         QCOMPARE(task.status, DownloadStatus::Cancelled);
     QCOMPARE(engine->fake.runs().size(), 2); // the waiting one never started
-    QVERIFY(EngineFixture::messages(engine->state).filter(u"下载失败"_s).isEmpty());
-}
-
-void TestDownloadExecution::shutdownReturnsWithNothingLeft()
-{
-    auto engine = makeEngine();
-    QVERIFY(engine);
-    engine->fake.setScenario(R"([{"spawn_child_sleep": 60}, {"sleep": 60}])");
-    download(*engine, u"https://s.example/1"_s);
-    QTRY_COMPARE_WITH_TIMEOUT(engine->fake.pids().size(), 2, 20000);
-    const QList<qint64> pids = engine->fake.pids();
-    engine->manager->shutdown();
-    for (qint64 pid : pids) {
-        // Already gone, or a zombie waiting for its parent: either way it no longer runs.
-        QFile stat(u"/proc/%1/stat"_s.arg(pid));
-        QVERIFY2(!stat.open(QIODevice::ReadOnly) || stat.readAll().split(' ').value(2) == "Z",
-            qPrintable(QString::number(pid)));
-    }
-    QCOMPARE(only(*engine).status, DownloadStatus::Cancelled);
+    QVERIFY(engine->log().filter(u"下载失败"_s).isEmpty());
 }
 
 void TestDownloadExecution::launchFailuresLoseNothing()
@@ -435,10 +370,10 @@ void TestDownloadExecution::launchFailuresLoseNothing()
     QVERIFY(engine);
     engine->fake.setScenario("[]");
     engine->fixture.writeFile(u"a-file"_s, "x");
-    download(
-        *engine, u"https://l.example/1"_s, DownloadPreset::Default, QString(), engine->fixture.path(u"a-file/sub"_s));
-    download(*engine, u"https://l.example/2"_s);
-    QTRY_VERIFY_WITH_TIMEOUT(allFinished(*engine), 20000);
+    engine->download(
+        u"https://l.example/1"_s, DownloadPreset::Default, QString(), engine->fixture.path(u"a-file/sub"_s));
+    engine->download(u"https://l.example/2"_s);
+    QTRY_VERIFY_WITH_TIMEOUT(engine->settled(), 20000);
     const auto tasks = engine->manager->tasks();
     QCOMPARE(tasks.at(0).status, DownloadStatus::Failed);
     QCOMPARE(tasks.at(0).errorMessage, std::optional(u"无法创建输出目录: "_s + engine->fixture.path(u"a-file/sub"_s)));
@@ -446,9 +381,9 @@ void TestDownloadExecution::launchFailuresLoseNothing()
 
     // A shell that cannot be started fails the task with the reason, and the queue goes on.
     qputenv("QUILLBOX_SHELL", engine->fixture.path(u"no-shell"_s).toUtf8());
-    download(*engine, u"https://l.example/3"_s);
-    download(*engine, u"https://l.example/4"_s);
-    QTRY_VERIFY_WITH_TIMEOUT(allFinished(*engine), 20000);
+    engine->download(u"https://l.example/3"_s);
+    engine->download(u"https://l.example/4"_s);
+    QTRY_VERIFY_WITH_TIMEOUT(engine->settled(), 20000);
     for (int i : { 2, 3 }) {
         const DownloadTask &task = engine->manager->tasks().at(i);
         QCOMPARE(task.status, DownloadStatus::Failed);
@@ -464,10 +399,10 @@ void TestDownloadExecution::outputThatIsNotUtf8()
     auto engine = makeEngine();
     QVERIFY(engine);
     engine->fake.setScenario(R"([{"out_hex": "5b646f776e6c6f61645d2035302e30252066ff0a"}])");
-    download(*engine, u"https://u.example/v"_s);
-    QTRY_VERIFY_WITH_TIMEOUT(allFinished(*engine), 20000);
-    QCOMPARE(only(*engine).status, DownloadStatus::Completed);
-    QVERIFY(EngineFixture::messages(engine->state).contains(u"[download] 50.0% f\uFFFD"_s));
+    engine->download(u"https://u.example/v"_s);
+    QTRY_VERIFY_WITH_TIMEOUT(engine->settled(), 20000);
+    QCOMPARE(engine->only().status, DownloadStatus::Completed);
+    QVERIFY(engine->log().contains(u"[download] 50.0% f\uFFFD"_s));
 }
 
 void TestDownloadExecution::endlessLineIsBounded()
@@ -478,12 +413,12 @@ void TestDownloadExecution::endlessLineIsBounded()
     QVERIFY(engine);
     constexpr qint64 flood = 10 << 20;
     engine->fake.setScenario(R"([{"flood": {"bytes": 10485760}}, {"out": "\n[download] 50.0% of 1.00MiB\n"}])");
-    download(*engine, u"https://flood.example/v"_s);
-    QTRY_VERIFY_WITH_TIMEOUT(allFinished(*engine), 30000);
-    QCOMPARE(only(*engine).status, DownloadStatus::Completed);
+    engine->download(u"https://flood.example/v"_s);
+    QTRY_VERIFY_WITH_TIMEOUT(engine->settled(), 30000);
+    QCOMPARE(engine->only().status, DownloadStatus::Completed);
     const QString kept(LineSplitter::MaxLineBytes, u'x');
-    QTRY_VERIFY(EngineFixture::messages(engine->state).contains(u"✅ 下载完成！"_s));
-    const QStringList log = EngineFixture::messages(engine->state);
+    QTRY_VERIFY(engine->log().contains(u"✅ 下载完成！"_s));
+    const QStringList log = engine->log();
     QVERIFY(log.contains(kept + LineSplitter::elisionNote(flood - LineSplitter::MaxLineBytes)));
     QVERIFY(log.contains(u"[download] 50.0% of 1.00MiB"_s));
 }
@@ -498,23 +433,23 @@ void TestDownloadExecution::silentDownloadSaysSo()
     engine->fake.setScenario(R"([{"out": "[download]   5.0% of 1.00MiB\n"}, {"sleep": 2},
         {"out": "[download]  60.0% of 1.00MiB\n"}, {"sleep": 60}])");
     const QString url = u"https://quiet.example/v"_s;
-    download(*engine, url);
-    QTRY_COMPARE_WITH_TIMEOUT(only(*engine).notice, u"1 秒无响应"_s, 10000);
-    QCOMPARE(only(*engine).status, DownloadStatus::Downloading);
-    QCOMPARE(only(*engine).progress, 0.05);
-    QTRY_VERIFY(EngineFixture::messages(engine->state).contains(u"⚠️ 1 秒无响应："_s + url));
+    engine->download(url);
+    QTRY_COMPARE_WITH_TIMEOUT(engine->only().notice, u"1 秒无响应"_s, 10000);
+    QCOMPARE(engine->only().status, DownloadStatus::Downloading);
+    QCOMPARE(engine->only().progress, 0.05);
+    QTRY_VERIFY(engine->log().contains(u"⚠️ 1 秒无响应："_s + url));
     const QModelIndex row = engine->manager->taskModel()->index(0);
     QCOMPARE(row.data(TaskModel::NoticeRole).toString(), u"1 秒无响应"_s);
 
-    QTRY_COMPARE_WITH_TIMEOUT(only(*engine).progress, 0.6, 10000);
-    QCOMPARE(only(*engine).notice, QString());
-    QTRY_COMPARE_WITH_TIMEOUT(only(*engine).notice, u"1 秒无响应"_s, 10000);
+    QTRY_COMPARE_WITH_TIMEOUT(engine->only().progress, 0.6, 10000);
+    QCOMPARE(engine->only().notice, QString());
+    QTRY_COMPARE_WITH_TIMEOUT(engine->only().notice, u"1 秒无响应"_s, 10000);
 
     engine->manager->cancelAllDownloads();
-    QTRY_VERIFY_WITH_TIMEOUT(allFinished(*engine), DownloadManager::CancelGraceMs + 10000);
-    QCOMPARE(only(*engine).status, DownloadStatus::Cancelled);
-    QCOMPARE(only(*engine).notice, QString());
-    QCOMPARE(EngineFixture::messages(engine->state).filter(u"秒无响应"_s).size(), 2);
+    QTRY_VERIFY_WITH_TIMEOUT(engine->settled(), DownloadManager::CancelGraceMs + 10000);
+    QCOMPARE(engine->only().status, DownloadStatus::Cancelled);
+    QCOMPARE(engine->only().notice, QString());
+    QCOMPARE(engine->log().filter(u"秒无响应"_s).size(), 2);
 }
 
 void TestDownloadExecution::foldersAndArgumentsCheckedFirst()
@@ -523,12 +458,12 @@ void TestDownloadExecution::foldersAndArgumentsCheckedFirst()
     QVERIFY(engine);
     engine->fake.setScenario("[]");
     // "~/" is the home folder, as in a shell.
-    download(*engine, u"https://h.example/tilde"_s, DownloadPreset::Default, QString(), u"~/Videos"_s);
+    engine->download(u"https://h.example/tilde"_s, DownloadPreset::Default, QString(), u"~/Videos"_s);
     // A relative folder would depend on where Quillbox was started from.
-    download(*engine, u"https://h.example/relative"_s, DownloadPreset::Default, QString(), u"Videos"_s);
+    engine->download(u"https://h.example/relative"_s, DownloadPreset::Default, QString(), u"Videos"_s);
     // An open quote in the custom arguments would swallow the link: refused before running.
-    download(*engine, u"https://h.example/;echo INJECTED;#"_s, DownloadPreset::Custom, u"--match-title Don't"_s);
-    QTRY_VERIFY_WITH_TIMEOUT(allFinished(*engine), 20000);
+    engine->download(u"https://h.example/;echo INJECTED;#"_s, DownloadPreset::Custom, u"--match-title Don't"_s);
+    QTRY_VERIFY_WITH_TIMEOUT(engine->settled(), 20000);
 
     const auto tasks = engine->manager->tasks();
     QCOMPARE(tasks.at(0).status, DownloadStatus::Completed);

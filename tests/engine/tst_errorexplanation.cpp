@@ -23,21 +23,13 @@ private Q_SLOTS:
     void withoutOutput();
 
 private:
-    std::unique_ptr<EngineFixture> m_fixture;
-    std::unique_ptr<FakeYtDlp> m_fake;
-    std::unique_ptr<AppState> m_state;
-    std::unique_ptr<DownloadManager> m_manager;
+    std::unique_ptr<SandboxEngine> m_engine;
 };
 
 void TestErrorExplanation::initTestCase()
 {
-    m_fixture = std::make_unique<EngineFixture>();
-    m_fake = std::make_unique<FakeYtDlp>(*m_fixture);
-    m_state = std::make_unique<AppState>();
-    ToolLocations locations = m_fixture->emptyLocations();
-    locations.ytDlp << m_fake->path();
-    m_manager = std::make_unique<DownloadManager>(m_state.get(), locations);
-    QTRY_VERIFY_WITH_TIMEOUT(!m_manager->ytDlpVersion().isEmpty(), 20000);
+    m_engine = SandboxEngine::start();
+    QVERIFY(m_engine);
 }
 
 void TestErrorExplanation::recorded_data()
@@ -97,12 +89,11 @@ void TestErrorExplanation::recorded()
     const QJsonObject record = QJsonDocument::fromJson(file.readAll()).object();
     const QJsonArray steps { QJsonObject { { u"out"_s, record.value(u"stdout"_s) } },
         QJsonObject { { u"err"_s, record.value(u"stderr"_s) } } };
-    m_fake->setScenario(QJsonDocument(steps).toJson(QJsonDocument::Compact), record.value(u"exit"_s).toInt());
+    m_engine->fake.setScenario(QJsonDocument(steps).toJson(QJsonDocument::Compact), record.value(u"exit"_s).toInt());
 
-    m_manager->startDownload(
-        u"https://x.example/"_s + recording, DownloadPreset::Default, {}, m_fixture->path(u"out"_s), true, false);
-    QTRY_COMPARE_WITH_TIMEOUT(m_manager->tasks().constLast().status, DownloadStatus::Failed, 20000);
-    const DownloadTask task = m_manager->tasks().constLast();
+    m_engine->download(u"https://x.example/"_s + recording);
+    QTRY_COMPARE_WITH_TIMEOUT(m_engine->manager->tasks().constLast().status, DownloadStatus::Failed, 20000);
+    const DownloadTask task = m_engine->manager->tasks().constLast();
 
     const QString explanation = task.explanation.value_or(QString());
     QVERIFY2(explanation.contains(says), qPrintable(explanation));
@@ -110,7 +101,7 @@ void TestErrorExplanation::recorded()
     QVERIFY2(message.startsWith(messageStart), qPrintable(message));
     QVERIFY(!message.contains(explanation));
     // The log says it once more, after the tool's lines.
-    const QList<LogEntry> log = m_state->logEntries();
+    const QList<LogEntry> log = m_engine->state.logEntries();
     QCOMPARE(log.constLast().message, explanation);
     QCOMPARE(log.constLast().type, LogEntry::LogType::Error);
 }

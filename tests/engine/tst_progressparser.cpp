@@ -55,8 +55,6 @@ void TestProgressParser::parse_data()
     QTest::newRow("a percentage in a file name stays within 0-1")
         << QStringList { u"[download] Destination: /x/99999999999999999999%.mp4"_s } << OptDouble(1.0) << none << none
         << none;
-    QTest::newRow("past 100%") << QStringList { u"[download] 250.0% of 1.00MiB"_s } << OptDouble(1.0) << none
-                               << OptString(u"1.00MiB"_s) << none;
     QTest::newRow("too many digits for a double: ignored")
         << QStringList { u"[download] "_s + QString(400, u'9') + u"%"_s } << noProgress << none << none << none;
     QTest::newRow("login required") << QStringList { u"ERROR: [youtube] x: Login required"_s } << noProgress << none

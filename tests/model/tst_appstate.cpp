@@ -16,7 +16,6 @@ class TestAppState : public QObject
 
 private Q_SLOTS:
     void init() { IsolatedEnvironment::clearSettings(); }
-    void initialValues();
     void preferences_data();
     void preferences();
     void formIsRemembered();
@@ -27,8 +26,6 @@ private Q_SLOTS:
     void longMessagesAreCut();
     void addLogFromManyThreads();
     void clearLog();
-    void presentationRoles_data();
-    void presentationRoles();
 
 private:
     IsolatedEnvironment m_env;
@@ -40,25 +37,6 @@ void drainLog(AppState &state, int expectedCount)
     QTRY_COMPARE(state.logModel()->count(), expectedCount);
 }
 } // namespace
-
-void TestAppState::initialValues()
-{
-    AppState state;
-    QCOMPARE(state.urlInput(), QString());
-    QVERIFY(state.downloadQueue().isEmpty());
-    QCOMPARE(state.selectedPreset(), DownloadPreset::Default);
-    QCOMPARE(state.customArguments(), QString());
-    QCOMPARE(state.isDownloading(), false);
-    QCOMPARE(state.outputDirectory(), m_env.home() + u"/Downloads"_s);
-    QCOMPARE(state.useCookies(), true);
-    QCOMPARE(state.cookiePath(), QString());
-    QCOMPARE(state.downloadPlaylist(), true);
-    QCOMPARE(state.showSettings(), false);
-    QCOMPARE(state.selectedTab(), 0);
-    QCOMPARE(state.showLogPanel(), true);
-    QCOMPARE(state.logModel()->count(), 0);
-    QCOMPARE(state.maxLogEntries(), 500);
-}
 
 void TestAppState::preferences_data()
 {
@@ -72,7 +50,6 @@ void TestAppState::preferences_data()
                                  << u"/tmp/c.txt"_s;
     QTest::newRow("stored empty output replaces default")
         << QVariant(QString()) << QVariant() << QString() << QString();
-    QTest::newRow("only cookie") << QVariant() << QVariant(u"c"_s) << defaultOutput << u"c"_s;
 }
 
 void TestAppState::preferences()
@@ -91,7 +68,6 @@ void TestAppState::preferences()
     AppState state;
     QCOMPARE(state.outputDirectory(), expectedOutput);
     QCOMPARE(state.cookiePath(), expectedCookie);
-
 }
 
 // The form is written as it changes and read back by the next start; values stored by hand that
@@ -259,39 +235,6 @@ void TestAppState::clearLog()
     QCOMPARE(state.logModel()->count(), 0);
     QCOMPARE(state.logModel()->rowCount(), 0);
     QCOMPARE(countChanged.count(), 2);
-}
-
-void TestAppState::presentationRoles_data()
-{
-    QTest::addColumn<LogEntry::LogType>("type");
-    QTest::addColumn<QString>("symbol");
-    QTest::addColumn<Tint>("tint");
-    QTest::addColumn<bool>("isError");
-    QTest::newRow("info") << LogEntry::LogType::Info << u"info.circle"_s << Tint::Blue << false;
-    QTest::newRow("warning") << LogEntry::LogType::Warning << u"exclamationmark.triangle"_s << Tint::Orange << false;
-    QTest::newRow("error") << LogEntry::LogType::Error << u"xmark.octagon"_s << Tint::Red << true;
-    QTest::newRow("download") << LogEntry::LogType::Download << u"arrow.down.circle"_s << Tint::Green << false;
-}
-
-void TestAppState::presentationRoles()
-{
-    QFETCH(LogEntry::LogType, type);
-    QFETCH(QString, symbol);
-    QFETCH(Tint, tint);
-    QFETCH(bool, isError);
-    LogModel model(500);
-    LogEntry entry = LogEntry::make(u"m"_s, type);
-    // Just after midnight, local time: the hour reads 00 (a 24-hour clock, no AM/PM).
-    entry.timestamp = QDateTime(QDate(2026, 11, 23), QTime(0, 0, 7));
-    LogEntry afternoon = LogEntry::make(u"n"_s, type);
-    afternoon.timestamp = QDateTime(QDate(2026, 11, 23), QTime(13, 5, 9));
-    model.append({ entry, afternoon });
-    const QModelIndex index = model.index(0);
-    QCOMPARE(index.data(LogModel::TimeTextRole).toString(), u"00:00:07"_s);
-    QCOMPARE(model.index(1).data(LogModel::TimeTextRole).toString(), u"13:05:09"_s);
-    QCOMPARE(index.data(LogModel::SymbolRole).toString(), symbol);
-    QCOMPARE(index.data(LogModel::TintRole).toInt(), int(tint));
-    QCOMPARE(index.data(LogModel::IsErrorRole).toBool(), isError);
 }
 
 QTEST_GUILESS_MAIN(TestAppState)

@@ -1,5 +1,4 @@
 #include "views/applifecycle.h"
-#include "views/colors.h"
 #include "model/appstate.h"
 #include "views/qmlsetup.h"
 
@@ -27,7 +26,6 @@ class TestMainWindow : public QObject
 
 private Q_SLOTS:
     void init() { IsolatedEnvironment::clearSettings(); }
-    void windowAsDesigned();
     void firstRunIsCentred();
     void geometryRestored();
     void unusableGeometryIgnored_data();
@@ -37,38 +35,51 @@ private Q_SLOTS:
     void undoBringsBackClearedLinks();
 
 private:
-    std::unique_ptr<QQmlApplicationEngine> loadMain();
     IsolatedEnvironment m_env;
 };
 
-std::unique_ptr<QQmlApplicationEngine> TestMainWindow::loadMain()
+namespace {
+// Main.qml loaded and handed to the application's lifecycle, as main() does.
+struct MainWindow
 {
-    auto engine = std::make_unique<QQmlApplicationEngine>();
-    setupQmlEngine(*engine);
-    engine->load(QUrl(u"qrc:/qt/qml/Quillbox/Main.qml"_s));
-    return engine;
-}
+    QQmlApplicationEngine engine;
+    QQuickWindow *window = nullptr;
+    AppLifecycle lifecycle { nullptr };
 
-void TestMainWindow::windowAsDesigned()
-{
-    auto engine = loadMain();
-    QCOMPARE(engine->rootObjects().size(), 1);
-    auto *window = qobject_cast<QQuickWindow *>(engine->rootObjects().constFirst());
-    QVERIFY(window);
-    QCOMPARE(window->title(), u"Quillbox - 视频下载管理器"_s);
-    QCOMPARE(window->size(), QSize(1200, 800));
-    QCOMPARE(window->minimumSize(), QSize(900, 600));
-    QCOMPARE(window->color(), colorFromHex(u"#0D1117"_s));
-}
+    // `active`: shown, exposed and given the keyboard.
+    explicit MainWindow(bool active = false)
+    {
+        setupQmlEngine(engine);
+        engine.load(QUrl(u"qrc:/qt/qml/Quillbox/Main.qml"_s));
+        window = qobject_cast<QQuickWindow *>(engine.rootObjects().value(0));
+        if (!window)
+            qFatal("Main.qml did not load");
+        lifecycle.attachMainWindow(window);
+        if (active) {
+            if (!QTest::qWaitForWindowExposed(window))
+                qFatal("the window was not shown");
+            window->requestActivate();
+            if (!QTest::qWaitForWindowActive(window))
+                qFatal("the window did not become active");
+        }
+    }
+
+    void click(QQuickItem *item) const
+    {
+        QTest::mouseClick(
+            window, Qt::LeftButton, {}, item->mapToScene(QPointF(item->width() / 2, item->height() / 2)).toPoint());
+    }
+};
+} // namespace
 
 void TestMainWindow::firstRunIsCentred()
 {
-    auto engine = loadMain();
-    auto *window = qobject_cast<QQuickWindow *>(engine->rootObjects().constFirst());
-    AppLifecycle lifecycle(nullptr);
-    lifecycle.attachMainWindow(window);
+    const MainWindow main;
+    QQuickWindow *window = main.window;
     QVERIFY(window->isVisible());
+    QCOMPARE(window->title(), u"Quillbox - 视频下载管理器"_s);
     QCOMPARE(window->size(), QSize(1200, 800));
+    QCOMPARE(window->minimumSize(), QSize(900, 600));
     const QRect available = window->screen()->availableGeometry();
     // Within the few pixels a window frame may add.
     QVERIFY(qAbs(window->geometry().center().x() - available.center().x()) <= 4);
@@ -79,20 +90,12 @@ void TestMainWindow::geometryRestored()
 {
     const QRect moved(40, 30, 1000, 700);
     {
-        auto engine = loadMain();
-        auto *window = qobject_cast<QQuickWindow *>(engine->rootObjects().constFirst());
-        AppLifecycle lifecycle(nullptr);
-        lifecycle.attachMainWindow(window);
-        window->setGeometry(moved);
-        window->close(); // closing keeps the frame for the next start
+        const MainWindow main;
+        main.window->setGeometry(moved);
+        main.window->close(); // closing keeps the frame for the next start
     }
     QCOMPARE(QSettings().value(u"Main Window/geometry"_s).toRect(), moved);
-
-    auto engine = loadMain();
-    auto *window = qobject_cast<QQuickWindow *>(engine->rootObjects().constFirst());
-    AppLifecycle lifecycle(nullptr);
-    lifecycle.attachMainWindow(window);
-    QCOMPARE(window->geometry(), moved);
+    QCOMPARE(MainWindow().window->geometry(), moved);
 }
 
 void TestMainWindow::unusableGeometryIgnored_data()
@@ -108,24 +111,15 @@ void TestMainWindow::unusableGeometryIgnored()
     QFETCH(QRect, stored);
     QCOMPARE(AppLifecycle::usableGeometry(stored, QSize(900, 600)), QRect());
     QSettings().setValue(u"Main Window/geometry"_s, stored);
-    auto engine = loadMain();
-    auto *window = qobject_cast<QQuickWindow *>(engine->rootObjects().constFirst());
-    AppLifecycle lifecycle(nullptr);
-    lifecycle.attachMainWindow(window);
-    QCOMPARE(window->size(), QSize(1200, 800));
-    QVERIFY(window->screen()->availableGeometry().intersects(window->geometry()));
+    const MainWindow main;
+    QCOMPARE(main.window->size(), QSize(1200, 800));
+    QVERIFY(main.window->screen()->availableGeometry().intersects(main.window->geometry()));
 }
 
 void TestMainWindow::keyEquivalents()
 {
-    auto engine = loadMain();
-    auto *window = qobject_cast<QQuickWindow *>(engine->rootObjects().constFirst());
-    AppLifecycle lifecycle(nullptr);
-    lifecycle.attachMainWindow(window);
-    QVERIFY(QTest::qWaitForWindowExposed(window));
-    window->requestActivate();
-    QVERIFY(QTest::qWaitForWindowActive(window));
-
+    const MainWindow main(true);
+    QQuickWindow *window = main.window;
     // New Download and Preferences are there but disabled: their keys do nothing.
     QTest::keyClick(window, Qt::Key_N, Qt::ControlModifier);
     QTest::keyClick(window, Qt::Key_Comma, Qt::ControlModifier);
@@ -140,11 +134,8 @@ void TestMainWindow::keyEquivalents()
 // brackets; read after opening the menu, which is when its entries are made.
 void TestMainWindow::menusAsDesigned()
 {
-    auto engine = loadMain();
-    auto *window = qobject_cast<QQuickWindow *>(engine->rootObjects().constFirst());
-    AppLifecycle lifecycle(nullptr);
-    lifecycle.attachMainWindow(window);
-    QVERIFY(QTest::qWaitForWindowExposed(window));
+    const MainWindow main(true);
+    QQuickWindow *window = main.window;
     auto *menuBar = window->property("menuBar").value<QObject *>();
     QVERIFY(menuBar);
 
@@ -193,18 +184,14 @@ void TestMainWindow::menusAsDesigned()
 
     // Opening a menu again, as a person does, does not add its entries twice; and
     // "关于 Quillbox" opens the About panel, made on that first use.
-    const auto clickCentre = [window](QQuickItem *item) {
-        QTest::mouseClick(
-            window, Qt::LeftButton, {}, item->mapToScene(QPointF(item->width() / 2, item->height() / 2)).toPoint());
-    };
     QQuickItem *title = nullptr;
     QVERIFY(QMetaObject::invokeMethod(menuBar, "itemAt", Q_RETURN_ARG(QQuickItem *, title), Q_ARG(int, 0)));
-    clickCentre(title);
+    main.click(title);
     QObject *first = list.at(0);
     QTRY_VERIFY(first->property("opened").toBool());
     QCOMPARE(first->property("count").toInt(), 9);
     QVERIFY(aboutItem);
-    clickCentre(aboutItem);
+    main.click(aboutItem);
     auto *about = window->findChild<QObject *>(u"aboutDialog"_s);
     QVERIFY(about);
     QTRY_VERIFY(about->property("opened").toBool());
@@ -213,23 +200,14 @@ void TestMainWindow::menusAsDesigned()
 // "清空" is an edit of the links, so the edit menu's "撤销" brings them back.
 void TestMainWindow::undoBringsBackClearedLinks()
 {
-    auto engine = loadMain();
-    auto *window = qobject_cast<QQuickWindow *>(engine->rootObjects().constFirst());
-    AppLifecycle lifecycle(nullptr);
-    lifecycle.attachMainWindow(window);
-    QVERIFY(QTest::qWaitForWindowExposed(window));
-    window->requestActivate();
-    QVERIFY(QTest::qWaitForWindowActive(window));
-    const auto clickCentre = [window](QQuickItem *item) {
-        QTest::mouseClick(
-            window, Qt::LeftButton, {}, item->mapToScene(QPointF(item->width() / 2, item->height() / 2)).toPoint());
-    };
+    const MainWindow main(true);
+    QQuickWindow *window = main.window;
 
     const QString links = u"https://a.example/1\nhttps://b.example/2"_s;
     AppState::instance()->setUrlInput(links);
     auto *clear = window->findChild<QQuickItem *>(u"clearButton"_s);
     QVERIFY(clear);
-    clickCentre(clear);
+    main.click(clear);
     QCOMPARE(AppState::instance()->urlInput(), QString());
 
     const QQmlListReference menus(window->property("menuBar").value<QObject *>(), "menus");
@@ -242,7 +220,7 @@ void TestMainWindow::undoBringsBackClearedLinks()
     QCOMPARE(undo->property("text").toString(), u"撤销"_s);
     // The menu lays out its entries, made as it opens, on the next frame.
     QTRY_VERIFY(editMenu->property("height").toReal() > 4 * undo->height());
-    clickCentre(undo);
+    main.click(undo);
     QTRY_COMPARE(AppState::instance()->urlInput(), links);
 }
 

@@ -7,13 +7,11 @@
 #include "model/appstate.h"
 #include "views/qmlsetup.h"
 
+#include "support/mediaserver.h"
 #include "testsupport.h"
 
 #include <QDir>
 #include <QFileInfo>
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QProcess>
 #include <QQmlEngine>
 #include <QQuickStyle>
 #include <QtQml/qqmlextensionplugin.h>
@@ -83,23 +81,6 @@ public:
         return statuses;
     }
 
-    // The arguments the stand-in received for the download of `url`.
-    Q_INVOKABLE QStringList argvFor(const QString &url) const
-    {
-        QFile file(m_root + u"/argv.jsonl"_s);
-        if (!file.open(QIODevice::ReadOnly))
-            return {};
-        QStringList found;
-        for (const QByteArray &line : file.readAll().split('\n')) {
-            QStringList argv;
-            for (const QJsonValue &word : QJsonDocument::fromJson(line).array())
-                argv << word.toString();
-            if (!argv.isEmpty() && argv.constLast() == url)
-                found = argv;
-        }
-        return found;
-    }
-
     // A log entry stamped with the given time of today, straight into the real log.
     Q_INVOKABLE void addLogAt(int hour, int minute, int second, const QString &message) const
     {
@@ -124,10 +105,7 @@ public:
     }
 
     Q_INVOKABLE QVariant setting(const QString &key) const { return QSettings().value(key); }
-    Q_INVOKABLE void setSetting(const QString &key, const QVariant &value) const
-    {
-        QSettings().setValue(key, value);
-    }
+    Q_INVOKABLE void setSetting(const QString &key, const QVariant &value) const { QSettings().setValue(key, value); }
 
     // A shell script at `path` (folders made as needed) that prints `output`.
     Q_INVOKABLE bool writeExecutable(const QString &path, const QString &output) const
@@ -152,15 +130,9 @@ public:
     Q_INVOKABLE int freshMaxConcurrentDownloads() const
     {
         AppState state;
-        const DownloadManager engine(&state, ToolLocations::standard(m_root), nullptr,
-            DownloadManager::Discovery::WaitForStart);
+        const DownloadManager engine(
+            &state, ToolLocations::standard(m_root), nullptr, DownloadManager::Discovery::WaitForStart);
         return engine.maxConcurrentDownloads();
-    }
-
-    Q_INVOKABLE QString lastTaskStatus() const
-    {
-        const auto tasks = DownloadManager::instance()->tasks();
-        return tasks.isEmpty() ? QString() : rawValue(tasks.constLast().status);
     }
 
 private:
@@ -179,7 +151,10 @@ public Q_SLOTS:
         const QString tests = QString::fromLocal8Bit(qgetenv("QUILLBOX_TESTS_DIR"));
 #ifdef QUILLBOX_REAL_YTDLP
         QSettings().setValue(QLatin1String(DownloadManager::CustomYtDlpPathKey), u"/usr/bin/yt-dlp"_s);
-        startMediaServer(tests);
+        m_server = std::make_unique<MediaServer>(
+            tests, m_env->root() + u"/media"_s, QStringList { u"--duration"_s, u"3"_s });
+        if (m_server->base().isEmpty())
+            qFatal("%s", qPrintable(m_server->error()));
 #else
         QSettings().setValue(QLatin1String(DownloadManager::CustomYtDlpPathKey), QString(tests + u"/fakes/yt-dlp"_s));
         // Deno in the sandboxed home is the only JavaScript runtime, so a test decides whether one
@@ -192,7 +167,7 @@ public Q_SLOTS:
         qputenv("FAKE_YTDLP_ARGV_FILE", (m_env->root() + u"/argv.jsonl"_s).toUtf8());
         QQuickStyle::setStyle(u"Basic"_s);
         m_helper = new TestHelper(m_env->root());
-        m_helper->setBaseUrl(m_baseUrl);
+        m_helper->setBaseUrl(m_server ? m_server->base() : QString());
         qmlRegisterSingletonInstance("QuillboxTest", 1, 0, "TestHelper", m_helper);
     }
 
@@ -204,38 +179,15 @@ public Q_SLOTS:
     void cleanupTestCase()
     {
         DownloadManager::instance()->shutdown();
-        if (m_server.state() != QProcess::NotRunning) {
-            m_server.closeWriteChannel(); // the server ends with its standard input
-            if (!m_server.waitForFinished(5000))
-                m_server.kill();
-        }
+        m_server.reset();
     }
 
 private:
-    void startMediaServer(const QString &tests)
-    {
-        const QString media = m_env->root() + u"/media"_s;
-        m_server.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-        const QString python = QFileInfo::exists(u"/usr/bin/python3"_s) ? u"/usr/bin/python3"_s : u"python3"_s;
-        m_server.start(python,
-            { tests + u"/support/mediaserver.py"_s, u"--root"_s, media, u"--port"_s, u"0"_s, u"--generate"_s,
-                u"--duration"_s, u"3"_s });
-        if (!m_server.waitForStarted(10000))
-            qFatal("cannot start the media server");
-        QByteArray line;
-        while (!line.contains('\n') && m_server.waitForReadyRead(60000))
-            line += m_server.readAllStandardOutput();
-        if (!line.startsWith("READY "))
-            qFatal("the media server did not start");
-        m_baseUrl = QString::fromUtf8(line.mid(6).trimmed());
-    }
-
-    QProcess m_server;
-    QString m_baseUrl;
+    std::unique_ptr<MediaServer> m_server;
     std::unique_ptr<IsolatedEnvironment> m_env;
     TestHelper *m_helper = nullptr;
 };
 
 QUICK_TEST_MAIN_WITH_SETUP(qmlviews, Setup)
 
-#include "tst_qmlviews.moc"
+#include "qmltestmain.moc"

@@ -62,24 +62,18 @@ TestCase {
         urlSpy.clear()
     }
 
-    function test_groupsAndTheirTexts() {
+    function test_groupsAndWhatTheEngineFound() {
         const sheet = makeSheet()
         tryVerify(() => DownloadManager.ytDlpVersion.length > 0, 20000)
         const groups = ["ytDlpGroup", "runtimeGroup", "ffmpegGroup", "downloadGroup"].map(name => button(sheet, name))
-        compare(groups.map(group => findChild(group, "groupTitle").text),
-            ["yt-dlp 配置", "JS 运行时（YouTube EJS）", "FFmpeg（音频转码）", "下载设置"])
         for (let i = 1; i < groups.length; ++i)
             verify(groups[i].y > groups[i - 1].y, "group " + i + " below the one before")
-
+        // What the engine found, as it found it.
         const ytDlp = texts(groups[0])
-        compare(ytDlp.slice(0, 4), ["yt-dlp 配置", "yt-dlp 状态", "已安装 (v" + DownloadManager.ytDlpVersion + ")",
-            "可执行文件路径"])
-        verify(ytDlp.includes("自动检测路径: " + DownloadManager.ytDlpPath))
-        verify(ytDlp.includes("⚠️ 如果下载 YouTube 时只看到图片格式（storyboard），通常是 yt-dlp 版本过旧，需要更新。"))
-        compare(button(sheet, "updateButton").text, "更新 yt-dlp 到最新版")
+        verify(ytDlp.includes("已安装 (v" + DownloadManager.ytDlpVersion + ")"), ytDlp)
+        verify(ytDlp.includes("自动检测路径: " + DownloadManager.ytDlpPath), ytDlp)
         // Nothing has been updated in a sheet just made.
         verify(!button(sheet, "updateResultText").visible)
-        compare(texts(groups[3]), ["下载设置", "默认输出目录", "浏览...", "同时下载数"])
         compare(button(sheet, "outputDirField").text, AppState.outputDirectory)
 
         // Only "使用此路径" is ever disabled, and only while the field is empty.
