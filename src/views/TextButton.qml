@@ -67,9 +67,10 @@ AbstractButton {
     RowLayout {
         id: content
 
-        x: root.leftPadding
+        // Centred on the button even when wider than the room between the paddings.
+        x: root.leftPadding + Math.round((root.availableWidth - width) / 2)
         y: root.topPadding
-        width: root.availableWidth
+        width: Math.max(root.availableWidth, implicitWidth)
         height: root.availableHeight
         // Each part brings its own space before it, so a hidden one leaves no gap.
         spacing: 0
