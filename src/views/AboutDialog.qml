@@ -27,28 +27,28 @@ Dialog {
             symbol: "arrow.down.circle.fill"
             gradientFrom: Theme.accent
             gradientTo: Theme.cyan
-            size: 56
+            size: Theme.iconHuge
         }
         Text {
             objectName: "aboutVersion"
             Layout.alignment: Qt.AlignHCenter
             text: "Quillbox " + Desktop.version
             color: Theme.text
-            font.pixelSize: 18
+            font.pixelSize: Theme.title3
             font.bold: true
         }
         Text {
             Layout.alignment: Qt.AlignHCenter
             text: "视频下载管理器"
             color: Theme.gray
-            font.pixelSize: 12
+            font.pixelSize: Theme.caption
         }
         Text {
             objectName: "homePageLink"
             Layout.alignment: Qt.AlignHCenter
             text: String(Desktop.homePage)
             color: Theme.cyan
-            font.pixelSize: 12
+            font.pixelSize: Theme.caption
             font.underline: linkArea.containsMouse
 
             MouseArea {

@@ -29,12 +29,12 @@ MenuBar {
         contentItem: Text {
             text: barItem.text
             color: Theme.text
-            font.pixelSize: 13
+            font.pixelSize: Theme.body
             verticalAlignment: Text.AlignVCenter
         }
         background: Rectangle {
             color: barItem.highlighted ? Theme.border : "transparent"
-            radius: 4
+            radius: Theme.radiusTiny
         }
     }
 
@@ -51,11 +51,9 @@ MenuBar {
                 readonly property string keys: entry.action ? Desktop.shortcutText(entry.action.shortcut) : ""
 
                 objectName: "menuItem_" + entry.text
-                implicitWidth: Math.max(200, entryRow.implicitWidth + entry.leftPadding + entry.rightPadding)
+                implicitWidth: Math.max(200, entry.implicitContentWidth + entry.leftPadding + entry.rightPadding)
 
                 contentItem: RowLayout {
-                    id: entryRow
-
                     spacing: 24
 
                     Text {
@@ -63,7 +61,7 @@ MenuBar {
                         text: entry.text
                         color: entry.enabled ? Theme.text : Theme.gray
                         opacity: entry.enabled ? 1 : 0.6
-                        font.pixelSize: 13
+                        font.pixelSize: Theme.body
                         Layout.fillWidth: true
                     }
                     Text {
@@ -72,12 +70,12 @@ MenuBar {
                         visible: entry.keys.length > 0
                         color: Theme.gray
                         opacity: entry.enabled ? 1 : 0.6
-                        font.pixelSize: 12
+                        font.pixelSize: Theme.caption
                     }
                 }
                 background: Rectangle {
                     implicitHeight: 26
-                    radius: 4
+                    radius: Theme.radiusTiny
                     color: entry.highlighted && entry.enabled ? Theme.accent : "transparent"
                 }
             }
@@ -97,22 +95,16 @@ MenuBar {
         }
     }
 
-    LazyMenu {
-        title: "Quillbox"
-        entries: [root.actions.about, null, root.actions.preferences, null, root.actions.hide,
-            root.actions.hideOthers, root.actions.showAll, null, root.actions.quit]
-    }
-    LazyMenu {
-        title: "文件"
-        entries: [root.actions.newDownload, null, root.actions.closeWindow]
-    }
-    LazyMenu {
-        title: "编辑"
-        entries: [root.actions.undo, root.actions.redo, null, root.actions.cut, root.actions.copy,
-            root.actions.paste, root.actions.selectAll]
-    }
-    LazyMenu {
-        title: "窗口"
-        entries: [root.actions.minimize, root.actions.zoom, null, root.actions.bringAllToFront]
+    Instantiator {
+        model: root.actions.menus
+        onObjectAdded: (index, object) => root.insertMenu(index, object as Menu)
+        onObjectRemoved: (index, object) => root.removeMenu(object as Menu)
+
+        delegate: LazyMenu {
+            required property var modelData
+
+            title: modelData.title
+            entries: modelData.entries
+        }
     }
 }

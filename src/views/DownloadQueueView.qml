@@ -26,7 +26,7 @@ Rectangle {
             Text {
                 text: "下载队列"
                 color: Theme.text
-                font.pixelSize: 20
+                font.pixelSize: Theme.title2
                 font.weight: Font.DemiBold
             }
             Item {
@@ -38,7 +38,7 @@ Rectangle {
                 symbol: "stop.circle"
                 tint: Theme.red
                 fill: "transparent"
-                iconSize: 20
+                iconSize: Theme.title2
                 onClicked: DownloadManager.cancelAllDownloads()
             }
         }
@@ -56,20 +56,20 @@ Rectangle {
                 Icon {
                     anchors.horizontalCenter: parent.horizontalCenter
                     symbol: "tray"
-                    color: Qt.rgba(Theme.gray.r, Theme.gray.g, Theme.gray.b, 0.5)
-                    size: 48
+                    color: Theme.grayFaint
+                    size: Theme.iconLarge
                 }
                 Text {
                     anchors.horizontalCenter: parent.horizontalCenter
                     text: "暂无下载任务"
                     color: Theme.gray
-                    font.pixelSize: 14
+                    font.pixelSize: Theme.bodyLarge
                 }
                 Text {
                     anchors.horizontalCenter: parent.horizontalCenter
                     text: "在上方输入视频链接开始下载"
-                    color: Qt.rgba(Theme.gray.r, Theme.gray.g, Theme.gray.b, 0.7)
-                    font.pixelSize: 12
+                    color: Theme.grayDim
+                    font.pixelSize: Theme.caption
                 }
             }
 

@@ -41,7 +41,7 @@ AbstractButton {
     Keys.onEnterPressed: root.clicked()
 
     background: Rectangle {
-        radius: 12
+        radius: Theme.radiusLarge
         color: root.isSelected ? Theme.border : Theme.raised
     }
 
@@ -52,15 +52,15 @@ AbstractButton {
             Layout.alignment: Qt.AlignTop
             implicitWidth: 40
             implicitHeight: 40
-            radius: 20
-            color: Qt.rgba(root.tint.r, root.tint.g, root.tint.b, 0.2)
+            radius: height / 2
+            color: Theme.badgeFill(root.tint)
 
             Icon {
                 objectName: "statusIcon"
                 anchors.centerIn: parent
                 symbol: root.statusSymbol
                 color: root.tint
-                size: 18
+                size: Theme.title3
             }
         }
 
@@ -73,7 +73,7 @@ AbstractButton {
                 Layout.fillWidth: true
                 text: root.title
                 color: Theme.text
-                font.pixelSize: 14
+                font.pixelSize: Theme.bodyLarge
                 font.weight: Font.Medium
                 elide: Text.ElideMiddle
             }
@@ -85,46 +85,46 @@ AbstractButton {
                     objectName: "statusText"
                     text: root.statusLabel
                     color: root.tint
-                    font.pixelSize: 11
+                    font.pixelSize: Theme.caption2
                 }
                 Text {
                     visible: root.speed.length > 0
                     text: "•"
                     color: Theme.gray
-                    font.pixelSize: 11
+                    font.pixelSize: Theme.caption2
                 }
                 Text {
                     objectName: "speedText"
                     visible: root.speed.length > 0
                     text: root.speed
                     color: Theme.gray
-                    font.pixelSize: 11
+                    font.pixelSize: Theme.caption2
                 }
                 Text {
                     visible: root.size.length > 0
                     text: "•"
                     color: Theme.gray
-                    font.pixelSize: 11
+                    font.pixelSize: Theme.caption2
                 }
                 Text {
                     objectName: "sizeText"
                     visible: root.size.length > 0
                     text: root.size
                     color: Theme.gray
-                    font.pixelSize: 11
+                    font.pixelSize: Theme.caption2
                 }
                 Text {
                     visible: root.notice.length > 0
                     text: "•"
                     color: Theme.gray
-                    font.pixelSize: 11
+                    font.pixelSize: Theme.caption2
                 }
                 Text {
                     objectName: "noticeText"
                     visible: root.notice.length > 0
                     text: root.notice
                     color: Theme.orange
-                    font.pixelSize: 11
+                    font.pixelSize: Theme.caption2
                 }
             }
             RowLayout {
@@ -136,14 +136,14 @@ AbstractButton {
                 Rectangle {
                     Layout.fillWidth: true
                     implicitHeight: 4
-                    radius: 4
-                    color: Qt.rgba(0.56, 0.56, 0.58, 0.3)
+                    radius: Theme.radiusTiny
+                    color: Theme.separator
 
                     Rectangle {
                         objectName: "progressFill"
                         width: parent.width * Math.max(0, Math.min(1, root.progress))
                         height: parent.height
-                        radius: 4
+                        radius: Theme.radiusTiny
                         gradient: Gradient {
                             orientation: Gradient.Horizontal
 
@@ -162,7 +162,7 @@ AbstractButton {
                     objectName: "percentText"
                     text: root.percentText
                     color: Theme.gray
-                    font.pixelSize: 11
+                    font.pixelSize: Theme.caption2
                 }
             }
             Text {
@@ -171,7 +171,7 @@ AbstractButton {
                 visible: root.isExplained
                 text: root.explanation
                 color: Theme.red
-                font.pixelSize: 12
+                font.pixelSize: Theme.caption
                 wrapMode: Text.Wrap
             }
             Text {
@@ -180,7 +180,7 @@ AbstractButton {
                 visible: root.hasError && (!root.isExplained || root.showsToolOutput)
                 text: root.hasError ? root.errorMessage : ""
                 color: root.isExplained ? Theme.gray : Theme.red
-                font.pixelSize: 11
+                font.pixelSize: Theme.caption2
                 font.family: root.isExplained ? Theme.fixedFont.family : root.font.family
                 wrapMode: Text.WrapAnywhere
                 textFormat: Text.PlainText
@@ -194,7 +194,7 @@ AbstractButton {
                     visible: root.isExplained
                     text: root.showsToolOutput ? "隐藏原始输出" : "显示原始输出"
                     symbol: "terminal"
-                    fontSize: 11
+                    fontSize: Theme.caption2
                     onClicked: root.showsToolOutput = !root.showsToolOutput
                 }
                 TextButton {
@@ -202,7 +202,7 @@ AbstractButton {
                     text: root.copied ? "已复制" : "复制错误信息"
                     symbol: root.copied ? "checkmark" : "doc.on.doc"
                     tint: root.copied ? Theme.green : Theme.gray
-                    fontSize: 11
+                    fontSize: Theme.caption2
                     onClicked: {
                         Desktop.setClipboardText(root.errorMessage)
                         root.copied = true
@@ -222,6 +222,6 @@ AbstractButton {
 
     FocusRing {
         shown: root.visualFocus
-        radius: 15
+        radius: Theme.radiusLarge + Theme.focusGap
     }
 }

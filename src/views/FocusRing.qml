@@ -7,7 +7,7 @@ Rectangle {
 
     objectName: "focusRing"
     anchors.fill: parent
-    anchors.margins: -3
+    anchors.margins: -Theme.focusGap
     radius: Theme.radius
     color: "transparent"
     border.width: 2

@@ -48,7 +48,7 @@ Rectangle {
                 Text {
                     text: "可用格式列表"
                     color: Theme.text
-                    font.pixelSize: 18
+                    font.pixelSize: Theme.title3
                     font.weight: Font.DemiBold
                 }
                 Item {
@@ -65,7 +65,7 @@ Rectangle {
                     objectName: "closeFormatsButton"
                     symbol: "xmark.circle.fill"
                     fill: "transparent"
-                    iconSize: 20
+                    iconSize: Theme.title2
                     onClicked: root.dismissed()
                 }
             }
@@ -86,7 +86,7 @@ Rectangle {
                 color: Theme.text
                 selectionColor: Theme.accent
                 font.family: Theme.fixedFont.family
-                font.pixelSize: 12
+                font.pixelSize: Theme.monoBody
                 background: null
             }
         }

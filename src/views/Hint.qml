@@ -4,6 +4,6 @@ import Quillbox
 // A short explanation under a field.
 Text {
     color: Theme.gray
-    font.pixelSize: 11
+    font.pixelSize: Theme.caption2
     wrapMode: Text.Wrap
 }

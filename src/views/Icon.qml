@@ -10,13 +10,13 @@ Item {
     property color color: Theme.text
     property color gradientFrom: "transparent"
     property color gradientTo: "transparent"
-    property real size: 16
+    property real size: Theme.title4
 
     readonly property bool hasGradient: gradientFrom.a > 0 && gradientTo.a > 0
     readonly property string source: image.source
 
     function hex(c: color): string {
-        return Qt.rgba(c.r, c.g, c.b, 1).toString()
+        return Theme.opaque(c).toString()
     }
 
     implicitWidth: size
@@ -28,7 +28,8 @@ Item {
         anchors.centerIn: parent
         width: root.size
         height: root.size
-        sourceSize: Qt.size(Math.ceil(root.size * 2), Math.ceil(root.size * 2))
+        sourceSize.width: Math.ceil(root.size * 2)
+        sourceSize.height: Math.ceil(root.size * 2)
         fillMode: Image.PreserveAspectFit
         smooth: true
         // Rendered off the GUI thread, so icons never hold up a frame.

@@ -9,7 +9,7 @@ AbstractButton {
     property string symbol
     property color tint: Theme.gray
     property color fill: Theme.border
-    property real iconSize: 14
+    property real iconSize: Theme.bodyLarge
 
     implicitWidth: 26
     implicitHeight: 26
@@ -35,6 +35,6 @@ AbstractButton {
 
     FocusRing {
         shown: root.visualFocus
-        radius: Theme.radiusSmall + 3
+        radius: Theme.radiusSmall + Theme.focusGap
     }
 }

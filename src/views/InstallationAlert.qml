@@ -32,13 +32,13 @@ Dialog {
             Icon {
                 symbol: "exclamationmark.triangle.fill"
                 color: Theme.orange
-                size: 28
+                size: Theme.iconAlert
             }
             Text {
                 objectName: "alertTitle"
                 text: "未安装 yt-dlp"
                 color: Theme.text
-                font.pixelSize: 16
+                font.pixelSize: Theme.title4
                 font.bold: true
             }
         }
@@ -48,7 +48,7 @@ Dialog {
             text: "yt-dlp 是一个开源视频下载工具。请通过以下方式安装：\n\n• Homebrew: brew install yt-dlp\n• pip: pip install yt-dlp"
             color: Theme.text
             wrapMode: Text.Wrap
-            font.pixelSize: 13
+            font.pixelSize: Theme.body
         }
         RowLayout {
             Layout.alignment: Qt.AlignRight

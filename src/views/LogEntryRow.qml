@@ -20,7 +20,7 @@ RowLayout {
         text: root.timeText
         color: Theme.gray
         font.family: Theme.fixedFont.family
-        font.pixelSize: 11
+        font.pixelSize: Theme.monoCaption
     }
     Item {
         Layout.alignment: Qt.AlignTop
@@ -31,7 +31,7 @@ RowLayout {
             anchors.centerIn: parent
             symbol: root.symbol
             color: Theme.tint(root.tint)
-            size: 11
+            size: Theme.monoCaption
         }
     }
     TextEdit {
@@ -40,7 +40,7 @@ RowLayout {
         text: root.message
         color: root.isError ? Theme.red : Theme.text
         font.family: Theme.fixedFont.family
-        font.pixelSize: 12
+        font.pixelSize: Theme.monoBody
         wrapMode: TextEdit.Wrap
         readOnly: true
         selectByMouse: true

@@ -33,7 +33,26 @@ Rectangle {
 
         function onCountChanged() {
             if (root.autoScroll && AppState.logEntries.count > 0)
-                Qt.callLater(root.scrollToNewest)
+                scrollSoon.start()
+        }
+    }
+
+    // Once the events at hand are done: the list has its new rows by then, and a burst of entries
+    // scrolls once.
+    Timer {
+        id: scrollSoon
+
+        interval: 0
+        onTriggered: root.scrollToNewest()
+    }
+
+    Timer {
+        id: autoScrollSoon
+
+        interval: 0
+        onTriggered: {
+            root.autoScroll = true
+            root.scrollToNewest()
         }
     }
 
@@ -52,19 +71,19 @@ Rectangle {
             Icon {
                 symbol: "terminal"
                 color: Theme.green
-                size: 15
+                size: Theme.headline
             }
             Text {
                 text: "下载日志"
                 color: Theme.text
-                font.pixelSize: 14
+                font.pixelSize: Theme.bodyLarge
                 font.bold: true
             }
             Text {
                 objectName: "logCount"
                 text: AppState.logEntries.count + " 条"
                 color: Theme.gray
-                font.pixelSize: 11
+                font.pixelSize: Theme.caption2
             }
             Item {
                 Layout.fillWidth: true
@@ -121,50 +140,24 @@ Rectangle {
             Item {
                 Layout.fillWidth: true
             }
-            AbstractButton {
-                id: newestButton
-
+            TextButton {
                 objectName: "newestButton"
                 padding: 6
                 leftPadding: 10
                 rightPadding: 10
-                focusPolicy: Qt.StrongFocus
-                Keys.onReturnPressed: clicked()
-                Keys.onEnterPressed: clicked()
+                text: "最新"
+                symbol: "arrow.down.to.line"
+                tint: Theme.text
+                fill: Theme.border
+                fontSize: Theme.caption2
+                contentOpacity: 1
+                fillOpacity: 1
                 // Switches auto-scroll on by passing through off, then shows the newest entry.
                 onClicked: {
                     if (AppState.logEntries.count === 0)
                         return
                     root.autoScroll = false
-                    Qt.callLater(() => {
-                        root.autoScroll = true
-                        root.scrollToNewest()
-                    })
-                }
-
-                FocusRing {
-                    shown: newestButton.visualFocus
-                }
-
-                background: Rectangle {
-                    radius: 6
-                    color: Theme.border
-                }
-                contentItem: Row {
-                    spacing: 4
-
-                    Icon {
-                        anchors.verticalCenter: parent.verticalCenter
-                        symbol: "arrow.down.to.line"
-                        color: Theme.text
-                        size: 12
-                    }
-                    Text {
-                        anchors.verticalCenter: parent.verticalCenter
-                        text: "最新"
-                        color: Theme.text
-                        font.pixelSize: 11
-                    }
+                    autoScrollSoon.start()
                 }
             }
         }

@@ -14,19 +14,20 @@ ApplicationWindow {
     // Edit commands go to whatever text item has the keyboard focus, as a menu would send them
     // down the responder chain.
     function editCommand(name: string) {
-        if (root.handles(root.activeFocusItem, name))
+        if (root.handles(root.activeFocusItem, name)) {
             root.activeFocusItem[name]()
-        else if (root.handles(root.lastTextItem, name))
-            root.send(root.lastTextItem, name)
+        } else if (root.handles(root.lastTextItem, name)) {
+            root.lastTextItem.forceActiveFocus()
+            root.lastTextItem[name]()
+        }
     }
 
     function handles(item: Item, name: string): bool {
         return item !== null && typeof item[name] === "function"
     }
 
-    function send(item: Item, name: string) {
-        item.forceActiveFocus()
-        item[name]()
+    function makeMenuBar(): MenuBar {
+        return inWindowMenu.createObject(root) as MenuBar
     }
 
     function toggleZoom() {
@@ -61,7 +62,7 @@ ApplicationWindow {
     palette.toolTipText: Theme.text
 
     // On macOS the menus live in the system menu bar; elsewhere in the window.
-    menuBar: Qt.platform.os === "osx" ? null : inWindowMenu.createObject(root)
+    menuBar: Qt.platform.os === "osx" ? null : root.makeMenuBar()
 
     MenuActions {
         id: actions
@@ -80,10 +81,14 @@ ApplicationWindow {
         }
     }
 
+    // Made by name, so that other systems never load the platform menu module.
     Loader {
-        active: Qt.platform.os === "osx"
-        source: "NativeMenuBar.qml"
-        onLoaded: item.actions = actions
+        id: nativeMenu
+
+        Component.onCompleted: {
+            if (Qt.platform.os === "osx")
+                nativeMenu.setSource("NativeMenuBar.qml", { actions: actions })
+        }
     }
 
     MainView {

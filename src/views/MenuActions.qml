@@ -1,97 +1,120 @@
 import QtQuick
 import QtQuick.Controls.Basic
 
-// The commands of the menu bar, shared by the in-window and the system menu bar. Preferences and
-// New Download are there but disabled: settings open from the sidebar. On macOS the system menu
-// bar binds the keys itself, so the actions leave them alone there.
+// The commands of the menu bar and the menus they form, shared by the in-window and the system
+// menu bar, so each text and key is written here once. Preferences and New Download are there but
+// disabled: settings open from the sidebar. On macOS the system menu bar binds the keys itself, so
+// the actions leave them alone there.
 QtObject {
     id: root
 
     required property Window window
-    readonly property bool bindKeys: Qt.platform.os !== "osx"
+
+    // The menus in order: a title and its entries, an action each or null for a separator.
+    readonly property var menus: [
+        { title: "Quillbox", entries: [root.about, null, root.preferences, null, root.hide, root.hideOthers,
+                root.showAll, null, root.quit] },
+        { title: "文件", entries: [root.newDownload, null, root.closeWindow] },
+        { title: "编辑", entries: [root.undo, root.redo, null, root.cut, root.copy, root.paste, root.selectAll] },
+        { title: "窗口", entries: [root.minimize, root.zoom, null, root.bringAllToFront] }
+    ]
+    // What the application menu of macOS offers by itself.
+    readonly property list<Action> systemProvided: [root.hide, root.hideOthers, root.showAll]
 
     signal aboutRequested
     signal editRequested(string command)
     signal zoomRequested
 
-    readonly property Action about: Action {
+    // Qt 6.4's linter cannot see the StandardKey enumeration, hence the directives that silence it
+    // where the edit actions use it.
+    component MenuAction: Action {
+        // The key, as text or a StandardKey. Quit keeps "Ctrl+Q": some key schemes have no
+        // standard quit key.
+        property var keys: ""
+
+        shortcut: Qt.platform.os !== "osx" ? keys : ""
+    }
+
+    readonly property MenuAction about: MenuAction {
         text: "关于 Quillbox"
         onTriggered: root.aboutRequested()
     }
-    readonly property Action preferences: Action {
+    readonly property MenuAction preferences: MenuAction {
         text: "偏好设置..."
-        shortcut: root.bindKeys ? "Ctrl+," : ""
+        keys: "Ctrl+,"
         enabled: false
     }
-    readonly property Action hide: Action {
+    readonly property MenuAction hide: MenuAction {
         text: "隐藏 Quillbox"
-        shortcut: root.bindKeys ? "Ctrl+H" : ""
+        keys: "Ctrl+H"
         onTriggered: root.window.showMinimized()
     }
-    readonly property Action hideOthers: Action {
+    readonly property MenuAction hideOthers: MenuAction {
         text: "隐藏其他"
-        shortcut: root.bindKeys ? "Alt+Ctrl+H" : ""
+        keys: "Alt+Ctrl+H"
     }
-    readonly property Action showAll: Action {
+    readonly property MenuAction showAll: MenuAction {
         text: "显示全部"
         onTriggered: root.window.raise()
     }
-    readonly property Action quit: Action {
+    readonly property MenuAction quit: MenuAction {
         text: "退出 Quillbox"
-        shortcut: root.bindKeys ? "Ctrl+Q" : ""
+        keys: "Ctrl+Q"
         // The way closing the window quits, so downloads stop the same way.
         onTriggered: root.window.close()
     }
-    readonly property Action newDownload: Action {
+    readonly property MenuAction newDownload: MenuAction {
         text: "新建下载任务"
-        shortcut: root.bindKeys ? "Ctrl+N" : ""
+        keys: "Ctrl+N"
         enabled: false
     }
-    readonly property Action closeWindow: Action {
+    readonly property MenuAction closeWindow: MenuAction {
         text: "关闭窗口"
-        shortcut: root.bindKeys ? "Ctrl+W" : ""
+        keys: "Ctrl+W"
         onTriggered: root.window.close()
     }
-    readonly property Action undo: Action {
+    readonly property MenuAction undo: MenuAction {
         text: "撤销"
-        shortcut: root.bindKeys ? "Ctrl+Z" : ""
+        keys: StandardKey.Undo // qmllint disable unqualified
         onTriggered: root.editRequested("undo")
     }
-    readonly property Action redo: Action {
+    readonly property MenuAction redo: MenuAction {
         text: "重做"
-        shortcut: root.bindKeys ? "Shift+Ctrl+Z" : ""
+        // Not StandardKey.Redo: several key schemes make that Ctrl+Y, and the menu promises
+        // Ctrl+Shift+Z everywhere.
+        keys: "Shift+Ctrl+Z"
         onTriggered: root.editRequested("redo")
     }
-    readonly property Action cut: Action {
+    readonly property MenuAction cut: MenuAction {
         text: "剪切"
-        shortcut: root.bindKeys ? "Ctrl+X" : ""
+        keys: StandardKey.Cut // qmllint disable unqualified
         onTriggered: root.editRequested("cut")
     }
-    readonly property Action copy: Action {
+    readonly property MenuAction copy: MenuAction {
         text: "复制"
-        shortcut: root.bindKeys ? "Ctrl+C" : ""
+        keys: StandardKey.Copy // qmllint disable unqualified
         onTriggered: root.editRequested("copy")
     }
-    readonly property Action paste: Action {
+    readonly property MenuAction paste: MenuAction {
         text: "粘贴"
-        shortcut: root.bindKeys ? "Ctrl+V" : ""
+        keys: StandardKey.Paste // qmllint disable unqualified
         onTriggered: root.editRequested("paste")
     }
-    readonly property Action selectAll: Action {
+    readonly property MenuAction selectAll: MenuAction {
         text: "全选"
-        shortcut: root.bindKeys ? "Ctrl+A" : ""
+        keys: StandardKey.SelectAll // qmllint disable unqualified
         onTriggered: root.editRequested("selectAll")
     }
-    readonly property Action minimize: Action {
+    readonly property MenuAction minimize: MenuAction {
         text: "最小化"
-        shortcut: root.bindKeys ? "Ctrl+M" : ""
+        keys: "Ctrl+M"
         onTriggered: root.window.showMinimized()
     }
-    readonly property Action zoom: Action {
+    readonly property MenuAction zoom: MenuAction {
         text: "缩放"
         onTriggered: root.zoomRequested()
     }
-    readonly property Action bringAllToFront: Action {
+    readonly property MenuAction bringAllToFront: MenuAction {
         text: "全部置于顶层"
         onTriggered: {
             root.window.show()

@@ -32,13 +32,13 @@ Dialog {
             Icon {
                 symbol: "exclamationmark.triangle.fill"
                 color: Theme.orange
-                size: 24
+                size: Theme.iconMedium
             }
             Text {
                 objectName: "alertHeading"
                 text: root.heading
                 color: Theme.text
-                font.pixelSize: 16
+                font.pixelSize: Theme.title4
                 font.bold: true
             }
         }
@@ -52,7 +52,7 @@ Dialog {
             readOnly: true
             selectByMouse: true
             clip: true
-            font.pixelSize: 12
+            font.pixelSize: Theme.caption
         }
         Button {
             objectName: "alertOkButton"

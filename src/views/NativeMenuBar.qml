@@ -4,66 +4,79 @@ import QtQuick
 import Qt.labs.platform as Platform
 import Quillbox
 
-// The system menu bar on macOS. The application menu's Hide, Hide Others and Show All come from
-// the system itself; About, Preferences and Quit take their places there through their roles.
+// The system menu bar on macOS, made from the same menus as the in-window one. The application
+// menu's Hide, Hide Others and Show All come from the system itself; About, Preferences and Quit
+// take their places there through their roles.
 Platform.MenuBar {
     id: root
 
     property MenuActions actions
 
-    Platform.Menu {
-        title: "Quillbox"
-
-        Platform.MenuItem {
-            text: root.actions ? root.actions.about.text : ""
-            role: Platform.MenuItem.AboutRole
-            onTriggered: root.actions.about.trigger()
+    // The entries of a menu without those the system provides, and without the separators that
+    // leaves doubled or at an end.
+    function shownEntries(entries: var): var {
+        const shown = []
+        for (const entry of entries) {
+            if (entry === null) {
+                if (shown.length > 0 && shown[shown.length - 1] !== null)
+                    shown.push(null)
+            } else if (!root.isSystemProvided(entry)) {
+                shown.push(entry)
+            }
         }
-        Platform.MenuItem {
-            text: "偏好设置..."
-            role: Platform.MenuItem.PreferencesRole
-            shortcut: "Ctrl+,"
-            enabled: false
-        }
-        Platform.MenuItem {
-            text: "退出 Quillbox"
-            role: Platform.MenuItem.QuitRole
-            shortcut: StandardKey.Quit
-            onTriggered: root.actions.quit.trigger()
-        }
+        if (shown.length > 0 && shown[shown.length - 1] === null)
+            shown.pop()
+        return shown
     }
-    Platform.Menu {
-        title: "文件"
 
-        Platform.MenuItem {
-            text: "新建下载任务"
-            shortcut: "Ctrl+N"
-            enabled: false
+    function isSystemProvided(entry: var): bool {
+        for (let i = 0; i < root.actions.systemProvided.length; ++i) {
+            if (root.actions.systemProvided[i] === entry)
+                return true
         }
-        Platform.MenuSeparator {}
-        Platform.MenuItem {
-            text: "关闭窗口"
-            shortcut: "Ctrl+W"
-            onTriggered: root.actions.closeWindow.trigger()
+        return false
+    }
+
+    function roleOf(entry: var): int {
+        if (entry === root.actions.about)
+            return Platform.MenuItem.AboutRole
+        if (entry === root.actions.preferences)
+            return Platform.MenuItem.PreferencesRole
+        if (entry === root.actions.quit)
+            return Platform.MenuItem.QuitRole
+        return Platform.MenuItem.TextHeuristicRole
+    }
+
+    Instantiator {
+        model: root.actions ? root.actions.menus : []
+        onObjectAdded: (index, object) => root.insertMenu(index, object as Platform.Menu)
+        onObjectRemoved: (index, object) => root.removeMenu(object as Platform.Menu)
+
+        delegate: Platform.Menu {
+            id: menu
+
+            required property var modelData
+
+            title: menu.modelData.title
+
+            Instantiator {
+                model: root.shownEntries(menu.modelData.entries)
+                onObjectAdded: (index, object) => menu.insertItem(index, object as Platform.MenuItem)
+                onObjectRemoved: (index, object) => menu.removeItem(object as Platform.MenuItem)
+
+                delegate: Platform.MenuItem {
+                    id: item
+
+                    required property var modelData
+
+                    separator: item.modelData === null
+                    text: item.modelData ? item.modelData.text : ""
+                    shortcut: item.modelData ? item.modelData.keys : ""
+                    enabled: item.modelData ? item.modelData.enabled : true
+                    role: root.roleOf(item.modelData)
+                    onTriggered: item.modelData.trigger()
+                }
+            }
         }
-    }
-    Platform.Menu {
-        title: "编辑"
-
-        Platform.MenuItem { text: "撤销"; shortcut: "Ctrl+Z"; onTriggered: root.actions.undo.trigger() }
-        Platform.MenuItem { text: "重做"; shortcut: "Shift+Ctrl+Z"; onTriggered: root.actions.redo.trigger() }
-        Platform.MenuSeparator {}
-        Platform.MenuItem { text: "剪切"; shortcut: "Ctrl+X"; onTriggered: root.actions.cut.trigger() }
-        Platform.MenuItem { text: "复制"; shortcut: "Ctrl+C"; onTriggered: root.actions.copy.trigger() }
-        Platform.MenuItem { text: "粘贴"; shortcut: "Ctrl+V"; onTriggered: root.actions.paste.trigger() }
-        Platform.MenuItem { text: "全选"; shortcut: "Ctrl+A"; onTriggered: root.actions.selectAll.trigger() }
-    }
-    Platform.Menu {
-        title: "窗口"
-
-        Platform.MenuItem { text: "最小化"; shortcut: "Ctrl+M"; onTriggered: root.actions.minimize.trigger() }
-        Platform.MenuItem { text: "缩放"; onTriggered: root.actions.zoom.trigger() }
-        Platform.MenuSeparator {}
-        Platform.MenuItem { text: "全部置于顶层"; onTriggered: root.actions.bringAllToFront.trigger() }
     }
 }

@@ -7,8 +7,9 @@ Item {
     id: root
 
     property url source
-    // The popup once made; it then stays for later openings.
-    property QtObject item: null
+    // The popup once made; it then stays for later openings. A Popup or a dialog of QtQuick.Dialogs:
+    // they share `visible` and `open()` but no type that has them.
+    property var item: null
     readonly property bool opened: root.item !== null && root.item.visible
 
     // Makes the popup if need be, sets `properties` on it and opens it.

@@ -21,10 +21,10 @@ AbstractButton {
     Keys.onEnterPressed: root.clicked()
 
     background: Rectangle {
-        radius: 12
+        radius: Theme.radiusLarge
         color: root.isSelected ? Theme.border : Theme.raised
         border.width: root.isSelected ? 2 : 0
-        border.color: Qt.rgba(Theme.accent.r, Theme.accent.g, Theme.accent.b, 0.5)
+        border.color: Theme.selectionStroke
     }
 
     contentItem: RowLayout {
@@ -40,7 +40,7 @@ AbstractButton {
                 anchors.centerIn: parent
                 symbol: root.symbol
                 color: root.isSelected ? Theme.accent : Theme.gray
-                size: root.isWide ? 24 : 20
+                size: root.isWide ? Theme.iconMedium : Theme.title2
             }
         }
         ColumnLayout {
@@ -53,14 +53,14 @@ AbstractButton {
                 Text {
                     text: root.name
                     color: Theme.text
-                    font.pixelSize: 13
+                    font.pixelSize: Theme.body
                     font.weight: Font.Medium
                 }
                 Icon {
                     visible: root.isSelected
                     symbol: "checkmark.circle.fill"
                     color: Theme.accent
-                    size: 13
+                    size: Theme.body
                 }
             }
             Text {
@@ -69,7 +69,7 @@ AbstractButton {
                 visible: root.isWide
                 text: root.description
                 color: Theme.gray
-                font.pixelSize: 11
+                font.pixelSize: Theme.caption2
                 wrapMode: Text.Wrap
             }
         }
@@ -77,6 +77,6 @@ AbstractButton {
 
     FocusRing {
         shown: root.visualFocus
-        radius: 15
+        radius: Theme.radiusLarge + Theme.focusGap
     }
 }

@@ -4,6 +4,6 @@ import Quillbox
 // The title of a section of the input pane.
 Text {
     color: Theme.text
-    font.pixelSize: 13
+    font.pixelSize: Theme.body
     font.weight: Font.DemiBold
 }

@@ -190,7 +190,7 @@ Rectangle {
                             objectName: "usePathButton"
                             text: "使用此路径"
                             prominent: true
-                            tint: Theme.accent
+                            fill: Theme.accent
                             enabled: root.customYtDlpPath.length > 0
                             onClicked: DownloadManager.setCustomYtDlpPath(root.customYtDlpPath)
                         }
@@ -224,7 +224,7 @@ Rectangle {
                     BorderedButton {
                         objectName: "updateButton"
                         prominent: true
-                        tint: Theme.blue
+                        fill: Theme.blue
                         busy: presenter.isUpdating
                         symbol: "arrow.triangle.2.circlepath"
                         text: presenter.isUpdating ? "更新中..." : "更新 yt-dlp 到最新版"
@@ -273,7 +273,7 @@ Rectangle {
                             symbol: "arrow.up.right.square"
                             text: "安装 Deno（推荐）"
                             prominent: true
-                            tint: Theme.purple
+                            fill: Theme.purple
                             onClicked: Desktop.openUrl("https://docs.deno.com/runtime/getting_started/installation/")
                         }
                         BorderedButton {
@@ -327,7 +327,7 @@ Rectangle {
                         symbol: "arrow.up.right.square"
                         text: "下载 FFmpeg"
                         prominent: true
-                        tint: Theme.purple
+                        fill: Theme.purple
                         onClicked: Desktop.openUrl("https://ffmpeg.org/download.html")
                     }
                     Row {

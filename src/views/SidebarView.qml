@@ -14,7 +14,7 @@ Rectangle {
     component Divider: Rectangle {
         Layout.fillWidth: true
         implicitHeight: 1
-        color: Qt.rgba(0.56, 0.56, 0.58, 0.3)
+        color: Theme.separator
     }
 
     ColumnLayout {
@@ -32,20 +32,20 @@ Rectangle {
                 symbol: "arrow.down.circle.fill"
                 gradientFrom: Theme.accent
                 gradientTo: Theme.cyan
-                size: 48
+                size: Theme.iconLarge
             }
             Text {
                 anchors.horizontalCenter: parent.horizontalCenter
                 text: "Quillbox"
                 color: Theme.text
-                font.pixelSize: 22
+                font.pixelSize: Theme.title1
                 font.bold: true
             }
             Text {
                 anchors.horizontalCenter: parent.horizontalCenter
                 text: "视频下载管理器"
                 color: Theme.gray
-                font.pixelSize: 12
+                font.pixelSize: Theme.caption
             }
         }
 
@@ -110,94 +110,58 @@ Rectangle {
 
         Divider {}
 
-        AbstractButton {
-            id: logButton
-
+        TextButton {
             objectName: "logButton"
             Layout.fillWidth: true
             implicitHeight: 40
             leftPadding: 20
             rightPadding: 20
-            focusPolicy: Qt.StrongFocus
-            Keys.onReturnPressed: clicked()
-            Keys.onEnterPressed: clicked()
+            leading: true
+            spacing: 10
+            text: "下载日志"
+            symbol: AppState.showLogPanel ? "terminal.fill" : "terminal"
+            tint: AppState.showLogPanel ? Theme.accent : Theme.gray
+            fontSize: Theme.bodyLarge
+            iconSize: Theme.title4
+            contentOpacity: 1
+            focusMargin: 1
+            focusRadius: Theme.radius
             onClicked: AppState.showLogPanel = !AppState.showLogPanel
+            trailing: Label {
+                objectName: "logBadge"
+                visible: AppState.logEntries.count > 0
+                leftPadding: 6
+                rightPadding: 6
+                topPadding: 2
+                bottomPadding: 2
+                text: String(AppState.logEntries.count)
+                color: Theme.text
+                font.pixelSize: Theme.caption3
 
-            FocusRing {
-                shown: logButton.visualFocus
-                anchors.margins: 1
-            }
-
-            contentItem: RowLayout {
-                spacing: 10
-
-                Icon {
-                    objectName: "logButtonIcon"
-                    symbol: AppState.showLogPanel ? "terminal.fill" : "terminal"
-                    color: AppState.showLogPanel ? Theme.accent : Theme.gray
-                    size: 16
-                }
-                Text {
-                    text: "下载日志"
-                    color: AppState.showLogPanel ? Theme.accent : Theme.gray
-                    font.pixelSize: 14
-                }
-                Item {
-                    Layout.fillWidth: true
-                }
-                Label {
-                    objectName: "logBadge"
-                    visible: AppState.logEntries.count > 0
-                    leftPadding: 6
-                    rightPadding: 6
-                    topPadding: 2
-                    bottomPadding: 2
-                    text: String(AppState.logEntries.count)
-                    color: Theme.text
-                    font.pixelSize: 10
-
-                    background: Rectangle {
-                        radius: height / 2
-                        color: Theme.accent
-                    }
+                background: Rectangle {
+                    radius: height / 2
+                    color: Theme.accent
                 }
             }
         }
 
-        AbstractButton {
-            id: settingsButton
-
+        TextButton {
             objectName: "settingsButton"
             Layout.fillWidth: true
             Layout.bottomMargin: 10
             implicitHeight: 40
             leftPadding: 20
             rightPadding: 20
-            focusPolicy: Qt.StrongFocus
-            Keys.onReturnPressed: clicked()
-            Keys.onEnterPressed: clicked()
+            leading: true
+            spacing: 10
+            text: "设置"
+            symbol: "gearshape"
+            fontSize: Theme.bodyLarge
+            iconSize: Theme.title4
+            contentOpacity: 1
+            focusMargin: 1
+            focusRadius: Theme.radius
             onClicked: AppState.showSettings = true
-
-            FocusRing {
-                shown: settingsButton.visualFocus
-                anchors.margins: 1
-            }
-
-            contentItem: RowLayout {
-                spacing: 10
-
-                Icon {
-                    symbol: "gearshape"
-                    color: Theme.gray
-                    size: 16
-                }
-                Text {
-                    Layout.fillWidth: true
-                    text: "设置"
-                    color: Theme.gray
-                    font.pixelSize: 14
-                }
-            }
         }
     }
 }

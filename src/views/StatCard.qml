@@ -12,7 +12,7 @@ Rectangle {
     required property color tint
 
     implicitHeight: column.implicitHeight + 24
-    radius: 10
+    radius: Theme.radius
     color: Theme.raised
 
     ColumnLayout {
@@ -25,21 +25,21 @@ Rectangle {
             Layout.alignment: Qt.AlignHCenter
             symbol: root.symbol
             color: root.tint
-            size: 20
+            size: Theme.title2
         }
         Text {
             objectName: "statValue"
             Layout.alignment: Qt.AlignHCenter
             text: root.value
             color: Theme.text
-            font.pixelSize: 20
+            font.pixelSize: Theme.title2
             font.bold: true
         }
         Text {
             Layout.alignment: Qt.AlignHCenter
             text: root.title
             color: Theme.gray
-            font.pixelSize: 10
+            font.pixelSize: Theme.caption3
         }
     }
 }

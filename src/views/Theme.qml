@@ -3,7 +3,7 @@ pragma Singleton
 import QtQuick
 import Quillbox
 
-// The palette and the few sizes every view shares.
+// The palette, the type scale, the corner radii and the icon sizes every view shares.
 QtObject {
     readonly property color background: Colors.hex("#0D1117")
     readonly property color surface: Colors.hex("#161B22")
@@ -24,6 +24,14 @@ QtObject {
     readonly property color yellow: Colors.hex("#FFD60A")
     readonly property color purple: Colors.hex("#BF5AF2")
 
+    // Translucent tones: thin dividers and tracks, a hovered entry, the outline of a selected
+    // tile, and grey that steps back further than `gray`.
+    readonly property color separator: Qt.rgba(0.56, 0.56, 0.58, 0.3)
+    readonly property color hoverFill: Qt.rgba(1, 1, 1, 0.04)
+    readonly property color selectionStroke: Qt.rgba(accent.r, accent.g, accent.b, 0.5)
+    readonly property color grayDim: Qt.rgba(gray.r, gray.g, gray.b, 0.7)
+    readonly property color grayFaint: Qt.rgba(gray.r, gray.g, gray.b, 0.5)
+
     readonly property font fixedFont: Desktop.fixedFont
 
     // The shade of each colour the models and presenters name (Download.Blue, Download.Red, …).
@@ -39,14 +47,43 @@ QtObject {
         }
     }
 
+    // The pale disc behind a status icon, in the status colour.
+    function badgeFill(tint: color): color {
+        return Qt.rgba(tint.r, tint.g, tint.b, 0.2)
+    }
+
+    // The colour without its transparency.
+    function opaque(tint: color): color {
+        return Qt.rgba(tint.r, tint.g, tint.b, 1)
+    }
+
     // The type scale, in pixels.
+    readonly property int title1: 22
     readonly property int title2: 20
+    readonly property int title3: 18
+    readonly property int title4: 16
     readonly property int headline: 15
+    readonly property int bodyLarge: 14
     readonly property int body: 13
     readonly property int caption: 12
     readonly property int caption2: 11
+    readonly property int caption3: 10
 
+    // Sizes of the fixed-width font: log messages and tool output, log times.
+    readonly property int monoBody: 12
+    readonly property int monoCaption: 11
+
+    // Icons that stand alone, larger than any text; the others take the size of the type scale.
+    readonly property int iconMedium: 24
+    readonly property int iconAlert: 28
+    readonly property int iconLarge: 48
+    readonly property int iconHuge: 56
+
+    readonly property int radiusTiny: 4
     readonly property int radiusSmall: 6
+    readonly property int radiusMedium: 8
     readonly property int radius: 10
     readonly property int radiusLarge: 12
+    // How far a focus ring stands outside its control; its radius grows by as much.
+    readonly property int focusGap: 3
 }

@@ -18,7 +18,7 @@ Switch {
         root.toggle()
         root.toggled()
     }
-    font.pixelSize: 13
+    font.pixelSize: Theme.body
 
     indicator: Rectangle {
         x: root.width - width
@@ -33,8 +33,8 @@ Switch {
             anchors.verticalCenter: parent.verticalCenter
             width: 16
             height: 16
-            radius: 8
-            color: "white"
+            radius: height / 2
+            color: Theme.text
 
             Behavior on x {
                 NumberAnimation {
@@ -53,7 +53,7 @@ Switch {
             visible: root.symbol.length > 0
             symbol: root.symbol
             color: Theme.text
-            size: 14
+            size: Theme.bodyLarge
         }
 
         Text {
@@ -66,6 +66,6 @@ Switch {
 
     FocusRing {
         shown: root.visualFocus
-        radius: 8
+        radius: Theme.radiusMedium
     }
 }

@@ -1,0 +1,49 @@
+import QtQuick
+import QtQuick.Controls.Basic
+import QtQuick.Layouts
+import Quillbox
+
+// The output folder section: the folder as text, and a button to pick it in a folder dialog.
+ColumnLayout {
+    id: root
+
+    // The folder button was pressed.
+    signal browseClicked
+
+    spacing: 8
+
+    SectionHeader {
+        text: "输出目录"
+    }
+    RowLayout {
+        spacing: 8
+
+        TextField {
+            id: field
+
+            objectName: "outputField"
+            Layout.fillWidth: true
+            text: AppState.outputDirectory
+            onTextEdited: AppState.outputDirectory = text
+            placeholderText: "选择输出目录..."
+            placeholderTextColor: Theme.gray
+            color: Theme.text
+            padding: 10
+            background: Rectangle {
+                radius: Theme.radiusMedium
+                color: Theme.raised
+                border.width: field.activeFocus ? 2 : 0
+                border.color: Theme.accent
+            }
+        }
+        IconButton {
+            objectName: "folderButton"
+            implicitWidth: 38
+            implicitHeight: 38
+            symbol: "folder"
+            tint: Theme.text
+            iconSize: Theme.title4
+            onClicked: root.browseClicked()
+        }
+    }
+}
