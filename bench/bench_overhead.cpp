@@ -83,9 +83,8 @@ Run engineRun(DownloadManager &manager, const AppState &state, const QString &ur
         fail(u"the engine's download did not complete: "_s + task.errorMessage.value_or(rawValue(task.status)));
     // The command the engine logged is the one the direct run uses (log entries arrive a turn of
     // the event loop after they are made).
-    const QString expected = DownloadManager::buildDownloadCommand(
-        manager.ytDlpPath(), DownloadRequest { optionsInto(folder), url }, manager.jsRuntimeArgs(),
-        manager.ffmpegArgs(), false);
+    const QString expected = DownloadManager::buildDownloadCommand(manager.ytDlpPath(),
+        DownloadRequest { optionsInto(folder), url }, manager.jsRuntimeArgs(), manager.ffmpegArgs(), false);
     if (!waitUntil([&] { return loggedCommand(state) == expected; }, 5000))
         fail(u"the engine ran «%1», not «%2»"_s.arg(loggedCommand(state), expected));
     return run;

@@ -8,9 +8,9 @@
 
 #include <atomic>
 #include <chrono>
-#include <memory>
 #include <cstdlib>
 #include <cstring>
+#include <memory>
 #include <thread>
 
 #include <dirent.h>

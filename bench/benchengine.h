@@ -4,8 +4,8 @@
 // stand-in yt-dlp of the tests, and a warm-up download that also waits out tool discovery.
 
 #include "engine/downloadmanager.h"
-#include "model/taskmodel.h"
 #include "model/appstate.h"
+#include "model/taskmodel.h"
 
 #include "benchsupport.h"
 

@@ -1,7 +1,7 @@
-#include "views/applifecycle.h"
 #include "app/buildinfo.h"
-#include "views/firstframe.h"
 #include "engine/downloadmanager.h"
+#include "views/applifecycle.h"
+#include "views/firstframe.h"
 #include "views/qmlsetup.h"
 
 #include <QGuiApplication>

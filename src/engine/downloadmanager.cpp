@@ -49,9 +49,9 @@ std::optional<ToolLocations> chosenLocations;
 
 DownloadManager *DownloadManager::instance()
 {
-    static DownloadManager *const shared = new DownloadManager(AppState::instance(),
-        chosenLocations.value_or(ToolLocations::standard(QDir::homePath())), nullptr,
-        discoveryDeferred ? Discovery::WaitForStart : Discovery::StartNow);
+    static DownloadManager *const shared
+        = new DownloadManager(AppState::instance(), chosenLocations.value_or(ToolLocations::standard(QDir::homePath())),
+            nullptr, discoveryDeferred ? Discovery::WaitForStart : Discovery::StartNow);
     return shared;
 }
 

@@ -1,10 +1,10 @@
 #pragma once
 
 #include "engine/progressparser.h"
-#include "model/taskmodel.h"
 #include "model/downloadpreset.h"
 #include "model/downloadtask.h"
 #include "model/logentry.h"
+#include "model/taskmodel.h"
 
 #include <QHash>
 #include <QList>

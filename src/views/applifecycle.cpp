@@ -104,8 +104,8 @@ bool AppLifecycle::loadQtTranslations()
 {
     auto *translator = new QTranslator(qApp);
     const QLocale chinese(QLocale::Chinese, QLocale::SimplifiedChineseScript, QLocale::China);
-    if (!translator->load(chinese, QStringLiteral("qt"), QStringLiteral("_"),
-            QLibraryInfo::path(QLibraryInfo::TranslationsPath))) {
+    if (!translator->load(
+            chinese, QStringLiteral("qt"), QStringLiteral("_"), QLibraryInfo::path(QLibraryInfo::TranslationsPath))) {
         qCInfo(lcUi, "Qt's Chinese translations are not installed");
         delete translator;
         return false;

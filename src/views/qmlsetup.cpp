@@ -23,8 +23,8 @@ std::unique_ptr<QQuickWindow> loadMainWindow(QQmlApplicationEngine &engine, cons
 {
     setupQmlEngine(engine);
     // Qt.quit() from the QML quits the application the usual way.
-    QObject::connect(&engine, &QQmlEngine::quit, QCoreApplication::instance(), &QCoreApplication::quit,
-        Qt::QueuedConnection);
+    QObject::connect(
+        &engine, &QQmlEngine::quit, QCoreApplication::instance(), &QCoreApplication::quit, Qt::QueuedConnection);
     QQmlComponent component(&engine);
     component.loadUrl(QUrl(QStringLiteral("qrc:/qt/qml/Quillbox/Main.qml")), QQmlComponent::Asynchronous);
     {

@@ -1,12 +1,12 @@
 #pragma once
 
 #include "engine/downloadmanager.h"
-#include "model/taskmodel.h"
 #include "model/appstate.h"
 #include "model/downloadpreset.h"
 #include "model/downloadtask.h"
 #include "model/logmodel.h"
 #include "model/presetlistmodel.h"
+#include "model/taskmodel.h"
 
 #include <QJSEngine>
 #include <QQmlEngine>

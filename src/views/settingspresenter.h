@@ -1,9 +1,9 @@
 #pragma once
 
+#include "model/enums.h"
 #include <QObject>
 #include <QPointer>
 #include <QString>
-#include "model/enums.h"
 
 #include <QtQml/qqmlregistration.h>
 

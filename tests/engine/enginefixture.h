@@ -1,8 +1,8 @@
 #pragma once
 
 #include "engine/downloadmanager.h"
-#include "model/taskmodel.h"
 #include "model/appstate.h"
+#include "model/taskmodel.h"
 
 #include "testsupport.h"
 

@@ -1,7 +1,7 @@
 #include "engine/downloadmanager.h"
 #include "engine/linesplitter.h"
-#include "model/taskmodel.h"
 #include "model/appstate.h"
+#include "model/taskmodel.h"
 
 #include "enginefixture.h"
 

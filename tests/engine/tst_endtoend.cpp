@@ -1,6 +1,6 @@
 #include "engine/downloadmanager.h"
-#include "model/taskmodel.h"
 #include "model/appstate.h"
+#include "model/taskmodel.h"
 
 #include "enginefixture.h"
 #include "support/mediaserver.h"

@@ -4,8 +4,8 @@
 // SIGTERM (--sigterm). Once the event loop has ended it checks that none of those processes still
 // runs. Exits 0 when none does.
 
-#include "views/applifecycle.h"
 #include "engine/downloadmanager.h"
+#include "views/applifecycle.h"
 #include "views/qmlsetup.h"
 
 #include "testsupport.h"
@@ -22,8 +22,8 @@
 #include <QtQml/qqmlextensionplugin.h>
 
 #include <csignal>
-#include <functional>
 #include <cstdio>
+#include <functional>
 #include <unistd.h>
 
 Q_IMPORT_QML_PLUGIN(QuillboxPlugin)
@@ -87,9 +87,8 @@ bool quitFromMenu(QQuickWindow *window)
     clickCentre(window, menuTitle);
     QQuickItem *quitItem = nullptr;
     const bool shown = QTest::qWaitFor([&] {
-        quitItem = findItem(window->contentItem(), [](QQuickItem *item) {
-            return item->objectName() == u"menuItem_退出 Quillbox"_s && item->height() > 0;
-        });
+        quitItem = findItem(window->contentItem(),
+            [](QQuickItem *item) { return item->objectName() == u"menuItem_退出 Quillbox"_s && item->height() > 0; });
         return quitItem != nullptr;
     });
     if (!shown)

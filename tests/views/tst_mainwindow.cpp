@@ -1,5 +1,5 @@
-#include "views/applifecycle.h"
 #include "model/appstate.h"
+#include "views/applifecycle.h"
 #include "views/qmlsetup.h"
 
 #include "testsupport.h"

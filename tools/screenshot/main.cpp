@@ -5,9 +5,9 @@
 // in DIR/downloads.txt (one "URL" per line), so the queue shows tasks in their states; with
 // --settings the settings sheet is open.
 
-#include "views/applifecycle.h"
 #include "engine/downloadmanager.h"
 #include "model/appstate.h"
+#include "views/applifecycle.h"
 #include "views/qmlsetup.h"
 
 #include <QCommandLineParser>
