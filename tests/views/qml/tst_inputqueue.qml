@@ -315,8 +315,15 @@ TestCase {
         compare(findChild(row, "statusText").text, "失败")
 
         // The tool's own line, one click away, under the explanation; and copied as it is.
-        mouseClick(findChild(row, "toolOutputButton"))
-        verify(error.visible)
+        // The row grew with its explanation: bring its buttons into view before clicking.
+        const toggle = findChild(row, "toolOutputButton")
+        list.positionViewAtEnd()
+        tryVerify(() => {
+            const at = toggle.mapToItem(list, 0, 0)
+            return at.y >= 0 && at.y + toggle.height <= list.height
+        })
+        mouseClick(toggle)
+        tryVerify(() => error.visible)
         compare(error.text, "ERROR: HTTP Error 404: Not Found")
         tryVerify(() => error.mapToItem(row, 0, 0).y > explanation.mapToItem(row, 0, 0).y)
         Desktop.setClipboardText("")
