@@ -68,6 +68,12 @@ TestCase {
         const groups = ["ytDlpGroup", "runtimeGroup", "ffmpegGroup", "downloadGroup"].map(name => button(sheet, name))
         for (let i = 1; i < groups.length; ++i)
             verify(groups[i].y > groups[i - 1].y, "group " + i + " below the one before")
+        // The texts a person reads, group by group, top to bottom.
+        compare(texts(groups[0]).slice(0, 4), ["yt-dlp 配置", "yt-dlp 状态", "已安装 (v" + DownloadManager.ytDlpVersion + ")",
+            "可执行文件路径"])
+        compare(groups.map(group => findChild(group, "groupTitle").text),
+            ["yt-dlp 配置", "JS 运行时（YouTube EJS）", "FFmpeg（音频转码）", "下载设置"])
+        compare(texts(groups[3]), ["下载设置", "默认输出目录", "浏览...", "同时下载数"])
         // What the engine found, as it found it.
         const ytDlp = texts(groups[0])
         verify(ytDlp.includes("已安装 (v" + DownloadManager.ytDlpVersion + ")"), ytDlp)
