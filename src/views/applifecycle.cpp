@@ -100,18 +100,22 @@ void AppLifecycle::preferCjkFont()
 #endif
 }
 
-bool AppLifecycle::loadQtTranslations()
+void AppLifecycle::loadQtTranslations()
 {
-    auto *translator = new QTranslator(qApp);
+    // The catalogues of the modules the interface uses: qtbase (standard dialogs, widgets' texts)
+    // and qtdeclarative (Qt Quick's dialogs and controls). Qt's "qt" catalogue would bring
+    // qtmultimedia instead of qtdeclarative.
     const QLocale chinese(QLocale::Chinese, QLocale::SimplifiedChineseScript, QLocale::China);
-    if (!translator->load(
-            chinese, QStringLiteral("qt"), QStringLiteral("_"), QLibraryInfo::path(QLibraryInfo::TranslationsPath))) {
-        qCInfo(lcUi, "Qt's Chinese translations are not installed");
-        delete translator;
-        return false;
+    const QString folder = QLibraryInfo::path(QLibraryInfo::TranslationsPath);
+    for (const QString &catalogue : { QStringLiteral("qtbase"), QStringLiteral("qtdeclarative") }) {
+        auto *translator = new QTranslator(qApp);
+        if (translator->load(chinese, catalogue, QStringLiteral("_"), folder)) {
+            QCoreApplication::installTranslator(translator);
+        } else {
+            qCInfo(lcUi, "Qt's Chinese translations (%ls) are not installed", qUtf16Printable(catalogue));
+            delete translator;
+        }
     }
-    QCoreApplication::installTranslator(translator);
-    return true;
 }
 
 void AppLifecycle::quitOnTerminationSignals()

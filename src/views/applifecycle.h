@@ -31,8 +31,8 @@ public:
     static void preferCjkFont();
 
     // Qt's own texts (dialog buttons, text-field menus) in Simplified Chinese, as the rest of the
-    // interface is, whatever the system's language. Returns whether the translations were found.
-    static bool loadQtTranslations();
+    // interface is, whatever the system's language.
+    static void loadQtTranslations();
 
     // SIGTERM and SIGINT quit the way closing the window does, so downloads stop with us.
     static void quitOnTerminationSignals();

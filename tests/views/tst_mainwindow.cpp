@@ -33,6 +33,7 @@ private Q_SLOTS:
     void keyEquivalents();
     void menusAsDesigned();
     void undoBringsBackClearedLinks();
+    void qtTextsAreChinese();
 
 private:
     IsolatedEnvironment m_env;
@@ -222,6 +223,13 @@ void TestMainWindow::undoBringsBackClearedLinks()
     QTRY_VERIFY(editMenu->property("height").toReal() > 4 * undo->height());
     main.click(undo);
     QTRY_COMPARE(AppState::instance()->urlInput(), links);
+}
+
+// Qt's own buttons (the folder dialog's, the About panel's) read in Chinese, whatever the locale.
+void TestMainWindow::qtTextsAreChinese()
+{
+    AppLifecycle::loadQtTranslations();
+    QCOMPARE(QCoreApplication::translate("QPlatformTheme", "Cancel"), u"取消"_s);
 }
 
 QTEST_MAIN(TestMainWindow)
