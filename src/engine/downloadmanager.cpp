@@ -1,46 +1,21 @@
 #include "engine/downloadmanager.h"
 
-#include <optional>
-
+#include "engine/errorexplanation.h"
 #include "engine/shellrunner.h"
+#include "engine/shellwords.h"
 #include "model/appstate.h"
 #include "model/logcategories.h"
 
+#include <QDeadlineTimer>
 #include <QDir>
+#include <QFileInfo>
 #include <QSettings>
+#include <QTimer>
+
+#include <csignal>
+#include <optional>
 
 using namespace Qt::StringLiterals;
-
-ToolLocations ToolLocations::standard(const QString &home)
-{
-    ToolLocations locations;
-    locations.home = home;
-    locations.ytDlp = { u"/opt/homebrew/bin/yt-dlp"_s, u"/usr/local/bin/yt-dlp"_s, u"/opt/homebrew/bin/yt-dlp.exe"_s,
-        u"/usr/local/bin/yt-dlp.exe"_s };
-    locations.runtimes = {
-        { u"deno"_s, { u"/opt/homebrew/bin/deno"_s, u"/usr/local/bin/deno"_s, home + u"/.deno/bin/deno"_s } },
-        { u"node"_s, { u"/opt/homebrew/bin/node"_s, u"/usr/local/bin/node"_s, u"/usr/bin/node"_s } },
-        { u"bun"_s, { u"/opt/homebrew/bin/bun"_s, u"/usr/local/bin/bun"_s, home + u"/.bun/bin/bun"_s } },
-    };
-    locations.ffmpeg = { u"/opt/homebrew/bin/ffmpeg"_s, u"/usr/local/bin/ffmpeg"_s, u"/opt/homebrew/bin/ffmpeg.exe"_s,
-        u"/usr/local/bin/ffmpeg.exe"_s };
-#if defined(Q_OS_LINUX) || defined(Q_OS_FREEBSD)
-    // The usual Linux places come after the Homebrew ones.
-    const auto linuxPlaces = [&home](const QString &name) {
-        return QStringList { u"/usr/bin/"_s + name, home + u"/.local/bin/"_s + name,
-            u"/home/linuxbrew/.linuxbrew/bin/"_s + name };
-    };
-    locations.ytDlp += linuxPlaces(u"yt-dlp"_s);
-    for (ToolLocations::Runtime &runtime : locations.runtimes) {
-        for (const QString &place : linuxPlaces(runtime.name)) {
-            if (!runtime.candidates.contains(place))
-                runtime.candidates.append(place);
-        }
-    }
-    locations.ffmpeg += linuxPlaces(u"ffmpeg"_s);
-#endif
-    return locations;
-}
 
 namespace {
 bool discoveryDeferred = false;
@@ -68,24 +43,20 @@ void DownloadManager::deferDiscovery()
 DownloadManager::DownloadManager(AppState *appState, ToolLocations locations, QObject *parent, Discovery discovery)
     : QObject(parent)
     , m_appState(appState)
-    , m_locations(std::move(locations))
     , m_tasks(new TaskModel(this))
+    , m_tools(new ToolDiscovery(appState, std::move(locations), this))
+    , m_maintenance(new Maintenance(appState, m_tools, this))
 {
+    connect(m_tools, &ToolDiscovery::ytDlpPathChanged, this, &DownloadManager::ytDlpPathChanged);
+    connect(m_tools, &ToolDiscovery::ytDlpVersionChanged, this, &DownloadManager::ytDlpVersionChanged);
+    connect(m_tools, &ToolDiscovery::detectedJSRuntimeChanged, this, &DownloadManager::detectedJSRuntimeChanged);
+    connect(m_tools, &ToolDiscovery::detectedFfmpegChanged, this, &DownloadManager::detectedFfmpegChanged);
+    connect(m_tools, &ToolDiscovery::ready, this, &DownloadManager::pumpQueue);
     const int stored
         = QSettings().value(QLatin1String(MaxConcurrentDownloadsKey), DefaultMaxConcurrentDownloads).toInt();
     m_maxConcurrent = std::clamp(stored, 1, 16);
     if (discovery == Discovery::StartNow)
         startDiscovery();
-}
-
-void DownloadManager::startDiscovery()
-{
-    if (m_discoveryStarted)
-        return;
-    m_discoveryStarted = true;
-    chooseYtDlpPath();
-    detectJSRuntime();
-    detectFfmpeg();
 }
 
 DownloadManager::~DownloadManager()
@@ -104,6 +75,15 @@ void DownloadManager::info(const QString &message) const
     addLog(message, LogEntry::LogType::Info);
 }
 
+int DownloadManager::checkInstallation()
+{
+    const int request = ++m_lastInstallationCheck;
+    m_tools->checkYtDlpInstallation([this, request](bool installed, const QString &output) {
+        Q_EMIT installationChecked(request, installed, output);
+    });
+    return request;
+}
+
 void DownloadManager::setMaxConcurrentDownloads(int value)
 {
     value = std::clamp(value, 1, 16);
@@ -113,4 +93,494 @@ void DownloadManager::setMaxConcurrentDownloads(int value)
     QSettings().setValue(QLatin1String(MaxConcurrentDownloadsKey), value);
     Q_EMIT maxConcurrentDownloadsChanged();
     pumpQueue();
+}
+
+namespace {
+const char *const separatorLine = "[Quillbox] ============================================";
+
+LogEntry::LogType typeOfStderrLine(const QString &line)
+{
+    if (line.contains(u"ERROR"))
+        return LogEntry::LogType::Error;
+    if (line.contains(u"WARNING"))
+        return LogEntry::LogType::Warning;
+    return LogEntry::LogType::Download;
+}
+} // namespace
+
+// --- Downloads
+QString DownloadManager::buildDownloadCommand(const QString &ytDlpPath, const DownloadRequest &request,
+    const QStringList &jsRuntimeArgs, const QStringList &ffmpegArgs, bool withCookies)
+{
+    QStringList args;
+    args += jsRuntimeArgs;
+    args += ffmpegArgs;
+    if (withCookies)
+        args << u"--cookies-from-browser"_s << u"chrome"_s;
+    if (!request.downloadPlaylist)
+        args << u"--no-playlist"_s;
+    QString folder = request.outputDir;
+    folder.replace(u'\'', u"'\\''"_s);
+    args << u"-o"_s << u'\'' + folder + u"/%(title)s.%(ext)s'"_s;
+    if (request.preset != DownloadPreset::Custom) {
+        for (const QString &word : presetArguments(request.preset))
+            args << quoteIfNeeded(word);
+    }
+    // Split here rather than by the shell, so the text is only ever words: an odd quote cannot
+    // reach the link, and nothing in it runs. executeDownload refuses a text that does not split.
+    for (const QString &word : splitShellWords(request.customArgs).words)
+        args << quoteIfNeeded(word);
+    args << u"--progress"_s;
+    // After "--" the link is never read as an option, whatever it starts with.
+    args << u"--"_s << shellQuote(request.url);
+    return quoteIfNeeded(ytDlpPath) + u' ' + args.join(u' ');
+}
+
+void DownloadManager::startDownload(const QString &url, DownloadPreset preset, const QString &customArgs,
+    const QString &outputDir, bool downloadPlaylist, bool useCookies)
+{
+    startDownloads({ url }, DownloadOptions { preset, customArgs, outputDir, downloadPlaylist, useCookies });
+}
+
+void DownloadManager::startDownloads(const QStringList &urls, const DownloadOptions &options)
+{
+    QList<DownloadTask> created;
+    created.reserve(urls.size());
+    for (const QString &url : urls) {
+        DownloadRequest request { options, url };
+        const QUuid id = createTask(request, created);
+        m_requests.insert(id, std::move(request));
+        m_waiting.push_back(id);
+    }
+    m_tasks->appendAll(created);
+    pumpQueue();
+}
+
+QUuid DownloadManager::createTask(const DownloadRequest &request, QList<DownloadTask> &created)
+{
+    const QString presetName = rawValue(request.preset);
+    qCInfo(lcEngine, "[Quillbox] 开始下载任务 - URL: %ls, 预设: %ls, 输出目录: %ls", qUtf16Printable(request.url),
+        qUtf16Printable(presetName), qUtf16Printable(request.outputDir));
+    addLog(u"开始下载任务"_s, LogEntry::LogType::Download);
+    info(u"URL: "_s + request.url);
+    info(u"预设: "_s + presetName);
+    const DownloadTask task = DownloadTask::create(request.url);
+    created.append(task);
+    qCInfo(lcEngine, "[Quillbox] 任务已添加 - ID: %ls", qUtf16Printable(task.id.toString(QUuid::WithoutBraces)));
+    return task.id;
+}
+
+bool DownloadManager::clashesWithRunning(const DownloadRequest &request) const
+{
+    for (auto it = m_jobs.cbegin(); it != m_jobs.cend(); ++it) {
+        const DownloadRequest other = m_requests.value(it.key());
+        if (other.url == request.url && QDir::cleanPath(other.outputDir) == QDir::cleanPath(request.outputDir))
+            return true;
+    }
+    return false;
+}
+
+void DownloadManager::pumpQueue()
+{
+    // Downloads wait for the first round of discovery (the yt-dlp path and version, which decides
+    // the runtime words, the runtime and ffmpeg), then start in order as slots free up. A task
+    // whose link and folder are those of a running one waits for it, and the next one goes first.
+    if (!m_tools->isReady())
+        return;
+    const auto startable
+        = [this](const QUuid &id) { return !m_jobs.contains(id) && !clashesWithRunning(m_requests.value(id)); };
+    if (runningCount() >= m_maxConcurrent)
+        return;
+    const auto next = std::find_if(m_waiting.begin(), m_waiting.end(), startable);
+    if (next == m_waiting.end())
+        return;
+    const QUuid taskId = *next;
+    m_waiting.erase(next);
+    executeDownload(taskId);
+
+    // Starting a child holds this thread until the shell runs, so when many downloads begin
+    // together they start one per event-loop turn and the window keeps drawing in between.
+    if (runningCount() < m_maxConcurrent && !m_pumpScheduled
+        && std::any_of(m_waiting.begin(), m_waiting.end(), startable)) {
+        m_pumpScheduled = true;
+        QMetaObject::invokeMethod(
+            this,
+            [this] {
+                m_pumpScheduled = false;
+                pumpQueue();
+            },
+            Qt::QueuedConnection);
+    }
+}
+
+void DownloadManager::executeDownload(const QUuid &taskId)
+{
+    DownloadRequest request = m_requests.value(taskId);
+    // A folder typed as "~/Videos" means the home folder's, as it would in a shell.
+    if (request.outputDir == u"~"_s || request.outputDir.startsWith(u"~/"_s))
+        request.outputDir = m_tools->locations().home + request.outputDir.mid(1);
+    qCInfo(lcEngine, "[Quillbox] [executeDownload] 任务ID: %ls, URL: %ls",
+        qUtf16Printable(taskId.toString(QUuid::WithoutBraces)), qUtf16Printable(request.url));
+    m_tasks->update(taskId, [](DownloadTask &task) { task.status = DownloadStatus::Preparing; });
+
+    qCInfo(lcEngine, "[Quillbox] [executeDownload] 开始构建命令...");
+    info(u"构建下载命令..."_s);
+    const QStringList runtimeArgs = m_tools->jsRuntimeArgs();
+    if (!runtimeArgs.isEmpty()) {
+        qCInfo(lcEngine, "[Quillbox] [executeDownload] 注入 JS 运行时: %ls", qUtf16Printable(runtimeArgs.join(u' ')));
+        info(u"JS 运行时: "_s + runtimeArgs.value(1));
+    } else {
+        qCInfo(lcEngine, "[Quillbox] [executeDownload] ⚠️ 未检测到 JS 运行时，YouTube 下载可能失败");
+    }
+    const QStringList ffmpegWords = m_tools->ffmpegArgs();
+    if (!ffmpegWords.isEmpty())
+        qCInfo(lcEngine, "[Quillbox] [executeDownload] 注入 FFmpeg 路径: %ls", qUtf16Printable(ffmpegWords.value(1)));
+    const bool withCookies = request.useCookies && m_tools->chromeCookiesAvailable();
+    if (withCookies) {
+        qCInfo(lcEngine, "[Quillbox] [executeDownload] 使用 Chrome 浏览器 Cookie");
+        info(u"使用 Chrome 浏览器 Cookie"_s);
+    }
+    if (!request.downloadPlaylist) {
+        qCInfo(lcEngine, "[Quillbox] [executeDownload] 不下载播放列表");
+        info(u"只下载当前视频"_s);
+    }
+    if (request.preset != DownloadPreset::Custom) {
+        const QStringList &words = presetArguments(request.preset);
+        qCInfo(lcEngine, "[Quillbox] [executeDownload] 使用预设: %ls, 参数数组: [%ls]",
+            qUtf16Printable(rawValue(request.preset)), qUtf16Printable(words.join(u", "_s)));
+        info(u"预设参数: "_s + words.join(u' '));
+    }
+    if (!request.customArgs.isEmpty())
+        qCInfo(lcEngine, "[Quillbox] [executeDownload] 自定义参数: %ls", qUtf16Printable(request.customArgs));
+
+    const QString command = buildDownloadCommand(m_tools->ytDlpPath(), request, runtimeArgs, ffmpegWords, withCookies);
+    qCInfo(lcEngine, "%s", separatorLine);
+    qCInfo(lcEngine, "[Quillbox] [executeDownload] 完整命令:");
+    qCInfo(lcEngine, "[Quillbox] %ls", qUtf16Printable(command));
+    qCInfo(lcEngine, "%s", separatorLine);
+    info(u"执行命令: "_s + command);
+
+    // yt-dlp would fail late and obscurely on a folder it cannot create; say so plainly instead.
+    if (request.outputDir.isEmpty()) {
+        failToLaunch(taskId, u"未设置输出目录"_s);
+        return;
+    }
+    if (QDir::isRelativePath(request.outputDir)) {
+        failToLaunch(taskId, u"输出目录必须是完整路径: "_s + request.outputDir);
+        return;
+    }
+    if (const ShellWords custom = splitShellWords(request.customArgs); !custom.ok()) {
+        failToLaunch(taskId, custom.error + u": "_s + request.customArgs);
+        return;
+    }
+    if (!QDir().mkpath(request.outputDir)) {
+        failToLaunch(taskId, u"无法创建输出目录: "_s + request.outputDir, explainFolderFailure(request.outputDir));
+        return;
+    }
+
+    auto *job = new DownloadJob(command, request.outputDir, m_stallNoticeMs, this);
+    m_jobs.insert(taskId, job);
+    // The finished request, with the folder as it was used, is the one a retry repeats.
+    m_requests[taskId].outputDir = request.outputDir;
+    Q_EMIT runningCountChanged();
+
+    connect(job, &DownloadJob::started, this, [this, taskId, job](qint64 pid) {
+        qCInfo(lcEngine, "[Quillbox] [executeDownload] 进程已启动, PID: %lld", pid);
+        m_tasks->update(taskId, [](DownloadTask &task) {
+            if (task.status == DownloadStatus::Preparing)
+                task.status = DownloadStatus::Downloading;
+        });
+        QTimer::singleShot(
+            WatchdogMs, job, [] { qCInfo(lcEngine, "[Quillbox] [executeDownload] 进程运行超过30秒，可能是卡住了"); });
+    });
+    connect(job, &DownloadJob::failedToStart, this, [this, taskId, job](const QString &message) {
+        qCInfo(lcEngine, "[Quillbox] [executeDownload] 异常: %ls", qUtf16Printable(message));
+        const QString explanation = explainLaunchFailure(shellProgram(), message);
+        m_jobs.remove(taskId);
+        job->deleteLater();
+        Q_EMIT runningCountChanged();
+        if (!job->isCancelled())
+            failToLaunch(taskId, message, explanation);
+        pumpQueue();
+    });
+    connect(job, &DownloadJob::linesRead, this, [this, taskId](const QStringList &lines, bool standardError) {
+        if (lcEngine().isDebugEnabled()) {
+            const char *stream = standardError ? "[stderr]" : "[stdout]";
+            qCDebug(lcEngine, "[Quillbox] %s %ls", stream, qUtf16Printable(lines.join(u'\n')));
+        }
+        for (const QString &line : lines)
+            logOutputLine(taskId, line, standardError ? typeOfStderrLine(line) : LogEntry::LogType::Download);
+    });
+    connect(job, &DownloadJob::progressed, this,
+        [this, taskId](const ProgressUpdate &update) { applyProgress(taskId, update); });
+    connect(job, &DownloadJob::phaseChanged, this, [this, taskId](const QString &phase) {
+        m_tasks->update(taskId, [&phase](DownloadTask &task) { task.phase = phase; });
+    });
+    connect(job, &DownloadJob::outputPathChanged, this, [this, taskId](const QString &path) {
+        m_tasks->update(taskId, [&path](DownloadTask &task) { task.outputPath = path; });
+    });
+    connect(job, &DownloadJob::stalledChanged, this, [this, taskId](bool stalled) { noteStall(taskId, stalled); });
+    connect(job, &DownloadJob::removedPartialFile, this, [this](const QString &path) {
+        qCInfo(lcEngine, "[Quillbox] [executeDownload] 已删除未完成的文件: %ls", qUtf16Printable(path));
+        info(u"已删除未完成的转换文件: "_s + path);
+    });
+    connect(job, &DownloadJob::ended, this,
+        [this, taskId, job](const DownloadJob::End &end) { completeDownload(taskId, job, end); });
+
+    qCInfo(lcEngine, "[Quillbox] [executeDownload] 启动进程...");
+    job->start();
+}
+
+void DownloadManager::failToLaunch(
+    const QUuid &taskId, const QString &message, const std::optional<QString> &explanation)
+{
+    addLog(u"❌ "_s + message, LogEntry::LogType::Error);
+    if (explanation)
+        addLog(*explanation, LogEntry::LogType::Error);
+    m_tasks->update(taskId, [&message, &explanation](DownloadTask &task) {
+        task.status = DownloadStatus::Failed;
+        task.errorMessage = message;
+        task.explanation = explanation;
+    });
+}
+
+void DownloadManager::logOutputLine(const QUuid &taskId, const QString &line, LogEntry::LogType type)
+{
+    if (!DownloadOutput::isProgressLine(line)) {
+        m_progressEntry.remove(taskId);
+        addLog(line, type);
+        return;
+    }
+    // Each redraw replaces the one before it, until the task prints something else.
+    auto entry = m_progressEntry.find(taskId);
+    if (entry == m_progressEntry.end())
+        entry = m_progressEntry.insert(taskId, QUuid::createUuid());
+    if (m_appState)
+        m_appState->addLog(line, type, *entry);
+}
+
+void DownloadManager::applyProgress(const QUuid &taskId, const ProgressUpdate &update)
+{
+    if (update.isEmpty())
+        return;
+    m_tasks->update(taskId, [&update](DownloadTask &task) {
+        if (update.progress)
+            task.progress = *update.progress;
+        if (update.speed)
+            task.speed = *update.speed;
+        if (update.size)
+            task.size = *update.size;
+        if (update.eta)
+            task.eta = *update.eta;
+        if (update.errorMessage)
+            task.errorMessage = update.errorMessage;
+    });
+}
+
+void DownloadManager::completeDownload(const QUuid &taskId, DownloadJob *job, const DownloadJob::End &end)
+{
+    const int exitCode = end.exitCode;
+    qCInfo(lcEngine, "[Quillbox] [executeDownload] 进程结束, 退出码: %d", exitCode);
+    qCInfo(lcEngine, "[Quillbox] [executeDownload] stdout:\n%ls",
+        qUtf16Printable(end.stdoutTail.mid(end.stdoutTail.size() - 1).join(u'\n')));
+    qCInfo(lcEngine, "[Quillbox] [executeDownload] stderr:\n%ls",
+        qUtf16Printable(end.stderrTail.mid(end.stderrTail.size() - 1).join(u'\n')));
+    const QString outputPath = job->outputPath();
+    m_jobs.remove(taskId);
+    m_progressEntry.remove(taskId);
+    job->deleteLater();
+    Q_EMIT runningCountChanged();
+
+    const DownloadTask *task = m_tasks->find(taskId);
+    // A stopped download stays as the user left it (cancelled, retried or removed), whatever
+    // its exit status.
+    if (!task || end.cancelled) {
+        qCInfo(lcEngine, "[Quillbox] [executeDownload] 任务已取消, 退出码: %d", exitCode);
+        pumpQueue();
+        return;
+    }
+    if (exitCode == 0 && !end.crashed) {
+        qCInfo(lcEngine, "[Quillbox] [executeDownload] 下载成功!");
+        info(u"✅ 下载完成！"_s);
+        const QFileInfo file(outputPath);
+        m_tasks->update(taskId, [&file](DownloadTask &task) {
+            task.status = DownloadStatus::Completed;
+            task.progress = 1.0;
+            task.phase.clear();
+            task.eta.clear();
+            task.endTime = QDateTime::currentDateTime();
+            // The size of what is on disk now, after merging or converting.
+            if (file.isFile())
+                task.size = DownloadOutput::formatBytes(file.size());
+        });
+    } else {
+        qCInfo(lcEngine, "[Quillbox] [executeDownload] 下载失败, 错误码: %d", exitCode);
+        addLog(u"❌ 下载失败 (错误码: %1)"_s.arg(exitCode), LogEntry::LogType::Error);
+        QString message = u"下载失败 (错误码: %1)"_s.arg(exitCode);
+
+        QStringList kept;
+        if (!end.stderrTail.isEmpty()) {
+            for (const QString &line : end.stderrTail) {
+                if (line.contains(u"ERROR") || line.contains(u"error") || line.contains(u"WARNING"))
+                    kept.append(line);
+            }
+        } else {
+            for (const QString &line : end.stdoutTail) {
+                if (line.contains(u"ERROR") || line.contains(u"error"))
+                    kept.append(line);
+            }
+        }
+        if (!kept.isEmpty()) {
+            message = kept.mid(0, 3).join(u'\n');
+            addLog(message, LogEntry::LogType::Error);
+        }
+        const std::optional<QString> explanation = explainFailure(
+            FailedRun { end.stderrTail + end.stdoutTail, exitCode, end.crashed, m_tools->ytDlpPath() });
+        if (explanation)
+            addLog(*explanation, LogEntry::LogType::Error);
+        m_tasks->update(taskId, [&message, &explanation](DownloadTask &task) {
+            task.status = DownloadStatus::Failed;
+            task.errorMessage = message;
+            task.explanation = explanation;
+            task.phase.clear();
+            task.eta.clear();
+        });
+        qCInfo(lcEngine, "[Quillbox] [executeDownload] 错误信息: %ls", qUtf16Printable(message));
+    }
+    pumpQueue();
+}
+
+void DownloadManager::noteStall(const QUuid &taskId, bool stalled)
+{
+    const QString notice = stalled ? u"%1 秒无响应"_s.arg(m_stallNoticeMs / 1000) : QString();
+    if (stalled) {
+        const QString url = m_requests.value(taskId).url;
+        qCInfo(lcEngine, "[Quillbox] [executeDownload] %ls: %ls", qUtf16Printable(notice), qUtf16Printable(url));
+        addLog(u"⚠️ "_s + notice + u"："_s + url, LogEntry::LogType::Warning);
+    }
+    m_tasks->update(taskId, [&notice](DownloadTask &task) { task.notice = notice; });
+}
+
+QString DownloadManager::nameOf(const QUuid &taskId) const
+{
+    const DownloadTask *task = m_tasks->find(taskId);
+    return task ? task->title : QString();
+}
+
+bool DownloadManager::stopTask(const QUuid &taskId)
+{
+    if (DownloadJob *job = m_jobs.value(taskId)) {
+        if (job->isCancelled())
+            return false;
+        job->stop();
+    } else if (const auto waiting = std::find(m_waiting.begin(), m_waiting.end(), taskId); waiting != m_waiting.end()) {
+        m_waiting.erase(waiting);
+    } else {
+        return false;
+    }
+    m_tasks->update(taskId, [](DownloadTask &task) {
+        task.status = DownloadStatus::Cancelled;
+        task.phase.clear();
+        task.eta.clear();
+        task.notice.clear();
+    });
+    return true;
+}
+
+void DownloadManager::stopDownload(const QString &taskId)
+{
+    const QUuid id = QUuid::fromString(taskId);
+    if (stopTask(id))
+        info(u"⏹ 已停止: "_s + nameOf(id));
+}
+
+void DownloadManager::retryDownload(const QString &taskId)
+{
+    const QUuid id = QUuid::fromString(taskId);
+    const DownloadTask *task = m_tasks->find(id);
+    if (!task || !m_requests.contains(id)
+        || (task->status != DownloadStatus::Failed && task->status != DownloadStatus::Cancelled))
+        return;
+    info(u"🔄 重试: "_s + task->title);
+    m_tasks->update(id, [](DownloadTask &task) {
+        task.status = DownloadStatus::Pending;
+        task.progress = 0.0;
+        task.speed.clear();
+        task.size.clear();
+        task.eta.clear();
+        task.phase.clear();
+        task.notice.clear();
+        task.errorMessage.reset();
+        task.explanation.reset();
+        task.endTime.reset();
+        task.startTime = QDateTime::currentDateTime();
+    });
+    m_waiting.push_back(id);
+    pumpQueue();
+}
+
+void DownloadManager::removeDownload(const QString &taskId)
+{
+    const QUuid id = QUuid::fromString(taskId);
+    if (!m_tasks->find(id))
+        return;
+    if (stopTask(id))
+        info(u"⏹ 已停止: "_s + nameOf(id));
+    m_tasks->remove(id);
+    m_requests.remove(id);
+}
+
+void DownloadManager::cancelAllDownloads()
+{
+    const std::deque<QUuid> waiting = std::exchange(m_waiting, {});
+    for (const QUuid &id : waiting) {
+        m_tasks->update(id, [](DownloadTask &task) { task.status = DownloadStatus::Cancelled; });
+    }
+    if (!waiting.empty())
+        info(u"⏹ 已取消 %1 个等待中的任务"_s.arg(waiting.size()));
+    for (const QUuid &id : m_jobs.keys()) {
+        if (stopTask(id))
+            info(u"⏹ 已停止: "_s + nameOf(id));
+    }
+}
+
+void DownloadManager::shutdown()
+{
+    cancelAllDownloads();
+    QList<QPointer<GroupProcess>> processes;
+    QList<qint64> groups;
+    for (DownloadJob *job : std::as_const(m_jobs)) {
+        processes.append(job->process());
+        if (job->process())
+            groups.append(job->process()->groupId());
+    }
+    // One grace period for all of them, not one each.
+    const QDeadlineTimer grace(CancelGraceMs);
+    for (const QPointer<GroupProcess> &process : std::as_const(processes)) {
+        if (process && process->state() != QProcess::NotRunning
+            && !process->waitForFinished(int(std::max<qint64>(0, grace.remainingTime()))))
+            process->signalGroup(SIGKILL);
+    }
+    for (const QPointer<GroupProcess> &process : std::as_const(processes)) {
+        if (!process)
+            continue;
+        // Children the shell left behind (an ffmpeg mid-merge) go with the group.
+        process->signalGroup(SIGKILL);
+        if (process->state() != QProcess::NotRunning)
+            process->waitForFinished(2000);
+    }
+    // Format listings, updates and discovery probes are children too; none outlives us.
+    for (GroupProcess *helper : findChildren<GroupProcess *>()) {
+        if (helper->state() != QProcess::NotRunning) {
+            groups.append(helper->groupId());
+            helper->signalGroup(SIGKILL);
+            helper->waitForFinished(1000);
+        }
+    }
+    // A killed process is gone only once the kernel has torn it down, which on a busy machine
+    // can come after our own exit; wait for that, so nothing of ours runs once we have quit.
+    if (!waitForGroupsGone(groups, QDeadlineTimer(2000)))
+        qCWarning(lcEngine, "[Quillbox] 退出时仍有子进程未结束");
+    for (DownloadJob *job : std::as_const(m_jobs))
+        job->removePartialFiles();
 }

@@ -1,6 +1,9 @@
 #pragma once
 
-#include "engine/progressparser.h"
+#include "engine/downloadjob.h"
+#include "engine/engineerror.h"
+#include "engine/maintenance.h"
+#include "engine/tooldiscovery.h"
 #include "model/downloadpreset.h"
 #include "model/downloadtask.h"
 #include "model/logentry.h"
@@ -18,25 +21,6 @@
 #include <memory>
 
 class AppState;
-class GroupProcess;
-struct ShellResult;
-
-// Where tool discovery looks. standard() is the real machine; a test points it elsewhere.
-struct ToolLocations
-{
-    struct Runtime
-    {
-        QString name;
-        QStringList candidates;
-    };
-
-    QString home;
-    QStringList ytDlp;
-    QList<Runtime> runtimes; // tried in order: deno, node, bun
-    QStringList ffmpeg;
-
-    static ToolLocations standard(const QString &home);
-};
 
 // How the user asked for a download: the form's choices, shared by every link started together.
 struct DownloadOptions
@@ -54,26 +38,10 @@ struct DownloadRequest : DownloadOptions
     QString url;
 };
 
-// A failure the engine reports: its own (domain "DownloadManager", code = exit status or -1) or
-// a failure to start the shell.
-struct EngineError
-{
-    QString domain;
-    int code = 0;
-    QString localizedDescription;
-};
-
-struct FormatListResult
-{
-    bool ok = false;
-    QString text; // the format table as yt-dlp printed it
-    EngineError error;
-};
-
-// The download engine: finds yt-dlp, a JavaScript runtime and ffmpeg, runs one yt-dlp process
-// per download (at most maxConcurrentDownloads at once, the rest waiting in order), follows their
-// progress, updates yt-dlp and lists formats. Lives on the GUI thread; every child is an
-// asynchronous process, so nothing here blocks the event loop.
+// The download engine: the queue of tasks, one DownloadJob per running download (at most
+// maxConcurrentDownloads at once, the rest waiting in order), and what the user does to a task.
+// Tool discovery and maintenance are its parts, and their state is shown through it. Lives on
+// the GUI thread; every child is an asynchronous process, so nothing here blocks the event loop.
 class DownloadManager : public QObject
 {
     Q_OBJECT
@@ -90,16 +58,14 @@ class DownloadManager : public QObject
     Q_PROPERTY(int runningCount READ runningCount NOTIFY runningCountChanged)
 
 public:
-    static constexpr auto CustomYtDlpPathKey = "customYtDlpPath";
+    static constexpr auto CustomYtDlpPathKey = ToolDiscovery::CustomYtDlpPathKey;
     static constexpr auto MaxConcurrentDownloadsKey = "maxConcurrentDownloads";
     static constexpr int DefaultMaxConcurrentDownloads = 3;
-    static constexpr int CancelGraceMs = 3000;
+    static constexpr int CancelGraceMs = DownloadJob::CancelGraceMs;
     static constexpr int WatchdogMs = 30000;
     // A running download that has printed nothing for this long says so on its row and in the log.
     static constexpr int StallNoticeMs = 60000;
-    static constexpr int ProbeTimeoutMs = 30000;
-    static constexpr int ListFormatsTimeoutMs = 180000;
-    static constexpr int UpdateTimeoutMs = 600000;
+    static constexpr int ProbeTimeoutMs = ToolDiscovery::ProbeTimeoutMs;
 
     // The process-wide engine, bound to AppState::instance() and the real tool locations.
     static DownloadManager *instance();
@@ -116,50 +82,54 @@ public:
     // for startDiscovery()), and returns at once.
     DownloadManager(AppState *appState, ToolLocations locations, QObject *parent = nullptr,
         Discovery discovery = Discovery::StartNow);
-
-    // Starts discovery if it has not started yet. Whatever needs a tool waits for it meanwhile.
-    void startDiscovery();
     ~DownloadManager() override;
 
-    // --- Tool discovery
-    QString ytDlpPath() const { return m_ytDlpPath; }
-    bool isYtDlpPathKnown() const { return m_ytDlpPathKnown; }
-    QString ytDlpVersion() const { return m_ytDlpVersion; }
-    bool isCheckingYtDlp() const { return m_isCheckingYtDlp; }
-    QString detectedJSRuntime() const { return m_detectedJSRuntime; }
-    QString detectedJSRuntimePath() const { return m_detectedJSRuntimePath; }
-    QString detectedFfmpeg() const { return m_detectedFfmpeg; }
-    QString detectedFfmpegVersion() const { return m_detectedFfmpegVersion; }
+    // Starts discovery if it has not started yet. Whatever needs a tool waits for it meanwhile.
+    void startDiscovery() { m_tools->start(); }
+    ToolDiscovery *tools() const { return m_tools; }
+    Maintenance *maintenance() const { return m_maintenance; }
 
-    // Stores `path` under "customYtDlpPath"; it takes effect at the next start. When a file is
-    // there, the version is probed again (of the path in use).
-    Q_INVOKABLE void setCustomYtDlpPath(const QString &path);
-    // Asks the yt-dlp in use for its version; `completion(success, output or error)` on this
-    // thread. Waits for the path to be chosen first.
-    void checkYtDlpInstallation(std::function<void(bool, const QString &)> completion);
-    // The same check for views: returns a request number, and the answer comes as
+    // --- Tools, as discovery found them
+    QString ytDlpPath() const { return m_tools->ytDlpPath(); }
+    bool isYtDlpPathKnown() const { return m_tools->isYtDlpPathKnown(); }
+    QString ytDlpVersion() const { return m_tools->ytDlpVersion(); }
+    // The design's flag; no check ever reports itself through it.
+    bool isCheckingYtDlp() const { return false; }
+    QString detectedJSRuntime() const { return m_tools->detectedJSRuntime(); }
+    QString detectedJSRuntimePath() const { return m_tools->detectedJSRuntimePath(); }
+    QString detectedFfmpeg() const { return m_tools->detectedFfmpeg(); }
+    QString detectedFfmpegVersion() const { return m_tools->detectedFfmpegVersion(); }
+    QStringList jsRuntimeArgs() const { return m_tools->jsRuntimeArgs(); }
+    QStringList ffmpegArgs() const { return m_tools->ffmpegArgs(); }
+    static bool supportsJsRuntimes(const QString &version) { return ToolDiscovery::supportsJsRuntimes(version); }
+
+    Q_INVOKABLE void setCustomYtDlpPath(const QString &path) { m_tools->setCustomYtDlpPath(path); }
+    void checkYtDlpInstallation(std::function<void(bool, const QString &)> completion)
+    {
+        m_tools->checkYtDlpInstallation(std::move(completion));
+    }
+    // The installation check for views: returns a request number, and the answer comes as
     // installationChecked() with that number, so each asker knows its own answer.
     Q_INVOKABLE int checkInstallation();
-    Q_INVOKABLE void detectJSRuntime();
-    Q_INVOKABLE void detectFfmpeg();
-
-    // "--js-runtimes NAME:PATH" when a runtime was found and yt-dlp is recent enough to know the
-    // option; "--ffmpeg-location PATH" when ffmpeg was found.
-    QStringList jsRuntimeArgs() const;
-    QStringList ffmpegArgs() const;
-    // True for versions from the first yt-dlp release that has --js-runtimes on.
-    static bool supportsJsRuntimes(const QString &ytDlpVersion);
+    Q_INVOKABLE void detectJSRuntime() { m_tools->detectJSRuntime(); }
+    Q_INVOKABLE void detectFfmpeg() { m_tools->detectFfmpeg(); }
 
     // --- Maintenance
-    void updateYtDlp(std::function<void(const QString &)> completion);
-    void listFormats(const QString &url, bool useCookies, std::function<void(const FormatListResult &)> completion);
+    void updateYtDlp(std::function<void(const QString &)> completion)
+    {
+        m_maintenance->updateYtDlp(std::move(completion));
+    }
+    void listFormats(const QString &url, bool useCookies, std::function<void(const FormatListResult &)> completion)
+    {
+        m_maintenance->listFormats(url, useCookies, std::move(completion));
+    }
 
     // --- Downloads
     TaskModel *taskModel() const { return m_tasks; }
     QList<DownloadTask> tasks() const { return m_tasks->tasks(); }
     // Ids of the tasks whose process is running.
-    QList<QUuid> activeProcesses() const { return m_active.keys(); }
-    int runningCount() const { return int(m_active.size()); }
+    QList<QUuid> activeProcesses() const { return m_jobs.keys(); }
+    int runningCount() const { return int(m_jobs.size()); }
     int maxConcurrentDownloads() const { return m_maxConcurrent; }
     void setMaxConcurrentDownloads(int value);
     // How long a download may stay silent before its row says so (StallNoticeMs; tests shorten it).
@@ -174,6 +144,17 @@ public:
     Q_INVOKABLE void cancelAllDownloads();
     // For quitting: cancels everything and returns only once no process of ours is left.
     void shutdown();
+
+    // What the user can do to one task, by its id as text (as the task model gives it). Each
+    // does nothing where it makes no sense (stopping a finished task, retrying a running one).
+    // Stop: a running task's process group goes and the task stays cancelled; a waiting one
+    // leaves the queue as cancelled.
+    Q_INVOKABLE void stopDownload(const QString &taskId);
+    // A failed or cancelled task waits again in its row with the same request; yt-dlp picks up
+    // its ".part" file where the last run left it.
+    Q_INVOKABLE void retryDownload(const QString &taskId);
+    // The row goes; a running task is stopped first.
+    Q_INVOKABLE void removeDownload(const QString &taskId);
 
     // The command text for one download, given the discovered tool words.
     static QString buildDownloadCommand(const QString &ytDlpPath, const DownloadRequest &request,
@@ -190,71 +171,38 @@ Q_SIGNALS:
     void runningCountChanged();
 
 private:
-    struct Running;
-    struct Waiting
-    {
-        QUuid taskId;
-        DownloadRequest request;
-    };
-
     void addLog(const QString &message, LogEntry::LogType type) const;
     void info(const QString &message) const;
+    // Logs one line of a task's output; a progress redraw replaces the task's previous one.
+    void logOutputLine(const QUuid &taskId, const QString &line, LogEntry::LogType type);
 
-    // discovery
-    void chooseYtDlpPath();
-    void findYtDlp(int candidate, std::function<void(const QString &)> found);
-    void setYtDlpPath(const QString &path);
-    void setYtDlpVersion(const QString &version);
-    void whenYtDlpPathKnown(std::function<void()> action);
-    void detectRuntime(int generation, int runtime, int candidate);
-    void setJSRuntime(const QString &name, const QString &path);
-    void getFfmpegVersion(int generation, const QString &path);
-    void setFfmpeg(const QString &path, const QString &version);
-    void warnIfYtDlpTooOld();
-    bool chromeCookiesAvailable() const;
-
-    // downloads
     QUuid createTask(const DownloadRequest &request, QList<DownloadTask> &created);
     void pumpQueue();
-    void executeDownload(const Waiting &job);
+    // Another task with this link and folder is running: two yt-dlp runs would write one file.
+    bool clashesWithRunning(const DownloadRequest &request) const;
+    void executeDownload(const QUuid &taskId);
     void failToLaunch(
         const QUuid &taskId, const QString &message, const std::optional<QString> &explanation = std::nullopt);
-    void readOutput(const QUuid &taskId, bool standardError);
-    // Logs the lines and reads what they say about progress.
-    ProgressUpdate handleLines(const QUuid &taskId, const QStringList &lines, bool standardError);
     void applyProgress(const QUuid &taskId, const ProgressUpdate &update);
-    void completeDownload(const QUuid &taskId, int exitCode, bool crashed);
-    void removeRunning(const QUuid &taskId);
-    void checkStall(const QUuid &taskId);
-    void trackConversion(Running &running, const QStringList &lines);
-    void removePartialConversion(Running &running);
+    void completeDownload(const QUuid &taskId, DownloadJob *job, const DownloadJob::End &end);
+    void noteStall(const QUuid &taskId, bool stalled);
+    // Stops a running task's job or takes a waiting one out of the queue; false if neither.
+    bool stopTask(const QUuid &taskId);
+    QString nameOf(const QUuid &taskId) const;
 
     AppState *m_appState;
-    ToolLocations m_locations;
     TaskModel *m_tasks;
-
-    QString m_ytDlpPath;
-    bool m_ytDlpPathKnown = false;
-    bool m_discoveryStarted = false;
-    bool m_versionProbed = false;
-    bool m_runtimeDetected = false;
-    bool m_ffmpegDetected = false;
-    QList<std::function<void()>> m_afterPathKnown;
-    QString m_ytDlpVersion;
-    bool m_isCheckingYtDlp = false;
-    QString m_detectedJSRuntime;
-    QString m_detectedJSRuntimePath;
-    QString m_detectedFfmpeg;
-    QString m_detectedFfmpegVersion;
-    int m_runtimeGeneration = 0;
-    int m_ffmpegGeneration = 0;
-    bool m_warnedOldYtDlp = false;
+    ToolDiscovery *m_tools;
+    Maintenance *m_maintenance;
     int m_lastInstallationCheck = 0;
-    mutable bool m_warnedNoChrome = false;
 
     int m_maxConcurrent = DefaultMaxConcurrentDownloads;
     int m_stallNoticeMs = StallNoticeMs;
-    std::deque<Waiting> m_waiting;
+    // Every task's request, kept for retrying it.
+    QHash<QUuid, DownloadRequest> m_requests;
+    std::deque<QUuid> m_waiting;
     bool m_pumpScheduled = false;
-    QHash<QUuid, Running *> m_active;
+    QHash<QUuid, DownloadJob *> m_jobs;
+    // Per task, the log entry its progress redraws replace; none after any other line.
+    QHash<QUuid, QUuid> m_progressEntry;
 };

@@ -1,4 +1,7 @@
-#include "engine/downloadmanager.h"
+#include "engine/maintenance.h"
+
+#include "engine/tooldiscovery.h"
+#include "model/appstate.h"
 
 #include "engine/shellrunner.h"
 #include "model/logcategories.h"
@@ -25,13 +28,26 @@ QString leftCharacters(const QString &text, qsizetype count)
 }
 } // namespace
 
-void DownloadManager::updateYtDlp(std::function<void(const QString &)> completion)
+Maintenance::Maintenance(AppState *appState, ToolDiscovery *tools, QObject *parent)
+    : QObject(parent)
+    , m_appState(appState)
+    , m_tools(tools)
 {
-    whenYtDlpPathKnown([this, completion = std::move(completion)] {
+}
+
+void Maintenance::addLog(const QString &message, LogEntry::LogType type) const
+{
+    if (m_appState)
+        m_appState->addLog(message, type);
+}
+
+void Maintenance::updateYtDlp(std::function<void(const QString &)> completion)
+{
+    m_tools->whenYtDlpPathKnown([this, completion = std::move(completion)] {
         qCInfo(lcEngine, "[Quillbox] [updateYtDlp] 开始更新 yt-dlp...");
         info(u"正在更新 yt-dlp..."_s);
         const QString command = u"source ~/.zprofile 2>/dev/null; source ~/.zshrc 2>/dev/null; "_s
-            + u"which brew >/dev/null 2>&1 && brew upgrade yt-dlp 2>&1 || "_s + quoteIfNeeded(m_ytDlpPath)
+            + u"which brew >/dev/null 2>&1 && brew upgrade yt-dlp 2>&1 || "_s + quoteIfNeeded(m_tools->ytDlpPath())
             + u" -U 2>&1"_s;
         runShellCommand(
             command, PipeMode::Shared, this,
@@ -50,12 +66,12 @@ void DownloadManager::updateYtDlp(std::function<void(const QString &)> completio
                     completion(text);
                     return;
                 }
-                checkYtDlpInstallation([this, completion](bool success, const QString &version) {
+                m_tools->checkYtDlpInstallation([this, completion](bool success, const QString &version) {
                     if (!success) {
                         completion(u"✅ 命令执行成功，但版本检测失败"_s);
                         return;
                     }
-                    setYtDlpVersion(version);
+                    m_tools->setYtDlpVersion(version);
                     const QString text = u"✅ 更新成功，当前版本: "_s + version;
                     info(text);
                     completion(text);
@@ -65,14 +81,14 @@ void DownloadManager::updateYtDlp(std::function<void(const QString &)> completio
     });
 }
 
-void DownloadManager::listFormats(
+void Maintenance::listFormats(
     const QString &url, bool useCookies, std::function<void(const FormatListResult &)> completion)
 {
-    whenYtDlpPathKnown([this, url, useCookies, completion = std::move(completion)] {
+    m_tools->whenYtDlpPathKnown([this, url, useCookies, completion = std::move(completion)] {
         info(u"正在获取可用格式..."_s);
-        QStringList words { quoteIfNeeded(m_ytDlpPath), u"--list-formats"_s };
-        words += jsRuntimeArgs();
-        if (useCookies && chromeCookiesAvailable())
+        QStringList words { quoteIfNeeded(m_tools->ytDlpPath()), u"--list-formats"_s };
+        words += m_tools->jsRuntimeArgs();
+        if (useCookies && m_tools->chromeCookiesAvailable())
             words << u"--cookies-from-browser"_s << u"chrome"_s;
         words << u"--"_s << shellQuote(url);
         const QString command = words.join(u' ');

@@ -12,9 +12,10 @@ struct ProgressUpdate
     std::optional<double> progress; // fraction 0–1
     std::optional<QString> speed;
     std::optional<QString> size;
+    std::optional<QString> eta; // "00:31"; empty once the stream is done or the time unknown
     std::optional<QString> errorMessage;
 
-    bool isEmpty() const { return !progress && !speed && !size && !errorMessage; }
+    bool isEmpty() const { return !progress && !speed && !size && !eta && !errorMessage; }
 };
 
 // Reads progress lines such as "[download]  42.3% of 120.50MiB at 2.35MiB/s ETA 00:31".

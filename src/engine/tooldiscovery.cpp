@@ -1,10 +1,11 @@
-#include "engine/downloadmanager.h"
+#include "engine/tooldiscovery.h"
 
 #include "cookies/chromecookies.h"
 #include "engine/shellrunner.h"
 #include "model/appstate.h"
 #include "model/logcategories.h"
 
+#include <QDir>
 #include <QFileInfo>
 #include <QRegularExpression>
 #include <QSettings>
@@ -29,9 +30,71 @@ QString whichCommand(const QString &name)
 }
 } // namespace
 
+ToolLocations ToolLocations::standard(const QString &home)
+{
+    ToolLocations locations;
+    locations.home = home;
+    locations.ytDlp = { u"/opt/homebrew/bin/yt-dlp"_s, u"/usr/local/bin/yt-dlp"_s, u"/opt/homebrew/bin/yt-dlp.exe"_s,
+        u"/usr/local/bin/yt-dlp.exe"_s };
+    locations.runtimes = {
+        { u"deno"_s, { u"/opt/homebrew/bin/deno"_s, u"/usr/local/bin/deno"_s, home + u"/.deno/bin/deno"_s } },
+        { u"node"_s, { u"/opt/homebrew/bin/node"_s, u"/usr/local/bin/node"_s, u"/usr/bin/node"_s } },
+        { u"bun"_s, { u"/opt/homebrew/bin/bun"_s, u"/usr/local/bin/bun"_s, home + u"/.bun/bin/bun"_s } },
+    };
+    locations.ffmpeg = { u"/opt/homebrew/bin/ffmpeg"_s, u"/usr/local/bin/ffmpeg"_s, u"/opt/homebrew/bin/ffmpeg.exe"_s,
+        u"/usr/local/bin/ffmpeg.exe"_s };
+#if defined(Q_OS_LINUX) || defined(Q_OS_FREEBSD)
+    // The usual Linux places come after the Homebrew ones.
+    const auto linuxPlaces = [&home](const QString &name) {
+        return QStringList { u"/usr/bin/"_s + name, home + u"/.local/bin/"_s + name,
+            u"/home/linuxbrew/.linuxbrew/bin/"_s + name };
+    };
+    locations.ytDlp += linuxPlaces(u"yt-dlp"_s);
+    for (ToolLocations::Runtime &runtime : locations.runtimes) {
+        for (const QString &place : linuxPlaces(runtime.name)) {
+            if (!runtime.candidates.contains(place))
+                runtime.candidates.append(place);
+        }
+    }
+    locations.ffmpeg += linuxPlaces(u"ffmpeg"_s);
+#endif
+    return locations;
+}
+
+ToolDiscovery::ToolDiscovery(AppState *appState, ToolLocations locations, QObject *parent)
+    : QObject(parent)
+    , m_appState(appState)
+    , m_locations(std::move(locations))
+{
+}
+
+void ToolDiscovery::start()
+{
+    if (m_started)
+        return;
+    m_started = true;
+    chooseYtDlpPath();
+    detectJSRuntime();
+    detectFfmpeg();
+}
+
+void ToolDiscovery::addLog(const QString &message, LogEntry::LogType type) const
+{
+    if (m_appState)
+        m_appState->addLog(message, type);
+}
+
+void ToolDiscovery::announceIfReady()
+{
+    if (m_announced || !isReady())
+        return;
+    m_announced = true;
+    Q_EMIT ready();
+}
+
 // --- yt-dlp
 
-void DownloadManager::chooseYtDlpPath()
+void ToolDiscovery::chooseYtDlpPath()
 {
     const QString custom = QSettings().value(QLatin1String(CustomYtDlpPathKey)).toString();
     if (fileExists(custom)) {
@@ -45,7 +108,7 @@ void DownloadManager::chooseYtDlpPath()
     });
 }
 
-void DownloadManager::findYtDlp(int candidate, std::function<void(const QString &)> found)
+void ToolDiscovery::findYtDlp(int candidate, std::function<void(const QString &)> found)
 {
     while (candidate < m_locations.ytDlp.size() && !fileExists(m_locations.ytDlp.at(candidate)))
         ++candidate;
@@ -77,7 +140,7 @@ void DownloadManager::findYtDlp(int candidate, std::function<void(const QString 
     }
 }
 
-void DownloadManager::setYtDlpPath(const QString &path)
+void ToolDiscovery::setYtDlpPath(const QString &path)
 {
     m_ytDlpPath = path;
     m_ytDlpPathKnown = true;
@@ -89,14 +152,14 @@ void DownloadManager::setYtDlpPath(const QString &path)
             setYtDlpVersion(output);
         // Downloads wait for this first probe, so they know whether --js-runtimes may be used.
         m_versionProbed = true;
-        pumpQueue();
+        announceIfReady();
     });
     const auto waiting = std::exchange(m_afterPathKnown, {});
     for (const auto &action : waiting)
         action();
 }
 
-void DownloadManager::whenYtDlpPathKnown(std::function<void()> action)
+void ToolDiscovery::whenYtDlpPathKnown(std::function<void()> action)
 {
     if (m_ytDlpPathKnown)
         action();
@@ -104,7 +167,7 @@ void DownloadManager::whenYtDlpPathKnown(std::function<void()> action)
         m_afterPathKnown.append(std::move(action));
 }
 
-void DownloadManager::setYtDlpVersion(const QString &version)
+void ToolDiscovery::setYtDlpVersion(const QString &version)
 {
     if (m_ytDlpVersion == version)
         return;
@@ -113,7 +176,7 @@ void DownloadManager::setYtDlpVersion(const QString &version)
     warnIfYtDlpTooOld();
 }
 
-void DownloadManager::setCustomYtDlpPath(const QString &path)
+void ToolDiscovery::setCustomYtDlpPath(const QString &path)
 {
     QSettings().setValue(QLatin1String(CustomYtDlpPathKey), path);
     if (fileExists(path)) {
@@ -124,7 +187,7 @@ void DownloadManager::setCustomYtDlpPath(const QString &path)
     }
 }
 
-void DownloadManager::checkYtDlpInstallation(std::function<void(bool, const QString &)> completion)
+void ToolDiscovery::checkYtDlpInstallation(std::function<void(bool, const QString &)> completion)
 {
     whenYtDlpPathKnown([this, completion = std::move(completion)] {
         runShellCommand(
@@ -139,16 +202,7 @@ void DownloadManager::checkYtDlpInstallation(std::function<void(bool, const QStr
     });
 }
 
-int DownloadManager::checkInstallation()
-{
-    const int request = ++m_lastInstallationCheck;
-    checkYtDlpInstallation([this, request](bool installed, const QString &output) {
-        Q_EMIT installationChecked(request, installed, output);
-    });
-    return request;
-}
-
-bool DownloadManager::supportsJsRuntimes(const QString &ytDlpVersion)
+bool ToolDiscovery::supportsJsRuntimes(const QString &ytDlpVersion)
 {
     // Releases are dated YYYY.MM.DD (nightlies add a time); --js-runtimes arrived in 2025.11.12.
     static const QRegularExpression dated(u"^(\\d{4})\\.(\\d{1,2})\\.(\\d{1,2})"_s);
@@ -160,7 +214,7 @@ bool DownloadManager::supportsJsRuntimes(const QString &ytDlpVersion)
     return date >= std::make_tuple(2025, 11, 12);
 }
 
-void DownloadManager::warnIfYtDlpTooOld()
+void ToolDiscovery::warnIfYtDlpTooOld()
 {
     if (m_warnedOldYtDlp || m_ytDlpVersion.isEmpty() || m_detectedJSRuntime.isEmpty()
         || supportsJsRuntimes(m_ytDlpVersion))
@@ -174,12 +228,12 @@ void DownloadManager::warnIfYtDlpTooOld()
 
 // --- JavaScript runtime
 
-void DownloadManager::detectJSRuntime()
+void ToolDiscovery::detectJSRuntime()
 {
     detectRuntime(++m_runtimeGeneration, 0, 0);
 }
 
-void DownloadManager::detectRuntime(int generation, int runtime, int candidate)
+void ToolDiscovery::detectRuntime(int generation, int runtime, int candidate)
 {
     if (generation != m_runtimeGeneration)
         return; // a newer detection has started
@@ -218,14 +272,14 @@ void DownloadManager::detectRuntime(int generation, int runtime, int candidate)
         ProbeTimeoutMs);
 }
 
-void DownloadManager::setJSRuntime(const QString &name, const QString &path)
+void ToolDiscovery::setJSRuntime(const QString &name, const QString &path)
 {
     if (!m_runtimeDetected) {
         m_runtimeDetected = true;
-        QMetaObject::invokeMethod(this, &DownloadManager::pumpQueue, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(this, &ToolDiscovery::announceIfReady, Qt::QueuedConnection);
     }
     if (!name.isEmpty())
-        info(u"✅ 检测到 JS 运行时: "_s + name + u" ("_s + path + u")"_s);
+        addLog(u"✅ 检测到 JS 运行时: "_s + name + u" ("_s + path + u")"_s, LogEntry::LogType::Info);
     if (m_detectedJSRuntime != name || m_detectedJSRuntimePath != path) {
         m_detectedJSRuntime = name;
         m_detectedJSRuntimePath = path;
@@ -234,7 +288,7 @@ void DownloadManager::setJSRuntime(const QString &name, const QString &path)
     warnIfYtDlpTooOld();
 }
 
-QStringList DownloadManager::jsRuntimeArgs() const
+QStringList ToolDiscovery::jsRuntimeArgs() const
 {
     if (m_detectedJSRuntime.isEmpty() || m_detectedJSRuntimePath.isEmpty() || !supportsJsRuntimes(m_ytDlpVersion))
         return {};
@@ -243,7 +297,7 @@ QStringList DownloadManager::jsRuntimeArgs() const
 
 // --- ffmpeg
 
-void DownloadManager::detectFfmpeg()
+void ToolDiscovery::detectFfmpeg()
 {
     const int generation = ++m_ffmpegGeneration;
     for (const QString &path : std::as_const(m_locations.ffmpeg)) {
@@ -270,7 +324,7 @@ void DownloadManager::detectFfmpeg()
         ProbeTimeoutMs);
 }
 
-void DownloadManager::getFfmpegVersion(int generation, const QString &path)
+void ToolDiscovery::getFfmpegVersion(int generation, const QString &path)
 {
     runShellCommand(
         quoteIfNeeded(path) + u" -version 2>&1 | head -1"_s, PipeMode::Shared, this,
@@ -283,16 +337,16 @@ void DownloadManager::getFfmpegVersion(int generation, const QString &path)
             }
             const QString version = result.trimmedOutput();
             setFfmpeg(path, version);
-            info(u"✅ 检测到 FFmpeg: "_s + version);
+            addLog(u"✅ 检测到 FFmpeg: "_s + version, LogEntry::LogType::Info);
         },
         ProbeTimeoutMs);
 }
 
-void DownloadManager::setFfmpeg(const QString &path, const QString &version)
+void ToolDiscovery::setFfmpeg(const QString &path, const QString &version)
 {
     if (!m_ffmpegDetected) {
         m_ffmpegDetected = true;
-        QMetaObject::invokeMethod(this, &DownloadManager::pumpQueue, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(this, &ToolDiscovery::announceIfReady, Qt::QueuedConnection);
     }
     if (m_detectedFfmpeg == path && m_detectedFfmpegVersion == version)
         return;
@@ -301,7 +355,7 @@ void DownloadManager::setFfmpeg(const QString &path, const QString &version)
     Q_EMIT detectedFfmpegChanged();
 }
 
-QStringList DownloadManager::ffmpegArgs() const
+QStringList ToolDiscovery::ffmpegArgs() const
 {
     if (m_detectedFfmpeg.isEmpty())
         return {};
@@ -310,7 +364,7 @@ QStringList DownloadManager::ffmpegArgs() const
 
 // --- Chrome cookies
 
-bool DownloadManager::chromeCookiesAvailable() const
+bool ToolDiscovery::chromeCookiesAvailable() const
 {
     if (!findChromeCookieDatabase(m_locations.home).isEmpty())
         return true;

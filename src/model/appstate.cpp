@@ -73,6 +73,16 @@ QString bounded(const QString &message)
 
 void AppState::addLog(const QString &message, LogEntry::LogType type)
 {
+    queueLog(PendingLog { bounded(message), type, {} });
+}
+
+void AppState::addLog(const QString &message, LogEntry::LogType type, const QUuid &redraws)
+{
+    queueLog(PendingLog { bounded(message), type, redraws });
+}
+
+void AppState::queueLog(PendingLog entry)
+{
     // Calls are queued under one lock and drained by a single posted flush, so a burst of lines
     // becomes one model update per event-loop turn and the order is the order of the calls.
     QMutexLocker locker(&m_pendingMutex);
@@ -80,7 +90,7 @@ void AppState::addLog(const QString &message, LogEntry::LogType type)
     // than twice that.
     if (m_pending.size() >= 2 * MaxLogEntries)
         m_pending.remove(0, m_pending.size() - MaxLogEntries + 1);
-    m_pending.append(PendingLog { bounded(message), type });
+    m_pending.append(std::move(entry));
     if (m_flushScheduled)
         return;
     m_flushScheduled = true;
@@ -101,8 +111,28 @@ void AppState::flushPendingLogs()
     const QDateTime now = QDateTime::currentDateTime();
     QList<LogEntry> batch;
     batch.reserve(pending.size() - first);
-    for (qsizetype i = first; i < pending.size(); ++i)
-        batch.append(LogEntry { QUuid::createUuid(), now, pending.at(i).type, pending.at(i).message });
+    for (qsizetype i = first; i < pending.size(); ++i) {
+        const PendingLog &line = pending.at(i);
+        if (!line.redraws.isNull()) {
+            const QUuid previous = m_redrawnEntries.value(line.redraws);
+            const auto inBatch = std::find_if(
+                batch.rbegin(), batch.rend(), [&previous](const LogEntry &entry) { return entry.id == previous; });
+            if (!previous.isNull() && inBatch != batch.rend()) {
+                inBatch->message = line.message;
+                continue;
+            }
+            if (!previous.isNull() && m_log->replace(previous, line.message, now))
+                continue;
+        }
+        batch.append(LogEntry { QUuid::createUuid(), now, line.type, line.message });
+        if (!line.redraws.isNull()) {
+            // Keys of long-finished downloads are forgotten now and then; their entries have
+            // scrolled out of the log long since.
+            if (m_redrawnEntries.size() > 4 * MaxLogEntries)
+                m_redrawnEntries.clear();
+            m_redrawnEntries.insert(line.redraws, batch.constLast().id);
+        }
+    }
     m_log->append(std::move(batch));
 }
 

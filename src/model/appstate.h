@@ -5,6 +5,7 @@
 #include "model/logentry.h"
 #include "model/logmodel.h"
 
+#include <QHash>
 #include <QList>
 #include <QMutex>
 #include <QObject>
@@ -58,6 +59,9 @@ public:
     // Callable from any thread; returns at once. The entry is appended on this object's thread,
     // after every entry of an earlier call. A message longer than MaxLogMessageChars is cut.
     void addLog(const QString &message, LogEntry::LogType type);
+    // The same, for a line that redraws an earlier one: while the entry last logged with
+    // `redraws` is still in the log, its text and time are replaced instead of a line added.
+    void addLog(const QString &message, LogEntry::LogType type, const QUuid &redraws);
 
     // Empties the in-app log.
     Q_INVOKABLE void clearLog();
@@ -110,9 +114,11 @@ private:
     {
         QString message;
         LogEntry::LogType type;
+        QUuid redraws;
     };
 
     void flushPendingLogs();
+    void queueLog(PendingLog entry);
     void remember(const char *key, const QVariant &value) const;
 
     QString m_urlInput;
@@ -133,4 +139,6 @@ private:
     QMutex m_pendingMutex;
     QList<PendingLog> m_pending;
     bool m_flushScheduled = false;
+    // The entry each redrawn line last became (by the key it was logged with).
+    QHash<QUuid, QUuid> m_redrawnEntries;
 };

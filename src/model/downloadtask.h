@@ -41,6 +41,11 @@ public:
     std::optional<QString> outputPath;
     // A remark on a running task, such as that it has printed nothing for a while; else empty.
     QString notice;
+    // What a running download is doing once its streams are in ("合并中", "转换音频中",
+    // "后处理中"); empty while it downloads.
+    QString phase;
+    // The time left as yt-dlp estimates it ("00:31"), or empty.
+    QString eta;
 
     // A new task for `url`: fresh id, title = url, pending, started now.
     static DownloadTask create(const QString &url);

@@ -112,6 +112,22 @@ void LogModel::append(QList<LogEntry> batch)
         Q_EMIT countChanged();
 }
 
+bool LogModel::replace(const QUuid &id, const QString &message, const QDateTime &timestamp)
+{
+    // A redrawn line is nearly always one of the last few.
+    for (int row = count() - 1; row >= 0; --row) {
+        LogEntry &entry = m_entries[std::size_t(row)];
+        if (entry.id != id)
+            continue;
+        entry.message = message;
+        entry.timestamp = timestamp;
+        const QModelIndex changed = index(row);
+        Q_EMIT dataChanged(changed, changed, { MessageRole, TimestampRole, TimeTextRole });
+        return true;
+    }
+    return false;
+}
+
 void LogModel::clear()
 {
     if (m_entries.empty())

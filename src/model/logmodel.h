@@ -41,6 +41,8 @@ public:
     const LogEntry &at(int row) const { return m_entries[std::size_t(row)]; }
 
     void append(QList<LogEntry> batch);
+    // Gives the entry `id` a new message and time, if it is still in the log.
+    bool replace(const QUuid &id, const QString &message, const QDateTime &timestamp);
 
     static QString symbolFor(LogEntry::LogType type);
     static Tint tintFor(LogEntry::LogType type);

@@ -58,6 +58,14 @@ QVariant TaskModel::data(const QModelIndex &index, int role) const
         return task.notice;
     case ExplanationRole:
         return task.explanation.value_or(QString());
+    case PhaseRole:
+        return task.phase;
+    case EtaRole:
+        return task.eta;
+    case OutputPathRole:
+        return task.outputPath.value_or(QString());
+    case FileNameRole:
+        return task.outputPath ? task.outputPath->mid(task.outputPath->lastIndexOf(u'/') + 1) : QString();
     default:
         return QVariant();
     }
@@ -84,6 +92,10 @@ QHash<int, QByteArray> TaskModel::roleNames() const
         { HasErrorRole, "hasError" },
         { NoticeRole, "notice" },
         { ExplanationRole, "explanation" },
+        { PhaseRole, "phase" },
+        { EtaRole, "eta" },
+        { OutputPathRole, "outputPath" },
+        { FileNameRole, "fileName" },
     };
 }
 
@@ -158,6 +170,21 @@ void TaskModel::appendAll(const QList<DownloadTask> &tasks)
     Q_EMIT countChanged();
 }
 
+void TaskModel::remove(const QUuid &id)
+{
+    const int row = rowOf(id);
+    if (row < 0)
+        return;
+    beginRemoveRows(QModelIndex(), row, row);
+    const DownloadTask task = m_tasks.takeAt(row);
+    m_rows.remove(id);
+    for (int later = row; later < count(); ++later)
+        m_rows[m_tasks.at(later).id] = later;
+    endRemoveRows();
+    countStatus(task.status, -1);
+    Q_EMIT countChanged();
+}
+
 int TaskModel::rowOf(const QUuid &id) const
 {
     return m_rows.value(id, -1);
@@ -181,10 +208,18 @@ void TaskModel::changed(int row, const DownloadTask &before)
         roles << ErrorMessageRole << HasErrorRole;
     if (after.explanation != before.explanation)
         roles.append(ExplanationRole);
+    if (after.startTime != before.startTime)
+        roles.append(StartTimeRole);
     if (after.endTime != before.endTime)
         roles.append(EndTimeRole);
     if (after.notice != before.notice)
         roles.append(NoticeRole);
+    if (after.phase != before.phase)
+        roles.append(PhaseRole);
+    if (after.eta != before.eta)
+        roles.append(EtaRole);
+    if (after.outputPath != before.outputPath)
+        roles << OutputPathRole << FileNameRole;
     if (roles.isEmpty())
         return;
     const QModelIndex changedIndex = index(row);

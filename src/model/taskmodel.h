@@ -37,6 +37,10 @@ public:
         HasErrorRole,
         NoticeRole, // "60 秒无响应" while a download has been silent that long
         ExplanationRole, // the failure in plain words, or empty
+        PhaseRole, // "合并中", … after the download; else empty
+        EtaRole, // "00:31" while the time left is known
+        OutputPathRole, // the file the download ends in, once known; else empty
+        FileNameRole, // that file's name
     };
     Q_ENUM(Role)
 
@@ -59,6 +63,8 @@ public:
 
     void append(const DownloadTask &task);
     void appendAll(const QList<DownloadTask> &tasks);
+    // Removes the task with `id`, if it is there.
+    void remove(const QUuid &id);
 
     // Applies `change` to the task with `id`, if it is still there, and signals the roles whose
     // values differ afterwards. Returns false when there is no such task.

@@ -6,7 +6,7 @@ import QtQuick.Layouts
 import Quillbox
 
 // The right pane: every task in the order the engine keeps them, and the stop-all button while
-// something downloads. Rows can be selected; nothing else is done with a row.
+// something downloads. A row is selected by a click and acted on from its own buttons or menu.
 Rectangle {
     id: root
 
@@ -39,6 +39,10 @@ Rectangle {
                 tint: Theme.red
                 fill: "transparent"
                 iconSize: Theme.title2
+                Accessible.name: "全部停止"
+                ToolTip.visible: hovered
+                ToolTip.delay: 500
+                ToolTip.text: "全部停止"
                 onClicked: DownloadManager.cancelAllDownloads()
             }
         }

@@ -3,13 +3,21 @@ import QtQuick.Controls.Basic
 import QtQuick.Layouts
 import Quillbox
 
-// One task of the queue: its status badge, title, details, progress while it runs, and error. A
-// failure that has an explanation shows it first; the tool's own lines are one click away.
+// One task of the queue: its status badge, title, file, details, progress while it runs, and
+// error. A failure that has an explanation shows it first; the tool's own lines are one click
+// away. What can be done to the task is on the row while it is hovered or selected, and in its
+// context menu; each action only where it makes sense.
 AbstractButton {
     id: root
 
     required property string taskId
+    required property string url
+    required property int status
     required property string title
+    required property string phase
+    required property string eta
+    required property string outputPath
+    required property string fileName
     required property string statusLabel
     required property string statusSymbol
     required property int statusTint
@@ -28,14 +36,33 @@ AbstractButton {
 
     readonly property color tint: Theme.tint(statusTint)
     readonly property bool isExplained: explanation.length > 0
+    readonly property bool canStop: status === Download.Pending || status === Download.Preparing
+        || status === Download.Downloading
+    readonly property bool canRetry: status === Download.Failed || status === Download.Cancelled
+    readonly property bool hasFile: outputPath.length > 0
+    readonly property bool showsActions: hovered || isSelected || activeFocus || menu.visible
+    // What went wrong the last time the file or its folder was to be opened.
+    property string openError
+
+    function openFile() {
+        root.openError = Desktop.openFile(root.outputPath)
+    }
+    function showInFolder() {
+        root.openError = Desktop.showInFolder(root.outputPath)
+    }
+    function copyLink() {
+        Desktop.setClipboardText(root.url)
+    }
 
     // A reused row starts folded.
     onTaskIdChanged: {
         showsToolOutput = false
         copied = false
+        openError = ""
     }
 
     padding: 12
+    hoverEnabled: true
     focusPolicy: Qt.StrongFocus
     Keys.onReturnPressed: root.clicked()
     Keys.onEnterPressed: root.clicked()
@@ -77,13 +104,23 @@ AbstractButton {
                 font.weight: Font.Medium
                 elide: Text.ElideMiddle
             }
+            Text {
+                objectName: "fileNameText"
+                Layout.fillWidth: true
+                visible: root.fileName.length > 0
+                text: root.fileName
+                color: Theme.gray
+                font.pixelSize: Theme.caption2
+                elide: Text.ElideMiddle
+            }
             Row {
                 objectName: "details"
                 spacing: 6
 
                 Text {
                     objectName: "statusText"
-                    text: root.statusLabel
+                    // After the download, what is being done with it says more than "下载中".
+                    text: root.phase.length > 0 ? root.phase : root.statusLabel
                     color: root.tint
                     font.pixelSize: Theme.caption2
                 }
@@ -114,6 +151,19 @@ AbstractButton {
                     font.pixelSize: Theme.caption2
                 }
                 Text {
+                    visible: root.eta.length > 0
+                    text: "•"
+                    color: Theme.gray
+                    font.pixelSize: Theme.caption2
+                }
+                Text {
+                    objectName: "etaText"
+                    visible: root.eta.length > 0
+                    text: "剩余 " + root.eta
+                    color: Theme.gray
+                    font.pixelSize: Theme.caption2
+                }
+                Text {
                     visible: root.notice.length > 0
                     text: "•"
                     color: Theme.gray
@@ -134,14 +184,31 @@ AbstractButton {
                 spacing: 8
 
                 Rectangle {
+                    id: track
+
                     Layout.fillWidth: true
                     implicitHeight: 4
                     radius: Theme.radiusTiny
                     color: Theme.separator
+                    clip: true
 
                     Rectangle {
                         objectName: "progressFill"
-                        width: parent.width * Math.max(0, Math.min(1, root.progress))
+                        // While a step runs after the download, how long it takes is unknown:
+                        // a short stretch sweeps along the track instead.
+                        readonly property bool indeterminate: root.phase.length > 0
+                        property real sweep: 0
+
+                        x: indeterminate ? (track.width * 1.3) * sweep - track.width * 0.3 : 0
+                        width: indeterminate ? track.width * 0.3 : track.width * Math.max(0, Math.min(1, root.progress))
+
+                        NumberAnimation on sweep {
+                            running: parent.indeterminate && root.visible
+                            from: 0
+                            to: 1
+                            duration: 1200
+                            loops: Animation.Infinite
+                        }
                         height: parent.height
                         radius: Theme.radiusTiny
                         gradient: Gradient {
@@ -160,6 +227,7 @@ AbstractButton {
                 }
                 Text {
                     objectName: "percentText"
+                    visible: root.phase.length === 0
                     text: root.percentText
                     color: Theme.gray
                     font.pixelSize: Theme.caption2
@@ -184,6 +252,15 @@ AbstractButton {
                 font.family: root.isExplained ? Theme.fixedFont.family : root.font.family
                 wrapMode: Text.WrapAnywhere
                 textFormat: Text.PlainText
+            }
+            Text {
+                objectName: "openErrorText"
+                Layout.fillWidth: true
+                visible: root.openError.length > 0
+                text: root.openError
+                color: Theme.orange
+                font.pixelSize: Theme.caption2
+                wrapMode: Text.Wrap
             }
             Row {
                 visible: root.hasError
@@ -210,6 +287,106 @@ AbstractButton {
                     }
                 }
             }
+        }
+
+        Row {
+            objectName: "rowActions"
+            Layout.alignment: Qt.AlignTop
+            spacing: 4
+            // Kept in the layout while hidden, so the text does not reflow under the pointer.
+            opacity: root.showsActions ? 1 : 0
+            enabled: root.showsActions
+
+            RowAction {
+                objectName: "stopAction"
+                visible: root.canStop
+                text: "停止"
+                symbol: "stop.circle"
+                tint: Theme.red
+                onClicked: DownloadManager.stopDownload(root.taskId)
+            }
+            RowAction {
+                objectName: "retryAction"
+                visible: root.canRetry
+                text: "重试"
+                symbol: "arrow.clockwise"
+                onClicked: DownloadManager.retryDownload(root.taskId)
+            }
+            RowAction {
+                objectName: "openAction"
+                visible: root.hasFile
+                text: "打开文件"
+                symbol: "arrow.up.right.square"
+                onClicked: root.openFile()
+            }
+            RowAction {
+                objectName: "revealAction"
+                visible: root.hasFile
+                text: "在文件夹中显示"
+                symbol: "folder"
+                onClicked: root.showInFolder()
+            }
+            RowAction {
+                objectName: "copyLinkAction"
+                text: "复制链接"
+                symbol: "doc.on.doc"
+                onClicked: root.copyLink()
+            }
+            RowAction {
+                objectName: "removeAction"
+                text: "移除"
+                symbol: "trash"
+                onClicked: DownloadManager.removeDownload(root.taskId)
+            }
+        }
+    }
+
+    TapHandler {
+        acceptedButtons: Qt.RightButton
+        onTapped: eventPoint => menu.popup(root, eventPoint.position.x, eventPoint.position.y)
+    }
+    Keys.onMenuPressed: menu.popup(root, 0, root.height)
+
+    Menu {
+        id: menu
+
+        objectName: "rowMenu"
+
+        MenuItem {
+            objectName: "stopMenuItem"
+            text: "停止"
+            enabled: root.canStop
+            onTriggered: DownloadManager.stopDownload(root.taskId)
+        }
+        MenuItem {
+            objectName: "retryMenuItem"
+            text: "重试"
+            enabled: root.canRetry
+            onTriggered: DownloadManager.retryDownload(root.taskId)
+        }
+        MenuSeparator {}
+        MenuItem {
+            objectName: "openMenuItem"
+            text: "打开文件"
+            enabled: root.hasFile
+            onTriggered: root.openFile()
+        }
+        MenuItem {
+            objectName: "revealMenuItem"
+            text: "在文件夹中显示"
+            enabled: root.hasFile
+            onTriggered: root.showInFolder()
+        }
+        MenuItem {
+            objectName: "copyLinkMenuItem"
+            text: "复制链接"
+            onTriggered: root.copyLink()
+        }
+        MenuSeparator {}
+        MenuItem {
+            objectName: "removeMenuItem"
+            text: "移除"
+            onTriggered: DownloadManager.removeDownload(root.taskId)
         }
     }
 

@@ -4,15 +4,57 @@
 
 #include <QClipboard>
 #include <QDesktopServices>
+#include <QFileInfo>
 #include <QFontDatabase>
 #include <QGuiApplication>
 #include <QKeySequence>
+#include <QProcess>
+#include <QStandardPaths>
+
+using namespace Qt::StringLiterals;
 
 void Desktop::openUrl(const QUrl &url)
 {
     if (qEnvironmentVariableIsEmpty("QUILLBOX_NO_BROWSER"))
         QDesktopServices::openUrl(url);
     Q_EMIT urlOpened(url);
+}
+
+namespace {
+// The desktop's own opener: "open" on macOS, "xdg-open" elsewhere, found on the PATH.
+QString startOpener(const QStringList &arguments)
+{
+#ifdef Q_OS_MACOS
+    const QString name = u"open"_s;
+#else
+    const QString name = u"xdg-open"_s;
+#endif
+    const QString program = QStandardPaths::findExecutable(name);
+    if (program.isEmpty())
+        return u"找不到用来打开文件的程序（%1）"_s.arg(name);
+    if (!QProcess::startDetached(program, arguments))
+        return u"无法启动 %1"_s.arg(name);
+    return {};
+}
+} // namespace
+
+QString Desktop::openFile(const QString &path)
+{
+    if (!QFileInfo(path).isFile())
+        return u"文件已不存在：%1"_s.arg(path);
+    return startOpener({ path });
+}
+
+QString Desktop::showInFolder(const QString &path)
+{
+    const QFileInfo file(path);
+    if (!file.exists())
+        return u"文件已不存在：%1"_s.arg(path);
+#ifdef Q_OS_MACOS
+    return startOpener({ u"-R"_s, file.absoluteFilePath() });
+#else
+    return startOpener({ file.absolutePath() });
+#endif
 }
 
 QString Desktop::clipboardText() const

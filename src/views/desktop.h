@@ -6,7 +6,8 @@
 #include <QVariant>
 #include <QtQml/qqmlregistration.h>
 
-// What views ask of the desktop: open a web page, read and write the clipboard's text; and what
+// What views ask of the desktop: open a web page or a downloaded file, read and write the
+// clipboard's text; and what
 // the About panel shows of the application (its version and home page).
 class Desktop : public QObject
 {
@@ -23,6 +24,11 @@ public:
     // Opens `url` in the default browser (not when QUILLBOX_NO_BROWSER is set, as in tests);
     // urlOpened() tells either way.
     Q_INVOKABLE void openUrl(const QUrl &url);
+    // Opens a downloaded file with its default application, or shows the folder that holds it
+    // (on macOS with the file selected). Returns "" once the opener has started, else what went
+    // wrong, for the interface to say.
+    Q_INVOKABLE QString openFile(const QString &path);
+    Q_INVOKABLE QString showInFolder(const QString &path);
     Q_INVOKABLE QString clipboardText() const;
     Q_INVOKABLE void setClipboardText(const QString &text);
     // The file-system path of a file: URL (as a folder dialog gives it), and back.

@@ -1,0 +1,43 @@
+#pragma once
+
+#include "engine/engineerror.h"
+
+#include <QObject>
+#include <QString>
+
+#include <functional>
+
+class AppState;
+class ToolDiscovery;
+
+struct FormatListResult
+{
+    bool ok = false;
+    QString text; // the format table as yt-dlp printed it
+    EngineError error;
+};
+
+// The work on yt-dlp itself rather than on a download: updating it and listing a link's formats,
+// each one shell command with a time limit, run with the tools discovery found.
+class Maintenance : public QObject
+{
+    Q_OBJECT
+
+public:
+    static constexpr int ListFormatsTimeoutMs = 180000;
+    static constexpr int UpdateTimeoutMs = 600000;
+
+    Maintenance(AppState *appState, ToolDiscovery *tools, QObject *parent = nullptr);
+
+    // Homebrew's upgrade when brew is there, else "yt-dlp -U"; `completion` gets the text for
+    // the user ("✅ …" or "❌ …"), and the version is probed again after a success.
+    void updateYtDlp(std::function<void(const QString &)> completion);
+    void listFormats(const QString &url, bool useCookies, std::function<void(const FormatListResult &)> completion);
+
+private:
+    void addLog(const QString &message, LogEntry::LogType type) const;
+    void info(const QString &message) const { addLog(message, LogEntry::LogType::Info); }
+
+    AppState *m_appState;
+    ToolDiscovery *m_tools;
+};
