@@ -27,9 +27,14 @@ Rectangle {
         id: scroller
 
         objectName: "inputScroller"
-        anchors.fill: parent
+        anchors.top: parent.top
+        anchors.left: parent.left
+        anchors.right: parent.right
+        anchors.bottom: footer.top
         contentWidth: availableWidth
         clip: true
+        // When the form is taller than the pane, the bar says so without being hovered first.
+        ScrollBar.vertical.policy: contentHeight > height ? ScrollBar.AlwaysOn : ScrollBar.AsNeeded
 
         Rectangle {
             width: scroller.availableWidth
@@ -161,33 +166,55 @@ Rectangle {
                             }
                         }
                     }
-
-                    TextButton {
-                        objectName: "startButton"
-                        Layout.fillWidth: true
-                        implicitHeight: 46
-                        text: "开始下载"
-                        symbol: "arrow.down.circle.fill"
-                        tint: Theme.text
-                        fill: Theme.accent
-                        gradientTo: Theme.orangeAccent
-                        cornerRadius: Theme.radiusLarge
-                        fontSize: Theme.headline
-                        fontWeight: Font.DemiBold
-                        spacing: 8
-                        contentOpacity: 1
-                        fillOpacity: down ? 0.85 : 1
-                        onClicked: inputPresenter.startDownload()
-                    }
-                    Text {
-                        objectName: "startNotice"
-                        Layout.alignment: Qt.AlignHCenter
-                        visible: text.length > 0
-                        text: inputPresenter.startNotice
-                        color: Theme.orange
-                        font.pixelSize: Theme.caption
-                    }
                 }
+            }
+        }
+    }
+
+    // "开始下载" stays in sight at the foot of the pane, however tall the form above it grows.
+    Rectangle {
+        id: footer
+
+        anchors.left: parent.left
+        anchors.right: parent.right
+        anchors.bottom: parent.bottom
+        implicitHeight: footerColumn.implicitHeight + 28
+        color: Theme.surface
+
+        ColumnLayout {
+            id: footerColumn
+
+            anchors.fill: parent
+            anchors.leftMargin: 20
+            anchors.rightMargin: 20
+            anchors.topMargin: 8
+            anchors.bottomMargin: 20
+            spacing: 10
+
+            TextButton {
+                objectName: "startButton"
+                Layout.fillWidth: true
+                implicitHeight: 46
+                text: "开始下载"
+                symbol: "arrow.down.circle.fill"
+                tint: Theme.text
+                fill: Theme.accent
+                gradientTo: Theme.orangeAccent
+                cornerRadius: Theme.radiusLarge
+                fontSize: Theme.headline
+                fontWeight: Font.DemiBold
+                spacing: 8
+                contentOpacity: 1
+                fillOpacity: down ? 0.85 : 1
+                onClicked: inputPresenter.startDownload()
+            }
+            Text {
+                objectName: "startNotice"
+                Layout.alignment: Qt.AlignHCenter
+                visible: text.length > 0
+                text: inputPresenter.startNotice
+                color: Theme.orange
+                font.pixelSize: Theme.caption
             }
         }
     }

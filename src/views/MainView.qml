@@ -45,26 +45,41 @@ Item {
             spacing: 0
 
             SplitView {
+                id: panes
+
+                objectName: "panes"
                 Layout.fillWidth: true
                 Layout.fillHeight: true
                 orientation: Qt.Horizontal
 
-                handle: Rectangle {
-                    implicitWidth: 1
-                    color: Theme.border
+                // A hairline to see, a few pixels to grab.
+                handle: Item {
+                    implicitWidth: 7
+
+                    Rectangle {
+                        anchors.horizontalCenter: parent.horizontalCenter
+                        width: 1
+                        height: parent.height
+                        color: parent.SplitHandle.hovered || parent.SplitHandle.pressed ? Theme.gray : Theme.border
+                    }
+                    HoverHandler {
+                        cursorShape: Qt.SplitHCursor
+                    }
                 }
 
                 DownloadInputView {
                     id: inputView
 
                     objectName: "downloadInput"
-                    SplitView.minimumWidth: 400
+                    SplitView.minimumWidth: 320
                     SplitView.fillWidth: true
                 }
+                // Both panes fit the smallest window; on a wide one the queue takes its share,
+                // until the divider is dragged.
                 DownloadQueueView {
                     objectName: "downloadQueue"
-                    SplitView.minimumWidth: 350
-                    SplitView.preferredWidth: 420
+                    SplitView.minimumWidth: 340
+                    SplitView.preferredWidth: Math.max(340, Math.round(panes.width * 0.42))
                 }
             }
 

@@ -91,7 +91,9 @@ public:
 
     // A task list of its own, with one task in each of the given states at the given progress,
     // for rows the engine never produces on cue (paused) or only for an instant (preparing).
-    Q_INVOKABLE TaskModel *sampleTasks(const QStringList &statuses, double progress, const QString &notice = {})
+    // Each may be given a phase and the file it ends in.
+    Q_INVOKABLE TaskModel *sampleTasks(const QStringList &statuses, double progress, const QString &notice = {},
+        const QString &phase = {}, const QString &outputPath = {})
     {
         auto *model = new TaskModel(this);
         for (const QString &status : statuses) {
@@ -99,9 +101,35 @@ public:
             task.status = downloadStatusFromRawValue(status).value_or(DownloadStatus::Pending);
             task.progress = progress;
             task.notice = notice;
+            task.phase = phase;
+            if (!outputPath.isEmpty())
+                task.outputPath = outputPath;
             model->append(task);
         }
         return model;
+    }
+
+    // The desktop's opener ("xdg-open", or "open" on macOS) becomes a stand-in that writes its
+    // arguments, one run per line, for openedWith() to read.
+    Q_INVOKABLE void replaceOpener() const
+    {
+        const QString bin = m_root + u"/opener"_s;
+        QDir().mkpath(bin);
+        for (const QString &name : { u"xdg-open"_s, u"open"_s }) {
+            QFile file(bin + u'/' + name);
+            if (file.open(QIODevice::WriteOnly | QIODevice::Truncate))
+                file.write("#!/bin/sh\necho \"$*\" >> '" + m_root.toUtf8() + "/opened.txt'\n");
+            file.close();
+            file.setPermissions(file.permissions() | QFileDevice::ExeOwner);
+        }
+        if (!qEnvironmentVariable("PATH").startsWith(bin))
+            qputenv("PATH", (bin + u':' + qEnvironmentVariable("PATH")).toUtf8());
+    }
+    Q_INVOKABLE QStringList openedWith() const
+    {
+        QFile file(m_root + u"/opened.txt"_s);
+        return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()).split(u'\n', Qt::SkipEmptyParts)
+                                              : QStringList();
     }
 
     Q_INVOKABLE QVariant setting(const QString &key) const { return QSettings().value(key); }
