@@ -36,53 +36,38 @@ void TestErrorExplanation::recorded_data()
 {
     QTest::addColumn<QString>("recording");
     QTest::addColumn<QString>("says"); // a part of the explanation only this case has
-    QTest::addColumn<QString>("messageStart"); // how the tool's own message begins
-
-    const QString webpage = u"ERROR: [generic] None: Unable to download webpage: "_s;
     // Recorded with Debian's yt-dlp against 127.0.0.1.
-    QTest::newRow("404") << u"http-404"_s << u"链接不存在或已删除"_s << webpage + u"HTTP Error 404"_s;
-    QTest::newRow("410") << u"http-410"_s << u"链接不存在或已删除"_s << webpage + u"HTTP Error 410"_s;
-    QTest::newRow("403") << u"http-403"_s << u"访问被拒绝或请求过多"_s << webpage + u"HTTP Error 403"_s;
-    QTest::newRow("429") << u"http-429"_s << u"调低“同时下载数”"_s << webpage + u"HTTP Error 429"_s;
-    QTest::newRow("closed port") << u"connection-refused"_s << u"拒绝了连接"_s << webpage + u"<urlopen"_s;
-    QTest::newRow("name not resolved") << u"dns-failure"_s << u"无法解析网址中的域名"_s << webpage + u"<urlopen"_s;
-    QTest::newRow("no answer") << u"timeout"_s << u"连接超时"_s << webpage + u"timed out"_s;
-    QTest::newRow("unknown option") << u"unknown-option"_s << u"不认识“--no-such-option”"_s
-                                    << u"yt-dlp: error: no such option"_s;
-    QTest::newRow("silent video as audio") << u"silent-audio-only"_s << u"没有音轨"_s
-                                           << u"ERROR: Postprocessing: WARNING: unable to obtain file audio codec"_s;
-    QTest::newRow("name too long") << u"name-too-long"_s << u"--trim-filenames"_s
-                                   << u"ERROR: unable to open for writing: [Errno 36] File name too long"_s;
-    QTest::newRow("full disk") << u"disk-full"_s << u"磁盘空间不足"_s << u"ERROR: unable to write data: [Errno 28]"_s;
-    QTest::newRow("read-only folder") << u"read-only-folder"_s << u"无法写入输出目录"_s
-                                      << u"ERROR: unable to open for writing: [Errno 30]"_s;
-    QTest::newRow("not a link") << u"not-a-link"_s << u"不是有效的链接"_s
-                                << u"ERROR: [generic] None: 'hello world' is not a valid URL"_s;
-    QTest::newRow("page without video") << u"unsupported-url"_s << u"不支持的链接"_s
-                                        << u"WARNING: [generic] Falling back"_s;
-    QTest::newRow("format not offered") << u"format-not-available"_s << u"没有所需的格式"_s
-                                        << u"ERROR: [generic] video: Requested format is not available"_s;
-    QTest::newRow("ffmpeg missing") << u"ffmpeg-missing"_s << u"找不到 FFmpeg"_s
-                                    << u"WARNING: ffmpeg-location /nonexistent/ffmpeg does not exist"_s;
-    QTest::newRow("yt-dlp missing, bash")
-        << u"missing-ytdlp-bash"_s << u"找不到 yt-dlp"_s << u"下载失败 (错误码: 127)"_s;
-    QTest::newRow("yt-dlp missing, zsh") << u"missing-ytdlp-zsh"_s << u"找不到 yt-dlp"_s << u"下载失败 (错误码: 127)"_s;
+    QTest::newRow("404") << u"http-404"_s << u"链接不存在或已删除"_s;
+    QTest::newRow("410") << u"http-410"_s << u"链接不存在或已删除"_s;
+    QTest::newRow("403") << u"http-403"_s << u"访问被拒绝或请求过多"_s;
+    QTest::newRow("429") << u"http-429"_s << u"调低“同时下载数”"_s;
+    QTest::newRow("closed port") << u"connection-refused"_s << u"拒绝了连接"_s;
+    QTest::newRow("name not resolved") << u"dns-failure"_s << u"无法解析网址中的域名"_s;
+    QTest::newRow("no answer") << u"timeout"_s << u"连接超时"_s;
+    QTest::newRow("unknown option") << u"unknown-option"_s << u"不认识“--no-such-option”"_s;
+    QTest::newRow("silent video as audio") << u"silent-audio-only"_s << u"没有音轨"_s;
+    QTest::newRow("name too long") << u"name-too-long"_s << u"--trim-filenames"_s;
+    QTest::newRow("full disk") << u"disk-full"_s << u"磁盘空间不足"_s;
+    QTest::newRow("read-only folder") << u"read-only-folder"_s << u"无法写入输出目录"_s;
+    QTest::newRow("not a link") << u"not-a-link"_s << u"不是有效的链接"_s;
+    QTest::newRow("page without video") << u"unsupported-url"_s << u"不支持的链接"_s;
+    QTest::newRow("format not offered") << u"format-not-available"_s << u"没有所需的格式"_s;
+    QTest::newRow("ffmpeg missing") << u"ffmpeg-missing"_s << u"找不到 FFmpeg"_s;
     // Transcribed lines of cases that need a real site.
-    QTest::newRow("bot check") << u"sign-in-bot"_s << u"不是机器人"_s << u"ERROR: [youtube]"_s;
-    QTest::newRow("age") << u"sign-in-age"_s << u"年龄限制"_s << u"ERROR: [youtube]"_s;
-    QTest::newRow("members only") << u"members-only"_s << u"频道会员"_s << u"ERROR: [youtube]"_s;
-    QTest::newRow("private") << u"private-video"_s << u"私享视频"_s << u"ERROR: [youtube]"_s;
-    QTest::newRow("login required") << u"login-required"_s << u"只对登录的用户开放"_s << u"ERROR: [vimeo]"_s;
-    QTest::newRow("no JavaScript runtime") << u"no-js-runtime"_s << u"请安装 Deno"_s << u"WARNING: [youtube] No"_s;
-    QTest::newRow("n challenge") << u"n-challenge"_s << u"请安装 Deno"_s << u"WARNING: [youtube] XXXXXXXXXXX: n"_s;
-    QTest::newRow("geo-restricted") << u"geo-restricted"_s << u"地区限制"_s << u"ERROR: [example] 1: The uploader"_s;
+    QTest::newRow("bot check") << u"sign-in-bot"_s << u"不是机器人"_s;
+    QTest::newRow("age") << u"sign-in-age"_s << u"年龄限制"_s;
+    QTest::newRow("members only") << u"members-only"_s << u"频道会员"_s;
+    QTest::newRow("private") << u"private-video"_s << u"私享视频"_s;
+    QTest::newRow("login required") << u"login-required"_s << u"只对登录的用户开放"_s;
+    QTest::newRow("no JavaScript runtime") << u"no-js-runtime"_s << u"请安装 Deno"_s;
+    QTest::newRow("n challenge") << u"n-challenge"_s << u"请安装 Deno"_s;
+    QTest::newRow("geo-restricted") << u"geo-restricted"_s << u"地区限制"_s;
 }
 
 void TestErrorExplanation::recorded()
 {
     QFETCH(QString, recording);
     QFETCH(QString, says);
-    QFETCH(QString, messageStart);
 
     QFile file(qEnvironmentVariable("QUILLBOX_TESTS_DIR") + u"/data/failures/"_s + recording + u".json"_s);
     QVERIFY(file.open(QIODevice::ReadOnly));
@@ -97,9 +82,9 @@ void TestErrorExplanation::recorded()
 
     const QString explanation = task.explanation.value_or(QString());
     QVERIFY2(explanation.contains(says), qPrintable(explanation));
+    // The tool's own message stays, apart from the explanation.
     const QString message = task.errorMessage.value_or(QString());
-    QVERIFY2(message.startsWith(messageStart), qPrintable(message));
-    QVERIFY(!message.contains(explanation));
+    QVERIFY(!message.isEmpty() && !message.contains(explanation));
     // The log says it once more, after the tool's lines.
     const QList<LogEntry> log = m_engine->state.logEntries();
     QCOMPARE(log.constLast().message, explanation);
@@ -111,14 +96,12 @@ void TestErrorExplanation::withoutOutput_data()
     QTest::addColumn<QStringList>("lines");
     QTest::addColumn<int>("exitCode");
     QTest::addColumn<bool>("crashed");
-    QTest::addColumn<QString>("says"); // empty: no explanation
+    QTest::addColumn<QString>("says");
 
     QTest::newRow("killed by a signal") << QStringList() << int(SIGKILL) << true << u"被外部结束"_s;
     QTest::newRow("shell reports SIGKILL") << QStringList() << 128 + SIGKILL << false << u"被外部结束"_s;
     QTest::newRow("not executable") << QStringList { u"sh: 1: /x/yt-dlp: Permission denied"_s } << 126 << false
                                     << u"yt-dlp 无法运行（/x/yt-dlp）"_s;
-    QTest::newRow("unknown error") << QStringList { u"ERROR: something nobody has seen"_s } << 1 << false << QString();
-    QTest::newRow("silent failure") << QStringList() << 1 << false << QString();
     // A warning is a cause only when no error line names one.
     QTest::newRow("error line first") << QStringList { u"WARNING: ffmpeg not found"_s, u"ERROR: HTTP Error 404"_s } << 1
                                       << false << u"链接不存在或已删除"_s;
@@ -131,10 +114,7 @@ void TestErrorExplanation::withoutOutput()
     QFETCH(bool, crashed);
     QFETCH(QString, says);
     const std::optional<QString> explanation = explainFailure(FailedRun { lines, exitCode, crashed, u"/x/yt-dlp"_s });
-    if (says.isEmpty())
-        QCOMPARE(explanation, std::nullopt);
-    else
-        QVERIFY2(explanation.value_or(QString()).contains(says), qPrintable(explanation.value_or(u"-"_s)));
+    QVERIFY2(explanation.value_or(QString()).contains(says), qPrintable(explanation.value_or(u"-"_s)));
 }
 
 QTEST_GUILESS_MAIN(TestErrorExplanation)

@@ -22,7 +22,6 @@ void TestLinkInput::links_data()
     const QString b = u"youtu.be/b"_s;
     QTest::newRow("trimmed, blanks dropped")
         << u"  "_s + a + u"  \n\n\t"_s + b + u"\n   "_s << QStringList { a, b } << QStringList();
-    QTest::newRow("only blank lines") << u"\n  \n\t\n"_s << QStringList() << QStringList();
     QTest::newRow("any line break") << a + u"\r\n"_s + b + u"\r"_s + a + u"\u2028"_s + b + u"\u0085"_s + a
                                     << QStringList { a, b, a, b, a } << QStringList();
     QTest::newRow("wide spaces trimmed") << u"\u3000"_s + a + u"\u00a0"_s << QStringList { a } << QStringList();

@@ -17,7 +17,6 @@ void TestHexColor::parse_data()
 {
     QTest::addColumn<QString>("text");
     QTest::addColumn<QRgb>("rgb");
-    QTest::newRow("palette") << u"#0D1117"_s << QRgb(0x0D1117);
     QTest::newRow("no hash") << u"00D4FF"_s << QRgb(0x00D4FF);
     QTest::newRow("trimmed, lower case") << u" #00d4ff\n"_s << QRgb(0x00D4FF);
     QTest::newRow("unreadable is black") << u"zz"_s << QRgb(0x000000);

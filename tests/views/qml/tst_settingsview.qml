@@ -75,9 +75,7 @@ TestCase {
             ["yt-dlp 配置", "JS 运行时（YouTube EJS）", "FFmpeg（音频转码）", "下载设置"])
         compare(texts(groups[3]), ["下载设置", "默认输出目录", "浏览...", "同时下载数"])
         // What the engine found, as it found it.
-        const ytDlp = texts(groups[0])
-        verify(ytDlp.includes("已安装 (v" + DownloadManager.ytDlpVersion + ")"), ytDlp)
-        verify(ytDlp.includes("自动检测路径: " + DownloadManager.ytDlpPath), ytDlp)
+        verify(texts(groups[0]).includes("自动检测路径: " + DownloadManager.ytDlpPath))
         // Nothing has been updated in a sheet just made.
         verify(!button(sheet, "updateResultText").visible)
         compare(button(sheet, "outputDirField").text, AppState.outputDirectory)
@@ -132,7 +130,6 @@ TestCase {
         tryCompare(status, "text", "未检测到 JS 运行时", 20000)
         verify(install.visible)
         verify(button(sheet, "runtimeBrewHint").visible)
-        compare(button(sheet, "runtimeBrewHint").text, "通过 Homebrew 安装：brew install deno  或  brew install node")
         verify(!button(sheet, "runtimePathText").visible)
         mouseClick(install)
         compare(urlSpy.count, 1)
@@ -144,10 +141,7 @@ TestCase {
         verify(!install.visible)
         verify(!button(sheet, "runtimeBrewHint").visible)
         compare(button(sheet, "runtimePathText").text, denoPath)
-
         TestHelper.removeFile(denoPath)
-        DownloadManager.detectJSRuntime()
-        tryCompare(status, "text", "未检测到 JS 运行时", 20000)
     }
 
     function test_pickerOnlyFillsTheField() {
