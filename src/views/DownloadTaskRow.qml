@@ -193,6 +193,8 @@ AbstractButton {
                     clip: true
 
                     Rectangle {
+                        id: fill
+
                         objectName: "progressFill"
                         // While a step runs after the download, how long it takes is unknown:
                         // a short stretch sweeps along the track instead.
@@ -203,7 +205,7 @@ AbstractButton {
                         width: indeterminate ? track.width * 0.3 : track.width * Math.max(0, Math.min(1, root.progress))
 
                         NumberAnimation on sweep {
-                            running: parent.indeterminate && root.visible
+                            running: fill.indeterminate && root.visible
                             from: 0
                             to: 1
                             duration: 1200

@@ -1,4 +1,5 @@
 #include "engine/downloadmanager.h"
+#include "engine/downloadoutput.h"
 #include "model/appstate.h"
 #include "model/taskmodel.h"
 
@@ -169,9 +170,17 @@ void TestEndToEnd::downloads()
     DownloadManager &manager = *engine->manager;
     const QString outputDir = engine->fixture.path(folder);
     QVERIFY(!QFileInfo::exists(outputDir));
+    // The one bar of the row, over every stream and step: it never goes back.
+    QList<double> progress;
+    connect(manager.taskModel(), &QAbstractItemModel::dataChanged, &manager,
+        [&](const QModelIndex &row, const QModelIndex &, const QList<int> &roles) {
+            if (roles.contains(TaskModel::ProgressRole))
+                progress << row.data(TaskModel::ProgressRole).toDouble();
+        });
 
     manager.startDownload(m_base + path, preset, QString(), outputDir, false, false);
     QTRY_VERIFY_WITH_TIMEOUT(engine->settled(), Patience);
+    QVERIFY(std::is_sorted(progress.cbegin(), progress.cend()));
 
     const DownloadTask task = engine->only();
     const QStringList log = engine->log();
@@ -183,6 +192,9 @@ void TestEndToEnd::downloads()
     QVERIFY(!task.errorMessage.has_value());
     QCOMPARE(QDir(outputDir).entryList(QDir::Files | QDir::Hidden), QStringList { file });
     QCOMPARE(streamKinds(outputDir + u'/' + file), streams);
+    // The row names the file it ended in, after merging or converting, with that file's size.
+    QCOMPARE(task.outputPath, std::optional(outputDir + u'/' + file));
+    QCOMPARE(task.size, DownloadOutput::formatBytes(QFileInfo(outputDir + u'/' + file).size()));
     QTRY_VERIFY(engine->log().contains(u"✅ 下载完成！"_s));
 }
 

@@ -208,7 +208,7 @@ TestCase {
         showMainView(1200, 800)
         AppState.selectedPreset = Download.Custom
         AppState.showLogPanel = true
-        tryCompare(child("logPanel"), "visible", true)
+        tryVerify(() => findChild(view, "logPanel") !== null)
         wait(400) // the panel slides in
         verify(inside(child("startButton")))
     }
