@@ -1,4 +1,4 @@
-#include "engine/downloadmanager.h"
+#include "engine/tooldiscovery.h"
 #include "model/appstate.h"
 
 #include "enginefixture.h"
@@ -36,7 +36,17 @@ QByteArray versionScript(const QByteArray &version, int exitCode = 0)
     return "case \"$*\" in *--version*) echo " + version + "; exit " + QByteArray::number(exitCode) + ";; esac\nexit 0";
 }
 
-void waitForDiscovery(const DownloadManager &manager)
+// Discovery on its own, started as the engine starts it.
+struct StartedDiscovery : ToolDiscovery
+{
+    StartedDiscovery(AppState *state, ToolLocations locations)
+        : ToolDiscovery(state, std::move(locations))
+    {
+        start();
+    }
+};
+
+void waitForDiscovery(const ToolDiscovery &manager)
 {
     QTRY_VERIFY_WITH_TIMEOUT(manager.isYtDlpPathKnown(), 20000);
 }
@@ -89,7 +99,7 @@ void TestToolDiscovery::choosingTheYtDlpPath()
     }
 
     AppState state;
-    DownloadManager manager(&state, locations);
+    StartedDiscovery manager(&state, locations);
     waitForDiscovery(manager);
     QCOMPARE(manager.ytDlpPath(), fixture.path(chosen));
     QTRY_VERIFY(!manager.ytDlpVersion().isEmpty());
@@ -105,7 +115,7 @@ void TestToolDiscovery::pathWithSpaces()
     locations.ytDlp << fixture.writeScript(u"My Tools/it's here/yt-dlp"_s, versionScript("2025.12.01"));
     locations.ffmpeg << fixture.writeScript(u"My Tools/ffmpeg"_s, "echo 'ffmpeg version 9 spaced'");
     AppState state;
-    DownloadManager manager(&state, locations);
+    StartedDiscovery manager(&state, locations);
     waitForDiscovery(manager);
     QCOMPARE(manager.ytDlpPath(), locations.ytDlp.constFirst());
     QTRY_COMPARE(manager.ytDlpVersion(), u"2025.12.01"_s);
@@ -129,7 +139,7 @@ void TestToolDiscovery::runtimeOrder()
         { u"bun"_s, { fixture.writeScript(u"b1/bun"_s, "exit 0") } },
     };
     AppState state;
-    DownloadManager manager(&state, locations);
+    StartedDiscovery manager(&state, locations);
     QTRY_COMPARE_WITH_TIMEOUT(manager.detectedJSRuntime(), u"node"_s, 20000);
     QCOMPARE(manager.detectedJSRuntimePath(), fixture.path(u"n3/node"_s));
     const QStringList lookedUp = fixture.readFile(u"home/which.log"_s).split(u'\n', Qt::SkipEmptyParts);
@@ -147,7 +157,7 @@ void TestToolDiscovery::runtimeFoundByWhichBeatsLaterRuntimes()
     ToolLocations locations = fixture.emptyLocations();
     locations.runtimes[1].candidates << fixture.writeScript(u"n/node"_s, "exit 0");
     AppState state;
-    DownloadManager manager(&state, locations);
+    StartedDiscovery manager(&state, locations);
     QTRY_COMPARE_WITH_TIMEOUT(manager.detectedJSRuntime(), u"deno"_s, 20000);
     QCOMPARE(manager.detectedJSRuntimePath(), deno);
     QVERIFY(fixture.systemLog().contains(u"[Quillbox] [detectJSRuntime] 通过 which 检测到 deno: "_s + deno));
@@ -157,7 +167,7 @@ void TestToolDiscovery::noRuntimeWarns()
 {
     EngineFixture fixture;
     AppState state;
-    DownloadManager manager(&state, fixture.emptyLocations());
+    StartedDiscovery manager(&state, fixture.emptyLocations());
     QTRY_VERIFY_WITH_TIMEOUT(EngineFixture::messages(state).contains(
                                  u"⚠️ 未检测到 JS 运行时（Deno/Node/Bun），YouTube 下载可能失败"_s),
         20000);
@@ -176,7 +186,7 @@ void TestToolDiscovery::silentFfmpeg()
     ToolLocations locations = fixture.emptyLocations();
     locations.ffmpeg << fixture.path(u"nope/ffmpeg"_s) << fixture.writeScript(u"f/ffmpeg.exe"_s, "exit 3");
     AppState state;
-    DownloadManager manager(&state, locations);
+    StartedDiscovery manager(&state, locations);
     QTRY_COMPARE_WITH_TIMEOUT(manager.detectedFfmpeg(), fixture.path(u"f/ffmpeg.exe"_s), 20000);
     QCOMPARE(manager.detectedFfmpegVersion(), QString());
     QTRY_VERIFY(EngineFixture::messages(state).contains(u"✅ 检测到 FFmpeg: "_s));
@@ -186,7 +196,7 @@ void TestToolDiscovery::missingFfmpeg()
 {
     EngineFixture fixture;
     AppState state;
-    DownloadManager manager(&state, fixture.emptyLocations());
+    StartedDiscovery manager(&state, fixture.emptyLocations());
     QTRY_VERIFY_WITH_TIMEOUT(fixture.systemLog().contains(u"[Quillbox] [detectFfmpeg] 未检测到 ffmpeg"_s), 20000);
     QCOMPARE(manager.detectedFfmpeg(), QString());
     QCOMPARE(manager.ffmpegArgs(), QStringList());
@@ -207,7 +217,7 @@ void TestToolDiscovery::jsRuntimesNeedARecentYtDlp()
 {
     QFETCH(QByteArray, version);
     QFETCH(bool, supported);
-    QCOMPARE(DownloadManager::supportsJsRuntimes(QString::fromLatin1(version)), supported);
+    QCOMPARE(ToolDiscovery::supportsJsRuntimes(QString::fromLatin1(version)), supported);
 
     EngineFixture fixture;
     ToolLocations locations = fixture.emptyLocations();
@@ -215,7 +225,7 @@ void TestToolDiscovery::jsRuntimesNeedARecentYtDlp()
     const QString node = fixture.writeScript(u"n/node"_s, "exit 0");
     locations.runtimes[1].candidates << node;
     AppState state;
-    DownloadManager manager(&state, locations);
+    StartedDiscovery manager(&state, locations);
     QTRY_COMPARE_WITH_TIMEOUT(manager.ytDlpVersion(), QString::fromLatin1(version), 20000);
     QTRY_COMPARE(manager.detectedJSRuntime(), u"node"_s);
 
@@ -239,7 +249,7 @@ void TestToolDiscovery::setCustomPath()
     locations.ytDlp << fixture.writeScript(
         u"y/yt-dlp"_s, "echo probe >> \"$HOME/probes.log\"\n" + versionScript("2025.11.20"));
     AppState state;
-    DownloadManager manager(&state, locations);
+    StartedDiscovery manager(&state, locations);
     QTRY_COMPARE_WITH_TIMEOUT(manager.ytDlpVersion(), u"2025.11.20"_s, 20000);
     QTRY_COMPARE(fixture.readFile(u"home/probes.log"_s).count(u"probe"_s), 2); // candidate test + version
 
@@ -269,10 +279,10 @@ void TestToolDiscovery::startDoesNotWaitForTheShell()
     AppState state;
     QStringList order;
     QTimer::singleShot(0, [&order] { order << u"event loop turned"_s; });
-    DownloadManager manager(&state, fixture.emptyLocations());
+    StartedDiscovery manager(&state, fixture.emptyLocations());
     order << u"engine created"_s;
     QVERIFY(!manager.isYtDlpPathKnown());
-    connect(&manager, &DownloadManager::ytDlpPathChanged, [&order] { order << u"path chosen"_s; });
+    connect(&manager, &ToolDiscovery::ytDlpPathChanged, [&order] { order << u"path chosen"_s; });
     QTRY_VERIFY_WITH_TIMEOUT(manager.isYtDlpPathKnown(), 20000);
     QCOMPARE(order, QStringList({ u"engine created"_s, u"event loop turned"_s, u"path chosen"_s }));
 }
@@ -284,7 +294,7 @@ void TestToolDiscovery::shellThatCannotStart()
     ToolLocations locations = fixture.emptyLocations();
     locations.ytDlp << fixture.writeScript(u"y/yt-dlp"_s, versionScript("2025.11.12"));
     AppState state;
-    DownloadManager manager(&state, locations);
+    StartedDiscovery manager(&state, locations);
     waitForDiscovery(manager);
     QCOMPARE(manager.ytDlpPath(), u"yt-dlp"_s);
     QString text;
@@ -307,20 +317,12 @@ void TestToolDiscovery::realYtDlpIsTooOldForRuntimes()
     EngineFixture fixture;
     qputenv("PATH", "/usr/bin:/bin");
     AppState state;
-    DownloadManager manager(&state, ToolLocations::standard(fixture.home()));
+    StartedDiscovery manager(&state, ToolLocations::standard(fixture.home()));
     QTRY_VERIFY_WITH_TIMEOUT(!manager.ytDlpVersion().isEmpty(), 30000);
     QTRY_VERIFY_WITH_TIMEOUT(!manager.detectedJSRuntime().isEmpty(), 30000);
-    QVERIFY(!DownloadManager::supportsJsRuntimes(manager.ytDlpVersion()));
+    QVERIFY(!ToolDiscovery::supportsJsRuntimes(manager.ytDlpVersion()));
     QCOMPARE(manager.jsRuntimeArgs(), QStringList());
     QTRY_COMPARE(EngineFixture::messages(state).filter(u"版本过旧"_s).size(), 1);
-
-    DownloadRequest request;
-    request.url = u"https://example.invalid/v"_s;
-    request.outputDir = fixture.root();
-    const QString command = DownloadManager::buildDownloadCommand(
-        manager.ytDlpPath(), request, manager.jsRuntimeArgs(), manager.ffmpegArgs(), false);
-    QVERIFY(!command.contains(u"--js-runtimes"_s));
-    QVERIFY(command.startsWith(manager.ytDlpPath() + u' '));
 }
 
 QTEST_GUILESS_MAIN(TestToolDiscovery)
