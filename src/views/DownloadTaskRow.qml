@@ -115,6 +115,8 @@ AbstractButton {
             }
             Row {
                 objectName: "details"
+                Layout.fillWidth: true
+                clip: true
                 spacing: 6
 
                 Text {
@@ -290,14 +292,27 @@ AbstractButton {
                 }
             }
         }
+    }
+
+    // Over the row's top right corner while it is hovered or selected: the text keeps the whole
+    // width the rest of the time, and does not reflow under the pointer.
+    Rectangle {
+        objectName: "rowActions"
+        anchors.top: parent.top
+        anchors.right: parent.right
+        anchors.margins: 6
+        width: actions.implicitWidth + 8
+        height: actions.implicitHeight + 8
+        radius: Theme.radius
+        color: root.isSelected ? Theme.border : Theme.raised
+        opacity: root.showsActions ? 1 : 0
+        enabled: root.showsActions
 
         Row {
-            objectName: "rowActions"
-            Layout.alignment: Qt.AlignTop
+            id: actions
+
+            anchors.centerIn: parent
             spacing: 4
-            // Kept in the layout while hidden, so the text does not reflow under the pointer.
-            opacity: root.showsActions ? 1 : 0
-            enabled: root.showsActions
 
             RowAction {
                 objectName: "stopAction"

@@ -54,19 +54,17 @@ Item {
 
                 // A hairline to see, a few pixels to grab.
                 handle: Item {
-                    id: handle
-
-                    readonly property bool active: SplitHandle.hovered || SplitHandle.pressed
-
                     implicitWidth: 7
 
                     Rectangle {
                         anchors.horizontalCenter: parent.horizontalCenter
                         width: 1
                         height: parent.height
-                        color: handle.active ? Theme.gray : Theme.border
+                        color: grab.hovered ? Theme.gray : Theme.border
                     }
                     HoverHandler {
+                        id: grab
+
                         cursorShape: Qt.SplitHCursor
                     }
                 }

@@ -1,6 +1,7 @@
 // Renders the real main window offscreen to a PNG, in a sandbox (its own home and settings), so
 // the interface can be seen without a display:
 //     quillbox_screenshot OUT.png [--yt-dlp PATH] [--scenario DIR] [--settings] [--wait MS]
+//                         [--size WxH] [--log]
 // With --yt-dlp the window uses that yt-dlp; with --scenario it also starts the downloads listed
 // in DIR/downloads.txt (one "URL" per line), so the queue shows tasks in their states; with
 // --settings the settings sheet is open.
@@ -53,7 +54,9 @@ int main(int argc, char *argv[])
     const QCommandLineOption wait(u"wait"_s, u"milliseconds to let the window settle"_s, u"ms"_s, u"2500"_s);
     const QCommandLineOption maxDownloads(u"max-downloads"_s, u"downloads at once"_s, u"n"_s, u"2"_s);
     const QCommandLineOption settings(u"settings"_s, u"open the settings sheet"_s);
-    parser.addOptions({ ytDlp, scenario, wait, maxDownloads, settings });
+    const QCommandLineOption size(u"size"_s, u"window size"_s, u"WxH"_s, u"1200x800"_s);
+    const QCommandLineOption log(u"log"_s, u"open the log panel"_s);
+    parser.addOptions({ ytDlp, scenario, wait, maxDownloads, settings, size, log });
     parser.addHelpOption();
     parser.process(app);
     if (parser.positionalArguments().size() != 1)
@@ -72,7 +75,9 @@ int main(int argc, char *argv[])
     if (!window)
         return 1;
     lifecycle.attachMainWindow(window);
-    window->setGeometry(0, 0, 1200, 800);
+    const QStringList extent = parser.value(size).split(u'x');
+    window->setGeometry(0, 0, extent.value(0).toInt(), extent.value(1).toInt());
+    AppState::instance()->setShowLogPanel(parser.isSet(log));
 
     if (parser.isSet(scenario)) {
         QFile list(QDir(parser.value(scenario)).filePath(u"downloads.txt"_s));
