@@ -7,6 +7,11 @@ import Quillbox
 ApplicationWindow {
     id: root
 
+    // Closing with downloads running asks first, unless the session is ending (then nobody is
+    // there to answer).
+    property bool askBeforeQuit: true
+    property bool quitConfirmed: false
+
     // The text item that last had the keyboard focus: an open menu takes the focus, and its
     // edit commands are meant for the text behind it.
     property Item lastTextItem: null
@@ -44,6 +49,12 @@ ApplicationWindow {
     minimumHeight: 600
     color: Theme.background
     visible: false
+    onClosing: close => {
+        if (!root.askBeforeQuit || root.quitConfirmed || DownloadManager.runningCount === 0)
+            return
+        close.accepted = false
+        quitDialog.open({ running: DownloadManager.runningCount })
+    }
     onActiveFocusItemChanged: {
         if (handles(activeFocusItem, "undo"))
             lastTextItem = activeFocusItem
@@ -94,6 +105,23 @@ ApplicationWindow {
     MainView {
         objectName: "mainView"
         anchors.fill: parent
+    }
+
+    OnDemand {
+        id: quitDialog
+
+        objectName: "quitDialog"
+        source: "QuitDialog.qml"
+    }
+
+    Connections {
+        target: quitDialog.item
+        ignoreUnknownSignals: true
+
+        function onQuitConfirmed() {
+            root.quitConfirmed = true
+            root.close()
+        }
     }
 
     OnDemand {

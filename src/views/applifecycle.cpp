@@ -42,6 +42,9 @@ void AppLifecycle::quit()
 void AppLifecycle::attachMainWindow(QQuickWindow *window)
 {
     m_window = window;
+    // When the session ends nobody is there to answer a question: the window closes as asked.
+    connect(
+        qApp, &QGuiApplication::commitDataRequest, window, [window] { window->setProperty("askBeforeQuit", false); });
     const QSize minimum = window->minimumSize();
     QRect frame = usableGeometry(storedGeometry(), minimum);
     if (frame.isNull()) {
@@ -127,7 +130,9 @@ void AppLifecycle::quitOnTerminationSignals()
     connect(notifier, &QSocketNotifier::activated, qApp, [] {
         char byte;
         [[maybe_unused]] const ssize_t read = ::read(signalPipe[0], &byte, 1);
-        QCoreApplication::quit();
+        // exit(), not quit(): quit() would first ask the windows to close, and the main window
+        // asks the user before closing while downloads run. A signal does not ask.
+        QCoreApplication::exit(0);
     });
     struct sigaction action = {};
     action.sa_handler = onTerminationSignal;

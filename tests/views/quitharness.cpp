@@ -1,6 +1,7 @@
 // Quitting stops downloads: runs the real application set-up with the stand-in yt-dlp, starts a
 // download whose process leaves a child behind, then quits as the mode says: closing the window
-// (no mode), "退出 Quillbox" clicked in the menu bar (--menu), its key equivalent (--key), or
+// (no mode; the question asked first is cancelled once, then answered "退出"), "退出 Quillbox"
+// clicked in the menu bar (--menu), its key equivalent (--key), each answering "退出", or
 // SIGTERM (--sigterm). Once the event loop has ended it checks that none of those processes still
 // runs. Exits 0 when none does.
 
@@ -97,6 +98,26 @@ bool quitFromMenu(QQuickWindow *window)
     clickCentre(window, quitItem);
     return true;
 }
+// Waits for the question asked before quitting with a download running, checks it, and answers
+// with the button named `answer`.
+bool answerQuitQuestion(QQuickWindow *window, const QString &answer)
+{
+    QQuickItem *button = nullptr;
+    const bool asked = QTest::qWaitFor([&] {
+        button = findItem(window->contentItem(),
+            [&answer](QQuickItem *item) { return item->objectName() == answer && item->height() > 0; });
+        return button != nullptr;
+    });
+    const QQuickItem *message
+        = findItem(window->contentItem(), [](QQuickItem *item) { return item->objectName() == u"quitMessage"_s; });
+    if (!asked || !message || message->property("text").toString() != u"有 1 个下载正在进行，退出将停止它们。"_s) {
+        std::fputs("quitting with a download running did not ask first\n", stderr);
+        return false;
+    }
+    QTest::qWait(300); // the dialog's opening transition
+    clickCentre(window, button);
+    return true;
+}
 } // namespace
 
 int main(int argc, char *argv[])
@@ -155,8 +176,19 @@ int main(int argc, char *argv[])
                     std::fputs("the window never became active\n", stderr);
                 QTest::keyClick(window, Qt::Key_Q, Qt::ControlModifier);
             } else {
+                // Asked, the user first thinks better of it: nothing stops.
+                window->close();
+                if (!answerQuitQuestion(window, u"quitCancelButton"_s))
+                    QCoreApplication::exit(5);
+                QTest::qWait(500);
+                if (!window->isVisible() || DownloadManager::instance()->runningCount() != 1) {
+                    std::fputs("cancelling the question did not keep the window and its download\n", stderr);
+                    QCoreApplication::exit(5);
+                }
                 window->close();
             }
+            if (mode != u"--sigterm" && !answerQuitQuestion(window, u"quitConfirmButton"_s))
+                QCoreApplication::exit(5);
         }
     });
     poll.start();

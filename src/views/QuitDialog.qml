@@ -1,0 +1,67 @@
+import QtQuick
+import QtQuick.Controls.Basic
+import QtQuick.Layouts
+import Quillbox
+
+// Asked before the window closes while downloads run: quitting stops them.
+Dialog {
+    id: root
+
+    property int running
+
+    signal quitConfirmed
+
+    anchors.centerIn: parent
+    width: 400
+    modal: true
+    focus: true
+    closePolicy: Popup.CloseOnEscape
+    padding: 20
+
+    background: Rectangle {
+        color: Theme.surface
+        radius: Theme.radiusLarge
+        border.color: Theme.border
+    }
+
+    contentItem: ColumnLayout {
+        spacing: 16
+
+        RowLayout {
+            spacing: 10
+
+            Icon {
+                symbol: "exclamationmark.triangle.fill"
+                color: Theme.orange
+                size: Theme.iconMedium
+            }
+            Text {
+                objectName: "quitMessage"
+                Layout.fillWidth: true
+                text: "有 " + root.running + " 个下载正在进行，退出将停止它们。"
+                color: Theme.text
+                font.pixelSize: Theme.bodyLarge
+                wrapMode: Text.Wrap
+            }
+        }
+        RowLayout {
+            Layout.alignment: Qt.AlignRight
+            spacing: 10
+
+            Button {
+                objectName: "quitCancelButton"
+                text: "取消"
+                onClicked: root.reject()
+            }
+            Button {
+                objectName: "quitConfirmButton"
+                text: "退出"
+                highlighted: true
+                onClicked: {
+                    root.accept()
+                    root.quitConfirmed()
+                }
+            }
+        }
+    }
+}
