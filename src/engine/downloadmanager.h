@@ -19,7 +19,9 @@
 
 class AppState;
 class GroupProcess;
+class VideoInfoFetch;
 struct ShellResult;
+struct VideoInfoResult;
 
 // Where tool discovery looks. standard() is the real machine; a test points it elsewhere.
 struct ToolLocations
@@ -153,6 +155,11 @@ public:
     // --- Maintenance
     void updateYtDlp(std::function<void(const QString &)> completion);
     void listFormats(const QString &url, bool useCookies, std::function<void(const FormatListResult &)> completion);
+    // Asks yt-dlp for the information of `url` ("-J", one video even of a playlist, the runtime,
+    // ffmpeg and cookie words of a download); `completion` once, on this thread. The fetch can be
+    // cancelled until it answers, and is gone after.
+    VideoInfoFetch *fetchVideoInfo(
+        const QString &url, bool useCookies, std::function<void(const VideoInfoResult &)> completion);
 
     // --- Downloads
     TaskModel *taskModel() const { return m_tasks; }

@@ -1,6 +1,7 @@
 #include "engine/downloadmanager.h"
 
 #include "engine/shellrunner.h"
+#include "engine/videoinfofetch.h"
 #include "model/logcategories.h"
 
 using namespace Qt::StringLiterals;
@@ -109,4 +110,22 @@ void DownloadManager::listFormats(
             },
             ListFormatsTimeoutMs);
     });
+}
+
+VideoInfoFetch *DownloadManager::fetchVideoInfo(
+    const QString &url, bool useCookies, std::function<void(const VideoInfoResult &)> completion)
+{
+    auto *fetch = new VideoInfoFetch(url, m_appState, std::move(completion), this);
+    whenYtDlpPathKnown([this, fetch = QPointer<VideoInfoFetch>(fetch), url, useCookies] {
+        if (!fetch)
+            return;
+        QStringList words { quoteIfNeeded(m_ytDlpPath), u"-J"_s, u"--no-playlist"_s };
+        words += jsRuntimeArgs();
+        words += ffmpegArgs();
+        if (useCookies && chromeCookiesAvailable())
+            words << u"--cookies-from-browser"_s << u"chrome"_s;
+        words << u"--"_s << shellQuote(url);
+        fetch->run(words.join(u' '));
+    });
+    return fetch;
 }

@@ -5,6 +5,7 @@
 
 #include "engine/downloadmanager.h"
 #include "model/appstate.h"
+#include "model/videoinfo.h"
 #include "views/qmlsetup.h"
 
 #include "support/mediaserver.h"
@@ -34,6 +35,14 @@ public:
 
     Q_INVOKABLE QString tempDir() const { return m_root; }
     Q_INVOKABLE QString baseUrl() const { return m_baseUrl; }
+    Q_INVOKABLE QString testsDir() const { return QString::fromLocal8Bit(qgetenv("QUILLBOX_TESTS_DIR")); }
+
+    // A record from its JSON form (camel-case keys); undefined when it does not decode.
+    Q_INVOKABLE QVariant videoInfo(const QString &json) const
+    {
+        const auto info = VideoInfo::fromJson(json.toUtf8());
+        return info ? QVariant::fromValue(*info) : QVariant();
+    }
     void setBaseUrl(const QString &url) { m_baseUrl = url; }
 
     Q_INVOKABLE QStringList filesIn(const QString &dir) const
