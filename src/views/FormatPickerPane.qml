@@ -10,7 +10,9 @@ import Quillbox
 Rectangle {
     id: root
 
-    required property FormatPicker picker
+    property FormatPicker picker: null
+    readonly property int rows: root.picker ? root.picker.count : 0
+    readonly property string arguments: root.picker ? root.picker.arguments : ""
 
     signal applied
 
@@ -69,7 +71,7 @@ Rectangle {
             objectName: "formatTable"
             Layout.fillWidth: true
             Layout.fillHeight: true
-            visible: root.picker.count > 0
+            visible: root.rows > 0
             clip: true
             spacing: 2
             model: root.picker
@@ -130,13 +132,13 @@ Rectangle {
         Text {
             objectName: "pickerStatus"
             Layout.fillWidth: true
-            Layout.fillHeight: root.picker.count === 0
-            visible: root.picker.count === 0
+            Layout.fillHeight: root.rows === 0
+            visible: root.rows === 0
             verticalAlignment: Text.AlignVCenter
             horizontalAlignment: Text.AlignHCenter
             wrapMode: Text.Wrap
-            text: root.picker.isLoading ? "正在读取格式..." : root.picker.errorText
-            color: root.picker.isLoading ? Theme.gray : Theme.orange
+            text: !root.picker ? "" : root.picker.isLoading ? "正在读取格式..." : root.picker.errorText
+            color: root.picker && root.picker.isLoading ? Theme.gray : Theme.orange
             font.pixelSize: Theme.caption
         }
 
@@ -147,7 +149,7 @@ Rectangle {
             Text {
                 objectName: "pickerArguments"
                 Layout.fillWidth: true
-                text: root.picker.arguments
+                text: root.arguments
                 color: Theme.text
                 font.family: Theme.fixedFont.family
                 font.pixelSize: Theme.monoBody
@@ -156,7 +158,7 @@ Rectangle {
             TextButton {
                 objectName: "applyFormatButton"
                 implicitHeight: 30
-                enabled: root.picker.arguments.length > 0
+                enabled: root.arguments.length > 0
                 opacity: enabled ? 1 : 0.5
                 text: "使用所选格式"
                 symbol: "checkmark"
@@ -165,7 +167,7 @@ Rectangle {
                 cornerRadius: Theme.radiusSmall
                 fontSize: Theme.body
                 onClicked: {
-                    if (root.picker.apply())
+                    if (root.picker && root.picker.apply())
                         root.applied()
                 }
             }

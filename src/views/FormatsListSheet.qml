@@ -98,21 +98,16 @@ Rectangle {
                 }
             }
 
-            // The picker's pane exists only while there is a picker.
-            Loader {
+            FormatPickerPane {
+                objectName: "formatPicker"
                 Layout.preferredWidth: 520
                 Layout.fillHeight: true
                 Layout.topMargin: 12
                 Layout.bottomMargin: 12
                 Layout.rightMargin: 12
-                active: root.picker !== null
-                visible: active
-
-                sourceComponent: FormatPickerPane {
-                    objectName: "formatPicker"
-                    picker: root.picker
-                    onApplied: root.dismissed()
-                }
+                visible: root.picker !== null
+                picker: root.picker
+                onApplied: root.dismissed()
             }
         }
     }

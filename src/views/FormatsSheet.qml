@@ -1,5 +1,4 @@
 import QtQuick
-import QtQuick.Controls.Basic
 import Quillbox
 
 // The format table in a sheet of its own: a file apart so that it loads when formats are first
@@ -15,8 +14,8 @@ SheetHost {
     onDismissed: root.shown = false
 
     FormatsListSheet {
-        width: Math.min(implicitWidth, Overlay.overlay ? Overlay.overlay.width - 40 : implicitWidth)
-        height: Math.min(implicitHeight, Overlay.overlay ? Overlay.overlay.height - 40 : implicitHeight)
+        width: Window.width > 0 ? Math.min(implicitWidth, Window.width - 40) : implicitWidth
+        height: Window.height > 0 ? Math.min(implicitHeight, Window.height - 40) : implicitHeight
         formatsOutput: root.formatsOutput
         picker: root.picker
         onDismissed: root.shown = false

@@ -167,12 +167,25 @@ Item {
         onDismissed: root.showVideoInfo = false
 
         Loader {
-            active: root.showVideoInfo && root.videoInfo !== null
+            id: videoInfoLoader
 
-            sourceComponent: VideoInfoView {
-                objectName: "videoInfoView"
-                videoInfo: root.videoInfo
-                onDismissed: root.showVideoInfo = false
+            active: root.showVideoInfo && root.videoInfo !== null
+            source: "VideoInfoView.qml"
+        }
+
+        Binding {
+            target: videoInfoLoader.item
+            property: "videoInfo"
+            value: root.videoInfo
+            when: videoInfoLoader.item !== null
+        }
+
+        Connections {
+            target: videoInfoLoader.item
+            ignoreUnknownSignals: true
+
+            function onDismissed() {
+                root.showVideoInfo = false
             }
         }
     }

@@ -1,5 +1,4 @@
 import QtQuick
-import Quillbox
 
 // A video's small picture, loaded from `source` in the background and kept on disk (see
 // ThumbnailCache). Until it has loaded, and when there is none or it cannot be loaded, the items

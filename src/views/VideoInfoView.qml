@@ -8,10 +8,11 @@ import Quillbox
 Rectangle {
     id: root
 
-    required property videoInfo videoInfo
+    property videoInfo videoInfo
 
     signal dismissed
 
+    objectName: "videoInfoView"
     implicitWidth: 400
     implicitHeight: 300
     color: Theme.surface

@@ -307,7 +307,7 @@ void TestMaintenance::fetchVideoInfo()
         QCOMPARE(result.error.code, exitCode == 0 ? -1 : exitCode);
     QCOMPARE(result.playlistEntries, playlistEntries);
     QVERIFY(engine->log().contains(u"正在获取视频信息..."_s));
-    QVERIFY2(engine->log().contains(logLine), qPrintable(engine->log().join(u'\n')));
+    QTRY_VERIFY2(engine->log().contains(logLine), qPrintable(engine->log().join(u'\n')));
 }
 
 void TestMaintenance::fetchVideoInfoCommand()
