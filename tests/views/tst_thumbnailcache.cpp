@@ -37,8 +37,7 @@ Answer get(ThumbnailNetworkFactory &factory, const QUrl &url)
         QSignalSpy finished(reply.get(), &QNetworkReply::finished);
         finished.wait(30000);
     }
-    return { reply->error(), reply->readAll(),
-        reply->attribute(QNetworkRequest::SourceIsFromCacheAttribute).toBool() };
+    return { reply->error(), reply->readAll(), reply->attribute(QNetworkRequest::SourceIsFromCacheAttribute).toBool() };
 }
 } // namespace
 
@@ -53,8 +52,8 @@ void TestThumbnailCache::keptOnDiskAndServedOffline()
     file.write(picture);
     file.close();
 
-    auto server = std::make_unique<MediaServer>(QString::fromLocal8Bit(qgetenv("QUILLBOX_TESTS_DIR")), media,
-        QStringList { u"--duration"_s, u"1"_s });
+    auto server = std::make_unique<MediaServer>(
+        QString::fromLocal8Bit(qgetenv("QUILLBOX_TESTS_DIR")), media, QStringList { u"--duration"_s, u"1"_s });
     QVERIFY2(!server->base().isEmpty(), qPrintable(server->error()));
     const QUrl url(server->base() + u"thumb.jpg"_s);
     ThumbnailNetworkFactory factory(env.root() + u"/cache"_s);
