@@ -13,6 +13,7 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QProcess>
 #include <QQmlEngine>
 #include <QQuickStyle>
 #include <QtQml/qqmlextensionplugin.h>
@@ -44,6 +45,17 @@ public:
         return info ? QVariant::fromValue(*info) : QVariant();
     }
     void setBaseUrl(const QString &url) { m_baseUrl = url; }
+
+    // The kinds of stream ("video", "audio") in a media file, as ffprobe reads them.
+    Q_INVOKABLE QStringList streamsOf(const QString &path) const
+    {
+        QProcess probe;
+        probe.start(u"ffprobe"_s,
+            { u"-v"_s, u"error"_s, u"-show_entries"_s, u"stream=codec_type"_s, u"-of"_s, u"csv=p=0"_s, path });
+        if (!probe.waitForFinished(30000))
+            return {};
+        return QString::fromUtf8(probe.readAllStandardOutput()).split(u'\n', Qt::SkipEmptyParts);
+    }
 
     Q_INVOKABLE QStringList filesIn(const QString &dir) const
     {
