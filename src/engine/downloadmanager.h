@@ -21,6 +21,8 @@
 #include <memory>
 
 class AppState;
+class VideoInfoFetch;
+struct VideoInfoResult;
 
 // How the user asked for a download: the form's choices, shared by every link started together.
 struct DownloadOptions
@@ -122,6 +124,14 @@ public:
     void listFormats(const QString &url, bool useCookies, std::function<void(const FormatListResult &)> completion)
     {
         m_maintenance->listFormats(url, useCookies, std::move(completion));
+    }
+    // Asks yt-dlp for the information of `url` ("-J", one video even of a playlist, the runtime,
+    // ffmpeg and cookie words of a download); `completion` once, on this thread. The fetch can be
+    // cancelled until it answers, and is gone after.
+    VideoInfoFetch *fetchVideoInfo(
+        const QString &url, bool useCookies, std::function<void(const VideoInfoResult &)> completion)
+    {
+        return m_maintenance->fetchVideoInfo(url, useCookies, std::move(completion));
     }
 
     // --- Downloads

@@ -1,10 +1,12 @@
 #include "engine/maintenance.h"
 
-#include "engine/tooldiscovery.h"
-#include "model/appstate.h"
-
 #include "engine/shellrunner.h"
+#include "engine/tooldiscovery.h"
+#include "engine/videoinfofetch.h"
+#include "model/appstate.h"
 #include "model/logcategories.h"
+
+#include <QPointer>
 
 using namespace Qt::StringLiterals;
 
@@ -125,4 +127,22 @@ void Maintenance::listFormats(
             },
             ListFormatsTimeoutMs);
     });
+}
+
+VideoInfoFetch *Maintenance::fetchVideoInfo(
+    const QString &url, bool useCookies, std::function<void(const VideoInfoResult &)> completion)
+{
+    auto *fetch = new VideoInfoFetch(url, m_appState, std::move(completion), this);
+    m_tools->whenYtDlpPathKnown([this, fetch = QPointer<VideoInfoFetch>(fetch), url, useCookies] {
+        if (!fetch)
+            return;
+        QStringList words { quoteIfNeeded(m_tools->ytDlpPath()), u"-J"_s, u"--no-playlist"_s };
+        words += m_tools->jsRuntimeArgs();
+        words += m_tools->ffmpegArgs();
+        if (useCookies && m_tools->chromeCookiesAvailable())
+            words << u"--cookies-from-browser"_s << u"chrome"_s;
+        words << u"--"_s << shellQuote(url);
+        fetch->run(words.join(u' '));
+    });
+    return fetch;
 }

@@ -9,6 +9,8 @@
 
 class AppState;
 class ToolDiscovery;
+class VideoInfoFetch;
+struct VideoInfoResult;
 
 struct FormatListResult
 {
@@ -33,6 +35,10 @@ public:
     // the user ("✅ …" or "❌ …"), and the version is probed again after a success.
     void updateYtDlp(std::function<void(const QString &)> completion);
     void listFormats(const QString &url, bool useCookies, std::function<void(const FormatListResult &)> completion);
+    // "-J" for one video (the first of a playlist) with the words a download would use; see
+    // VideoInfoFetch. The fetch can be cancelled until it answers, and is gone after.
+    VideoInfoFetch *fetchVideoInfo(
+        const QString &url, bool useCookies, std::function<void(const VideoInfoResult &)> completion);
 
 private:
     void addLog(const QString &message, LogEntry::LogType type) const;

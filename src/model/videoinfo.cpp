@@ -4,6 +4,7 @@
 #include <QJsonDocument>
 #include <QJsonValue>
 
+#include <algorithm>
 #include <cmath>
 
 namespace {
@@ -158,4 +159,117 @@ QString VideoInfo::durationString() const
     if (d < 3600)
         return QString::asprintf("%lld:%02lld", d / 60, d % 60);
     return QString::asprintf("%lld:%02lld:%02lld", d / 3600, (d % 3600) / 60, d % 60);
+}
+
+namespace {
+QString countText(const std::optional<qint64> &count)
+{
+    return count ? QString::number(*count) : QString();
+}
+
+// yt-dlp's output is not ours to reject: a value of an unexpected type reads as missing.
+std::optional<QString> ytText(const QJsonObject &object, QLatin1String key)
+{
+    const QJsonValue value = object.value(key);
+    if (!value.isString())
+        return std::nullopt;
+    return value.toString();
+}
+
+std::optional<double> ytNumber(const QJsonObject &object, QLatin1String key)
+{
+    const QJsonValue value = object.value(key);
+    if (!value.isDouble() || !std::isfinite(value.toDouble()))
+        return std::nullopt;
+    return value.toDouble();
+}
+
+// A count or a size: integers exactly as printed (the largest pass 2^53), other numbers rounded.
+std::optional<qint64> ytWholeNumber(const QJsonObject &object, QLatin1String key)
+{
+    const QJsonValue value = object.value(key);
+    if (value.toVariant().metaType().id() == QMetaType::LongLong)
+        return value.toInteger();
+    const std::optional<double> number = ytNumber(object, key);
+    constexpr double limit = 9223372036854775807.0;
+    if (!number || *number < -limit || *number > limit)
+        return std::nullopt;
+    return qint64(std::llround(*number));
+}
+
+std::optional<VideoFormat> ytFormat(const QJsonObject &object)
+{
+    VideoFormat format;
+    const QJsonValue id = object.value(QLatin1String("format_id"));
+    if (id.isString())
+        format.formatId = id.toString();
+    else if (id.isDouble())
+        format.formatId = QString::number(id.toInteger());
+    if (format.formatId.isEmpty())
+        return std::nullopt;
+    format.ext = ytText(object, QLatin1String("ext")).value_or(QString());
+    format.resolution = ytText(object, QLatin1String("resolution"));
+    if (!format.resolution) {
+        const auto width = ytWholeNumber(object, QLatin1String("width"));
+        const auto height = ytWholeNumber(object, QLatin1String("height"));
+        if (width && height)
+            format.resolution = QString(QString::number(*width) + u'x' + QString::number(*height));
+    }
+    format.filesize = ytWholeNumber(object, QLatin1String("filesize"));
+    if (!format.filesize)
+        format.filesize = ytWholeNumber(object, QLatin1String("filesize_approx"));
+    format.tbr = ytNumber(object, QLatin1String("tbr"));
+    format.vcodec = ytText(object, QLatin1String("vcodec"));
+    format.acodec = ytText(object, QLatin1String("acodec"));
+    format.fps = ytNumber(object, QLatin1String("fps"));
+    format.formatNote = ytText(object, QLatin1String("format_note"));
+    return format;
+}
+} // namespace
+
+QString VideoInfo::viewCountText() const
+{
+    return countText(viewCount);
+}
+
+QString VideoInfo::likeCountText() const
+{
+    return countText(likeCount);
+}
+
+std::optional<VideoInfo> VideoInfo::fromYtDlpJson(const QByteArray &json, const QString &url, int *playlistEntries)
+{
+    if (playlistEntries)
+        *playlistEntries = 0;
+    QJsonParseError error;
+    const QJsonDocument document = QJsonDocument::fromJson(json, &error);
+    if (error.error != QJsonParseError::NoError || !document.isObject())
+        return std::nullopt;
+    QJsonObject object = document.object();
+    if (object.value(QLatin1String("_type")).toString() == QLatin1String("playlist")) {
+        const QJsonArray entries = object.value(QLatin1String("entries")).toArray();
+        const auto first
+            = std::find_if(entries.begin(), entries.end(), [](const QJsonValue &entry) { return entry.isObject(); });
+        if (first == entries.end())
+            return std::nullopt;
+        if (playlistEntries)
+            *playlistEntries = int(entries.size());
+        object = first->toObject();
+    }
+
+    VideoInfo info;
+    info.url = url;
+    info.title = ytText(object, QLatin1String("title")).value_or(url);
+    info.duration = std::max<qint64>(0, ytWholeNumber(object, QLatin1String("duration")).value_or(0));
+    info.uploader = ytText(object, QLatin1String("uploader")).value_or(QString());
+    info.thumbnail = ytText(object, QLatin1String("thumbnail"));
+    info.description = ytText(object, QLatin1String("description"));
+    info.uploadDate = ytText(object, QLatin1String("upload_date"));
+    info.viewCount = ytWholeNumber(object, QLatin1String("view_count"));
+    info.likeCount = ytWholeNumber(object, QLatin1String("like_count"));
+    for (const QJsonValue &item : object.value(QLatin1String("formats")).toArray()) {
+        if (auto format = ytFormat(item.toObject()))
+            info.formats.append(std::move(*format));
+    }
+    return info;
 }

@@ -3,6 +3,8 @@
 #include <QByteArray>
 #include <QJsonObject>
 #include <QList>
+#include <QMetaType>
+#include <QObject>
 #include <QString>
 
 #include <optional>
@@ -29,6 +31,16 @@ struct VideoFormat
 // Metadata of one video. Its identity is its url.
 struct VideoInfo
 {
+    Q_GADGET
+    Q_PROPERTY(QString url MEMBER url)
+    Q_PROPERTY(QString title MEMBER title)
+    Q_PROPERTY(QString uploader MEMBER uploader)
+    Q_PROPERTY(QString durationString READ durationString)
+    Q_PROPERTY(QString thumbnailUrl READ thumbnailUrl)
+    Q_PROPERTY(QString viewCountText READ viewCountText)
+    Q_PROPERTY(QString likeCountText READ likeCountText)
+
+public:
     QString url;
     QString title;
     qint64 duration = 0;
@@ -44,9 +56,23 @@ struct VideoInfo
 
     // "m:ss" below an hour, "h:mm:ss" from an hour on; a negative duration takes the first form.
     QString durationString() const;
+    // The counts in plain decimal digits (no separators, no units); empty when not known.
+    QString viewCountText() const;
+    QString likeCountText() const;
+    QString thumbnailUrl() const { return thumbnail.value_or(QString()); }
 
     static std::optional<VideoInfo> fromJson(const QJsonObject &object);
     static std::optional<VideoInfo> fromJson(const QByteArray &json);
 
+    // Reads what `yt-dlp -J` prints for `url` (snake-case keys, where anything may be missing or
+    // null): no duration reads as 0, a fractional one is rounded, no uploader is "", a format's
+    // size is its filesize or else its approximate size, a format without an id is left out. For
+    // a playlist, the first entry; `playlistEntries` then gets the number of entries (0 for a
+    // single video). Nothing when the text is not a JSON object or the playlist is empty.
+    static std::optional<VideoInfo> fromYtDlpJson(
+        const QByteArray &json, const QString &url, int *playlistEntries = nullptr);
+
     bool operator==(const VideoInfo &) const = default;
 };
+
+Q_DECLARE_METATYPE(VideoInfo)

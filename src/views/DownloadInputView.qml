@@ -9,6 +9,12 @@ import Quillbox
 Rectangle {
     id: root
 
+    // Fetches the information of the first link for "视频信息"; the page that shows the sheet
+    // hands it over.
+    property VideoInfoPresenter videoInfoPresenter: null
+    // "视频信息" was pressed and its answer is awaited.
+    property bool isFetchingVideoInfo: false
+
     // Dropped links or text join the editor, one per line.
     function addDropped(urls: list<url>, text: string) {
         links.addDropped(urls, text)
@@ -19,8 +25,21 @@ Rectangle {
     InputPresenter {
         id: inputPresenter
 
-        onFormatsListed: text => formatsSheet.open({ formatsOutput: text, shown: true })
+        onFormatsListed: text => formatsSheet.open({
+                                                        formatsOutput: text,
+                                                        picker: inputPresenter.formatPicker,
+                                                        shown: true
+                                                    })
         onFormatsFailed: description => errorAlert.open({ heading: "错误", message: description })
+    }
+
+    Connections {
+        target: root.videoInfoPresenter
+
+        function onLoadingChanged() {
+            if (!root.videoInfoPresenter.isLoading)
+                root.isFetchingVideoInfo = false
+        }
     }
 
     ScrollView {
@@ -136,33 +155,72 @@ Rectangle {
                     Layout.fillWidth: true
                     spacing: 10
 
-                    TextButton {
-                        objectName: "listFormatsButton"
+                    RowLayout {
                         Layout.fillWidth: true
-                        implicitHeight: 42
-                        enabled: !inputPresenter.isListingFormats
-                        text: "查看可用格式"
-                        symbol: "list.bullet.rectangle.portrait"
-                        tint: Theme.text
-                        fill: Theme.border
-                        cornerRadius: Theme.radius
-                        fontSize: Theme.bodyLarge
-                        spacing: 8
-                        contentOpacity: 1
-                        onClicked: inputPresenter.listFormats()
-                        trailing: Icon {
-                            objectName: "listingIndicator"
-                            visible: inputPresenter.isListingFormats
-                            symbol: "arrow.clockwise"
-                            color: Theme.gray
-                            size: Theme.bodyLarge
+                        spacing: 10
 
-                            RotationAnimation on rotation {
-                                running: inputPresenter.isListingFormats
-                                from: 0
-                                to: 360
-                                duration: 900
-                                loops: Animation.Infinite
+                        TextButton {
+                            objectName: "listFormatsButton"
+                            Layout.fillWidth: true
+                            implicitHeight: 42
+                            enabled: !inputPresenter.isListingFormats
+                            text: "查看可用格式"
+                            symbol: "list.bullet.rectangle.portrait"
+                            tint: Theme.text
+                            fill: Theme.border
+                            cornerRadius: Theme.radius
+                            fontSize: Theme.bodyLarge
+                            spacing: 8
+                            contentOpacity: 1
+                            onClicked: inputPresenter.listFormats()
+                            trailing: Icon {
+                                objectName: "listingIndicator"
+                                visible: inputPresenter.isListingFormats
+                                symbol: "arrow.clockwise"
+                                color: Theme.gray
+                                size: Theme.bodyLarge
+
+                                RotationAnimation on rotation {
+                                    running: inputPresenter.isListingFormats
+                                    from: 0
+                                    to: 360
+                                    duration: 900
+                                    loops: Animation.Infinite
+                                }
+                            }
+                        }
+
+                        TextButton {
+                            objectName: "videoInfoButton"
+                            Layout.fillWidth: true
+                            implicitHeight: 42
+                            enabled: root.videoInfoPresenter !== null && !root.isFetchingVideoInfo
+                            text: "视频信息"
+                            symbol: "info.circle"
+                            tint: Theme.text
+                            fill: Theme.border
+                            cornerRadius: Theme.radius
+                            fontSize: Theme.bodyLarge
+                            spacing: 8
+                            contentOpacity: 1
+                            onClicked: {
+                                root.videoInfoPresenter.fetchFirstLink()
+                                root.isFetchingVideoInfo = root.videoInfoPresenter.isLoading
+                            }
+                            trailing: Icon {
+                                objectName: "videoInfoIndicator"
+                                visible: root.isFetchingVideoInfo
+                                symbol: "arrow.clockwise"
+                                color: Theme.gray
+                                size: Theme.bodyLarge
+
+                                RotationAnimation on rotation {
+                                    running: root.isFetchingVideoInfo
+                                    from: 0
+                                    to: 360
+                                    duration: 900
+                                    loops: Animation.Infinite
+                                }
                             }
                         }
                     }

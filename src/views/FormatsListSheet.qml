@@ -3,11 +3,13 @@ import QtQuick.Controls.Basic
 import QtQuick.Layouts
 import Quillbox
 
-// The format table that yt-dlp printed, in a fixed-width font, selectable and copyable.
+// The format table that yt-dlp printed, in a fixed-width font, selectable and copyable; beside
+// it, when there is a picker, the same formats to choose from.
 Rectangle {
     id: root
 
     required property string formatsOutput
+    property FormatPicker picker: null
     property bool copied: false
 
     signal dismissed
@@ -18,7 +20,7 @@ Rectangle {
         copiedTimer.restart()
     }
 
-    implicitWidth: 800
+    implicitWidth: root.picker ? 800 + 520 : 800
     implicitHeight: 600
     color: Theme.background
     radius: Theme.radiusLarge
@@ -71,23 +73,41 @@ Rectangle {
             }
         }
 
-        ScrollView {
+        RowLayout {
             Layout.fillWidth: true
             Layout.fillHeight: true
-            Layout.margins: 12
-            clip: true
+            spacing: 0
 
-            TextArea {
-                objectName: "formatsText"
-                text: root.formatsOutput
-                readOnly: true
-                selectByMouse: true
-                wrapMode: TextEdit.NoWrap
-                color: Theme.text
-                selectionColor: Theme.accent
-                font.family: Theme.fixedFont.family
-                font.pixelSize: Theme.monoBody
-                background: null
+            ScrollView {
+                Layout.fillWidth: true
+                Layout.fillHeight: true
+                Layout.margins: 12
+                clip: true
+
+                TextArea {
+                    objectName: "formatsText"
+                    text: root.formatsOutput
+                    readOnly: true
+                    selectByMouse: true
+                    wrapMode: TextEdit.NoWrap
+                    color: Theme.text
+                    selectionColor: Theme.accent
+                    font.family: Theme.fixedFont.family
+                    font.pixelSize: Theme.monoBody
+                    background: null
+                }
+            }
+
+            FormatPickerPane {
+                objectName: "formatPicker"
+                Layout.preferredWidth: 520
+                Layout.fillHeight: true
+                Layout.topMargin: 12
+                Layout.bottomMargin: 12
+                Layout.rightMargin: 12
+                visible: root.picker !== null
+                picker: root.picker
+                onApplied: root.dismissed()
             }
         }
     }

@@ -13,8 +13,26 @@ Item {
     property var videoInfo: null
     // Our own installation check, while its answer is awaited: the alert shows at most once.
     property int installationCheck: 0
+    // The link whose information is being fetched for the sheet, or empty.
+    readonly property string videoInfoLoadingUrl: videoInfoPresenter.loadingUrl
+
+    // Fetches the information of `url` and shows it in the video information sheet; a failure
+    // shows the alert format listing shows. A queue row's "视频信息" comes here.
+    function openVideoInfo(url: string) {
+        videoInfoPresenter.fetch(url)
+    }
 
     Component.onCompleted: root.installationCheck = DownloadManager.checkInstallation()
+
+    VideoInfoPresenter {
+        id: videoInfoPresenter
+
+        onFetched: info => {
+            root.videoInfo = info
+            root.showVideoInfo = true
+        }
+        onFailed: description => videoInfoAlert.open({ heading: "错误", message: description })
+    }
 
     Connections {
         target: DownloadManager
@@ -73,6 +91,7 @@ Item {
                     id: inputView
 
                     objectName: "downloadInput"
+                    videoInfoPresenter: videoInfoPresenter
                     SplitView.minimumWidth: 320
                     SplitView.fillWidth: true
                 }
@@ -158,10 +177,41 @@ Item {
         }
     }
 
+    // Empty while there is no record to show.
     SheetHost {
         objectName: "videoInfoSheet"
         shown: root.showVideoInfo
         onDismissed: root.showVideoInfo = false
+
+        Loader {
+            id: videoInfoLoader
+
+            active: root.showVideoInfo && root.videoInfo !== null
+            source: "VideoInfoView.qml"
+        }
+
+        Binding {
+            target: videoInfoLoader.item
+            property: "videoInfo"
+            value: root.videoInfo
+            when: videoInfoLoader.item !== null
+        }
+
+        Connections {
+            target: videoInfoLoader.item
+            ignoreUnknownSignals: true
+
+            function onDismissed() {
+                root.showVideoInfo = false
+            }
+        }
+    }
+
+    OnDemand {
+        id: videoInfoAlert
+
+        objectName: "videoInfoErrorAlert"
+        source: "MessageAlert.qml"
     }
 
     OnDemand {

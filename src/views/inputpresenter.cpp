@@ -3,6 +3,7 @@
 #include "engine/downloadmanager.h"
 #include "model/appstate.h"
 #include "model/linkinput.h"
+#include "views/formatpicker.h"
 
 using namespace Qt::StringLiterals;
 
@@ -15,6 +16,7 @@ InputPresenter::InputPresenter(AppState *state, DownloadManager *downloads, QObj
     : QObject(parent)
     , m_state(state)
     , m_downloads(downloads)
+    , m_formatPicker(new FormatPicker(state, downloads, this))
 {
     if (m_state)
         connect(m_state, &AppState::urlInputChanged, this, [this] { setNotices({}, {}); });
@@ -51,17 +53,18 @@ void InputPresenter::listFormats()
     if (!m_state || !m_downloads || m_state->urlInput().isEmpty() || m_isListingFormats)
         return;
     setListingFormats(true);
+    const QString url = firstLineOf(m_state->urlInput());
+    m_formatPicker->fetch(url);
     QPointer<InputPresenter> self(this);
-    m_downloads->listFormats(
-        firstLineOf(m_state->urlInput()), m_state->useCookies(), [self](const FormatListResult &result) {
-            if (!self)
-                return;
-            self->setListingFormats(false);
-            if (result.ok)
-                Q_EMIT self->formatsListed(result.text);
-            else
-                Q_EMIT self->formatsFailed(result.error.localizedDescription);
-        });
+    m_downloads->listFormats(url, m_state->useCookies(), [self](const FormatListResult &result) {
+        if (!self)
+            return;
+        self->setListingFormats(false);
+        if (result.ok)
+            Q_EMIT self->formatsListed(result.text);
+        else
+            Q_EMIT self->formatsFailed(result.error.localizedDescription);
+    });
 }
 
 bool InputPresenter::paste(const QString &text)

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "views/formatpicker.h"
+
 #include <QObject>
 #include <QPointer>
 #include <QUrl>
@@ -23,6 +25,8 @@ class InputPresenter : public QObject
     Q_PROPERTY(QString rejectedNotice READ rejectedNotice NOTIFY noticesChanged)
     // Why the last start queued nothing, said beside the button; empty otherwise.
     Q_PROPERTY(QString startNotice READ startNotice NOTIFY noticesChanged)
+    // The listed link's formats to choose from, fetched alongside each listing.
+    Q_PROPERTY(FormatPicker *formatPicker READ formatPicker CONSTANT)
 
 public:
     // Bound to the process-wide AppState and DownloadManager.
@@ -34,13 +38,14 @@ public:
     QStringList rejectedLines() const { return m_rejectedLines; }
     QString rejectedNotice() const;
     QString startNotice() const { return m_startNotice; }
+    FormatPicker *formatPicker() const { return m_formatPicker; }
 
     // One download per link of the editor, in order, with the form's preset, folder and
     // switches; custom arguments only under the custom preset. The editor keeps its text; what
     // is not a link is left out and named in rejectedLines.
     Q_INVOKABLE void startDownload();
     // Lists the formats of the editor's first line; the answer comes as formatsListed() or
-    // formatsFailed(). One listing at a time.
+    // formatsFailed(). One listing at a time. The picker fetches the same link's formats meanwhile.
     Q_INVOKABLE void listFormats();
     // Adds `text` to the editor on a line of its own; false when there was nothing to add.
     Q_INVOKABLE bool paste(const QString &text);
@@ -64,4 +69,5 @@ private:
     bool m_isListingFormats = false;
     QStringList m_rejectedLines;
     QString m_startNotice;
+    FormatPicker *m_formatPicker;
 };

@@ -2,6 +2,7 @@
 
 #include "model/logcategories.h"
 #include "views/iconprovider.h"
+#include "views/thumbnailcache.h"
 
 #include <QCoreApplication>
 #include <QEventLoop>
@@ -17,6 +18,9 @@ void setupQmlEngine(QQmlEngine &engine)
     QQuickWindow::setTextRenderType(QQuickWindow::NativeTextRendering);
     engine.addImportPath(QStringLiteral("qrc:/qt/qml"));
     engine.addImageProvider(QStringLiteral("icons"), new IconProvider);
+    // Made once, when first needed; the engines do not own their factory.
+    static ThumbnailNetworkFactory networkFactory;
+    engine.setNetworkAccessManagerFactory(&networkFactory);
 }
 
 std::unique_ptr<QQuickWindow> loadMainWindow(QQmlApplicationEngine &engine, const std::function<void()> &meanwhile)

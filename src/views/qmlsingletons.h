@@ -7,6 +7,7 @@
 #include "model/logmodel.h"
 #include "model/presetlistmodel.h"
 #include "model/taskmodel.h"
+#include "model/videoinfo.h"
 
 #include <QJSEngine>
 #include <QQmlEngine>
@@ -74,6 +75,14 @@ struct PresetListModelForeign
     Q_GADGET
     QML_FOREIGN(PresetListModel)
     QML_NAMED_ELEMENT(PresetListModel)
+};
+
+// A video's information as QML reads it: `videoInfo` properties (title, durationString, …).
+struct VideoInfoForeign
+{
+    Q_GADGET
+    QML_FOREIGN(VideoInfo)
+    QML_VALUE_TYPE(videoInfo)
 };
 
 // DownloadStatus and DownloadPreset for QML: Download.Pending, Download.Custom, …

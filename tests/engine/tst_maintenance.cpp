@@ -1,8 +1,11 @@
 #include "engine/downloadmanager.h"
+#include "engine/shellrunner.h"
+#include "engine/videoinfofetch.h"
 #include "model/appstate.h"
 
 #include "enginefixture.h"
 
+#include <QElapsedTimer>
 #include <QtTest>
 
 using namespace Qt::StringLiterals;
@@ -19,6 +22,10 @@ private Q_SLOTS:
     void listFormats();
     void listFormatsCommand_data();
     void listFormatsCommand();
+    void fetchVideoInfo_data();
+    void fetchVideoInfo();
+    void fetchVideoInfoCommand();
+    void fetchVideoInfoStops();
 };
 
 namespace {
@@ -225,6 +232,119 @@ void TestMaintenance::listFormatsCommand()
         command += u" --cookies-from-browser chrome"_s;
     command += u" -- 'https://q.example/it'\\''s a \"test\" $HOME'"_s;
     QVERIFY(engine->log().contains(u"执行命令: "_s + command));
+}
+
+namespace {
+VideoInfoResult fetchInfo(DownloadManager &manager, const QString &url, bool cookies = false)
+{
+    std::optional<VideoInfoResult> result;
+    manager.fetchVideoInfo(url, cookies, [&result](const VideoInfoResult &r) {
+        QVERIFY(!result); // exactly once
+        result = r;
+    });
+    if (!QTest::qWaitFor([&result] { return result.has_value(); }, 20000))
+        return VideoInfoResult { false, {}, 0, false, { u"test"_s, -2, u"(no answer)"_s } };
+    return *result;
+}
+} // namespace
+
+void TestMaintenance::fetchVideoInfo_data()
+{
+    QTest::addColumn<QByteArray>("output"); // empty: the stand-in's own record
+    QTest::addColumn<QByteArray>("stderrText");
+    QTest::addColumn<int>("exitCode");
+    QTest::addColumn<QString>("answer"); // the title, or the error's description
+    QTest::addColumn<int>("playlistEntries");
+    QTest::addColumn<QString>("logLine");
+
+    QFile playlist(QString::fromLocal8Bit(qgetenv("QUILLBOX_TESTS_DIR")) + u"/data/videoinfo/playlist.json"_s);
+    QVERIFY(playlist.open(QIODevice::ReadOnly));
+    QTest::newRow("record") << QByteArray() << QByteArray("WARNING: slow") << 0 << u"fake"_s << 0
+                            << u"视频信息获取成功: fake"_s;
+    QTest::newRow("recorded playlist: the first video, and the log says so")
+        << playlist.readAll() << QByteArray() << 0 << u"两个视频 (1)"_s << 2
+        << u"链接是一个播放列表（2 个视频），显示第一个视频的信息"_s;
+    QTest::newRow("failure: the ERROR lines, not the warnings")
+        << QByteArray() << QByteArray("WARNING: [generic] Falling back\nERROR: Unsupported URL: x") << 1
+        << u"ERROR: Unsupported URL: x"_s << 0 << u"获取视频信息失败: ERROR: Unsupported URL: x"_s;
+    QTest::newRow("failure without a word")
+        << QByteArray(" ") << QByteArray() << 2 << u"yt-dlp 以状态 2 退出，没有给出原因"_s << 0
+        << u"获取视频信息失败: yt-dlp 以状态 2 退出，没有给出原因"_s;
+    QTest::newRow("output that is not a record")
+        << QByteArray("[generic] Extracting URL") << QByteArray() << 0 << u"yt-dlp 的输出不是可以读取的视频信息"_s << 0
+        << u"获取视频信息失败: yt-dlp 的输出不是可以读取的视频信息"_s;
+    QTest::newRow("empty playlist") << QByteArray(R"({"_type": "playlist", "entries": []})") << QByteArray() << 0
+                                    << u"这个播放列表中没有视频"_s << 0
+                                    << u"获取视频信息失败: 这个播放列表中没有视频"_s;
+}
+
+void TestMaintenance::fetchVideoInfo()
+{
+    QFETCH(QByteArray, output);
+    QFETCH(QByteArray, stderrText);
+    QFETCH(int, exitCode);
+    QFETCH(QString, answer);
+    QFETCH(int, playlistEntries);
+    QFETCH(QString, logLine);
+
+    auto engine = makeEngine();
+    QVERIFY(engine);
+    if (!output.isEmpty()) {
+        engine->fixture.writeFile(u"info.json"_s, output);
+        qputenv("FAKE_YTDLP_INFO", engine->fixture.path(u"info.json"_s).toUtf8());
+    }
+    if (!stderrText.isEmpty())
+        qputenv("FAKE_YTDLP_INFO_STDERR", stderrText);
+    qputenv("FAKE_YTDLP_INFO_EXIT", QByteArray::number(exitCode));
+
+    const VideoInfoResult result = fetchInfo(*engine->manager, u"https://i.example/v"_s);
+    const bool ok = answer == u"fake"_s || playlistEntries > 0;
+    QCOMPARE(result.ok, ok);
+    QCOMPARE(ok ? result.info.title : result.error.localizedDescription, answer);
+    if (ok)
+        QCOMPARE(result.info.url, u"https://i.example/v"_s);
+    else
+        QCOMPARE(result.error.code, exitCode == 0 ? -1 : exitCode);
+    QCOMPARE(result.playlistEntries, playlistEntries);
+    QVERIFY(engine->log().contains(u"正在获取视频信息..."_s));
+    QTRY_VERIFY2(engine->log().contains(logLine), qPrintable(engine->log().join(u'\n')));
+}
+
+void TestMaintenance::fetchVideoInfoCommand()
+{
+    auto engine = makeEngine(true);
+    QVERIFY(engine);
+    engine->fixture.writeFile(u"home/Library/Application Support/Google/Chrome/Profile 1/Cookies"_s, "db");
+    const QString url = u"--exec=it's $HOME"_s;
+    QVERIFY(fetchInfo(*engine->manager, url, true).ok);
+    const QList<QStringList> expected { { u"-J"_s, u"--no-playlist"_s, u"--js-runtimes"_s,
+        u"deno:"_s + engine->fixture.path(u"tools/deno"_s), u"--cookies-from-browser"_s, u"chrome"_s, u"--"_s, url } };
+    QCOMPARE(engine->fake.runs(), expected);
+}
+
+// Cancelling stops the child and answers at once; a child that takes too long is stopped too.
+void TestMaintenance::fetchVideoInfoStops()
+{
+    auto engine = makeEngine();
+    QVERIFY(engine);
+    qputenv("FAKE_YTDLP_INFO_DELAY", "30");
+    std::optional<VideoInfoResult> result;
+    QPointer<VideoInfoFetch> fetch = engine->manager->fetchVideoInfo(
+        u"https://i.example/slow"_s, false, [&result](const VideoInfoResult &r) { result = r; });
+    QTRY_COMPARE_WITH_TIMEOUT(engine->fake.runs().size(), 1, 20000);
+    fetch->cancel();
+    QVERIFY(result && result->cancelled && !result->ok);
+    QTRY_VERIFY(!fetch); // gone, and its child with it
+    QVERIFY(engine->log().filter(u"获取视频信息失败"_s).isEmpty());
+
+    result.reset();
+    auto *timed = new VideoInfoFetch(u"u"_s, &engine->state, [&result](const VideoInfoResult &r) { result = r; });
+    QElapsedTimer clock;
+    clock.start();
+    timed->run(shellQuote(engine->fake.path()) + u" -J -- u"_s, 1000);
+    QTRY_VERIFY_WITH_TIMEOUT(result, 20000);
+    QVERIFY(clock.elapsed() < 20000);
+    QCOMPARE(result->error.localizedDescription, u"命令在 1 秒内没有结束，已停止"_s);
 }
 
 QTEST_GUILESS_MAIN(TestMaintenance)

@@ -68,6 +68,15 @@ out=$(FAKE_YTDLP_FORMATS=table FAKE_YTDLP_FORMATS_STDERR=oops FAKE_YTDLP_FORMATS
 [[ $out == table && $(cat "$work/err") == oops && $rc == 2 ]] \
     && pass "-F overridden (stdout, stderr, exit)" || fail "-F gave '$out' rc=$rc"
 
+out=$(bash -c "$(quote "$fake") -J --no-playlist -- https://x" | python3 -c 'import json,sys; d=json.load(sys.stdin); print(d["title"], len(d["formats"]), d["webpage_url"])'); rc=$?
+[[ $rc == 0 && $out == "fake 5 https://x" ]] && pass "-J default record" || fail "-J gave rc=$rc: $out"
+
+printf '{"title": "recorded"}' > "$work/info.json"
+out=$(FAKE_YTDLP_INFO="$work/info.json" FAKE_YTDLP_INFO_STDERR="ERROR: x" FAKE_YTDLP_INFO_EXIT=1 \
+      bash -c "$(quote "$fake") -J https://x" 2> "$work/err"); rc=$?
+[[ $out == '{"title": "recorded"}' && $(cat "$work/err") == "ERROR: x" && $rc == 1 ]] \
+    && pass "-J overridden (file, stderr, exit)" || fail "-J gave '$out' rc=$rc"
+
 # --- scenarios --------------------------------------------------------------------------------
 run() { FAKE_YTDLP_SCENARIO="$1" bash -c "$(quote "$fake") -o $(quote "$work/dl/%(title)s.%(ext)s") https://x"; }
 

@@ -5,6 +5,7 @@
 
 #include "engine/downloadmanager.h"
 #include "model/appstate.h"
+#include "model/videoinfo.h"
 #include "views/qmlsetup.h"
 
 #include "support/mediaserver.h"
@@ -12,6 +13,7 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QProcess>
 #include <QQmlEngine>
 #include <QQuickStyle>
 #include <QtQml/qqmlextensionplugin.h>
@@ -34,7 +36,26 @@ public:
 
     Q_INVOKABLE QString tempDir() const { return m_root; }
     Q_INVOKABLE QString baseUrl() const { return m_baseUrl; }
+    Q_INVOKABLE QString testsDir() const { return QString::fromLocal8Bit(qgetenv("QUILLBOX_TESTS_DIR")); }
+
+    // A record from its JSON form (camel-case keys); undefined when it does not decode.
+    Q_INVOKABLE QVariant videoInfo(const QString &json) const
+    {
+        const auto info = VideoInfo::fromJson(json.toUtf8());
+        return info ? QVariant::fromValue(*info) : QVariant();
+    }
     void setBaseUrl(const QString &url) { m_baseUrl = url; }
+
+    // The kinds of stream ("video", "audio") in a media file, as ffprobe reads them.
+    Q_INVOKABLE QStringList streamsOf(const QString &path) const
+    {
+        QProcess probe;
+        probe.start(u"ffprobe"_s,
+            { u"-v"_s, u"error"_s, u"-show_entries"_s, u"stream=codec_type"_s, u"-of"_s, u"csv=p=0"_s, path });
+        if (!probe.waitForFinished(30000))
+            return {};
+        return QString::fromUtf8(probe.readAllStandardOutput()).split(u'\n', Qt::SkipEmptyParts);
+    }
 
     Q_INVOKABLE QStringList filesIn(const QString &dir) const
     {

@@ -1,3 +1,4 @@
+#include "views/formatpicker.h"
 #include "views/inputpresenter.h"
 
 #include "engine/enginefixture.h"
@@ -129,13 +130,17 @@ void TestInputPresenter::listFormats()
     QVERIFY(presenter.isListingFormats());
     presenter.listFormats(); // one at a time: a second press while listing does nothing
     QTRY_COMPARE_WITH_TIMEOUT(listed.count(), 1, 20000);
+    // The picker fetches the same link's formats alongside.
+    QTRY_COMPARE_WITH_TIMEOUT(presenter.formatPicker()->count(), 5, 20000);
     QTest::qWait(200);
     QCOMPARE(listed.count(), 1);
-    QCOMPARE(engine->fake.runs().size(), 1);
     QVERIFY(!presenter.isListingFormats());
     QCOMPARE(listed.at(0).at(0).toString(), u"ID EXT\n18 mp4\n"_s);
-    // The first line, untrimmed.
-    QCOMPARE(engine->fake.runs().constLast().constLast(), u"  https://f.example/1"_s);
+    const QList<QStringList> runs = engine->fake.runs();
+    QCOMPARE(runs.size(), 2);
+    for (const QStringList &argv : runs) // the first line, untrimmed
+        QCOMPARE(argv.constLast(), u"  https://f.example/1"_s);
+    QCOMPARE(runs.at(0).contains(u"-J"_s) + runs.at(1).contains(u"-J"_s), 1);
 }
 
 QTEST_MAIN(TestInputPresenter)

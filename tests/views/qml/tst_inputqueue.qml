@@ -107,7 +107,8 @@ TestCase {
         verify(editor.activeFocus)
 
         const order = ["preset0", "preset1", "preset2", "preset3", "preset4", "preset5", "playlistSwitch",
-                       "cookieSwitch", "outputField", "folderButton", "listFormatsButton", "startButton"]
+                       "cookieSwitch", "outputField", "folderButton", "listFormatsButton", "videoInfoButton",
+                       "startButton"]
         for (const name of order) {
             keyClick(Qt.Key_Tab)
             const item = child(name)

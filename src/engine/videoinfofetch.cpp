@@ -1,0 +1,126 @@
+#include "engine/videoinfofetch.h"
+
+#include "engine/shellrunner.h"
+#include "model/appstate.h"
+#include "model/logcategories.h"
+
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QRegularExpression>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+const QString managerDomain = u"DownloadManager"_s;
+
+// At most `count` characters, never cutting a surrogate pair in two.
+QString leftCharacters(const QString &text, qsizetype count)
+{
+    qsizetype end = 0;
+    for (; end < text.size() && count > 0; --count)
+        end += text.at(end).isHighSurrogate() && end + 1 < text.size() && text.at(end + 1).isLowSurrogate() ? 2 : 1;
+    return text.left(end);
+}
+
+bool isPlaylist(const QByteArray &json)
+{
+    return QJsonDocument::fromJson(json).object().value(QLatin1String("_type")).toString() == QLatin1String("playlist");
+}
+} // namespace
+
+VideoInfoFetch::VideoInfoFetch(const QString &url, AppState *log, Completion completion, QObject *parent)
+    : QObject(parent)
+    , m_url(url)
+    , m_log(log)
+    , m_completion(std::move(completion))
+{
+}
+
+void VideoInfoFetch::run(const QString &command, int timeoutMs)
+{
+    if (m_answered || m_started)
+        return;
+    info(u"正在获取视频信息..."_s);
+    qCInfo(lcEngine, "[Quillbox] [fetchVideoInfo] 命令: %ls", qUtf16Printable(command));
+    info(u"执行命令: "_s + command);
+    m_started = true;
+    runShellCommand(
+        command, PipeMode::Split, this, [this](const ShellResult &result) { handle(result); }, timeoutMs);
+}
+
+void VideoInfoFetch::cancel()
+{
+    if (m_answered)
+        return;
+    VideoInfoResult result;
+    result.cancelled = true;
+    result.error = EngineError { managerDomain, -1, u"已取消获取视频信息"_s };
+    finish(result);
+}
+
+QString VideoInfoFetch::failureMessage(const ShellResult &result)
+{
+    const QStringList errorLines = result.standardError.split(u'\n').filter(QRegularExpression(u"^ERROR:"_s));
+    if (!errorLines.isEmpty())
+        return errorLines.join(u'\n');
+    if (!result.standardError.trimmed().isEmpty())
+        return result.standardError.trimmed();
+    if (!result.standardOutput.trimmed().isEmpty())
+        return result.standardOutput.trimmed();
+    return u"yt-dlp 以状态 %1 退出，没有给出原因"_s.arg(result.exitCode);
+}
+
+void VideoInfoFetch::handle(const ShellResult &result)
+{
+    if (m_answered)
+        return;
+    if (!result.launched) {
+        fail(EngineError { u"QProcess"_s, -1, result.errorString });
+        return;
+    }
+    if (result.exitCode != 0 || result.crashed) {
+        fail(EngineError { managerDomain, result.crashed ? -1 : result.exitCode, failureMessage(result) });
+        return;
+    }
+    const QByteArray json = result.standardOutput.toUtf8();
+    VideoInfoResult answer;
+    const auto decoded = VideoInfo::fromYtDlpJson(json, m_url, &answer.playlistEntries);
+    if (!decoded) {
+        fail(EngineError { managerDomain, -1,
+            isPlaylist(json) ? u"这个播放列表中没有视频"_s : u"yt-dlp 的输出不是可以读取的视频信息"_s });
+        return;
+    }
+    answer.ok = true;
+    answer.info = *decoded;
+    if (answer.playlistEntries > 0)
+        info(u"链接是一个播放列表（%1 个视频），显示第一个视频的信息"_s.arg(answer.playlistEntries));
+    info(u"视频信息获取成功: "_s + answer.info.title);
+    finish(answer);
+}
+
+void VideoInfoFetch::fail(const EngineError &error)
+{
+    if (m_log)
+        m_log->addLog(
+            u"获取视频信息失败: "_s + leftCharacters(error.localizedDescription, 200), LogEntry::LogType::Error);
+    VideoInfoResult result;
+    result.error = error;
+    finish(result);
+}
+
+void VideoInfoFetch::finish(const VideoInfoResult &result)
+{
+    m_answered = true;
+    // The fetch is the running command's context: when it goes, the child is killed if it still
+    // runs. Not at once: this may be that command's own answer.
+    const Completion completion = std::move(m_completion);
+    deleteLater();
+    if (completion)
+        completion(result);
+}
+
+void VideoInfoFetch::info(const QString &message) const
+{
+    if (m_log)
+        m_log->addLog(message, LogEntry::LogType::Info);
+}

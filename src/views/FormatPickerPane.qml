@@ -1,0 +1,176 @@
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import QtQuick.Controls.Basic
+import QtQuick.Layouts
+import Quillbox
+
+// The formats of the listed video as a table: choosing one combined format, or a video-only and
+// an audio-only one, and "使用所选格式" make the choice the custom preset's "-f" argument.
+Rectangle {
+    id: root
+
+    property FormatPicker picker: null
+    readonly property int rows: root.picker ? root.picker.count : 0
+    readonly property string arguments: root.picker ? root.picker.arguments : ""
+
+    signal applied
+
+    color: Theme.surface
+    radius: Theme.radius
+
+    // Column widths; the codecs take what is left.
+    readonly property var columns: [
+        { title: "ID", role: "formatId", width: 64 },
+        { title: "格式", role: "ext", width: 44 },
+        { title: "分辨率", role: "resolution", width: 76 },
+        { title: "帧率", role: "fps", width: 44 },
+        { title: "编码", role: "codecs", width: -1 },
+        { title: "大小", role: "size", width: 74 },
+        { title: "说明", role: "note", width: 80 }
+    ]
+
+    ColumnLayout {
+        anchors.fill: parent
+        anchors.margins: 12
+        spacing: 8
+
+        Text {
+            text: "选择格式"
+            color: Theme.text
+            font.pixelSize: Theme.headline
+            font.weight: Font.DemiBold
+        }
+        Hint {
+            Layout.fillWidth: true
+            text: "选择一个视频格式和一个音频格式，或一个音视频合一的格式"
+        }
+
+        RowLayout {
+            Layout.fillWidth: true
+            spacing: 6
+
+            Repeater {
+                model: root.columns
+
+                Text {
+                    required property var modelData
+
+                    Layout.preferredWidth: modelData.width > 0 ? modelData.width : -1
+                    Layout.fillWidth: modelData.width < 0
+                    text: modelData.title
+                    color: Theme.gray
+                    font.pixelSize: Theme.caption
+                }
+            }
+        }
+
+        ListView {
+            id: table
+
+            objectName: "formatTable"
+            Layout.fillWidth: true
+            Layout.fillHeight: true
+            visible: root.rows > 0
+            clip: true
+            spacing: 2
+            model: root.picker
+            boundsBehavior: Flickable.StopAtBounds
+            ScrollBar.vertical: ScrollBar {}
+
+            delegate: AbstractButton {
+                id: row
+
+                required property int index
+                required property string formatId
+                required property string ext
+                required property string resolution
+                required property string fps
+                required property string codecs
+                required property string size
+                required property string note
+                required property int kind
+                required property bool selected
+
+                objectName: "formatRow" + formatId
+                width: table.width
+                implicitHeight: 28
+                enabled: kind !== FormatPicker.Other
+                hoverEnabled: true
+                onClicked: root.picker.toggle(index)
+
+                background: Rectangle {
+                    radius: Theme.radiusSmall
+                    color: row.selected ? Theme.border : row.hovered ? Theme.hoverFill : "transparent"
+                    border.width: row.selected ? 1 : 0
+                    border.color: Theme.selectionStroke
+                }
+
+                contentItem: RowLayout {
+                    spacing: 6
+                    opacity: row.enabled ? 1 : 0.5
+
+                    Repeater {
+                        model: root.columns
+
+                        Text {
+                            required property var modelData
+
+                            Layout.preferredWidth: modelData.width > 0 ? modelData.width : -1
+                            Layout.fillWidth: modelData.width < 0
+                            text: row[modelData.role]
+                            color: row.selected ? Theme.text : Theme.secondaryText
+                            font.family: Theme.fixedFont.family
+                            font.pixelSize: Theme.monoCaption
+                            elide: Text.ElideRight
+                        }
+                    }
+                }
+            }
+        }
+
+        Text {
+            objectName: "pickerStatus"
+            Layout.fillWidth: true
+            Layout.fillHeight: root.rows === 0
+            visible: root.rows === 0
+            verticalAlignment: Text.AlignVCenter
+            horizontalAlignment: Text.AlignHCenter
+            wrapMode: Text.Wrap
+            text: !root.picker ? "" : root.picker.isLoading ? "正在读取格式..." : root.picker.errorText
+            color: root.picker && root.picker.isLoading ? Theme.gray : Theme.orange
+            font.pixelSize: Theme.caption
+        }
+
+        RowLayout {
+            Layout.fillWidth: true
+            spacing: 10
+
+            Text {
+                objectName: "pickerArguments"
+                Layout.fillWidth: true
+                text: root.arguments
+                color: Theme.text
+                font.family: Theme.fixedFont.family
+                font.pixelSize: Theme.monoBody
+                elide: Text.ElideRight
+            }
+            TextButton {
+                objectName: "applyFormatButton"
+                implicitHeight: 30
+                enabled: root.arguments.length > 0
+                opacity: enabled ? 1 : 0.5
+                text: "使用所选格式"
+                symbol: "checkmark"
+                tint: Theme.text
+                fill: Theme.accent
+                cornerRadius: Theme.radiusSmall
+                fontSize: Theme.body
+                onClicked: {
+                    if (root.picker && root.picker.apply())
+                        root.applied()
+                }
+            }
+        }
+    }
+}

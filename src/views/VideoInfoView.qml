@@ -1,0 +1,87 @@
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import QtQuick.Layouts
+import Quillbox
+
+// A video's title, duration and uploader and, when they are known, its view and like counts.
+Rectangle {
+    id: root
+
+    property videoInfo videoInfo
+
+    signal dismissed
+
+    objectName: "videoInfoView"
+    implicitWidth: 400
+    implicitHeight: 300
+    color: Theme.surface
+    radius: Theme.radiusLarge
+
+    ColumnLayout {
+        anchors.fill: parent
+        anchors.margins: 20
+        spacing: 16
+
+        Text {
+            objectName: "videoTitle"
+            Layout.fillWidth: true
+            text: root.videoInfo.title
+            color: Theme.text
+            font.pixelSize: Theme.title2
+            font.bold: true
+            wrapMode: Text.Wrap
+            maximumLineCount: 3
+            elide: Text.ElideRight
+        }
+
+        ColumnLayout {
+            Layout.fillWidth: true
+            spacing: 10
+
+            InfoRow {
+                objectName: "durationRow"
+                Layout.fillWidth: true
+                title: "时长"
+                value: root.videoInfo.durationString
+            }
+            InfoRow {
+                objectName: "uploaderRow"
+                Layout.fillWidth: true
+                title: "作者"
+                value: root.videoInfo.uploader
+            }
+            InfoRow {
+                objectName: "viewCountRow"
+                Layout.fillWidth: true
+                visible: root.videoInfo.viewCountText.length > 0
+                title: "播放量"
+                value: root.videoInfo.viewCountText
+            }
+            InfoRow {
+                objectName: "likeCountRow"
+                Layout.fillWidth: true
+                visible: root.videoInfo.likeCountText.length > 0
+                title: "点赞数"
+                value: root.videoInfo.likeCountText
+            }
+        }
+
+        Item {
+            Layout.fillHeight: true
+        }
+
+        TextButton {
+            objectName: "closeVideoInfoButton"
+            Layout.alignment: Qt.AlignRight
+            implicitWidth: 72
+            implicitHeight: 30
+            text: "关闭"
+            tint: Theme.text
+            fill: Theme.border
+            cornerRadius: Theme.radiusSmall
+            fontSize: Theme.body
+            onClicked: root.dismissed()
+        }
+    }
+}

@@ -1,0 +1,89 @@
+#pragma once
+
+#include "model/videoinfo.h"
+
+#include <QAbstractListModel>
+#include <QList>
+#include <QPointer>
+#include <QtQml/qqmlregistration.h>
+
+class AppState;
+class DownloadManager;
+class VideoInfoFetch;
+
+// The formats of one video as a table to choose from: one combined format, or one video-only and
+// one audio-only format (either alone too). apply() makes the choice the custom preset's
+// arguments, "-f ID" or "-f VIDEO+AUDIO".
+class FormatPicker : public QAbstractListModel
+{
+    Q_OBJECT
+    QML_ELEMENT
+    Q_PROPERTY(bool isLoading READ isLoading NOTIFY loadingChanged)
+    // Why there is no table (the information could not be fetched, or lists no format).
+    Q_PROPERTY(QString errorText READ errorText NOTIFY errorTextChanged)
+    // "-f 5+1" for the rows chosen; empty while none is.
+    Q_PROPERTY(QString arguments READ arguments NOTIFY selectionChanged)
+    Q_PROPERTY(int count READ count NOTIFY countChanged)
+
+public:
+    enum class Kind { Combined, VideoOnly, AudioOnly, Other };
+    Q_ENUM(Kind)
+
+    enum Role {
+        FormatIdRole = Qt::UserRole + 1,
+        ExtRole,
+        ResolutionRole,
+        FpsRole, // "29.97", or empty
+        CodecsRole, // the codecs that are there: "avc1.4d401f", "avc1 + mp4a.40.2", or empty
+        SizeRole, // "1.18MiB", or empty
+        NoteRole,
+        KindRole,
+        SelectedRole,
+    };
+    Q_ENUM(Role)
+
+    // Bound to the process-wide AppState and DownloadManager.
+    explicit FormatPicker(QObject *parent = nullptr);
+    FormatPicker(AppState *state, DownloadManager *downloads, QObject *parent = nullptr);
+    ~FormatPicker() override;
+
+    bool isLoading() const { return !m_fetch.isNull(); }
+    QString errorText() const { return m_errorText; }
+    QString arguments() const;
+    int count() const { return int(m_formats.size()); }
+
+    // Fetches the formats of `url` (the form's cookie switch) and shows them; the table empties
+    // meanwhile.
+    Q_INVOKABLE void fetch(const QString &url);
+    void setFormats(const QList<VideoFormat> &formats);
+    // Chooses the row, or unchooses it when chosen. A combined format replaces the whole choice;
+    // a video-only or audio-only format replaces the combined one and the other of its kind.
+    Q_INVOKABLE void toggle(int row);
+    // Selects the custom preset with arguments(); false, changing nothing, while nothing is chosen.
+    Q_INVOKABLE bool apply();
+
+    static Kind kindOf(const VideoFormat &format);
+    // Bytes in binary units as yt-dlp writes them: "512.00KiB", "1.18MiB".
+    static QString sizeText(qint64 bytes);
+
+    int rowCount(const QModelIndex &parent = QModelIndex()) const override;
+    QVariant data(const QModelIndex &index, int role = Qt::DisplayRole) const override;
+    QHash<int, QByteArray> roleNames() const override;
+
+Q_SIGNALS:
+    void loadingChanged();
+    void errorTextChanged();
+    void selectionChanged();
+    void countChanged();
+
+private:
+    void setErrorText(const QString &text);
+    void select(const QList<int> &rows);
+
+    QPointer<AppState> m_state;
+    QPointer<DownloadManager> m_downloads;
+    QPointer<VideoInfoFetch> m_fetch;
+    QList<VideoFormat> m_formats;
+    QList<int> m_selected; // a video-only row before an audio-only one
+    QString m_errorText;
+};

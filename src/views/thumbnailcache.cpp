@@ -1,0 +1,43 @@
+#include "views/thumbnailcache.h"
+
+#include <QDateTime>
+#include <QNetworkAccessManager>
+#include <QStandardPaths>
+
+using namespace Qt::StringLiterals;
+
+ThumbnailCache::ThumbnailCache(const QString &directory, QObject *parent)
+    : QNetworkDiskCache(parent)
+{
+    setCacheDirectory(directory);
+    setMaximumCacheSize(MaximumBytes);
+}
+
+QIODevice *ThumbnailCache::prepare(const QNetworkCacheMetaData &metaData)
+{
+    // Thumbnail servers often say "no-cache" or nothing about freshness; a picture of a video
+    // does not change, so it is kept regardless and counts as fresh for KeepDays.
+    QNetworkCacheMetaData kept = metaData;
+    kept.setSaveToDisk(true);
+    kept.setExpirationDate(QDateTime::currentDateTimeUtc().addDays(KeepDays));
+    return QNetworkDiskCache::prepare(kept);
+}
+
+QString ThumbnailCache::defaultDirectory()
+{
+    return QStandardPaths::writableLocation(QStandardPaths::CacheLocation) + u"/thumbnails"_s;
+}
+
+ThumbnailNetworkFactory::ThumbnailNetworkFactory(QString directory)
+    : m_directory(std::move(directory))
+{
+}
+
+QNetworkAccessManager *ThumbnailNetworkFactory::create(QObject *parent)
+{
+    // Called on the engine's threads; each manager gets its own cache object on the same folder
+    // (QNetworkDiskCache writes each entry to a temporary file and renames it into place).
+    auto *manager = new QNetworkAccessManager(parent);
+    manager->setCache(new ThumbnailCache(m_directory, manager));
+    return manager;
+}
