@@ -1,5 +1,6 @@
 #pragma once
 
+#include "cookies/cookiewords.h"
 #include "engine/progressparser.h"
 #include "model/downloadpreset.h"
 #include "model/downloadtask.h"
@@ -177,7 +178,7 @@ public:
 
     // The command text for one download, given the discovered tool words.
     static QString buildDownloadCommand(const QString &ytDlpPath, const DownloadRequest &request,
-        const QStringList &jsRuntimeArgs, const QStringList &ffmpegArgs, bool withCookies);
+        const QStringList &jsRuntimeArgs, const QStringList &ffmpegArgs, const QStringList &cookieArgs);
 
 Q_SIGNALS:
     void installationChecked(int request, bool installed, const QString &output);
@@ -211,7 +212,9 @@ private:
     void getFfmpegVersion(int generation, const QString &path);
     void setFfmpeg(const QString &path, const QString &version);
     void warnIfYtDlpTooOld();
-    bool chromeCookiesAvailable() const;
+    // The cookie words of AppState's cookie source; a source that cannot be used gives none,
+    // and the in-app log says so once.
+    CookieWords cookieArgs() const;
 
     // downloads
     QUuid createTask(const DownloadRequest &request, QList<DownloadTask> &created);
@@ -250,7 +253,7 @@ private:
     int m_ffmpegGeneration = 0;
     bool m_warnedOldYtDlp = false;
     int m_lastInstallationCheck = 0;
-    mutable bool m_warnedNoChrome = false;
+    mutable QString m_lastCookieWarning;
 
     int m_maxConcurrent = DefaultMaxConcurrentDownloads;
     int m_stallNoticeMs = StallNoticeMs;

@@ -72,8 +72,8 @@ void DownloadManager::listFormats(
         info(u"正在获取可用格式..."_s);
         QStringList words { quoteIfNeeded(m_ytDlpPath), u"--list-formats"_s };
         words += jsRuntimeArgs();
-        if (useCookies && chromeCookiesAvailable())
-            words << u"--cookies-from-browser"_s << u"chrome"_s;
+        if (useCookies)
+            words += cookieArgs().words;
         words << u"--"_s << shellQuote(url);
         const QString command = words.join(u' ');
 

@@ -318,7 +318,7 @@ void TestToolDiscovery::realYtDlpIsTooOldForRuntimes()
     request.url = u"https://example.invalid/v"_s;
     request.outputDir = fixture.root();
     const QString command = DownloadManager::buildDownloadCommand(
-        manager.ytDlpPath(), request, manager.jsRuntimeArgs(), manager.ffmpegArgs(), false);
+        manager.ytDlpPath(), request, manager.jsRuntimeArgs(), manager.ffmpegArgs(), {});
     QVERIFY(!command.contains(u"--js-runtimes"_s));
     QVERIFY(command.startsWith(manager.ytDlpPath() + u' '));
 }
