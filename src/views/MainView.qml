@@ -47,6 +47,7 @@ Item {
             SplitView {
                 Layout.fillWidth: true
                 Layout.fillHeight: true
+                visible: AppState.selectedTab !== 2
                 orientation: Qt.Horizontal
 
                 handle: Rectangle {
@@ -66,6 +67,15 @@ Item {
                     SplitView.minimumWidth: 350
                     SplitView.preferredWidth: 420
                 }
+            }
+
+            Loader {
+                objectName: "cookieManagerLoader"
+                Layout.fillWidth: true
+                Layout.fillHeight: true
+                visible: active
+                active: AppState.selectedTab === 2
+                source: "CookieManagerView.qml"
             }
 
             // The log panel comes in from the bottom edge with a fade, and goes the same way.
