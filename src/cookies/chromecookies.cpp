@@ -76,7 +76,8 @@ QStringList profileRoots(const QString &browser, const QString &home)
         return { mac + u"Vivaldi"_s, config + u"vivaldi"_s };
     if (browser == u"firefox")
         return { mac + u"Firefox/Profiles"_s, home + u"/.mozilla/firefox"_s,
-            home + u"/snap/firefox/common/.mozilla/firefox"_s, home + u"/.var/app/org.mozilla.firefox/.mozilla/firefox"_s };
+            home + u"/snap/firefox/common/.mozilla/firefox"_s,
+            home + u"/.var/app/org.mozilla.firefox/.mozilla/firefox"_s };
     return {};
 }
 
@@ -102,9 +103,8 @@ bool browserCookiesPresent(const QString &browser, const QString &home)
 {
     if (browser == u"chrome") {
         const QStringList candidates = chromeCookieDatabaseCandidates(home);
-        return std::any_of(candidates.begin(), candidates.end(), [](const QString &path) {
-            return !path.contains(u"/chromium/"_s) && QFileInfo(path).isFile();
-        });
+        return std::any_of(candidates.begin(), candidates.end(),
+            [](const QString &path) { return !path.contains(u"/chromium/"_s) && QFileInfo(path).isFile(); });
     }
     if (browser == u"safari") {
         return QFileInfo(home + u"/Library/Containers/com.apple.Safari/Data/Library/Cookies/Cookies.binarycookies"_s)

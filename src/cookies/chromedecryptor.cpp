@@ -93,7 +93,8 @@ std::optional<QByteArray> ChromeDecryptor::storedKey()
     return m_storedKey;
 }
 
-ChromeDecryptor::Outcome ChromeDecryptor::decrypt(const QByteArray &encrypted, const QByteArray &hostKey, QByteArray &plain)
+ChromeDecryptor::Outcome ChromeDecryptor::decrypt(
+    const QByteArray &encrypted, const QByteArray &hostKey, QByteArray &plain)
 {
     const QByteArray prefix = encrypted.left(3);
     std::optional<QByteArray> key;
@@ -140,8 +141,7 @@ std::optional<QByteArray> lookupBrowserPassword(const QString &databasePath, con
         qCInfo(lcCookies, "[CookieService] 未找到 secret-tool，无法读取密钥环");
         return std::nullopt;
     }
-    process.start(program,
-        { u"lookup"_s, u"application"_s, chromium ? u"chromium"_s : u"chrome"_s });
+    process.start(program, { u"lookup"_s, u"application"_s, chromium ? u"chromium"_s : u"chrome"_s });
 #endif
     process.closeWriteChannel();
     // A keyring that asks the user to unlock it waits for them; give up after a while.

@@ -345,7 +345,7 @@ QString CookieService::getChromeCookiesPath(const QString &home)
 
 void CookieService::exportChromeCookies()
 {
-    extractCookiesFromChrome([](const CookieExportResult &) { });
+    extractCookiesFromChrome([](const CookieExportResult &) {});
 }
 
 void CookieService::extractCookiesFromChrome(std::function<void(const CookieExportResult &)> completion)
@@ -394,8 +394,9 @@ void CookieService::finish(const CookieExportResult &result)
 CookieExportResult CookieService::runExport(const CookieServiceSetup &setup)
 {
     logLine(u"开始提取 Chrome cookies"_s);
-    const QString outputPath = QDir(setup.tempDir).filePath(
-        u"chrome_cookies_"_s + QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper() + u".txt"_s);
+    const QString outputPath = QDir(setup.tempDir)
+                                   .filePath(u"chrome_cookies_"_s
+                                       + QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper() + u".txt"_s);
     const QString chromePath = getChromeCookiesPath(setup.home);
     logLine(u"Chrome cookies 路径: "_s + chromePath);
     if (!QFileInfo(chromePath).isFile()) {
@@ -474,8 +475,9 @@ CookieExportResult CookieService::runExport(const CookieServiceSetup &setup)
 CookieExportResult CookieService::extractCookiesUsingSQLite(
     const CookieServiceSetup &setup, const QString &chromePath, const QString &outputPath)
 {
-    const QString scriptPath = QDir(setup.tempDir).filePath(
-        u"extract_"_s + QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper() + u".sh"_s);
+    const QString scriptPath
+        = QDir(setup.tempDir)
+              .filePath(u"extract_"_s + QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper() + u".sh"_s);
     QString error;
     if (!writePrivateFile(scriptPath, QByteArray(SqliteScript), &error))
         return failure(CookieError::platform(u"无法写入 sqlite3 脚本 "_s + scriptPath + u": "_s + error));
@@ -517,8 +519,8 @@ CookieExportResult CookieService::extractCookiesUsingSQLite(
         const QByteArray secure = fields.size() == 6 ? "FALSE" : (fields.at(6) == "1" ? "TRUE" : "FALSE");
         // Readers of the format refuse a host-only cookie (no leading dot) marked for sub-domains.
         const QByteArray subdomains = fields.at(0).startsWith('.') ? "TRUE" : "FALSE";
-        lines += fields.at(0) + '\t' + subdomains + '\t' + fields.at(4) + '\t' + secure + '\t' + fields.at(5) + '\t' + fields.at(1)
-            + '\t' + value + '\n';
+        lines += fields.at(0) + '\t' + subdomains + '\t' + fields.at(4) + '\t' + secure + '\t' + fields.at(5) + '\t'
+            + fields.at(1) + '\t' + value + '\n';
         ++result.cookieCount;
     }
     logUndecryptable(result.undecryptable);

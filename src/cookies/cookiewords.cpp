@@ -26,7 +26,8 @@ CookieWords cookieWords(const QString &source, const QString &cookieFile, const 
         if (path == u"~"_s || path.startsWith(u"~/"_s))
             path = home + path.mid(1);
         if (path.isEmpty()) {
-            result.warning = u"⚠️ 未选择 Cookie 文件，本次不使用 Cookie（可在“Cookie 管理”中选择）"_s;
+            result.warning
+                = u"⚠️ 未选择 Cookie 文件，本次不使用 Cookie（可在“Cookie 管理”中选择）"_s;
         } else if (!QFileInfo(path).isFile()) {
             result.warning = u"⚠️ Cookie 文件不存在: "_s + path + u"，本次不使用 Cookie"_s;
         } else {

@@ -69,18 +69,20 @@ void CookiePagePresenter::readBrowsers()
 {
     QVariantList browsers;
     const QString chosen = m_state->cookieSource();
-    bool chosenListed = chosen == QLatin1String(CookieSourceNames::None)
-        || chosen == QLatin1String(CookieSourceNames::File);
+    bool chosenListed
+        = chosen == QLatin1String(CookieSourceNames::None) || chosen == QLatin1String(CookieSourceNames::File);
     for (const CookieBrowser &browser : installedCookieBrowsers(m_home)) {
         browsers.append(QVariantMap { { u"name"_s, browser.name }, { u"label"_s, browser.label } });
         chosenListed = chosenListed || browser.name == chosen;
     }
     // A browser chosen before stays visible, said to be missing, so the choice is not silently lost.
     if (!chosenListed)
-        browsers.prepend(QVariantMap { { u"name"_s, chosen }, { u"label"_s, QString(cookieBrowserLabel(chosen) + u"（未找到）"_s) } });
+        browsers.prepend(QVariantMap {
+            { u"name"_s, chosen }, { u"label"_s, QString(cookieBrowserLabel(chosen) + u"（未找到）"_s) } });
     if (browsers.isEmpty())
         browsers.append(QVariantMap { { u"name"_s, QString::fromLatin1(CookieSourceNames::DefaultBrowser) },
-            { u"label"_s, QString(cookieBrowserLabel(QLatin1String(CookieSourceNames::DefaultBrowser)) + u"（未找到）"_s) } });
+            { u"label"_s,
+                QString(cookieBrowserLabel(QLatin1String(CookieSourceNames::DefaultBrowser)) + u"（未找到）"_s) } });
     if (browsers != m_browsers) {
         m_browsers = browsers;
         Q_EMIT browsersChanged();

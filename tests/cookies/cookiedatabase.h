@@ -44,8 +44,9 @@ inline bool writeChromeCookieDatabase(const QString &path, const QList<ChromeCoo
     sql += QStringLiteral("INSERT INTO meta VALUES('version', '%1');\n").arg(version);
     qint64 creation = 13300000000;
     for (const ChromeCookieRow &row : rows) {
-        const QString value = row.valueBlob.isEmpty() ? sqlText(row.value)
-                                                      : QStringLiteral("X'") + QString::fromLatin1(row.valueBlob.toHex()) + u'\'';
+        const QString value = row.valueBlob.isEmpty()
+            ? sqlText(row.value)
+            : QStringLiteral("X'") + QString::fromLatin1(row.valueBlob.toHex()) + u'\'';
         sql += QStringLiteral("INSERT INTO cookies VALUES(%1, %2, '', %3, %4, X'%5', '/', %6, %7, 0, 0, 1, 1, 1, 0, 2, "
                               "443, 0, 0, 0);\n")
                    .arg(++creation)

@@ -41,8 +41,8 @@ void TestChromeExport::chromiumToYtDlp()
     QDeadlineTimer ready(30000);
     while (!server.canReadLine() && server.state() == QProcess::Running && !ready.hasExpired())
         server.waitForReadyRead(1000);
-    const QRegularExpressionMatch match
-        = QRegularExpression(u"^READY (http://127\\.0\\.0\\.1:\\d+/)$"_s).match(QString::fromUtf8(server.readLine()).trimmed());
+    const QRegularExpressionMatch match = QRegularExpression(u"^READY (http://127\\.0\\.0\\.1:\\d+/)$"_s)
+                                              .match(QString::fromUtf8(server.readLine()).trimmed());
     QVERIFY2(match.hasMatch(), "the cookie server did not start");
     const QString base = match.captured(1);
 

@@ -165,13 +165,15 @@ void TestCookieService::failures_data()
     const QString none = u"未找到可用的 cookies。请先登录要下载的视频网站。"_s;
     QTest::newRow("no database") << u"none"_s << u"未找到 Chrome 浏览器。请确保已安装 Google Chrome。"_s
                                  << u"[CookieService] Chrome cookies 文件不存在"_s;
-    QTest::newRow("all values empty") << u"empty"_s << none << u"[CookieService] Python 方式失败，尝试 sqlite3 方式..."_s;
+    QTest::newRow("all values empty") << u"empty"_s << none
+                                      << u"[CookieService] Python 方式失败，尝试 sqlite3 方式..."_s;
     // Python hands the encrypted values over; without a keyring none can be read.
     QTest::newRow("all encrypted, no keyring")
         << u"v11"_s << none << u"[CookieService] 2 个加密的 cookies 无法解密，已跳过（未能从密钥环取得密码）"_s;
     QTest::newRow("all encrypted, no keyring, sqlite3")
         << u"v11-sqlite3"_s << none << u"[CookieService] sqlite3 方式失败: "_s + none;
-    QTest::newRow("temporary folder missing") << u"no temp"_s << u"无法写入 Python 脚本"_s << u"[CookieService] 异常: "_s;
+    QTest::newRow("temporary folder missing")
+        << u"no temp"_s << u"无法写入 Python 脚本"_s << u"[CookieService] 异常: "_s;
     QTest::newRow("no python, no bash") << u"no tools"_s << u"无法启动"_s << u"[CookieService] sqlite3 方式失败: "_s;
 }
 

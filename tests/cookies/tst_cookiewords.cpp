@@ -29,8 +29,9 @@ void TestCookieWords::words_data()
     QTest::newRow("none") << u"none"_s << u"HOME/c.txt"_s << QStringList { u"c.txt"_s } << QStringList() << QString();
     QTest::newRow("chrome there") << u"chrome"_s << QString() << QStringList { chromeDb }
                                   << QStringList { u"--cookies-from-browser"_s, u"chrome"_s } << QString();
-    QTest::newRow("chrome missing") << u"chrome"_s << QString() << QStringList() << QStringList()
-                                    << u"⚠️ 未找到 Chrome 浏览器的 Cookie 数据库，本次不使用浏览器 Cookie"_s;
+    QTest::newRow("chrome missing")
+        << u"chrome"_s << QString() << QStringList() << QStringList()
+        << u"⚠️ 未找到 Chrome 浏览器的 Cookie 数据库，本次不使用浏览器 Cookie"_s;
     // yt-dlp reads Chromium's profile only as "chromium".
     QTest::newRow("only chromium, chrome asked")
         << u"chrome"_s << QString() << QStringList { u".config/chromium/Default/Cookies"_s } << QStringList()
@@ -38,8 +39,9 @@ void TestCookieWords::words_data()
     QTest::newRow("firefox profile") << u"firefox"_s << QString()
                                      << QStringList { u".mozilla/firefox/ab12.default-release/cookies.sqlite"_s }
                                      << QStringList { u"--cookies-from-browser"_s, u"firefox"_s } << QString();
-    QTest::newRow("brave missing") << u"brave"_s << QString() << QStringList { chromeDb } << QStringList()
-                                   << u"⚠️ 未找到 Brave 浏览器的 Cookie 数据库，本次不使用浏览器 Cookie"_s;
+    QTest::newRow("brave missing")
+        << u"brave"_s << QString() << QStringList { chromeDb } << QStringList()
+        << u"⚠️ 未找到 Brave 浏览器的 Cookie 数据库，本次不使用浏览器 Cookie"_s;
     // The path is one quoted word of the command.
     QTest::newRow("file with a quote") << u"file"_s << u"HOME/it's.txt"_s << QStringList { u"it's.txt"_s }
                                        << QStringList { u"--cookies"_s, u"'HOME/it'\\''s.txt'"_s } << QString();
@@ -47,8 +49,9 @@ void TestCookieWords::words_data()
                                   << QStringList { u"--cookies"_s, u"HOME/c.txt"_s } << QString();
     QTest::newRow("file missing") << u"file"_s << u"HOME/gone.txt"_s << QStringList() << QStringList()
                                   << u"⚠️ Cookie 文件不存在: HOME/gone.txt，本次不使用 Cookie"_s;
-    QTest::newRow("no file chosen") << u"file"_s << u"  "_s << QStringList() << QStringList()
-                                    << u"⚠️ 未选择 Cookie 文件，本次不使用 Cookie（可在“Cookie 管理”中选择）"_s;
+    QTest::newRow("no file chosen")
+        << u"file"_s << u"  "_s << QStringList() << QStringList()
+        << u"⚠️ 未选择 Cookie 文件，本次不使用 Cookie（可在“Cookie 管理”中选择）"_s;
 }
 
 void TestCookieWords::words()

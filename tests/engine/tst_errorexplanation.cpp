@@ -67,10 +67,10 @@ void TestErrorExplanation::recorded_data()
     QTest::newRow("yt-dlp missing, bash")
         << u"missing-ytdlp-bash"_s << u"找不到 yt-dlp"_s << u"下载失败 (错误码: 127)"_s;
     QTest::newRow("yt-dlp missing, zsh") << u"missing-ytdlp-zsh"_s << u"找不到 yt-dlp"_s << u"下载失败 (错误码: 127)"_s;
-    QTest::newRow("cookie file not Netscape") << u"cookie-file-invalid"_s << u"Cookie 文件无法使用"_s
-                                              << u"下载失败 (错误码: 1)"_s;
-    QTest::newRow("browser without cookies") << u"browser-cookies-missing"_s << u"读不到浏览器的 Cookie"_s
-                                             << u"下载失败 (错误码: 1)"_s;
+    QTest::newRow("cookie file not Netscape")
+        << u"cookie-file-invalid"_s << u"Cookie 文件无法使用"_s << u"下载失败 (错误码: 1)"_s;
+    QTest::newRow("browser without cookies")
+        << u"browser-cookies-missing"_s << u"读不到浏览器的 Cookie"_s << u"下载失败 (错误码: 1)"_s;
     // Transcribed lines of cases that need a real site.
     QTest::newRow("bot check") << u"sign-in-bot"_s << u"不是机器人"_s << u"ERROR: [youtube]"_s;
     QTest::newRow("age") << u"sign-in-age"_s << u"年龄限制"_s << u"ERROR: [youtube]"_s;

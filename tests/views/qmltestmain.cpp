@@ -139,15 +139,16 @@ public:
     {
         QDir().mkpath(QFileInfo(path).path());
         QFile file(path);
-        return file.open(QIODevice::WriteOnly | QIODevice::Truncate) && file.write(text.toUtf8()) == text.toUtf8().size();
+        return file.open(QIODevice::WriteOnly | QIODevice::Truncate)
+            && file.write(text.toUtf8()) == text.toUtf8().size();
     }
     // A Chrome cookie database at `path` with one cookie whose value is encrypted as Chromium
     // does without a keyring.
-    Q_INVOKABLE bool writeChromeDatabase(const QString &path, const QString &host, const QString &name,
-        const QString &value) const
+    Q_INVOKABLE bool writeChromeDatabase(
+        const QString &path, const QString &host, const QString &name, const QString &value) const
     {
-        return writeChromeCookieDatabase(path,
-            { { host, name, QString(), chromeEncrypt(value.toUtf8(), host.toUtf8(), "peanuts"), 0, false, {} } });
+        return writeChromeCookieDatabase(
+            path, { { host, name, QString(), chromeEncrypt(value.toUtf8(), host.toUtf8(), "peanuts"), 0, false, {} } });
     }
 
     // What the next start would read: a new application state and engine on the stored settings.
