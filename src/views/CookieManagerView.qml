@@ -12,6 +12,11 @@ Rectangle {
 
     readonly property bool browserChosen: AppState.cookieSource !== "none" && AppState.cookieSource !== "file"
 
+    // A page on exporting cookies for yt-dlp, in the browser.
+    function openChromeCookiesHelp() {
+        Desktop.openUrl(CookieService.chromeCookiesHelpUrl)
+    }
+
     color: Theme.background
 
     component SourceOption: RadioButton {
@@ -195,7 +200,7 @@ Rectangle {
                         objectName: "cookieHelpButton"
                         symbol: "arrow.up.right.square"
                         text: "如何获取 Cookie"
-                        onClicked: Desktop.openUrl(CookieService.chromeCookiesHelpUrl)
+                        onClicked: root.openChromeCookiesHelp()
                     }
                 }
                 TextEdit {
