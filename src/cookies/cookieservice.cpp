@@ -362,8 +362,11 @@ void CookieService::extractCookiesFromChrome(std::function<void(const CookieExpo
     const CookieServiceSetup setup = m_setup;
     QThreadPool::globalInstance()->start([self, setup, completion = std::move(completion)] {
         const CookieExportResult result = runExport(setup);
+        QObject *const context = self.data();
+        if (!context)
+            return;
         QMetaObject::invokeMethod(
-            self.data(),
+            context,
             [self, result, completion] {
                 if (!self)
                     return;

@@ -80,19 +80,24 @@ void TestAppState::formIsRemembered()
         state.setOutputDirectory(u"/data/视频"_s);
         state.setDownloadPlaylist(false);
         state.setUseCookies(false);
+        state.setCookieSource(u"firefox"_s);
+        state.setCookieSource(u"no such browser"_s); // refused
     }
     AppState next;
     QCOMPARE(next.selectedPreset(), DownloadPreset::AudioOnly);
     QCOMPARE(next.outputDirectory(), u"/data/视频"_s);
     QCOMPARE(next.downloadPlaylist(), false);
     QCOMPARE(next.useCookies(), false);
+    QCOMPARE(next.cookieSource(), u"firefox"_s);
 
+    QSettings().setValue(u"cookieSource"_s, u"$(rm -rf ~)"_s);
     QSettings().setValue(u"selectedPreset"_s, u"no such preset"_s);
     QSettings().setValue(u"downloadPlaylist"_s, u"maybe"_s);
     AppState garbled;
     QCOMPARE(garbled.selectedPreset(), DownloadPreset::Default);
     QCOMPARE(garbled.downloadPlaylist(), true);
     QCOMPARE(garbled.useCookies(), false);
+    QCOMPARE(garbled.cookieSource(), u"chrome"_s);
 }
 
 void TestAppState::propertiesNotifyOnlyOnChange()
