@@ -124,8 +124,11 @@ Rectangle {
                         model: presenter.browsers
                         textRole: "label"
                         valueRole: "name"
-                        currentIndex: Math.max(0, browserChoice.indexOfValue(
-                            root.browserChosen ? AppState.cookieSource : "chrome"))
+                        // Read again when the list changes, as well as when the source does.
+                        currentIndex: browserChoice.count > 0
+                                      ? Math.max(0, browserChoice.indexOfValue(
+                                                     root.browserChosen ? AppState.cookieSource : "chrome"))
+                                      : -1
                         onActivated: AppState.cookieSource = browserChoice.currentValue
                     }
                 }
