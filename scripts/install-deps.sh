@@ -13,11 +13,11 @@ debian_packages=(
     qml6-module-qt-labs-folderlistmodel qt6-translations-l10n qt6-gtk-platformtheme
     qt6-qpa-plugins libqt6svg6
     fonts-noto-cjk fonts-noto-color-emoji fonts-dejavu-core
-    yt-dlp ffmpeg zsh sqlite3 python3 nodejs
+    yt-dlp ffmpeg zsh sqlite3 python3 nodejs libssl-dev libsecret-tools chromium
     xvfb xauth
     desktop-file-utils appstream librsvg2-bin
 )
-brew_packages=(cmake ninja ccache qt yt-dlp ffmpeg)
+brew_packages=(cmake ninja ccache qt yt-dlp ffmpeg openssl@3)
 
 case "$(uname -s)" in
 Linux)

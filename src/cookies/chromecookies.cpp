@@ -1,5 +1,6 @@
 #include "cookies/chromecookies.h"
 
+#include <QDir>
 #include <QFileInfo>
 
 using namespace Qt::StringLiterals;
@@ -28,4 +29,101 @@ QString findChromeCookieDatabase(const QString &home)
             return candidate;
     }
     return QString();
+}
+
+QList<CookieBrowser> supportedCookieBrowsers()
+{
+    QList<CookieBrowser> browsers {
+        { u"chrome"_s, u"Chrome"_s },
+        { u"chromium"_s, u"Chromium"_s },
+        { u"brave"_s, u"Brave"_s },
+        { u"edge"_s, u"Edge"_s },
+        { u"firefox"_s, u"Firefox"_s },
+        { u"opera"_s, u"Opera"_s },
+        { u"vivaldi"_s, u"Vivaldi"_s },
+    };
+#ifdef Q_OS_MACOS
+    browsers.append({ u"safari"_s, u"Safari"_s });
+#endif
+    return browsers;
+}
+
+QString cookieBrowserLabel(const QString &name)
+{
+    for (const CookieBrowser &browser : supportedCookieBrowsers()) {
+        if (browser.name == name)
+            return browser.label;
+    }
+    return name;
+}
+
+namespace {
+
+// The folders a browser keeps its profiles in, as yt-dlp looks for them.
+QStringList profileRoots(const QString &browser, const QString &home)
+{
+    const QString mac = home + u"/Library/Application Support/"_s;
+    const QString config = home + u"/.config/"_s;
+    if (browser == u"chromium")
+        return { mac + u"Chromium"_s, config + u"chromium"_s, home + u"/snap/chromium/common/chromium"_s };
+    if (browser == u"brave")
+        return { mac + u"BraveSoftware/Brave-Browser"_s, config + u"BraveSoftware/Brave-Browser"_s };
+    if (browser == u"edge")
+        return { mac + u"Microsoft Edge"_s, config + u"microsoft-edge"_s };
+    if (browser == u"opera")
+        return { mac + u"com.operasoftware.Opera"_s, config + u"opera"_s };
+    if (browser == u"vivaldi")
+        return { mac + u"Vivaldi"_s, config + u"vivaldi"_s };
+    if (browser == u"firefox")
+        return { mac + u"Firefox/Profiles"_s, home + u"/.mozilla/firefox"_s,
+            home + u"/snap/firefox/common/.mozilla/firefox"_s,
+            home + u"/.var/app/org.mozilla.firefox/.mozilla/firefox"_s };
+    return {};
+}
+
+// A profile folder directly under `root` (or `root` itself) that holds one of `files`.
+bool anyProfileHolds(const QString &root, const QStringList &files)
+{
+    QStringList dirs { root };
+    const QDir dir(root);
+    for (const QString &name : dir.entryList(QDir::Dirs | QDir::NoDotAndDotDot))
+        dirs << dir.filePath(name);
+    for (const QString &profile : std::as_const(dirs)) {
+        for (const QString &file : files) {
+            if (QFileInfo(profile + u'/' + file).isFile())
+                return true;
+        }
+    }
+    return false;
+}
+
+} // namespace
+
+bool browserCookiesPresent(const QString &browser, const QString &home)
+{
+    if (browser == u"chrome") {
+        const QStringList candidates = chromeCookieDatabaseCandidates(home);
+        return std::any_of(candidates.begin(), candidates.end(),
+            [](const QString &path) { return !path.contains(u"/chromium/"_s) && QFileInfo(path).isFile(); });
+    }
+    if (browser == u"safari") {
+        return QFileInfo(home + u"/Library/Containers/com.apple.Safari/Data/Library/Cookies/Cookies.binarycookies"_s)
+                   .isFile()
+            || QFileInfo(home + u"/Library/Cookies/Cookies.binarycookies"_s).isFile();
+    }
+    const QStringList files = browser == u"firefox" ? QStringList { u"cookies.sqlite"_s }
+                                                    : QStringList { u"Cookies"_s, u"Network/Cookies"_s };
+    const QStringList roots = profileRoots(browser, home);
+    return std::any_of(
+        roots.begin(), roots.end(), [&files](const QString &root) { return anyProfileHolds(root, files); });
+}
+
+QList<CookieBrowser> installedCookieBrowsers(const QString &home)
+{
+    QList<CookieBrowser> installed;
+    for (const CookieBrowser &browser : supportedCookieBrowsers()) {
+        if (browserCookiesPresent(browser.name, home))
+            installed.append(browser);
+    }
+    return installed;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QList>
 #include <QString>
 #include <QStringList>
 
@@ -9,3 +10,21 @@ QStringList chromeCookieDatabaseCandidates(const QString &home);
 
 // The first candidate that exists, or an empty text.
 QString findChromeCookieDatabase(const QString &home);
+
+// A browser whose cookies yt-dlp can read (--cookies-from-browser NAME).
+struct CookieBrowser
+{
+    QString name; // yt-dlp's name: "chrome", "firefox", …
+    QString label; // as the interface shows it: "Chrome", "Firefox", …
+};
+
+// The browsers yt-dlp reads cookies from, on this system (Safari only on macOS).
+QList<CookieBrowser> supportedCookieBrowsers();
+// "Chrome" for "chrome"; the name itself for one yt-dlp does not know.
+QString cookieBrowserLabel(const QString &name);
+// True when `browser` keeps a cookie store under `home` where yt-dlp looks for it. For Chrome
+// that is one of Chrome's own database locations (never Chromium's, which yt-dlp reads only as
+// "chromium").
+bool browserCookiesPresent(const QString &browser, const QString &home);
+// The supported browsers that have a cookie store under `home`, in the order of the list.
+QList<CookieBrowser> installedCookieBrowsers(const QString &home);

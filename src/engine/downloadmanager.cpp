@@ -110,13 +110,12 @@ LogEntry::LogType typeOfStderrLine(const QString &line)
 
 // --- Downloads
 QString DownloadManager::buildDownloadCommand(const QString &ytDlpPath, const DownloadRequest &request,
-    const QStringList &jsRuntimeArgs, const QStringList &ffmpegArgs, bool withCookies)
+    const QStringList &jsRuntimeArgs, const QStringList &ffmpegArgs, const QStringList &cookieArgs)
 {
     QStringList args;
     args += jsRuntimeArgs;
     args += ffmpegArgs;
-    if (withCookies)
-        args << u"--cookies-from-browser"_s << u"chrome"_s;
+    args += cookieArgs;
     if (!request.downloadPlaylist)
         args << u"--no-playlist"_s;
     QString folder = request.outputDir;
@@ -235,10 +234,10 @@ void DownloadManager::executeDownload(const QUuid &taskId)
     const QStringList ffmpegWords = m_tools->ffmpegArgs();
     if (!ffmpegWords.isEmpty())
         qCInfo(lcEngine, "[Quillbox] [executeDownload] 注入 FFmpeg 路径: %ls", qUtf16Printable(ffmpegWords.value(1)));
-    const bool withCookies = request.useCookies && m_tools->chromeCookiesAvailable();
-    if (withCookies) {
-        qCInfo(lcEngine, "[Quillbox] [executeDownload] 使用 Chrome 浏览器 Cookie");
-        info(u"使用 Chrome 浏览器 Cookie"_s);
+    const CookieWords cookies = request.useCookies ? m_tools->cookieArgs() : CookieWords();
+    if (!cookies.words.isEmpty()) {
+        qCInfo(lcEngine, "[Quillbox] [executeDownload] %ls", qUtf16Printable(cookies.notice));
+        info(cookies.notice);
     }
     if (!request.downloadPlaylist) {
         qCInfo(lcEngine, "[Quillbox] [executeDownload] 不下载播放列表");
@@ -253,7 +252,7 @@ void DownloadManager::executeDownload(const QUuid &taskId)
     if (!request.customArgs.isEmpty())
         qCInfo(lcEngine, "[Quillbox] [executeDownload] 自定义参数: %ls", qUtf16Printable(request.customArgs));
 
-    const QString command = buildDownloadCommand(m_tools->ytDlpPath(), request, runtimeArgs, ffmpegWords, withCookies);
+    const QString command = buildDownloadCommand(m_tools->ytDlpPath(), request, runtimeArgs, ffmpegWords, cookies.words);
     qCInfo(lcEngine, "%s", separatorLine);
     qCInfo(lcEngine, "[Quillbox] [executeDownload] 完整命令:");
     qCInfo(lcEngine, "[Quillbox] %ls", qUtf16Printable(command));

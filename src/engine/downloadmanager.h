@@ -168,7 +168,7 @@ public:
 
     // The command text for one download, given the discovered tool words.
     static QString buildDownloadCommand(const QString &ytDlpPath, const DownloadRequest &request,
-        const QStringList &jsRuntimeArgs, const QStringList &ffmpegArgs, bool withCookies);
+        const QStringList &jsRuntimeArgs, const QStringList &ffmpegArgs, const QStringList &cookieArgs);
 
 Q_SIGNALS:
     void installationChecked(int request, bool installed, const QString &output);

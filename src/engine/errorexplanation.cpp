@@ -30,6 +30,14 @@ const QList<Rule> &rules()
         rule(u"No supported JavaScript runtime|n challenge solving failed|nsig extraction failed|"
              u"challenge solver",
             u"缺少 JavaScript 运行时：YouTube 需要它来解析视频。请安装 Deno（https://deno.com），"_s + settingsRecheck),
+        rule(u"does not look like a Netscape format cookies file|invalid Netscape format cookies file|"
+             u"must be Netscape formatted",
+            u"Cookie 文件无法使用：它不是 yt-dlp 接受的 Netscape 格式（cookies.txt）。请在“Cookie 管理”中重新导出 Chrome Cookie，或选择另一个 Cookie 文件。"_s),
+        rule(u"could not find \\S+ cookies database|could not copy \\S+ cookie database|failed to decrypt|"
+             u"cannot decrypt",
+            u"读不到浏览器的 Cookie：所选浏览器的 Cookie 数据库找不到或无法读取。请在“Cookie 管理”中换一个浏览器或使用 Cookie 文件；浏览器正在运行时，关闭它后再试。"_s),
+        rule(u"cookies are no longer valid",
+            u"Cookie 已失效：请在浏览器中重新登录该网站，然后在“Cookie 管理”中重新导出或选择该浏览器后重试。"_s),
         rule(u"confirm (that )?you.?re not a bot",
             u"需要登录：网站要求确认你不是机器人。"_s + cookieAdvice + u"也可以稍后再试。"_s),
         rule(u"confirm your age|age.restricted|inappropriate for some users",

@@ -90,8 +90,8 @@ void Maintenance::listFormats(
         info(u"正在获取可用格式..."_s);
         QStringList words { quoteIfNeeded(m_tools->ytDlpPath()), u"--list-formats"_s };
         words += m_tools->jsRuntimeArgs();
-        if (useCookies && m_tools->chromeCookiesAvailable())
-            words << u"--cookies-from-browser"_s << u"chrome"_s;
+        if (useCookies)
+            words += m_tools->cookieArgs().words;
         words << u"--"_s << shellQuote(url);
         const QString command = words.join(u' ');
 
@@ -139,8 +139,8 @@ VideoInfoFetch *Maintenance::fetchVideoInfo(
         QStringList words { quoteIfNeeded(m_tools->ytDlpPath()), u"-J"_s, u"--no-playlist"_s };
         words += m_tools->jsRuntimeArgs();
         words += m_tools->ffmpegArgs();
-        if (useCookies && m_tools->chromeCookiesAvailable())
-            words << u"--cookies-from-browser"_s << u"chrome"_s;
+        if (useCookies)
+            words += m_tools->cookieArgs().words;
         words << u"--"_s << shellQuote(url);
         fetch->run(words.join(u' '));
     });

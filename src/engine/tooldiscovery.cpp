@@ -1,6 +1,5 @@
 #include "engine/tooldiscovery.h"
 
-#include "cookies/chromecookies.h"
 #include "engine/shellrunner.h"
 #include "model/appstate.h"
 #include "model/logcategories.h"
@@ -362,16 +361,15 @@ QStringList ToolDiscovery::ffmpegArgs() const
     return { u"--ffmpeg-location"_s, quoteIfNeeded(m_detectedFfmpeg) };
 }
 
-// --- Chrome cookies
+// --- Cookies
 
-bool ToolDiscovery::chromeCookiesAvailable() const
+CookieWords ToolDiscovery::cookieArgs() const
 {
-    if (!findChromeCookieDatabase(m_locations.home).isEmpty())
-        return true;
-    if (!m_warnedNoChrome) {
-        m_warnedNoChrome = true;
-        addLog(u"⚠️ 未找到 Chrome 浏览器的 Cookie 数据库，本次不使用浏览器 Cookie"_s,
-            LogEntry::LogType::Warning);
-    }
-    return false;
+    const CookieWords cookies = m_appState
+        ? cookieWords(m_appState->cookieSource(), m_appState->cookiePath(), m_locations.home)
+        : cookieWords(QLatin1String(CookieSourceNames::DefaultBrowser), QString(), m_locations.home);
+    if (!cookies.warning.isEmpty() && cookies.warning != m_lastCookieWarning)
+        addLog(cookies.warning, LogEntry::LogType::Warning);
+    m_lastCookieWarning = cookies.warning;
+    return cookies;
 }

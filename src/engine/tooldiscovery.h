@@ -1,5 +1,6 @@
 #pragma once
 
+#include "cookies/cookiewords.h"
 #include "model/logentry.h"
 
 #include <QList>
@@ -78,8 +79,9 @@ public:
     // True for versions from the first yt-dlp release that has --js-runtimes on.
     static bool supportsJsRuntimes(const QString &ytDlpVersion);
 
-    // Whether Chrome's cookie database is here; the first time it is not, the log says so.
-    bool chromeCookiesAvailable() const;
+    // The cookie words of AppState's cookie source; a source that cannot be used gives none,
+    // and the in-app log says so once.
+    CookieWords cookieArgs() const;
 
 Q_SIGNALS:
     void ytDlpPathChanged();
@@ -118,5 +120,5 @@ private:
     int m_runtimeGeneration = 0;
     int m_ffmpegGeneration = 0;
     bool m_warnedOldYtDlp = false;
-    mutable bool m_warnedNoChrome = false;
+    mutable QString m_lastCookieWarning;
 };

@@ -33,6 +33,7 @@ void AppState::loadPreferences()
     const QVariant cookiePath = settings.value(QLatin1String(CookiePathKey));
     if (cookiePath.isValid())
         setCookiePath(cookiePath.toString());
+    setCookieSource(settings.value(QLatin1String(CookieSourceKey)).toString());
     if (const auto preset = downloadPresetFromRawValue(settings.value(QLatin1String(SelectedPresetKey)).toString()))
         setSelectedPreset(*preset);
     // A switch stored by hand as anything but true or false is left at its default.
@@ -194,6 +195,14 @@ void AppState::setUseCookies(bool value)
 void AppState::setCookiePath(const QString &value)
 {
     assign(this, m_cookiePath, value, &AppState::cookiePathChanged);
+}
+
+void AppState::setCookieSource(const QString &value)
+{
+    if (!isKnownCookieSource(value))
+        return;
+    if (assign(this, m_cookieSource, value, &AppState::cookieSourceChanged))
+        remember(CookieSourceKey, value);
 }
 
 void AppState::setDownloadPlaylist(bool value)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "cookies/cookiewords.h"
 #include "model/downloadpreset.h"
 #include "model/downloadtask.h"
 #include "model/logentry.h"
@@ -25,6 +26,7 @@ class AppState : public QObject
     Q_PROPERTY(QString outputDirectory READ outputDirectory WRITE setOutputDirectory NOTIFY outputDirectoryChanged)
     Q_PROPERTY(bool useCookies READ useCookies WRITE setUseCookies NOTIFY useCookiesChanged)
     Q_PROPERTY(QString cookiePath READ cookiePath WRITE setCookiePath NOTIFY cookiePathChanged)
+    Q_PROPERTY(QString cookieSource READ cookieSource WRITE setCookieSource NOTIFY cookieSourceChanged)
     Q_PROPERTY(bool downloadPlaylist READ downloadPlaylist WRITE setDownloadPlaylist NOTIFY downloadPlaylistChanged)
     Q_PROPERTY(bool showSettings READ showSettings WRITE setShowSettings NOTIFY showSettingsChanged)
     Q_PROPERTY(int selectedTab READ selectedTab WRITE setSelectedTab NOTIFY selectedTabChanged)
@@ -42,6 +44,7 @@ public:
     static constexpr auto SelectedPresetKey = "selectedPreset";
     static constexpr auto DownloadPlaylistKey = "downloadPlaylist";
     static constexpr auto UseCookiesKey = "useCookies";
+    static constexpr auto CookieSourceKey = "cookieSource";
 
     explicit AppState(QObject *parent = nullptr);
     ~AppState() override;
@@ -82,6 +85,10 @@ public:
     void setUseCookies(bool value);
     QString cookiePath() const { return m_cookiePath; }
     void setCookiePath(const QString &value);
+    // Where downloads take cookies from while the cookie switch is on: "none", "file" (cookiePath)
+    // or a browser's name ("chrome", "firefox", …). Anything else is refused.
+    QString cookieSource() const { return m_cookieSource; }
+    void setCookieSource(const QString &value);
     bool downloadPlaylist() const { return m_downloadPlaylist; }
     void setDownloadPlaylist(bool value);
     bool showSettings() const { return m_showSettings; }
@@ -104,6 +111,7 @@ Q_SIGNALS:
     void outputDirectoryChanged();
     void useCookiesChanged();
     void cookiePathChanged();
+    void cookieSourceChanged();
     void downloadPlaylistChanged();
     void showSettingsChanged();
     void selectedTabChanged();
@@ -129,6 +137,7 @@ private:
     QString m_outputDirectory;
     bool m_useCookies = true;
     QString m_cookiePath;
+    QString m_cookieSource = QLatin1String(CookieSourceNames::DefaultBrowser);
     bool m_downloadPlaylist = true;
     bool m_showSettings = false;
     int m_selectedTab = 0;

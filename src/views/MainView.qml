@@ -68,6 +68,7 @@ Item {
                 objectName: "panes"
                 Layout.fillWidth: true
                 Layout.fillHeight: true
+                visible: AppState.selectedTab !== 2
                 orientation: Qt.Horizontal
 
                 // A hairline to see, a few pixels to grab.
@@ -102,6 +103,15 @@ Item {
                     SplitView.minimumWidth: 340
                     SplitView.preferredWidth: Math.max(340, Math.round(panes.width * 0.42))
                 }
+            }
+
+            Loader {
+                objectName: "cookieManagerLoader"
+                Layout.fillWidth: true
+                Layout.fillHeight: true
+                visible: active
+                active: AppState.selectedTab === 2
+                source: "CookieManagerView.qml"
             }
 
             // The log panel comes in from the bottom edge with a fade, and goes the same way.

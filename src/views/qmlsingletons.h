@@ -1,5 +1,6 @@
 #pragma once
 
+#include "cookies/cookieservice.h"
 #include "engine/downloadmanager.h"
 #include "model/appstate.h"
 #include "model/downloadpreset.h"
@@ -51,6 +52,20 @@ public:
     static DownloadManager *create(QQmlEngine *, QJSEngine *engine)
     {
         return sharedInstanceForQml(DownloadManager::instance(), engine);
+    }
+};
+
+struct CookieServiceForeign
+{
+    Q_GADGET
+    QML_FOREIGN(CookieService)
+    QML_NAMED_ELEMENT(CookieService)
+    QML_SINGLETON
+
+public:
+    static CookieService *create(QQmlEngine *, QJSEngine *engine)
+    {
+        return sharedInstanceForQml(CookieService::instance(), engine);
     }
 };
 

@@ -53,6 +53,8 @@ void TestErrorExplanation::recorded_data()
     QTest::newRow("page without video") << u"unsupported-url"_s << u"不支持的链接"_s;
     QTest::newRow("format not offered") << u"format-not-available"_s << u"没有所需的格式"_s;
     QTest::newRow("ffmpeg missing") << u"ffmpeg-missing"_s << u"找不到 FFmpeg"_s;
+    QTest::newRow("cookie file not Netscape") << u"cookie-file-invalid"_s << u"Cookie 文件无法使用"_s;
+    QTest::newRow("browser without cookies") << u"browser-cookies-missing"_s << u"读不到浏览器的 Cookie"_s;
     // Transcribed lines of cases that need a real site.
     QTest::newRow("bot check") << u"sign-in-bot"_s << u"不是机器人"_s;
     QTest::newRow("age") << u"sign-in-age"_s << u"年龄限制"_s;

@@ -105,7 +105,7 @@ void TestShellRunner::roundTrip()
                 ++refused;
                 continue;
             }
-            commands << DownloadManager::buildDownloadCommand(dumper, request, {}, {}, false);
+            commands << DownloadManager::buildDownloadCommand(dumper, request, {}, {}, {});
             QByteArrayList argv { "-o", (request.outputDir + u"/%(title)s.%(ext)s"_s).toUtf8() };
             for (const QString &word : custom.words)
                 argv << word.toUtf8();

@@ -46,6 +46,8 @@ void TestAppState::formIsRemembered()
         first.setOutputDirectory(u"/data/视频"_s);
         first.setDownloadPlaylist(false);
         first.setUseCookies(false);
+        first.setCookieSource(u"firefox"_s);
+        first.setCookieSource(u"no such browser"_s); // refused
     }
     QSettings().setValue(u"cookiePath"_s, u"/tmp/c.txt"_s);
     AppState next;
@@ -54,7 +56,9 @@ void TestAppState::formIsRemembered()
     QCOMPARE(next.cookiePath(), u"/tmp/c.txt"_s);
     QCOMPARE(next.downloadPlaylist(), false);
     QCOMPARE(next.useCookies(), false);
+    QCOMPARE(next.cookieSource(), u"firefox"_s);
 
+    QSettings().setValue(u"cookieSource"_s, u"$(rm -rf ~)"_s);
     QSettings().setValue(u"selectedPreset"_s, u"no such preset"_s);
     QSettings().setValue(u"downloadPlaylist"_s, u"maybe"_s);
     QSettings().setValue(u"outputDirectory"_s, QString()); // cleared by hand: stays cleared
@@ -63,6 +67,7 @@ void TestAppState::formIsRemembered()
     QCOMPARE(garbled.downloadPlaylist(), true);
     QCOMPARE(garbled.useCookies(), false);
     QCOMPARE(garbled.outputDirectory(), QString());
+    QCOMPARE(garbled.cookieSource(), u"chrome"_s);
 }
 
 void TestAppState::propertiesNotifyOnlyOnChange()

@@ -92,6 +92,11 @@ def main():
     server, base = start_server(media)
     listener, silent_port = silent_listener()
     audio_only = ["-x", "--audio-format", "mp3"]
+    # A cookie file that is not in the Netscape format; a browser with no profile under HOME.
+    bad_cookies = os.path.join(work, "cookies.json")
+    with open(bad_cookies, "w") as f:
+        f.write('[{"name": "sid", "value": "1"}]\n')
+    os.environ["HOME"] = os.path.join(work, "home")
 
     cases = {
         "http-404": download_words(out) + ["--", base + "missing.mp4"],
@@ -109,6 +114,10 @@ def main():
         "not-a-link": download_words(out) + ["--", "hello world"],
         "unsupported-url": download_words(out) + ["--", base + "page.html"],
         "format-not-available": download_words(out, preset=["-f", "bv[height>4000]"]) + [
+            "--", base + "video.mp4"],
+        "cookie-file-invalid": download_words(out, extra=["--cookies", bad_cookies]) + [
+            "--", base + "video.mp4"],
+        "browser-cookies-missing": download_words(out, extra=["--cookies-from-browser", "vivaldi"]) + [
             "--", base + "video.mp4"],
         "ffmpeg-missing": [YTDLP, "--ffmpeg-location", "/nonexistent/ffmpeg", "--no-playlist", "-o",
                            out + "/%(title)s.%(ext)s", *audio_only, "--progress", "--",

@@ -8,11 +8,13 @@
 #include "model/videoinfo.h"
 #include "views/qmlsetup.h"
 
+#include "cookies/cookiedatabase.h"
 #include "support/mediaserver.h"
 #include "testsupport.h"
 
 #include <QDir>
 #include <QFileInfo>
+#include <QJsonDocument>
 #include <QProcess>
 #include <QQmlEngine>
 #include <QQuickStyle>
@@ -168,6 +170,35 @@ public:
         return file.setPermissions(file.permissions() | QFileDevice::ExeOwner);
     }
     Q_INVOKABLE bool removeFile(const QString &path) const { return QFile::remove(path); }
+    // The arguments of the stand-in's last run for `url`.
+    Q_INVOKABLE QStringList argvFor(const QString &url) const
+    {
+        QFile file(m_root + u"/argv.jsonl"_s);
+        if (!file.open(QIODevice::ReadOnly))
+            return {};
+        QStringList found;
+        for (const QByteArray &line : file.readAll().split('\n')) {
+            const QStringList argv = QJsonDocument::fromJson(line).toVariant().toStringList();
+            if (argv.contains(url))
+                found = argv;
+        }
+        return found;
+    }
+    Q_INVOKABLE bool writeTextFile(const QString &path, const QString &text) const
+    {
+        QDir().mkpath(QFileInfo(path).path());
+        QFile file(path);
+        return file.open(QIODevice::WriteOnly | QIODevice::Truncate)
+            && file.write(text.toUtf8()) == text.toUtf8().size();
+    }
+    // A Chrome cookie database at `path` with one cookie whose value is encrypted as Chromium
+    // does without a keyring.
+    Q_INVOKABLE bool writeChromeDatabase(
+        const QString &path, const QString &host, const QString &name, const QString &value) const
+    {
+        return writeChromeCookieDatabase(
+            path, { { host, name, QString(), chromeEncrypt(value.toUtf8(), host.toUtf8(), "peanuts"), 0, false, {} } });
+    }
 
     // What the next start would read: a new application state and engine on the stored settings.
     Q_INVOKABLE QString freshOutputDirectory() const
@@ -213,6 +244,9 @@ public Q_SLOTS:
         DownloadManager::useLocations(locations);
 #endif
         qputenv("QUILLBOX_NO_BROWSER", "1");
+        // Exported cookie files go to the sandbox's temporary folder.
+        QDir().mkpath(m_env->root() + u"/tmp"_s);
+        qputenv("TMPDIR", (m_env->root() + u"/tmp"_s).toUtf8());
         qputenv("FAKE_YTDLP_ARGV_FILE", (m_env->root() + u"/argv.jsonl"_s).toUtf8());
         QQuickStyle::setStyle(u"Basic"_s);
         m_helper = new TestHelper(m_env->root());

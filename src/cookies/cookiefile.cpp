@@ -1,0 +1,69 @@
+#include "cookies/cookiefile.h"
+
+#include <QFile>
+#include <QMap>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+// Seconds from 1601-01-01 to 1970-01-01.
+constexpr qint64 ChromeEpochOffset = 11644473600;
+// Larger than any Unix time in seconds for the next hundred thousand years: Chrome's microseconds.
+constexpr qint64 ChromeTimeThreshold = 100000000000000;
+constexpr qint64 MaxCookieFileBytes = 64 * 1024 * 1024;
+} // namespace
+
+qint64 cookieExpirySeconds(const QByteArray &field)
+{
+    bool ok = false;
+    const qint64 value = field.trimmed().toLongLong(&ok);
+    if (!ok || value <= 0)
+        return 0;
+    if (value >= ChromeTimeThreshold)
+        return value / 1000000 - ChromeEpochOffset;
+    return value;
+}
+
+QList<CookieDomainSummary> summarizeCookieFile(const QString &path, const QDateTime &now, QString *error)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        if (error)
+            *error = file.errorString();
+        return {};
+    }
+    if (file.size() > MaxCookieFileBytes) {
+        if (error)
+            *error = u"文件过大，不像 Cookie 文件"_s;
+        return {};
+    }
+    const qint64 nowSeconds = now.toSecsSinceEpoch();
+    QMap<QString, CookieDomainSummary> hosts;
+    const QList<QByteArray> lines = file.readAll().split('\n');
+    for (QByteArray line : lines) {
+        if (line.endsWith('\r'))
+            line.chop(1);
+        if (line.startsWith("#HttpOnly_"))
+            line.remove(0, 10);
+        else if (line.isEmpty() || line.startsWith('#'))
+            continue;
+        const QList<QByteArray> fields = line.split('\t');
+        if (fields.size() < 7 || fields.at(0).isEmpty())
+            continue;
+        const QString domain = QString::fromUtf8(fields.at(0));
+        CookieDomainSummary &summary = hosts[domain];
+        summary.domain = domain;
+        ++summary.count;
+        const qint64 expiry = cookieExpirySeconds(fields.at(4));
+        if (expiry == 0)
+            continue;
+        if (expiry <= nowSeconds)
+            ++summary.expiredCount;
+        const QDateTime when = QDateTime::fromSecsSinceEpoch(expiry);
+        if (!summary.latestExpiry.isValid() || when > summary.latestExpiry)
+            summary.latestExpiry = when;
+    }
+    if (hosts.isEmpty() && error)
+        *error = u"文件中没有 Cookie"_s;
+    return hosts.values();
+}

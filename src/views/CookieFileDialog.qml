@@ -1,0 +1,15 @@
+import QtQuick
+import QtQuick.Dialogs
+import Quillbox
+
+// Chooses a cookie file. Its own file, so the dialog module loads when it first opens.
+FileDialog {
+    id: root
+
+    signal chosen(string path)
+
+    title: "选择 Cookie 文件"
+    fileMode: FileDialog.OpenFile
+    nameFilters: ["Cookie 文件 (*.txt)", "所有文件 (*)"]
+    onAccepted: root.chosen(Desktop.localPath(root.selectedFile))
+}

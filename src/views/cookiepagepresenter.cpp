@@ -1,0 +1,134 @@
+#include "views/cookiepagepresenter.h"
+
+#include "cookies/chromecookies.h"
+#include "cookies/cookiefile.h"
+#include "cookies/cookieservice.h"
+#include "cookies/cookiewords.h"
+#include "model/appstate.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+QString dateText(const QDateTime &when)
+{
+    return when.toLocalTime().toString(u"yyyy-MM-dd HH:mm"_s);
+}
+
+QString describeHost(const CookieDomainSummary &host)
+{
+    const QString count = u"%1 个 Cookie"_s.arg(host.count);
+    if (host.expired())
+        return count + u"，已于 "_s + dateText(host.latestExpiry) + u" 过期"_s;
+    QString text = count;
+    if (host.latestExpiry.isValid())
+        text += u"，有效期至 "_s + dateText(host.latestExpiry);
+    else
+        text += u"，会话 Cookie"_s;
+    if (host.expiredCount > 0)
+        text += u"（其中 %1 个已过期）"_s.arg(host.expiredCount);
+    return text;
+}
+
+} // namespace
+
+CookiePagePresenter::CookiePagePresenter(QObject *parent)
+    : QObject(parent)
+    , m_state(AppState::instance())
+    , m_service(CookieService::instance())
+    , m_home(QDir::homePath())
+{
+    connect(m_state, &AppState::cookiePathChanged, this, &CookiePagePresenter::readCookieFile);
+    connect(m_state, &AppState::cookieSourceChanged, this, &CookiePagePresenter::readBrowsers);
+    connect(m_service, &CookieService::exportFinished, this, &CookiePagePresenter::describeExport);
+    refresh();
+}
+
+void CookiePagePresenter::refresh()
+{
+    readBrowsers();
+    readCookieFile();
+}
+
+void CookiePagePresenter::useExportedFile()
+{
+    const QString path = m_service->extractedCookiesPath();
+    if (path.isEmpty())
+        return;
+    m_state->setCookiePath(path);
+    m_state->setCookieSource(QLatin1String(CookieSourceNames::File));
+    m_state->setUseCookies(true);
+    // The same path again still means a new export: read it afresh.
+    readCookieFile();
+}
+
+void CookiePagePresenter::readBrowsers()
+{
+    QVariantList browsers;
+    const QString chosen = m_state->cookieSource();
+    bool chosenListed
+        = chosen == QLatin1String(CookieSourceNames::None) || chosen == QLatin1String(CookieSourceNames::File);
+    for (const CookieBrowser &browser : installedCookieBrowsers(m_home)) {
+        browsers.append(QVariantMap { { u"name"_s, browser.name }, { u"label"_s, browser.label } });
+        chosenListed = chosenListed || browser.name == chosen;
+    }
+    // A browser chosen before stays visible, said to be missing, so the choice is not silently lost.
+    if (!chosenListed)
+        browsers.prepend(QVariantMap {
+            { u"name"_s, chosen }, { u"label"_s, QString(cookieBrowserLabel(chosen) + u"（未找到）"_s) } });
+    if (browsers.isEmpty())
+        browsers.append(QVariantMap { { u"name"_s, QString::fromLatin1(CookieSourceNames::DefaultBrowser) },
+            { u"label"_s,
+                QString(cookieBrowserLabel(QLatin1String(CookieSourceNames::DefaultBrowser)) + u"（未找到）"_s) } });
+    if (browsers != m_browsers) {
+        m_browsers = browsers;
+        Q_EMIT browsersChanged();
+    }
+}
+
+void CookiePagePresenter::readCookieFile()
+{
+    m_domains.clear();
+    m_fileProblem.clear();
+    m_expiredCount = 0;
+    QString path = m_state->cookiePath().trimmed();
+    if (path.startsWith(u"~/"_s))
+        path = m_home + path.mid(1);
+    if (!path.isEmpty()) {
+        QString error;
+        const QList<CookieDomainSummary> hosts = summarizeCookieFile(path, QDateTime::currentDateTime(), &error);
+        if (!QFileInfo(path).isFile())
+            m_fileProblem = u"找不到这个文件"_s;
+        else if (hosts.isEmpty())
+            m_fileProblem = u"读不出 Cookie："_s + error;
+        for (const CookieDomainSummary &host : hosts) {
+            m_domains.append(QVariantMap {
+                { u"domain"_s, host.domain }, { u"detail"_s, describeHost(host) }, { u"expired"_s, host.expired() } });
+            if (host.expired())
+                ++m_expiredCount;
+        }
+    }
+    Q_EMIT domainsChanged();
+}
+
+void CookiePagePresenter::describeExport(bool ok)
+{
+    QString summary;
+    if (ok) {
+        const QStringList domains = m_service->lastDomains();
+        summary = u"已导出 %1 个 Cookie，来自 %2 个网站"_s.arg(m_service->lastCookieCount()).arg(domains.size());
+        if (m_service->lastUndecryptable() > 0)
+            summary += u"；%1 个加密的 Cookie 无法解密，已跳过"_s.arg(m_service->lastUndecryptable());
+        constexpr int Shown = 12;
+        summary += u"\n"_s + domains.mid(0, Shown).join(u"、"_s);
+        if (domains.size() > Shown)
+            summary += u" 等"_s;
+    }
+    if (summary != m_exportSummary) {
+        m_exportSummary = summary;
+        Q_EMIT exportSummaryChanged();
+    }
+}

@@ -1,0 +1,159 @@
+import QtQuick
+import QtTest
+import Quillbox
+import QuillboxTest
+
+TestCase {
+    id: testCase
+
+    readonly property string home: TestHelper.tempDir() + "/home"
+    readonly property string chromeDatabase: home + "/.config/google-chrome/Default/Cookies"
+
+    name: "CookieManager"
+    width: 1200
+    height: 900
+    visible: true
+    when: windowShown
+
+    Component {
+        id: mainViewComponent
+
+        MainView {
+            width: testCase.width
+            height: testCase.height
+        }
+    }
+
+    function makePage() {
+        AppState.selectedTab = 2
+        const view = createTemporaryObject(mainViewComponent, testCase)
+        verify(view)
+        const loader = findChild(view, "cookieManagerLoader")
+        tryVerify(() => loader.item !== null)
+        verify(!findChild(view, "downloadInput").visible)
+        return loader.item
+    }
+
+    // Runs one download with the cookie switch on and gives the stand-in's arguments.
+    function downloadArgv(url) {
+        const before = DownloadManager.tasks.count
+        TestHelper.setScenario("[]", 0)
+        DownloadManager.startDownload(url, Download.Default, "", TestHelper.tempDir() + "/out", true, true)
+        tryCompare(DownloadManager.tasks, "count", before + 1)
+        tryVerify(() => TestHelper.taskStatuses()[before] === "已完成", 20000)
+        return TestHelper.argvFor(url)
+    }
+
+    function init() {
+        AppState.cookieSource = "chrome"
+        AppState.cookiePath = ""
+        AppState.useCookies = true
+        TestHelper.removeFile(chromeDatabase)
+    }
+
+    function cleanupTestCase() {
+        AppState.selectedTab = 0
+    }
+
+    function test_sourceChangesTheCommand_data() {
+        return [
+            { tag: "none", option: "sourceNone", words: [], absent: ["--cookies", "--cookies-from-browser"] },
+            { tag: "browser", option: "sourceBrowser", words: ["--cookies-from-browser", "chrome"], absent: ["--cookies"] },
+            { tag: "file", option: "sourceFile", words: ["--cookies", "FILE"], absent: ["--cookies-from-browser"] },
+        ]
+    }
+
+    function test_sourceChangesTheCommand(data) {
+        const file = TestHelper.tempDir() + "/my cookies.txt"
+        verify(TestHelper.writeTextFile(file, "# Netscape HTTP Cookie File\n.a.example\tTRUE\t/\tFALSE\t0\tk\tv\n"))
+        verify(TestHelper.writeChromeDatabase(chromeDatabase, ".a.example", "k", "v"))
+        AppState.cookieSource = data.tag === "none" ? "file" : "none"
+        const page = makePage()
+        mouseClick(findChild(page, "rereadButton"))
+        const field = findChild(page, "cookieFileField")
+        field.text = file
+        field.editingFinished()
+        compare(findChild(page, "browserChoice").currentText, "Chrome")
+
+        mouseClick(findChild(page, data.option))
+        compare(AppState.cookieSource, data.tag === "browser" ? "chrome" : data.tag)
+        const argv = downloadArgv("https://cookie.example/" + data.tag)
+        const words = data.words.map(word => word === "FILE" ? file : word)
+        if (words.length > 0) {
+            const at = argv.indexOf(words[0])
+            verify(at >= 0, argv.join(" "))
+            compare(argv[at + 1], words[1])
+        }
+        for (const word of data.absent)
+            verify(argv.indexOf(word) < 0, argv.join(" "))
+    }
+
+    function test_missingBrowserGivesNoWords() {
+        const page = makePage()
+        // Chrome is not there: it stays chosen, said to be missing, and downloads go without cookies.
+        compare(findChild(page, "browserChoice").currentText, "Chrome（未找到）")
+        verify(findChild(page, "sourceBrowser").checked)
+        const argv = downloadArgv("https://cookie.example/missing")
+        verify(argv.indexOf("--cookies-from-browser") < 0, argv.join(" "))
+    }
+
+    function test_export() {
+        const page = makePage()
+        const button = findChild(page, "exportButton")
+        const error = findChild(page, "exportError")
+        const result = findChild(page, "exportResult")
+
+        mouseClick(button)
+        compare(button.text, "正在导出...")
+        verify(!button.enabled)
+        tryCompare(error, "text", "未找到 Chrome 浏览器。请确保已安装 Google Chrome。", 20000)
+        verify(error.visible)
+        compare(button.text, "导出 Chrome Cookie")
+        verify(!result.visible)
+
+        verify(TestHelper.writeChromeDatabase(chromeDatabase, ".video.example", "sid", "s3cret"))
+        mouseClick(button)
+        compare(button.text, "正在导出...")
+        compare(error.text, "")
+        tryCompare(button, "text", "导出 Chrome Cookie", 20000)
+        verify(result.visible)
+        verify(result.text.startsWith(CookieService.extractedCookiesPath + "\n"), result.text)
+        verify(result.text.includes("已导出 1 个 Cookie，来自 1 个网站"), result.text)
+        verify(result.text.includes(".video.example"), result.text)
+
+        mouseClick(findChild(page, "useExportButton"))
+        compare(AppState.cookiePath, CookieService.extractedCookiesPath)
+        compare(AppState.cookieSource, "file")
+        verify(findChild(page, "sourceFile").checked)
+        const row = findChild(page, "domainList").itemAt(0)
+        verify(row)
+        compare(row.modelData.domain, ".video.example")
+        const argv = downloadArgv("https://cookie.example/exported")
+        compare(argv[argv.indexOf("--cookies") + 1], CookieService.extractedCookiesPath)
+    }
+
+    function test_expiredCookiesMarked() {
+        const file = TestHelper.tempDir() + "/expiring.txt"
+        verify(TestHelper.writeTextFile(file, "# Netscape HTTP Cookie File\n\n"
+                                        + ".old.example\tTRUE\t/\tFALSE\t1600000000\tsid\tx\n"
+                                        + ".new.example\tTRUE\t/\tTRUE\t4102444800\tsid\ty\n"))
+        const page = makePage()
+        AppState.cookiePath = file
+        const list = findChild(page, "domainList")
+        tryCompare(list, "count", 2)
+        const fresh = list.itemAt(0)
+        const old = list.itemAt(1)
+        compare(fresh.modelData.domain, ".new.example")
+        verify(!findChild(fresh, "expiredBadge").visible)
+        verify(findChild(fresh, "domainDetail").text.includes("有效期至 2100-01-01"), findChild(fresh, "domainDetail").text)
+        compare(old.modelData.domain, ".old.example")
+        verify(findChild(old, "expiredBadge").visible)
+        verify(findChild(old, "domainDetail").text.includes("已于 2020-09-1"), findChild(old, "domainDetail").text)
+        const summary = findChild(page, "expiredSummary")
+        verify(summary.visible)
+        compare(summary.text, "1 个网站的 Cookie 已过期，请重新登录后再导出。")
+        verify(!findChild(page, "switchOffHint").visible)
+        AppState.useCookies = false
+        verify(findChild(page, "switchOffHint").visible)
+    }
+}
