@@ -3,6 +3,7 @@
 #include "engine/errorexplanation.h"
 #include "engine/shellrunner.h"
 #include "engine/shellwords.h"
+#include "engine/videoinfofetch.h"
 #include "model/appstate.h"
 #include "model/logcategories.h"
 
@@ -252,7 +253,8 @@ void DownloadManager::executeDownload(const QUuid &taskId)
     if (!request.customArgs.isEmpty())
         qCInfo(lcEngine, "[Quillbox] [executeDownload] 自定义参数: %ls", qUtf16Printable(request.customArgs));
 
-    const QString command = buildDownloadCommand(m_tools->ytDlpPath(), request, runtimeArgs, ffmpegWords, cookies.words);
+    const QString command
+        = buildDownloadCommand(m_tools->ytDlpPath(), request, runtimeArgs, ffmpegWords, cookies.words);
     qCInfo(lcEngine, "%s", separatorLine);
     qCInfo(lcEngine, "[Quillbox] [executeDownload] 完整命令:");
     qCInfo(lcEngine, "[Quillbox] %ls", qUtf16Printable(command));
@@ -328,6 +330,32 @@ void DownloadManager::executeDownload(const QUuid &taskId)
 
     qCInfo(lcEngine, "[Quillbox] [executeDownload] 启动进程...");
     job->start();
+    fetchInfoFor(taskId, request);
+}
+
+void DownloadManager::fetchInfoFor(const QUuid &taskId, const DownloadRequest &request)
+{
+    if (m_infoFetches.contains(taskId))
+        return;
+    const bool wholePlaylist = request.downloadPlaylist;
+    m_infoFetches.insert(taskId,
+        m_maintenance->fetchVideoInfo(
+            request.url, request.useCookies,
+            [this, taskId, wholePlaylist](const VideoInfoResult &result) {
+                if (!result.ok)
+                    return;
+                // A playlist downloaded whole keeps its link as its title: the first video's
+                // would say less than the truth.
+                const bool partOfPlaylist = result.playlistEntries > 0 && wholePlaylist;
+                m_tasks->update(taskId, [&result, partOfPlaylist](DownloadTask &task) {
+                    if (!partOfPlaylist && !result.info.title.isEmpty())
+                        task.title = result.info.title;
+                    if (!partOfPlaylist && result.info.duration > 0)
+                        task.duration = result.info.durationString();
+                    task.thumbnail = result.info.thumbnailUrl();
+                });
+            },
+            false));
 }
 
 void DownloadManager::failToLaunch(
@@ -468,6 +496,11 @@ QString DownloadManager::nameOf(const QUuid &taskId) const
 
 bool DownloadManager::stopTask(const QUuid &taskId)
 {
+    // A stopped task's information is asked for again if it is retried.
+    if (const QPointer<VideoInfoFetch> fetch = m_infoFetches.value(taskId); fetch) {
+        m_infoFetches.remove(taskId);
+        fetch->cancel();
+    }
     if (DownloadJob *job = m_jobs.value(taskId)) {
         if (job->isCancelled())
             return false;
@@ -527,6 +560,7 @@ void DownloadManager::removeDownload(const QString &taskId)
         info(u"⏹ 已停止: "_s + nameOf(id));
     m_tasks->remove(id);
     m_requests.remove(id);
+    m_infoFetches.remove(id);
 }
 
 void DownloadManager::cancelAllDownloads()

@@ -199,6 +199,9 @@ private:
     // Stops a running task's job or takes a waiting one out of the queue; false if neither.
     bool stopTask(const QUuid &taskId);
     QString nameOf(const QUuid &taskId) const;
+    // Asks for the video's information beside its download, once per task, and puts its title,
+    // length and picture on the row.
+    void fetchInfoFor(const QUuid &taskId, const DownloadRequest &request);
 
     AppState *m_appState;
     TaskModel *m_tasks;
@@ -215,4 +218,6 @@ private:
     QHash<QUuid, DownloadJob *> m_jobs;
     // Per task, the log entry its progress redraws replace; none after any other line.
     QHash<QUuid, QUuid> m_progressEntry;
+    // Per task, its information request while it runs; a task that has one never asks again.
+    QHash<QUuid, QPointer<VideoInfoFetch>> m_infoFetches;
 };

@@ -130,9 +130,9 @@ void Maintenance::listFormats(
 }
 
 VideoInfoFetch *Maintenance::fetchVideoInfo(
-    const QString &url, bool useCookies, std::function<void(const VideoInfoResult &)> completion)
+    const QString &url, bool useCookies, std::function<void(const VideoInfoResult &)> completion, bool logged)
 {
-    auto *fetch = new VideoInfoFetch(url, m_appState, std::move(completion), this);
+    auto *fetch = new VideoInfoFetch(url, logged ? m_appState : nullptr, std::move(completion), this);
     m_tools->whenYtDlpPathKnown([this, fetch = QPointer<VideoInfoFetch>(fetch), url, useCookies] {
         if (!fetch)
             return;

@@ -36,9 +36,10 @@ public:
     void updateYtDlp(std::function<void(const QString &)> completion);
     void listFormats(const QString &url, bool useCookies, std::function<void(const FormatListResult &)> completion);
     // "-J" for one video (the first of a playlist) with the words a download would use; see
-    // VideoInfoFetch. The fetch can be cancelled until it answers, and is gone after.
-    VideoInfoFetch *fetchVideoInfo(
-        const QString &url, bool useCookies, std::function<void(const VideoInfoResult &)> completion);
+    // VideoInfoFetch. The fetch can be cancelled until it answers, and is gone after. Unless
+    // `logged`, it says nothing in the in-app log (a download's own request is a detail).
+    VideoInfoFetch *fetchVideoInfo(const QString &url, bool useCookies,
+        std::function<void(const VideoInfoResult &)> completion, bool logged = true);
 
 private:
     void addLog(const QString &message, LogEntry::LogType type) const;

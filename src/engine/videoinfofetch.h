@@ -1,6 +1,6 @@
 #pragma once
 
-#include "engine/downloadmanager.h"
+#include "engine/engineerror.h"
 #include "model/videoinfo.h"
 
 #include <QObject>

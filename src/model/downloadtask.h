@@ -46,6 +46,9 @@ public:
     QString phase;
     // The time left as yt-dlp estimates it ("00:31"), or empty.
     QString eta;
+    // From the video's information, once known: its length ("3:25") and picture's address.
+    QString duration;
+    QString thumbnail;
 
     // A new task for `url`: fresh id, title = url, pending, started now.
     static DownloadTask create(const QString &url);

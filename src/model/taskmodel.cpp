@@ -64,6 +64,10 @@ QVariant TaskModel::data(const QModelIndex &index, int role) const
         return task.eta;
     case OutputPathRole:
         return task.outputPath.value_or(QString());
+    case DurationRole:
+        return task.duration;
+    case ThumbnailRole:
+        return task.thumbnail;
     case FileNameRole:
         return task.outputPath ? task.outputPath->mid(task.outputPath->lastIndexOf(u'/') + 1) : QString();
     default:
@@ -96,6 +100,8 @@ QHash<int, QByteArray> TaskModel::roleNames() const
         { EtaRole, "eta" },
         { OutputPathRole, "outputPath" },
         { FileNameRole, "fileName" },
+        { DurationRole, "duration" },
+        { ThumbnailRole, "thumbnail" },
     };
 }
 
@@ -220,6 +226,10 @@ void TaskModel::changed(int row, const DownloadTask &before)
         roles.append(EtaRole);
     if (after.outputPath != before.outputPath)
         roles << OutputPathRole << FileNameRole;
+    if (after.duration != before.duration)
+        roles.append(DurationRole);
+    if (after.thumbnail != before.thumbnail)
+        roles.append(ThumbnailRole);
     if (roles.isEmpty())
         return;
     const QModelIndex changedIndex = index(row);

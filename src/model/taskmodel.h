@@ -41,6 +41,8 @@ public:
         EtaRole, // "00:31" while the time left is known
         OutputPathRole, // the file the download ends in, once known; else empty
         FileNameRole, // that file's name
+        DurationRole, // the video's length ("3:25"), once known
+        ThumbnailRole, // the address of the video's picture, once known
     };
     Q_ENUM(Role)
 

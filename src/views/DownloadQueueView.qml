@@ -11,6 +11,10 @@ Rectangle {
     id: root
 
     property string selectedTaskId
+    // The link whose information is being fetched, if any: its row's button turns.
+    property string videoInfoLoadingUrl
+
+    signal videoInfoRequested(url: string)
 
     color: Theme.surface
 
@@ -93,7 +97,9 @@ Rectangle {
                 delegate: DownloadTaskRow {
                     width: ListView.view.width
                     isSelected: root.selectedTaskId === taskId
+                    loadingInfo: root.videoInfoLoadingUrl === url
                     onClicked: root.selectedTaskId = taskId
+                    onVideoInfoRequested: root.videoInfoRequested(url)
                 }
 
                 ScrollBar.vertical: ScrollBar {}

@@ -18,6 +18,8 @@ AbstractButton {
     required property string eta
     required property string outputPath
     required property string fileName
+    required property string duration
+    required property string thumbnail
     required property string statusLabel
     required property string statusSymbol
     required property int statusTint
@@ -31,6 +33,8 @@ AbstractButton {
     required property string notice
     required property string explanation
     property bool isSelected: false
+    // The video's information is being fetched for the sheet.
+    property bool loadingInfo: false
     property bool showsToolOutput: false
     property bool copied: false
 
@@ -41,6 +45,8 @@ AbstractButton {
     readonly property bool canRetry: status === Download.Failed || status === Download.Cancelled
     readonly property bool hasFile: outputPath.length > 0
     readonly property bool showsActions: hovered || isSelected || activeFocus || menu.visible
+    signal videoInfoRequested
+
     // What went wrong the last time the file or its folder was to be opened.
     property string openError
 
@@ -75,19 +81,27 @@ AbstractButton {
     contentItem: RowLayout {
         spacing: 12
 
-        Rectangle {
+        // The video's picture once it is known and has loaded; the status badge until then.
+        Thumbnail {
+            objectName: "rowThumbnail"
             Layout.alignment: Qt.AlignTop
-            implicitWidth: 40
+            implicitWidth: loaded ? 64 : 40
             implicitHeight: 40
-            radius: height / 2
-            color: Theme.badgeFill(root.tint)
+            source: root.thumbnail
 
-            Icon {
-                objectName: "statusIcon"
-                anchors.centerIn: parent
-                symbol: root.statusSymbol
-                color: root.tint
-                size: Theme.title3
+            Rectangle {
+                    implicitWidth: 40
+                implicitHeight: 40
+                radius: height / 2
+                color: Theme.badgeFill(root.tint)
+
+                Icon {
+                    objectName: "statusIcon"
+                    anchors.centerIn: parent
+                    symbol: root.statusSymbol
+                    color: root.tint
+                    size: Theme.title3
+                }
             }
         }
 
@@ -124,6 +138,19 @@ AbstractButton {
                     // After the download, what is being done with it says more than "下载中".
                     text: root.phase.length > 0 ? root.phase : root.statusLabel
                     color: root.tint
+                    font.pixelSize: Theme.caption2
+                }
+                Text {
+                    visible: root.duration.length > 0
+                    text: "•"
+                    color: Theme.gray
+                    font.pixelSize: Theme.caption2
+                }
+                Text {
+                    objectName: "durationText"
+                    visible: root.duration.length > 0
+                    text: root.duration
+                    color: Theme.gray
                     font.pixelSize: Theme.caption2
                 }
                 Text {
@@ -344,6 +371,13 @@ AbstractButton {
                 onClicked: root.showInFolder()
             }
             RowAction {
+                objectName: "videoInfoAction"
+                text: "视频信息"
+                symbol: root.loadingInfo ? "arrow.clockwise" : "info.circle"
+                enabled: !root.loadingInfo
+                onClicked: root.videoInfoRequested()
+            }
+            RowAction {
                 objectName: "copyLinkAction"
                 text: "复制链接"
                 symbol: "doc.on.doc"
@@ -393,6 +427,12 @@ AbstractButton {
             text: "在文件夹中显示"
             enabled: root.hasFile
             onTriggered: root.showInFolder()
+        }
+        MenuItem {
+            objectName: "videoInfoMenuItem"
+            text: "视频信息"
+            enabled: !root.loadingInfo
+            onTriggered: root.videoInfoRequested()
         }
         MenuItem {
             objectName: "copyLinkMenuItem"

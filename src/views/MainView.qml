@@ -100,6 +100,8 @@ Item {
                 // until the divider is dragged.
                 DownloadQueueView {
                     objectName: "downloadQueue"
+                    videoInfoLoadingUrl: root.videoInfoLoadingUrl
+                    onVideoInfoRequested: url => root.openVideoInfo(url)
                     SplitView.minimumWidth: 340
                     SplitView.preferredWidth: Math.max(340, Math.round(panes.width * 0.42))
                 }

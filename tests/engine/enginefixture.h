@@ -164,8 +164,9 @@ public:
         qputenv("FAKE_YTDLP_EXIT", QByteArray::number(exitCode));
     }
 
-    // The argv of every run so far, without the --version probes.
-    QList<QStringList> runs() const
+    // The argv of every run so far, without the --version probes and, unless asked for, without
+    // the "-J" information requests that go with each download.
+    QList<QStringList> runs(bool withInfo = false) const
     {
         QList<QStringList> result;
         const QString text = m_fixture.readFile(QStringLiteral("argv.jsonl"));
@@ -173,7 +174,8 @@ public:
             QStringList argv;
             for (const QJsonValue &word : QJsonDocument::fromJson(line.toUtf8()).array())
                 argv << word.toString();
-            if (argv != QStringList { QStringLiteral("--version") })
+            if (argv != QStringList { QStringLiteral("--version") }
+                && (withInfo || !argv.contains(QStringLiteral("-J"))))
                 result << argv;
         }
         return result;

@@ -319,7 +319,7 @@ void TestMaintenance::fetchVideoInfoCommand()
     QVERIFY(fetchInfo(*engine->manager, url, true).ok);
     const QList<QStringList> expected { { u"-J"_s, u"--no-playlist"_s, u"--js-runtimes"_s,
         u"deno:"_s + engine->fixture.path(u"tools/deno"_s), u"--cookies-from-browser"_s, u"chrome"_s, u"--"_s, url } };
-    QCOMPARE(engine->fake.runs(), expected);
+    QCOMPARE(engine->fake.runs(true), expected);
 }
 
 // Cancelling stops the child and answers at once; a child that takes too long is stopped too.
@@ -331,7 +331,7 @@ void TestMaintenance::fetchVideoInfoStops()
     std::optional<VideoInfoResult> result;
     QPointer<VideoInfoFetch> fetch = engine->manager->fetchVideoInfo(
         u"https://i.example/slow"_s, false, [&result](const VideoInfoResult &r) { result = r; });
-    QTRY_COMPARE_WITH_TIMEOUT(engine->fake.runs().size(), 1, 20000);
+    QTRY_COMPARE_WITH_TIMEOUT(engine->fake.runs(true).size(), 1, 20000);
     fetch->cancel();
     QVERIFY(result && result->cancelled && !result->ok);
     QTRY_VERIFY(!fetch); // gone, and its child with it

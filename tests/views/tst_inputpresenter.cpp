@@ -136,7 +136,7 @@ void TestInputPresenter::listFormats()
     QCOMPARE(listed.count(), 1);
     QVERIFY(!presenter.isListingFormats());
     QCOMPARE(listed.at(0).at(0).toString(), u"ID EXT\n18 mp4\n"_s);
-    const QList<QStringList> runs = engine->fake.runs();
+    const QList<QStringList> runs = engine->fake.runs(true);
     QCOMPARE(runs.size(), 2);
     for (const QStringList &argv : runs) // the first line, untrimmed
         QCOMPARE(argv.constLast(), u"  https://f.example/1"_s);

@@ -76,7 +76,8 @@ TestCase {
     }
 
     function shownActions(row) {
-        return ["stopAction", "retryAction", "openAction", "revealAction", "copyLinkAction", "removeAction"]
+        return ["stopAction", "retryAction", "openAction", "revealAction", "videoInfoAction", "copyLinkAction",
+                "removeAction"]
             .filter(name => findChild(row, name).visible)
     }
 
@@ -90,7 +91,8 @@ TestCase {
         tryVerify(() => list.itemAtIndex(6) !== null && withFile.itemAtIndex(0) !== null)
         for (let i = 0; i < statuses.length; ++i) {
             const row = list.itemAtIndex(i)
-            compare(shownActions(row), expected[i].concat(["copyLinkAction", "removeAction"]), statuses[i])
+            compare(shownActions(row), expected[i].concat(["videoInfoAction", "copyLinkAction", "removeAction"]),
+                    statuses[i])
             const menu = findChild(row, "rowMenu")
             compare(findChild(menu, "stopMenuItem").enabled, expected[i].includes("stopAction"), statuses[i])
             compare(findChild(menu, "retryMenuItem").enabled, expected[i].includes("retryAction"), statuses[i])
@@ -98,7 +100,8 @@ TestCase {
             compare(findChild(row, "fileNameText").visible, false)
         }
         const done = withFile.itemAtIndex(0)
-        compare(shownActions(done), ["openAction", "revealAction", "copyLinkAction", "removeAction"])
+        compare(shownActions(done), ["openAction", "revealAction", "videoInfoAction", "copyLinkAction",
+                                     "removeAction"])
         compare(findChild(done, "fileNameText").text, "a clip.mp4")
         verify(findChild(findChild(done, "rowMenu"), "revealMenuItem").enabled)
 
