@@ -1,5 +1,4 @@
 #include "engine/downloadmanager.h"
-#include "engine/linesplitter.h"
 #include "model/appstate.h"
 #include "model/taskmodel.h"
 
@@ -22,7 +21,6 @@ private Q_SLOTS:
     void commandWords();
     void cookiesOnlyWithChrome();
     void progressFromCarriageReturns();
-    void lineSplitAcrossReads();
     void outputTyping();
     void failureMessages_data();
     void failureMessages();
@@ -33,7 +31,6 @@ private Q_SLOTS:
     void cancelStopsTheWholeGroup();
     void launchFailuresLoseNothing();
     void outputThatIsNotUtf8();
-    void endlessLineIsBounded();
     void silentDownloadSaysSo();
     void foldersAndArgumentsCheckedFirst();
 };
@@ -73,12 +70,6 @@ void TestDownloadExecution::commandWords_data()
 
     const QString url = u"https://v.example/watch?v=1&t=2"_s;
     QTest::newRow("default") << DownloadPreset::Default << QString() << true << url << u"out"_s << QStringList();
-    QTest::newRow("best audio") << DownloadPreset::BestAudio << QString() << true << url << u"out"_s
-                                << QStringList { u"-x"_s, u"--audio-format"_s, u"mp3"_s, u"--audio-quality"_s, u"0"_s };
-    QTest::newRow("best video+audio") << DownloadPreset::BestVideoAudio << QString() << true << url << u"out"_s
-                                      << QStringList { u"-f"_s, u"bv*+ba/b"_s };
-    QTest::newRow("audio only") << DownloadPreset::AudioOnly << QString() << true << url << u"out"_s
-                                << QStringList { u"-x"_s, u"--audio-format"_s, u"mp3"_s };
     QTest::newRow("custom, empty: no format at all")
         << DownloadPreset::Custom << QString() << true << url << u"out"_s << QStringList();
     QTest::newRow("custom words split by the shell")
@@ -131,15 +122,6 @@ void TestDownloadExecution::commandWords()
     QCOMPARE(runs.size(), 1);
     QCOMPARE(runs.constFirst(), expected);
     QVERIFY(!QFileInfo::exists(u"PWNED"_s) && !QFileInfo::exists(outputDir + u"/PWNED"_s));
-
-    const QStringList log = engine->log();
-    const QString command = log.filter(u"执行命令: "_s).value(0);
-    QVERIFY(command.startsWith(u"执行命令: "_s + engine->fake.path() + u" --js-runtimes"_s));
-    QCOMPARE(log.contains(u"只下载当前视频"_s), !playlist);
-    if (preset != DownloadPreset::Custom)
-        QVERIFY(log.contains(u"预设参数: "_s + presetArguments(preset).join(u' ')));
-    QVERIFY(log.contains(u"预设: "_s + rawValue(preset)));
-    QVERIFY(log.contains(u"JS 运行时: node:"_s + engine->fixture.path(u"tools/node"_s)));
 }
 
 void TestDownloadExecution::cookiesOnlyWithChrome()
@@ -198,22 +180,6 @@ void TestDownloadExecution::progressFromCarriageReturns()
     const QStringList logged = engine->log().filter(u"[download]"_s);
     QCOMPARE(logged.size(), 1);
     QVERIFY2(logged.constFirst().startsWith(u"[download] 100.0% of 10.00MiB"_s), qPrintable(logged.constFirst()));
-}
-
-void TestDownloadExecution::lineSplitAcrossReads()
-{
-    auto engine = makeEngine();
-    QVERIFY(engine);
-    engine->fake.setScenario(R"([{"out": "\r[download]  42"}, {"sleep": 0.4},
-        {"out": ".5% of 10.00MiB at 1.00MiB/s ETA 00:05\r"}, {"sleep": 1.5}])");
-    engine->download(u"https://p.example/v"_s);
-    QTRY_COMPARE_WITH_TIMEOUT(engine->only().progress, 0.425, 10000);
-    QCOMPARE(engine->only().status, DownloadStatus::Downloading);
-    QCOMPARE(engine->only().speed, u"1.00MiB/s"_s);
-    QTRY_VERIFY_WITH_TIMEOUT(engine->settled(), 20000);
-    const QStringList log = engine->log();
-    QVERIFY(log.contains(u"[download]  42.5% of 10.00MiB at 1.00MiB/s ETA 00:05"_s));
-    QVERIFY(!log.contains(u"[download]  42"_s));
 }
 
 void TestDownloadExecution::outputTyping()
@@ -407,24 +373,6 @@ void TestDownloadExecution::outputThatIsNotUtf8()
     QVERIFY(engine->log().contains(u"[download] 50.0% f\uFFFD"_s));
 }
 
-void TestDownloadExecution::endlessLineIsBounded()
-{
-    // 10 MiB without a newline (once it froze the window for most of a minute) reaches the log
-    // as one line of a few KiB that says how much was left out.
-    auto engine = makeEngine();
-    QVERIFY(engine);
-    constexpr qint64 flood = 10 << 20;
-    engine->fake.setScenario(R"([{"flood": {"bytes": 10485760}}, {"out": "\n[download] 50.0% of 1.00MiB\n"}])");
-    engine->download(u"https://flood.example/v"_s);
-    QTRY_VERIFY_WITH_TIMEOUT(engine->settled(), 30000);
-    QCOMPARE(engine->only().status, DownloadStatus::Completed);
-    const QString kept(LineSplitter::MaxLineBytes, u'x');
-    QTRY_VERIFY(engine->log().contains(u"✅ 下载完成！"_s));
-    const QStringList log = engine->log();
-    QVERIFY(log.contains(kept + LineSplitter::elisionNote(flood - LineSplitter::MaxLineBytes)));
-    QVERIFY(log.contains(u"[download] 50.0% of 1.00MiB"_s));
-}
-
 void TestDownloadExecution::silentDownloadSaysSo()
 {
     // A download that goes quiet says so on its row and in the log, takes it back when output
@@ -440,8 +388,6 @@ void TestDownloadExecution::silentDownloadSaysSo()
     QCOMPARE(engine->only().status, DownloadStatus::Downloading);
     QCOMPARE(engine->only().progress, 0.05);
     QTRY_VERIFY(engine->log().contains(u"⚠️ 1 秒无响应："_s + url));
-    const QModelIndex row = engine->manager->taskModel()->index(0);
-    QCOMPARE(row.data(TaskModel::NoticeRole).toString(), u"1 秒无响应"_s);
 
     QTRY_COMPARE_WITH_TIMEOUT(engine->only().progress, 0.6, 10000);
     QCOMPARE(engine->only().notice, QString());

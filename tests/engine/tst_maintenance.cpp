@@ -94,20 +94,11 @@ void TestMaintenance::update()
         ranSelfUpdate |= argv == QStringList { u"-U"_s };
     QCOMPARE(ranSelfUpdate, selfUpdateRan);
 
-    QTRY_VERIFY(engine->log().contains(u"正在更新 yt-dlp..."_s));
-    const auto logged = [&] {
-        const auto entries = engine->state.logEntries();
-        return std::any_of(entries.cbegin(), entries.cend(), [&answer](const LogEntry &entry) {
-            return entry.message == answer
-                && entry.type == (answer.startsWith(u"❌"_s) ? LogEntry::LogType::Error : LogEntry::LogType::Info);
-        });
-    };
-    // Everything but the failed version probe is mirrored in the log.
-    if (answer.contains(u"版本检测失败"_s)) {
-        QTest::qWait(50);
-        QVERIFY(!logged());
-    } else {
-        QTRY_VERIFY(logged());
+    // The answer is in the log too, a failure in red.
+    if (versionExit == 0) {
+        QTRY_VERIFY(engine->log().contains(answer));
+        const LogEntry entry = engine->state.logEntries().constLast();
+        QCOMPARE(entry.type, updateExit == 0 ? LogEntry::LogType::Info : LogEntry::LogType::Error);
     }
     QCOMPARE(engine->manager->ytDlpVersion(), versionExit == 0 && updateExit == 0 ? u"2026.02.01"_s : u"2025.11.12"_s);
 }
@@ -180,7 +171,6 @@ void TestMaintenance::listFormats()
         QCOMPARE(result->error.localizedDescription, text);
     }
     QTRY_VERIFY(engine->log().contains(logLine));
-    QVERIFY(engine->log().contains(u"正在获取可用格式..."_s));
 }
 
 void TestMaintenance::listFormatsCommand_data()
