@@ -14,6 +14,7 @@
 #include <QtTest>
 
 #include <algorithm>
+#include <csignal>
 #include <functional>
 #include <memory>
 
@@ -130,6 +131,11 @@ private:
     static inline QMutex s_mutex;
     static inline QStringList *s_capture = nullptr;
 };
+
+inline bool alive(qint64 pid)
+{
+    return ::kill(pid_t(pid), 0) == 0;
+}
 
 // The stand-in yt-dlp (tests/fakes/yt-dlp) and what it recorded.
 class FakeYtDlp

@@ -8,13 +8,10 @@
 
 #include <QFileInfo>
 #include <QProcess>
-#include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QtTest>
 
 #include <algorithm>
-#include <cerrno>
-#include <csignal>
 #include <optional>
 
 using namespace Qt::StringLiterals;
@@ -32,8 +29,6 @@ private Q_SLOTS:
     void downloads_data();
     void downloads();
     void missingMediaFails();
-    void listFormats_data();
-    void listFormats();
     void cancelLeavesNothingRunning();
     void cancelledConversionLeavesNoPartFile();
 
@@ -127,8 +122,6 @@ void TestEndToEnd::initTestCase()
     m_server = std::make_unique<MediaServer>(qEnvironmentVariable("QUILLBOX_TESTS_DIR"), m_media.path());
     m_base = m_server->base();
     QVERIFY2(!m_base.isEmpty(), qPrintable(m_server->error()));
-
-    QVERIFY(QFile::copy(m_media.filePath(u"video.mp4"_s), m_media.filePath(u"it's.mp4"_s)));
 }
 
 void TestEndToEnd::cleanupTestCase()
@@ -197,6 +190,7 @@ void TestEndToEnd::downloads()
     const QString lastWords = log.sliced(std::max<qsizetype>(0, log.size() - 4)).join(u'\n'); // command and outcome
     QVERIFY2(task.status == DownloadStatus::Completed, qPrintable(lastWords));
     QCOMPARE(task.progress, 1.0);
+    QVERIFY(task.endTime && *task.endTime >= task.startTime);
     QVERIFY(!task.errorMessage.has_value());
     QCOMPARE(QDir(outputDir).entryList(QDir::Files | QDir::Hidden), QStringList { file });
     QCOMPARE(streamKinds(outputDir + u'/' + file), streams);
@@ -228,34 +222,6 @@ void TestEndToEnd::missingMediaFails()
     QVERIFY(QDir(outputDir).entryList(QDir::Files | QDir::Hidden).isEmpty());
 }
 
-void TestEndToEnd::listFormats_data()
-{
-    QTest::addColumn<QString>("path");
-    QTest::addColumn<QString>("title");
-    QTest::newRow("plain") << u"video.mp4"_s << u"video"_s;
-    // The server has a file by exactly this name: a mangled quote would be a 404.
-    QTest::newRow("quote in the link") << u"it's.mp4"_s << u"it's"_s;
-}
-
-void TestEndToEnd::listFormats()
-{
-    QFETCH(QString, path);
-    QFETCH(QString, title);
-    const auto engine = makeEngine();
-    QVERIFY(engine);
-
-    std::optional<FormatListResult> result;
-    engine->manager->listFormats(m_base + path, false, [&result](const FormatListResult &answer) { result = answer; });
-    QTRY_VERIFY_WITH_TIMEOUT(result.has_value(), Patience);
-    QVERIFY2(result->ok, qPrintable(result->error.localizedDescription));
-    QVERIFY2(result->text.contains(u"Available formats for "_s + title + u':'), qPrintable(result->text));
-    static const QRegularExpression header(u"^ID\\s+EXT\\s"_s, QRegularExpression::MultilineOption);
-    static const QRegularExpression mp4Row(u"^mp4\\s+mp4\\s"_s, QRegularExpression::MultilineOption);
-    QVERIFY2(header.match(result->text).hasMatch(), qPrintable(result->text));
-    QVERIFY2(mp4Row.match(result->text).hasMatch(), qPrintable(result->text));
-    QTRY_VERIFY(engine->log().contains(u"格式列表获取成功"_s));
-}
-
 void TestEndToEnd::cancelLeavesNothingRunning()
 {
     const auto engine = makeEngine();
@@ -269,14 +235,6 @@ void TestEndToEnd::cancelLeavesNothingRunning()
     QTRY_VERIFY_WITH_TIMEOUT(
         engine->only().status == DownloadStatus::Downloading && engine->only().progress > 0.0, Patience);
     QVERIFY(!processesMentioning(outputDir).isEmpty());
-    static const QRegularExpression startedLine(u"进程已启动, PID: (\\d+)$"_s);
-    qint64 group = 0;
-    for (const QString &line : engine->fixture.systemLog()) {
-        const QRegularExpressionMatch match = startedLine.match(line);
-        if (match.hasMatch())
-            group = match.captured(1).toLongLong();
-    }
-    QVERIFY(group > 0);
 
     manager.cancelAllDownloads();
     QCOMPARE(engine->only().status, DownloadStatus::Cancelled);
@@ -287,8 +245,6 @@ void TestEndToEnd::cancelLeavesNothingRunning()
     QCOMPARE(task.status, DownloadStatus::Cancelled);
     QVERIFY(task.progress < 1.0);
     QCOMPARE(processesMentioning(outputDir), QList<qint64>());
-    errno = 0;
-    QVERIFY(::kill(pid_t(-group), 0) == -1 && errno == ESRCH);
     const QStringList messages = engine->log();
     QVERIFY(messages.filter(u"下载失败"_s).isEmpty());
     QVERIFY(!messages.contains(u"✅ 下载完成！"_s));

@@ -5,8 +5,6 @@
 
 #include <QtTest>
 
-#include <csignal>
-
 using namespace Qt::StringLiterals;
 
 // What the user does to single tasks, and how the queue keeps two runs of one link apart, with
@@ -25,11 +23,6 @@ private Q_SLOTS:
 };
 
 namespace {
-bool alive(qint64 pid)
-{
-    return ::kill(pid_t(pid), 0) == 0;
-}
-
 QString idOf(const DownloadTask &task)
 {
     return task.id.toString(QUuid::WithoutBraces);

@@ -159,27 +159,6 @@ TestCase {
         tryCompare(DownloadManager, "runningCount", 1, 20000)
     }
 
-    function test_theFileAtHand() {
-        showMainView(1200, 800)
-        TestHelper.replaceOpener()
-        const folder = TestHelper.tempDir() + "/rows"
-        const before = DownloadManager.tasks.count
-        TestHelper.setScenario('[{"out": "[download] Destination: ' + folder + '/fake.mp4\\n"}, {"write_output": true}]', 0)
-        start(["https://file.example/v"])
-        tryVerify(() => TestHelper.taskStatuses()[before] === "已完成", 20000)
-        const row = rowAt(before)
-        tryCompare(findChild(row, "fileNameText"), "text", "fake.mp4")
-        // The size of the file on disk once it is complete.
-        compare(findChild(row, "sizeText").text, "23B")
-
-        mouseMove(row, 20, 20)
-        tryCompare(findChild(row, "rowActions"), "opacity", 1)
-        mouseClick(findChild(row, "openAction"))
-        mouseClick(findChild(row, "revealAction"))
-        tryVerify(() => TestHelper.openedWith().length === 2)
-        compare(TestHelper.openedWith(), [folder + "/fake.mp4", folder])
-    }
-
     function inside(item) {
         const at = item.mapToItem(view, 0, 0)
         return item.visible && at.x >= 0 && at.y >= 0 && at.x + item.width <= view.width
