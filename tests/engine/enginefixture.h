@@ -14,7 +14,6 @@
 #include <QtTest>
 
 #include <algorithm>
-#include <csignal>
 #include <functional>
 #include <memory>
 
@@ -131,11 +130,6 @@ private:
     static inline QMutex s_mutex;
     static inline QStringList *s_capture = nullptr;
 };
-
-inline bool alive(qint64 pid)
-{
-    return ::kill(pid_t(pid), 0) == 0;
-}
 
 // The stand-in yt-dlp (tests/fakes/yt-dlp) and what it recorded.
 class FakeYtDlp

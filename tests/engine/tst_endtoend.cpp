@@ -25,7 +25,6 @@ class TestEndToEnd : public QObject
 
 private Q_SLOTS:
     void initTestCase();
-    void cleanupTestCase();
     void downloads_data();
     void downloads();
     void missingMediaFails();
@@ -122,11 +121,6 @@ void TestEndToEnd::initTestCase()
     m_server = std::make_unique<MediaServer>(qEnvironmentVariable("QUILLBOX_TESTS_DIR"), m_media.path());
     m_base = m_server->base();
     QVERIFY2(!m_base.isEmpty(), qPrintable(m_server->error()));
-}
-
-void TestEndToEnd::cleanupTestCase()
-{
-    m_server.reset();
 }
 
 void TestEndToEnd::downloads_data()

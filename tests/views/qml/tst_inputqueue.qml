@@ -122,10 +122,8 @@ TestCase {
         compare(newTasks(before), ["a.bc"])
     }
 
-    function test_paste() {
-        Desktop.setClipboardText("https://p.example/1")
-        mouseClick(child("pasteButton"))
-        compare(AppState.urlInput, "https://p.example/1")
+    function test_clear() {
+        AppState.urlInput = "https://p.example/1"
         mouseClick(child("clearButton"))
         compare(AppState.urlInput, "")
         verify(child("linksEditor").activeFocus) // where the edit menu's undo goes
@@ -175,8 +173,6 @@ TestCase {
         const copy = findChild(sheet, "copyButton")
         mouseClick(copy)
         compare(Desktop.clipboardText(), "ID  EXT  RESOLUTION\n18  mp4  640x360\n")
-        compare(copy.text, "已复制")
-        tryCompare(copy, "text", "复制", 4000)
         mouseClick(findChild(sheet, "closeFormatsButton"))
         tryCompare(sheet, "opened", false)
 
@@ -197,13 +193,6 @@ TestCase {
         const chosen = TestHelper.tempDir() + "/chosen"
         picker.item.selectedFolder = "file://" + chosen
         picker.item.accept()
-        tryCompare(picker, "opened", false)
-        compare(AppState.outputDirectory, chosen)
-
-        // Cancelling leaves the folder as it was.
-        mouseClick(child("folderButton"))
-        tryCompare(picker, "opened", true)
-        picker.item.reject()
         tryCompare(picker, "opened", false)
         compare(AppState.outputDirectory, chosen)
     }
@@ -257,37 +246,6 @@ TestCase {
         compare(TestHelper.taskStatuses().slice(before), ["已取消", "已取消"])
         tryCompare(stop, "visible", false)
         compare(findChild(row, "progressRow").visible, false)
-    }
-
-    Component {
-        id: sampleList
-
-        ListView {
-            width: 500
-            height: 400
-            delegate: DownloadTaskRow {
-                width: 500
-            }
-        }
-    }
-
-    // Rows the engine never holds on cue: the bar only while preparing or downloading, a
-    // progress past the end drawn full, a quiet download's notice.
-    function test_sampleRows() {
-        const list = createTemporaryObject(sampleList, testCase,
-            { model: TestHelper.sampleTasks(["准备中", "下载中", "已暂停", "等待中"], 1e18, "60 秒无响应") })
-        tryVerify(() => list.itemAtIndex(3) !== null)
-        const row = i => list.itemAtIndex(i)
-        compare([0, 1, 2, 3].map(i => findChild(row(i), "progressRow").visible), [true, true, false, false])
-        compare(findChild(row(2), "statusText").text, "已暂停")
-        compare(findChild(row(1), "percentText").text, "100%")
-        const fill = findChild(row(1), "progressFill")
-        compare(fill.width, fill.parent.width)
-        verify(findChild(row(1), "noticeText").visible)
-        compare(findChild(row(1), "noticeText").text, "60 秒无响应")
-        // Nothing but the status on the details line when speed and size are unknown.
-        compare(findChild(row(3), "speedText").visible, false)
-        compare(findChild(row(3), "sizeText").visible, false)
     }
 
     function test_failedRowExplainsFirst() {

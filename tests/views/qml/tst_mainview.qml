@@ -199,17 +199,6 @@ TestCase {
         tryCompare(AppState, "showSettings", false)
     }
 
-    function test_noAlertWhenYtDlpAnswers() {
-        const view = makeView()
-        const request = view.installationCheck
-        verify(request > 0)
-        tryVerify(() => checkSpy.signalArguments.some(answer => answer[0] === request), 20000)
-        const answer = checkSpy.signalArguments.find(answer => answer[0] === request)
-        compare(answer[1], true)
-        wait(50)
-        compare(findChild(view, "installationAlert").opened, false)
-    }
-
     // Either answer closes the alert; only "打开安装说明" opens the instructions.
     function test_alertAnswers_data() {
         return [{ tag: "instructions", button: "openInstructionsButton", opened: 1 },

@@ -96,6 +96,8 @@ TestCase {
             compare(findChild(menu, "retryMenuItem").enabled, expected[i].includes("retryAction"), statuses[i])
             compare(findChild(menu, "openMenuItem").enabled, false)
             compare(findChild(row, "fileNameText").visible, false)
+            // The bar only while preparing or downloading.
+            compare(findChild(row, "progressRow").visible, i === 1 || i === 2, statuses[i])
         }
         const done = withFile.itemAtIndex(0)
         compare(shownActions(done), ["openAction", "revealAction", "copyLinkAction", "removeAction"])
@@ -120,6 +122,22 @@ TestCase {
         const fill = findChild(row, "progressFill")
         verify(fill.indeterminate)
         verify(fill.width < fill.parent.width)
+    }
+
+    // A progress past the end is drawn full; a quiet download shows its notice; nothing but the
+    // status on the details line while speed and size are unknown.
+    function test_quietRowPastTheEnd() {
+        const list = createTemporaryObject(sampleList, testCase,
+            { model: TestHelper.sampleTasks(["下载中"], 1e18, "60 秒无响应") })
+        tryVerify(() => list.itemAtIndex(0) !== null)
+        const row = list.itemAtIndex(0)
+        compare(findChild(row, "percentText").text, "100%")
+        const fill = findChild(row, "progressFill")
+        compare(fill.width, fill.parent.width)
+        verify(findChild(row, "noticeText").visible)
+        compare(findChild(row, "noticeText").text, "60 秒无响应")
+        compare(findChild(row, "speedText").visible, false)
+        compare(findChild(row, "sizeText").visible, false)
     }
 
     function test_actionsDriveTheQueue() {
