@@ -27,7 +27,6 @@ private Q_SLOTS:
     void initTestCase();
     void downloads_data();
     void downloads();
-    void missingMediaFails();
     void cancelLeavesNothingRunning();
     void cancelledConversionLeavesNoPartFile();
 
@@ -195,25 +194,6 @@ void TestEndToEnd::downloads()
     if (!custom.isEmpty())
         QVERIFY2(task.speed.endsWith(u"KiB/s"_s), qPrintable(task.speed));
     QTRY_VERIFY(engine->log().contains(u"✅ 下载完成！"_s));
-}
-
-void TestEndToEnd::missingMediaFails()
-{
-    // What the tool prints for a 404 today is still explained (the engine's handling of it is
-    // checked on recorded output in tst_errorexplanation), and nothing is left in the folder.
-    const auto engine = makeEngine();
-    QVERIFY(engine);
-    const QString outputDir = engine->fixture.path(u"missing"_s);
-    engine->manager->startDownload(
-        m_base + u"no-such-video.mp4"_s, DownloadPreset::Default, QString(), outputDir, false, false);
-    QTRY_VERIFY_WITH_TIMEOUT(engine->settled(), Patience);
-
-    const DownloadTask task = engine->only();
-    QCOMPARE(task.status, DownloadStatus::Failed);
-    const QString error = task.errorMessage.value_or(QString());
-    QVERIFY2(error.startsWith(u"ERROR:"_s) && error.contains(u"HTTP Error 404"_s), qPrintable(error));
-    QVERIFY(task.explanation.value_or(QString()).startsWith(u"链接不存在或已删除"_s));
-    QVERIFY(QDir(outputDir).entryList(QDir::Files | QDir::Hidden).isEmpty());
 }
 
 void TestEndToEnd::cancelLeavesNothingRunning()
