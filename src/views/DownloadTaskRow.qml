@@ -47,6 +47,9 @@ AbstractButton {
     readonly property bool showsActions: hovered || isSelected || activeFocus || menu.visible
     signal videoInfoRequested
 
+    // Where the sweeping bar is, 0–1, while a step after the download runs.
+    property real sweep
+
     // What went wrong the last time the file or its folder was to be opened.
     property string openError
 
@@ -213,8 +216,6 @@ AbstractButton {
                 spacing: 8
 
                 Rectangle {
-                    id: track
-
                     Layout.fillWidth: true
                     implicitHeight: 4
                     radius: Theme.radiusTiny
@@ -222,24 +223,13 @@ AbstractButton {
                     clip: true
 
                     Rectangle {
-                        id: fill
-
                         objectName: "progressFill"
                         // While a step runs after the download, how long it takes is unknown:
                         // a short stretch sweeps along the track instead.
                         readonly property bool indeterminate: root.phase.length > 0
-                        property real sweep: 0
 
-                        x: indeterminate ? (track.width * 1.3) * sweep - track.width * 0.3 : 0
-                        width: indeterminate ? track.width * 0.3 : track.width * Math.max(0, Math.min(1, root.progress))
-
-                        NumberAnimation on sweep {
-                            running: fill.indeterminate && root.visible
-                            from: 0
-                            to: 1
-                            duration: 1200
-                            loops: Animation.Infinite
-                        }
+                        x: indeterminate ? (parent.width * 1.3) * root.sweep - parent.width * 0.3 : 0
+                        width: indeterminate ? parent.width * 0.3 : parent.width * Math.max(0, Math.min(1, root.progress))
                         height: parent.height
                         radius: Theme.radiusTiny
                         gradient: Gradient {
@@ -390,6 +380,14 @@ AbstractButton {
                 onClicked: DownloadManager.removeDownload(root.taskId)
             }
         }
+    }
+
+    NumberAnimation on sweep {
+        running: root.phase.length > 0 && root.visible
+        from: 0
+        to: 1
+        duration: 1200
+        loops: Animation.Infinite
     }
 
     TapHandler {

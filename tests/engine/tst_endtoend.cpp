@@ -8,14 +8,10 @@
 
 #include <QFileInfo>
 #include <QProcess>
-#include <QRegularExpression>
-#include <QTcpServer>
 #include <QTemporaryDir>
 #include <QtTest>
 
 #include <algorithm>
-#include <cerrno>
-#include <csignal>
 #include <optional>
 
 using namespace Qt::StringLiterals;
@@ -29,17 +25,10 @@ class TestEndToEnd : public QObject
 
 private Q_SLOTS:
     void initTestCase();
-    void cleanupTestCase();
     void downloads_data();
     void downloads();
-    void missingMediaFails();
-    void progressWhileThrottled();
-    void listFormats_data();
-    void listFormats();
-    void listFormatsFromAClosedPort();
     void cancelLeavesNothingRunning();
     void cancelledConversionLeavesNoPartFile();
-    void optionShapedLinksAreLinks();
 
 private:
     QTemporaryDir m_media;
@@ -131,46 +120,47 @@ void TestEndToEnd::initTestCase()
     m_server = std::make_unique<MediaServer>(qEnvironmentVariable("QUILLBOX_TESTS_DIR"), m_media.path());
     m_base = m_server->base();
     QVERIFY2(!m_base.isEmpty(), qPrintable(m_server->error()));
-
-    QVERIFY(QFile::copy(m_media.filePath(u"video.mp4"_s), m_media.filePath(u"it's.mp4"_s)));
-}
-
-void TestEndToEnd::cleanupTestCase()
-{
-    m_server.reset();
 }
 
 void TestEndToEnd::downloads_data()
 {
     QTest::addColumn<QString>("path"); // on the media server
     QTest::addColumn<DownloadPreset>("preset");
+    QTest::addColumn<QString>("custom");
     QTest::addColumn<QString>("folder"); // under the sandbox; none of it exists yet
     QTest::addColumn<QString>("file"); // the only file expected in the folder afterwards
     QTest::addColumn<QStringList>("streams");
+    QTest::addColumn<int>("steps"); // at least this many distinct values between 0 and 1 on the bar
 
     const QStringList both { u"audio"_s, u"video"_s };
-    QTest::newRow("direct mp4") << u"video.mp4"_s << DownloadPreset::Default << u"new/videos"_s << u"video.mp4"_s
-                                << both;
-    QTest::newRow("hls") << u"hls/index.m3u8"_s << DownloadPreset::Default << u"hls"_s << u"index.mp4"_s << both;
-    QTest::newRow("dash merged") << u"dash/manifest.mpd"_s << DownloadPreset::BestVideoAudio << u"dash"_s
-                                 << u"manifest.mp4"_s << both;
-    QTest::newRow("audio only") << u"video.mp4"_s << DownloadPreset::AudioOnly << u"audio"_s << u"video.mp3"_s
-                                << QStringList { u"audio"_s };
+    QTest::newRow("direct mp4") << u"video.mp4"_s << DownloadPreset::Default << QString() << u"new/videos"_s
+                                << u"video.mp4"_s << both << 0;
+    QTest::newRow("hls") << u"hls/index.m3u8"_s << DownloadPreset::Default << QString() << u"hls"_s << u"index.mp4"_s
+                         << both << 0;
+    QTest::newRow("dash merged") << u"dash/manifest.mpd"_s << DownloadPreset::BestVideoAudio << QString() << u"dash"_s
+                                 << u"manifest.mp4"_s << both << 0;
+    QTest::newRow("audio only") << u"video.mp4"_s << DownloadPreset::AudioOnly << QString() << u"audio"_s
+                                << u"video.mp3"_s << QStringList { u"audio"_s } << 0;
+    // The custom words reach yt-dlp, and the bar moves while it downloads slowly.
+    QTest::newRow("throttled") << u"long.mp4"_s << DownloadPreset::Custom << u"--limit-rate 200K"_s << u"throttled"_s
+                               << u"long.mp4"_s << QStringList { u"video"_s } << 3;
 }
 
 void TestEndToEnd::downloads()
 {
     QFETCH(QString, path);
     QFETCH(DownloadPreset, preset);
+    QFETCH(QString, custom);
     QFETCH(QString, folder);
     QFETCH(QString, file);
     QFETCH(QStringList, streams);
+    QFETCH(int, steps);
     const auto engine = makeEngine();
     QVERIFY(engine);
     DownloadManager &manager = *engine->manager;
     const QString outputDir = engine->fixture.path(folder);
     QVERIFY(!QFileInfo::exists(outputDir));
-    // The one bar of the row, over every stream and step: it never goes back.
+    // The one bar of the row, over every stream and step, read as a view reads it: it never goes back.
     QList<double> progress;
     connect(manager.taskModel(), &QAbstractItemModel::dataChanged, &manager,
         [&](const QModelIndex &row, const QModelIndex &, const QList<int> &roles) {
@@ -178,164 +168,32 @@ void TestEndToEnd::downloads()
                 progress << row.data(TaskModel::ProgressRole).toDouble();
         });
 
-    manager.startDownload(m_base + path, preset, QString(), outputDir, false, false);
+    manager.startDownload(m_base + path, preset, custom, outputDir, false, false);
     QTRY_VERIFY_WITH_TIMEOUT(engine->settled(), Patience);
     QVERIFY(std::is_sorted(progress.cbegin(), progress.cend()));
+    QList<double> between;
+    for (double value : std::as_const(progress)) {
+        if (value > 0.0 && value < 1.0 && !between.contains(value))
+            between << value;
+    }
+    QVERIFY2(between.size() >= steps, qPrintable(QString::number(between.size())));
 
     const DownloadTask task = engine->only();
     const QStringList log = engine->log();
     const QString lastWords = log.sliced(std::max<qsizetype>(0, log.size() - 4)).join(u'\n'); // command and outcome
     QVERIFY2(task.status == DownloadStatus::Completed, qPrintable(lastWords));
     QCOMPARE(task.progress, 1.0);
-    QVERIFY(task.endTime.has_value());
-    QVERIFY(*task.endTime >= task.startTime);
+    QVERIFY(task.endTime && *task.endTime >= task.startTime);
     QVERIFY(!task.errorMessage.has_value());
     QCOMPARE(QDir(outputDir).entryList(QDir::Files | QDir::Hidden), QStringList { file });
     QCOMPARE(streamKinds(outputDir + u'/' + file), streams);
     // The row names the file it ended in, after merging or converting, with that file's size.
     QCOMPARE(task.outputPath, std::optional(outputDir + u'/' + file));
     QCOMPARE(task.size, DownloadOutput::formatBytes(QFileInfo(outputDir + u'/' + file).size()));
+    // Held under 1 MiB/s, where an unthrottled download from loopback runs at tens of MiB/s.
+    if (!custom.isEmpty())
+        QVERIFY2(task.speed.endsWith(u"KiB/s"_s), qPrintable(task.speed));
     QTRY_VERIFY(engine->log().contains(u"✅ 下载完成！"_s));
-}
-
-void TestEndToEnd::missingMediaFails()
-{
-    const auto engine = makeEngine();
-    QVERIFY(engine);
-    DownloadManager &manager = *engine->manager;
-    const QString outputDir = engine->fixture.path(u"missing"_s);
-
-    manager.startDownload(m_base + u"no-such-video.mp4"_s, DownloadPreset::Default, QString(), outputDir, false, false);
-    QTRY_VERIFY_WITH_TIMEOUT(engine->settled(), Patience);
-
-    const DownloadTask task = engine->only();
-    QCOMPARE(task.status, DownloadStatus::Failed);
-    const QString error = task.errorMessage.value_or(QString());
-    QVERIFY2(error.startsWith(u"ERROR:"_s) && error.contains(u"HTTP Error 404"_s), qPrintable(error));
-    QVERIFY(QDir(outputDir).entryList(QDir::Files | QDir::Hidden).isEmpty());
-
-    QTRY_VERIFY(engine->log().contains(u"❌ 下载失败 (错误码: 1)"_s));
-    const QList<LogEntry> log = engine->state.logEntries();
-    const auto failure = std::find_if(
-        log.cbegin(), log.cend(), [](const LogEntry &entry) { return entry.message == u"❌ 下载失败 (错误码: 1)"_s; });
-    QCOMPARE(failure->type, LogEntry::LogType::Error);
-    // The tool's own line is in the log as it printed it, marked as an error.
-    const auto toolLine = std::find_if(log.cbegin(), log.cend(), [](const LogEntry &entry) {
-        return entry.message.startsWith(u"ERROR:"_s) && entry.message.contains(u"HTTP Error 404"_s);
-    });
-    QVERIFY(toolLine != log.cend());
-    QCOMPARE(toolLine->type, LogEntry::LogType::Error);
-    // Explained in plain words, in the task and as the log's last line.
-    QVERIFY(task.explanation.value_or(QString()).startsWith(u"链接不存在或已删除"_s));
-    QCOMPARE(log.constLast().message, *task.explanation);
-}
-
-void TestEndToEnd::progressWhileThrottled()
-{
-    const auto engine = makeEngine();
-    QVERIFY(engine);
-    DownloadManager &manager = *engine->manager;
-    TaskModel *model = manager.taskModel();
-
-    // What a view bound to the model would see, read through its roles.
-    QList<double> progress;
-    QStringList speeds;
-    QStringList sizes;
-    connect(model, &QAbstractItemModel::dataChanged, &manager,
-        [&](const QModelIndex &topLeft, const QModelIndex &bottomRight, const QList<int> &roles) {
-            QCOMPARE(topLeft, bottomRight);
-            if (roles.contains(TaskModel::ProgressRole))
-                progress << model->data(topLeft, TaskModel::ProgressRole).toDouble();
-            if (roles.contains(TaskModel::SpeedRole))
-                speeds << model->data(topLeft, TaskModel::SpeedRole).toString();
-            if (roles.contains(TaskModel::SizeRole))
-                sizes << model->data(topLeft, TaskModel::SizeRole).toString();
-        });
-
-    const QString outputDir = engine->fixture.path(u"throttled"_s);
-    manager.startDownload(
-        m_base + u"long.mp4"_s, DownloadPreset::Custom, u"--limit-rate 200K"_s, outputDir, false, false);
-    QTRY_VERIFY_WITH_TIMEOUT(engine->settled(), Patience);
-    QCOMPARE(engine->only().status, DownloadStatus::Completed);
-    QCOMPARE(QDir(outputDir).entryList(QDir::Files), QStringList { u"long.mp4"_s });
-
-    const QString seen = u"progress: "_s + [&progress] {
-        QStringList texts;
-        for (double value : progress)
-            texts << QString::number(value);
-        return texts.join(u' ');
-    }();
-    QVERIFY2(!progress.isEmpty(), qPrintable(seen));
-    QVERIFY2(std::is_sorted(progress.cbegin(), progress.cend()), qPrintable(seen));
-    QCOMPARE(progress.constLast(), 1.0);
-    QList<double> between;
-    for (double value : progress) {
-        if (value > 0.0 && value < 1.0 && !between.contains(value))
-            between << value;
-    }
-    QVERIFY2(between.size() >= 3, qPrintable(seen));
-
-    static const QRegularExpression speedText(u"^\\d+(\\.\\d+)?[KMG]iB/s$"_s);
-    static const QRegularExpression sizeText(u"^\\d+(\\.\\d+)?[KMG]iB$"_s);
-    QVERIFY2(!speeds.isEmpty(), "no speed was shown");
-    for (const QString &speed : std::as_const(speeds))
-        QVERIFY2(speedText.match(speed).hasMatch(), qPrintable(speed));
-    QVERIFY2(!sizes.isEmpty(), "no size was shown");
-    for (const QString &size : std::as_const(sizes))
-        QVERIFY2(sizeText.match(size).hasMatch(), qPrintable(size));
-    // The custom words reached yt-dlp: the average it reports is held under 1 MiB/s, where an
-    // unthrottled download from loopback runs at tens of MiB/s.
-    QVERIFY2(engine->only().speed.endsWith(u"KiB/s"_s), qPrintable(engine->only().speed));
-}
-
-void TestEndToEnd::listFormats_data()
-{
-    QTest::addColumn<QString>("path");
-    QTest::addColumn<QString>("title");
-    QTest::newRow("plain") << u"video.mp4"_s << u"video"_s;
-    // The server has a file by exactly this name: a mangled quote would be a 404.
-    QTest::newRow("quote in the link") << u"it's.mp4"_s << u"it's"_s;
-}
-
-void TestEndToEnd::listFormats()
-{
-    QFETCH(QString, path);
-    QFETCH(QString, title);
-    const auto engine = makeEngine();
-    QVERIFY(engine);
-
-    std::optional<FormatListResult> result;
-    engine->manager->listFormats(m_base + path, false, [&result](const FormatListResult &answer) { result = answer; });
-    QTRY_VERIFY_WITH_TIMEOUT(result.has_value(), Patience);
-    QVERIFY2(result->ok, qPrintable(result->error.localizedDescription));
-    QVERIFY2(result->text.contains(u"Available formats for "_s + title + u':'), qPrintable(result->text));
-    static const QRegularExpression header(u"^ID\\s+EXT\\s"_s, QRegularExpression::MultilineOption);
-    static const QRegularExpression mp4Row(u"^mp4\\s+mp4\\s"_s, QRegularExpression::MultilineOption);
-    QVERIFY2(header.match(result->text).hasMatch(), qPrintable(result->text));
-    QVERIFY2(mp4Row.match(result->text).hasMatch(), qPrintable(result->text));
-    QTRY_VERIFY(engine->log().contains(u"格式列表获取成功"_s));
-}
-
-void TestEndToEnd::listFormatsFromAClosedPort()
-{
-    QTcpServer listener;
-    QVERIFY(listener.listen(QHostAddress::LocalHost, 0));
-    const quint16 port = listener.serverPort();
-    listener.close();
-
-    const auto engine = makeEngine();
-    QVERIFY(engine);
-    std::optional<FormatListResult> result;
-    engine->manager->listFormats(u"http://127.0.0.1:%1/video.mp4"_s.arg(port), false,
-        [&result](const FormatListResult &answer) { result = answer; });
-    QTRY_VERIFY_WITH_TIMEOUT(result.has_value(), Patience);
-    QVERIFY(!result->ok);
-    QCOMPARE(result->error.domain, u"DownloadManager"_s);
-    QCOMPARE(result->error.code, 1);
-    const QString description = result->error.localizedDescription;
-    QVERIFY2(
-        description.contains(u"ERROR"_s) && description.contains(u"Connection refused"_s), qPrintable(description));
-    QTRY_VERIFY(engine->log().join(u'\n').contains(u"获取格式列表失败: "_s));
 }
 
 void TestEndToEnd::cancelLeavesNothingRunning()
@@ -351,14 +209,6 @@ void TestEndToEnd::cancelLeavesNothingRunning()
     QTRY_VERIFY_WITH_TIMEOUT(
         engine->only().status == DownloadStatus::Downloading && engine->only().progress > 0.0, Patience);
     QVERIFY(!processesMentioning(outputDir).isEmpty());
-    static const QRegularExpression startedLine(u"进程已启动, PID: (\\d+)$"_s);
-    qint64 group = 0;
-    for (const QString &line : engine->fixture.systemLog()) {
-        const QRegularExpressionMatch match = startedLine.match(line);
-        if (match.hasMatch())
-            group = match.captured(1).toLongLong();
-    }
-    QVERIFY(group > 0);
 
     manager.cancelAllDownloads();
     QCOMPARE(engine->only().status, DownloadStatus::Cancelled);
@@ -369,8 +219,6 @@ void TestEndToEnd::cancelLeavesNothingRunning()
     QCOMPARE(task.status, DownloadStatus::Cancelled);
     QVERIFY(task.progress < 1.0);
     QCOMPARE(processesMentioning(outputDir), QList<qint64>());
-    errno = 0;
-    QVERIFY(::kill(pid_t(-group), 0) == -1 && errno == ESRCH);
     const QStringList messages = engine->log();
     QVERIFY(messages.filter(u"下载失败"_s).isEmpty());
     QVERIFY(!messages.contains(u"✅ 下载完成！"_s));
@@ -401,28 +249,6 @@ void TestEndToEnd::cancelledConversionLeavesNoPartFile()
     QVERIFY(!QFileInfo::exists(target));
     QCOMPARE(QFileInfo(downloaded).size(), QFileInfo(source).size());
     QTRY_VERIFY(engine->log().contains(u"已删除未完成的转换文件: "_s + target));
-}
-
-void TestEndToEnd::optionShapedLinksAreLinks()
-{
-    // Once, a "link" that named a config file with an --exec in it ran that command, and
-    // "--version" ended "已完成" with nothing downloaded. After "--" yt-dlp reads both as links.
-    const auto engine = makeEngine();
-    QVERIFY(engine);
-    DownloadManager &manager = *engine->manager;
-    const QString marker = engine->fixture.path(u"PWNED"_s);
-    engine->fixture.writeFile(u"evil.conf"_s, "--exec \"touch " + marker.toUtf8() + "\"\n");
-    const QString outputDir = engine->fixture.path(u"options"_s);
-    for (const QString &link :
-        QStringList { u"--config-locations="_s + engine->fixture.path(u"evil.conf"_s), u"--version"_s })
-        manager.startDownload(link, DownloadPreset::Default, QString(), outputDir, false, false);
-    QTRY_VERIFY_WITH_TIMEOUT(engine->settled(), Patience);
-    for (const DownloadTask &task : manager.tasks()) {
-        QCOMPARE(task.status, DownloadStatus::Failed);
-        QVERIFY2(task.errorMessage.value_or(QString()).contains(u"is not a valid URL"_s),
-            qPrintable(task.errorMessage.value_or(QString())));
-    }
-    QVERIFY(!QFileInfo::exists(marker));
 }
 
 QTEST_GUILESS_MAIN(TestEndToEnd)

@@ -101,20 +101,11 @@ void TestMaintenance::update()
         ranSelfUpdate |= argv == QStringList { u"-U"_s };
     QCOMPARE(ranSelfUpdate, selfUpdateRan);
 
-    QTRY_VERIFY(engine->log().contains(u"正在更新 yt-dlp..."_s));
-    const auto logged = [&] {
-        const auto entries = engine->state.logEntries();
-        return std::any_of(entries.cbegin(), entries.cend(), [&answer](const LogEntry &entry) {
-            return entry.message == answer
-                && entry.type == (answer.startsWith(u"❌"_s) ? LogEntry::LogType::Error : LogEntry::LogType::Info);
-        });
-    };
-    // Everything but the failed version probe is mirrored in the log.
-    if (answer.contains(u"版本检测失败"_s)) {
-        QTest::qWait(50);
-        QVERIFY(!logged());
-    } else {
-        QTRY_VERIFY(logged());
+    // The answer is in the log too, a failure in red.
+    if (versionExit == 0) {
+        QTRY_VERIFY(engine->log().contains(answer));
+        const LogEntry entry = engine->state.logEntries().constLast();
+        QCOMPARE(entry.type, updateExit == 0 ? LogEntry::LogType::Info : LogEntry::LogType::Error);
     }
     QCOMPARE(engine->manager->ytDlpVersion(), versionExit == 0 && updateExit == 0 ? u"2026.02.01"_s : u"2025.11.12"_s);
 }
@@ -135,6 +126,11 @@ void TestMaintenance::updateWithAShellThatCannotStart()
     QCOMPARE(result->error.domain, u"QProcess"_s);
     QVERIFY(result->error.localizedDescription.contains(u"无法启动"_s));
     QTRY_VERIFY(engine->log().contains(u"获取格式列表失败: "_s + result->error.localizedDescription));
+
+    std::optional<QString> text;
+    engine->manager->checkYtDlpInstallation([&](bool ok, const QString &output) { text = ok ? QString() : output; });
+    QTRY_VERIFY(text);
+    QVERIFY2(text->contains(u"无法启动"_s), qPrintable(*text));
 }
 
 void TestMaintenance::listFormats_data()
@@ -187,7 +183,6 @@ void TestMaintenance::listFormats()
         QCOMPARE(result->error.localizedDescription, text);
     }
     QTRY_VERIFY(engine->log().contains(logLine));
-    QVERIFY(engine->log().contains(u"正在获取可用格式..."_s));
 }
 
 void TestMaintenance::listFormatsCommand_data()
@@ -224,14 +219,6 @@ void TestMaintenance::listFormatsCommand()
     QCOMPARE(engine->fake.runs(), QList<QStringList> { expected });
     const bool warned = !engine->log().filter(u"未找到 Chrome"_s).isEmpty();
     QCOMPARE(warned, cookies && !chromeInstalled);
-    // Only the link is quoted; its quote is closed, escaped and reopened.
-    QString command = engine->fake.path() + u" --list-formats"_s;
-    if (runtime)
-        command += u" --js-runtimes deno:"_s + engine->fixture.path(u"tools/deno"_s);
-    if (cookies && chromeInstalled)
-        command += u" --cookies-from-browser chrome"_s;
-    command += u" -- 'https://q.example/it'\\''s a \"test\" $HOME'"_s;
-    QVERIFY(engine->log().contains(u"执行命令: "_s + command));
 }
 
 namespace {

@@ -16,12 +16,21 @@ class TestQueueActions : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void init()
+    {
+        m_engine = SandboxEngine::start();
+        QVERIFY(m_engine);
+    }
+    void cleanup() { m_engine.reset(); }
     void stopOneOfThree();
     void retryReusesTheRow();
     void removeRunningLeavesNoProcess();
     void sameLinkRunsInTurn();
     void relativeOutputLandsInTheFolder();
     void oneProgressEntryPerTask();
+
+private:
+    std::unique_ptr<SandboxEngine> m_engine; // a new one for every test
 };
 
 namespace {
@@ -35,141 +44,129 @@ QString idOf(const DownloadTask &task)
     return task.id.toString(QUuid::WithoutBraces);
 }
 
-// A stand-in download that runs until stopped, with a child in its group.
-constexpr auto endless = R"([{"spawn_child_sleep": 60},
+// A stand-in download that runs until stopped, with a child in its group; it ignores SIGTERM,
+// so only the SIGKILL after the grace period ends it.
+constexpr auto endless = R"([{"spawn_child_sleep": 60}, {"ignore_sigterm": true},
     {"out": "[download]  10.0% of 1.00MiB at 1.00KiB/s ETA 10:00\n"}, {"sleep": 60}])";
 } // namespace
 
 void TestQueueActions::stopOneOfThree()
 {
-    auto engine = SandboxEngine::start();
-    QVERIFY(engine);
-    engine->fake.setScenario(endless);
+    m_engine->fake.setScenario(endless);
     for (int i = 0; i < 3; ++i)
-        engine->download(u"https://s.example/%1"_s.arg(i));
-    QTRY_COMPARE_WITH_TIMEOUT(engine->fake.pids().size(), 6, 20000); // three stand-ins, three children
-    QTRY_VERIFY(engine->manager->tasks().at(1).progress > 0);
-    const QList<qint64> pids = engine->fake.pids();
+        m_engine->download(u"https://s.example/%1"_s.arg(i));
+    QTRY_COMPARE_WITH_TIMEOUT(m_engine->fake.pids().size(), 6, 20000); // three stand-ins, three children
+    QTRY_VERIFY(m_engine->manager->tasks().at(1).progress > 0);
+    const QList<qint64> pids = m_engine->fake.pids();
     const auto living = [&pids] { return std::count_if(pids.cbegin(), pids.cend(), alive); };
 
-    const DownloadTask second = engine->manager->tasks().at(1);
-    engine->manager->stopDownload(idOf(second));
-    QCOMPARE(engine->manager->tasks().at(1).status, DownloadStatus::Cancelled);
-    QTRY_COMPARE_WITH_TIMEOUT(engine->manager->runningCount(), 2, 10000);
+    const DownloadTask second = m_engine->manager->tasks().at(1);
+    m_engine->manager->stopDownload(idOf(second));
+    QTRY_COMPARE_WITH_TIMEOUT(m_engine->manager->runningCount(), 2, 10000);
     // Its stand-in and the stand-in's child went; the other two groups run on.
     QTRY_COMPARE_WITH_TIMEOUT(living(), 4, 5000);
     QTest::qWait(200);
     QCOMPARE(living(), 4);
-    QCOMPARE(engine->manager->tasks().at(0).status, DownloadStatus::Downloading);
-    QCOMPARE(engine->manager->tasks().at(2).status, DownloadStatus::Downloading);
-    QCOMPARE(engine->manager->tasks().at(1).status, DownloadStatus::Cancelled);
-    QTRY_COMPARE(engine->log().filter(u"⏹ 已停止"_s),
-        QStringList { u"⏹ 已停止: "_s + engine->manager->tasks().at(1).title });
+    for (int i : { 0, 1, 2 })
+        QCOMPARE(
+            m_engine->manager->tasks().at(i).status, i == 1 ? DownloadStatus::Cancelled : DownloadStatus::Downloading);
+    QTRY_COMPARE(m_engine->log().filter(u"⏹ 已停止"_s),
+        QStringList { u"⏹ 已停止: "_s + m_engine->manager->tasks().at(1).title });
     // Stopping it again, or a finished task, changes nothing.
-    engine->manager->stopDownload(idOf(second));
-    QCOMPARE(engine->manager->runningCount(), 2);
-    engine->manager->cancelAllDownloads();
-    QTRY_COMPARE_WITH_TIMEOUT(engine->manager->runningCount(), 0, 10000);
+    m_engine->manager->stopDownload(idOf(second));
+    QCOMPARE(m_engine->manager->runningCount(), 2);
+    m_engine->manager->cancelAllDownloads();
+    QTRY_COMPARE_WITH_TIMEOUT(m_engine->manager->runningCount(), 0, 10000);
 }
 
 void TestQueueActions::retryReusesTheRow()
 {
-    auto engine = SandboxEngine::start();
-    QVERIFY(engine);
-    engine->fake.setScenario(R"([{"err": "ERROR: Unable to download webpage: HTTP Error 503\n"}])", 1);
-    engine->download(u"https://r.example/v"_s, DownloadPreset::AudioOnly, u"--limit-rate 1M"_s);
-    QTRY_VERIFY_WITH_TIMEOUT(engine->settled(), 20000);
-    const DownloadTask failed = engine->only();
+    m_engine->fake.setScenario(R"([{"err": "ERROR: Unable to download webpage: HTTP Error 503\n"}])", 1);
+    m_engine->download(u"https://r.example/v"_s, DownloadPreset::AudioOnly, u"--limit-rate 1M"_s);
+    QTRY_VERIFY_WITH_TIMEOUT(m_engine->settled(), 20000);
+    const DownloadTask failed = m_engine->only();
     QCOMPARE(failed.status, DownloadStatus::Failed);
 
-    engine->fake.setScenario(R"([{"out": "[download] 100% of 1.00MiB in 00:01\n"}])");
-    engine->manager->retryDownload(idOf(failed));
-    QTRY_VERIFY_WITH_TIMEOUT(engine->settled(), 20000);
-    QCOMPARE(engine->manager->tasks().size(), 1);
-    const DownloadTask retried = engine->only();
+    m_engine->fake.setScenario(R"([{"out": "[download] 100% of 1.00MiB in 00:01\n"}])");
+    m_engine->manager->retryDownload(idOf(failed));
+    QTRY_VERIFY_WITH_TIMEOUT(m_engine->settled(), 20000);
+    QCOMPARE(m_engine->manager->tasks().size(), 1);
+    const DownloadTask retried = m_engine->only();
     QCOMPARE(retried.id, failed.id);
     QCOMPARE(retried.status, DownloadStatus::Completed);
     QVERIFY(!retried.errorMessage && !retried.explanation);
-    const QList<QStringList> runs = engine->fake.runs();
+    const QList<QStringList> runs = m_engine->fake.runs();
     QCOMPARE(runs.size(), 2);
     QCOMPARE(runs.at(1), runs.at(0));
     // A completed task is not run again.
-    engine->manager->retryDownload(idOf(retried));
+    m_engine->manager->retryDownload(idOf(retried));
     QTest::qWait(300);
-    QCOMPARE(engine->fake.runs().size(), 2);
+    QCOMPARE(m_engine->fake.runs().size(), 2);
 }
 
 void TestQueueActions::removeRunningLeavesNoProcess()
 {
-    auto engine = SandboxEngine::start();
-    QVERIFY(engine);
-    engine->fake.setScenario(endless);
-    engine->download(u"https://m.example/running"_s);
-    engine->manager->setMaxConcurrentDownloads(1);
-    engine->download(u"https://m.example/waiting"_s);
-    QTRY_COMPARE_WITH_TIMEOUT(engine->fake.pids().size(), 2, 20000);
-    const QList<qint64> pids = engine->fake.pids();
+    m_engine->fake.setScenario(endless);
+    m_engine->download(u"https://m.example/running"_s);
+    m_engine->manager->setMaxConcurrentDownloads(1);
+    m_engine->download(u"https://m.example/waiting"_s);
+    QTRY_COMPARE_WITH_TIMEOUT(m_engine->fake.pids().size(), 2, 20000);
+    const QList<qint64> pids = m_engine->fake.pids();
 
-    const auto tasks = engine->manager->tasks();
-    engine->manager->removeDownload(idOf(tasks.at(1))); // waiting: it never starts
-    engine->manager->removeDownload(idOf(tasks.at(0)));
-    QCOMPARE(engine->manager->tasks().size(), 0);
-    QTRY_COMPARE_WITH_TIMEOUT(engine->manager->runningCount(), 0, 10000);
+    const auto tasks = m_engine->manager->tasks();
+    m_engine->manager->removeDownload(idOf(tasks.at(1))); // waiting: it never starts
+    m_engine->manager->removeDownload(idOf(tasks.at(0)));
+    QCOMPARE(m_engine->manager->tasks().size(), 0);
+    QTRY_COMPARE_WITH_TIMEOUT(m_engine->manager->runningCount(), 0, 10000);
     for (qint64 pid : pids)
         QTRY_VERIFY2_WITH_TIMEOUT(!alive(pid), qPrintable(QString::number(pid)), 5000);
     QTest::qWait(300);
-    QCOMPARE(engine->fake.runs().size(), 1);
+    QCOMPARE(m_engine->fake.runs().size(), 1);
 }
 
 void TestQueueActions::sameLinkRunsInTurn()
 {
-    auto engine = SandboxEngine::start();
-    QVERIFY(engine);
-    engine->fake.setScenario(R"([{"sleep": 0.5}, {"write_output": true}])");
+    m_engine->fake.setScenario(R"([{"sleep": 0.5}, {"write_output": true}])");
     QList<int> running;
-    connect(engine->manager.get(), &DownloadManager::runningCountChanged, this,
-        [&] { running << engine->manager->runningCount(); });
+    connect(m_engine->manager.get(), &DownloadManager::runningCountChanged, this,
+        [&] { running << m_engine->manager->runningCount(); });
     const QString same = u"https://d.example/same"_s;
-    engine->download(same);
-    engine->download(same);
-    engine->download(u"https://d.example/other"_s);
+    m_engine->download(same);
+    m_engine->download(same);
+    m_engine->download(u"https://d.example/other"_s);
     // The second run of the link waits; the other link does not wait behind it.
-    QTRY_COMPARE_WITH_TIMEOUT(engine->manager->runningCount(), 2, 20000);
-    QCOMPARE(engine->manager->tasks().at(1).status, DownloadStatus::Pending);
-    QTRY_VERIFY_WITH_TIMEOUT(engine->settled(), 20000);
-    for (const DownloadTask &task : engine->manager->tasks())
+    QTRY_COMPARE_WITH_TIMEOUT(m_engine->manager->runningCount(), 2, 20000);
+    QCOMPARE(m_engine->manager->tasks().at(1).status, DownloadStatus::Pending);
+    QTRY_VERIFY_WITH_TIMEOUT(m_engine->settled(), 20000);
+    for (const DownloadTask &task : m_engine->manager->tasks())
         QCOMPARE(task.status, DownloadStatus::Completed);
     QCOMPARE(*std::max_element(running.cbegin(), running.cend()), 2);
     // In another folder the same link is another file, and runs at once.
-    engine->download(same, DownloadPreset::Default, QString(), engine->fixture.path(u"elsewhere"_s));
-    engine->download(same);
-    QTRY_COMPARE_WITH_TIMEOUT(engine->manager->runningCount(), 2, 20000);
-    QTRY_VERIFY_WITH_TIMEOUT(engine->settled(), 20000);
+    m_engine->download(same, DownloadPreset::Default, QString(), m_engine->fixture.path(u"elsewhere"_s));
+    m_engine->download(same);
+    QTRY_COMPARE_WITH_TIMEOUT(m_engine->manager->runningCount(), 2, 20000);
+    QTRY_VERIFY_WITH_TIMEOUT(m_engine->settled(), 20000);
 }
 
 void TestQueueActions::relativeOutputLandsInTheFolder()
 {
-    auto engine = SandboxEngine::start();
-    QVERIFY(engine);
-    engine->fake.setScenario(R"([{"write_output": true}])");
-    engine->download(u"https://o.example/v"_s, DownloadPreset::Custom, u"-o 'rel/%(title)s.%(ext)s'"_s);
-    QTRY_VERIFY_WITH_TIMEOUT(engine->settled(), 20000);
-    QCOMPARE(engine->only().status, DownloadStatus::Completed);
-    QVERIFY(QFileInfo::exists(engine->fixture.path(u"out/rel/fake.mp4"_s)));
+    m_engine->fake.setScenario(R"([{"write_output": true}])");
+    m_engine->download(u"https://o.example/v"_s, DownloadPreset::Custom, u"-o 'rel/%(title)s.%(ext)s'"_s);
+    QTRY_VERIFY_WITH_TIMEOUT(m_engine->settled(), 20000);
+    QCOMPARE(m_engine->only().status, DownloadStatus::Completed);
+    QVERIFY(QFileInfo::exists(m_engine->fixture.path(u"out/rel/fake.mp4"_s)));
 }
 
 void TestQueueActions::oneProgressEntryPerTask()
 {
-    auto engine = SandboxEngine::start();
-    QVERIFY(engine);
-    engine->fake.setScenario(R"([{"out": "[download] Destination: fake.mp4\n"},
+    m_engine->fake.setScenario(R"([{"out": "[download] Destination: fake.mp4\n"},
         {"progress": {"count": 100, "rate": 400}}, {"out": "[download] Destination: fake.m4a\n"},
         {"progress": {"count": 100, "rate": 400}}])");
-    engine->download(u"https://p.example/1"_s);
-    engine->download(u"https://p.example/2"_s);
-    QTRY_VERIFY_WITH_TIMEOUT(engine->settled(), 20000);
+    m_engine->download(u"https://p.example/1"_s);
+    m_engine->download(u"https://p.example/2"_s);
+    QTRY_VERIFY_WITH_TIMEOUT(m_engine->settled(), 20000);
     QTest::qWait(50); // the last lines reach the log on the next turn
-    const QStringList log = engine->log();
+    const QStringList log = m_engine->log();
     // Each stream's redraws became one entry, which ends at 100%; the other lines are all there.
     const QStringList progress = log.filter(QRegularExpression(u"^\\[download\\]\\s+[0-9.]+%"_s));
     QCOMPARE(progress.size(), 4);

@@ -23,10 +23,7 @@ void TestTaskModel::percentText_data()
 {
     QTest::addColumn<double>("progress");
     QTest::addColumn<QString>("text");
-    QTest::newRow("0") << 0.0 << u"0%"_s;
-    QTest::newRow("0.423") << 0.423 << u"42%"_s;
     QTest::newRow("0.999 is not rounded up") << 0.999 << u"99%"_s;
-    QTest::newRow("1") << 1.0 << u"100%"_s;
     QTest::newRow("29.0% parsed") << 29.0 / 100.0 << u"29%"_s;
     QTest::newRow("past 1 reads 100") << 1e18 << u"100%"_s;
     QTest::newRow("below 0 reads 0") << -0.5 << u"0%"_s;

@@ -123,10 +123,8 @@ TestCase {
         compare(newTasks(before), ["a.bc"])
     }
 
-    function test_paste() {
-        Desktop.setClipboardText("https://p.example/1")
-        mouseClick(child("pasteButton"))
-        compare(AppState.urlInput, "https://p.example/1")
+    function test_clear() {
+        AppState.urlInput = "https://p.example/1"
         mouseClick(child("clearButton"))
         compare(AppState.urlInput, "")
         verify(child("linksEditor").activeFocus) // where the edit menu's undo goes
@@ -151,35 +149,18 @@ TestCase {
         compare(AppState.customArguments, "--limit-rate 500k")
     }
 
-    function test_presetCardsAdaptToWidth() {
-        const card = child("preset0")
-        verify(card.width > 160)
-        verify(findChild(card, "presetDescription").visible)
-        compare(findChild(card, "presetIcon").size, 24)
-        // A narrow pane: one column of cards at most 160 wide would be a different layout;
-        // make the cards themselves narrow.
-        card.width = 150
-        verify(!card.isWide)
-        compare(findChild(card, "presetDescription").visible, false)
-        compare(findChild(card, "presetIcon").size, 20)
-    }
-
     function test_formatsSheetShowsTheTable() {
         TestHelper.setEnv("FAKE_YTDLP_FORMATS", "ID  EXT  RESOLUTION\n18  mp4  640x360")
         AppState.urlInput = "https://f.example/v\nhttps://f.example/other"
         mouseClick(child("listFormatsButton"))
         const sheet = child("formatsSheet")
         tryCompare(sheet, "opened", true, 20000)
-        const text = findChild(sheet, "formatsText")
-        verify(text)
-        compare(text.text, "ID  EXT  RESOLUTION\n18  mp4  640x360\n")
+        compare(findChild(sheet, "formatsText").text, "ID  EXT  RESOLUTION\n18  mp4  640x360\n")
         compare(child("listingIndicator").visible, false)
 
         const copy = findChild(sheet, "copyButton")
         mouseClick(copy)
         compare(Desktop.clipboardText(), "ID  EXT  RESOLUTION\n18  mp4  640x360\n")
-        compare(copy.text, "已复制")
-        tryCompare(copy, "text", "复制", 4000)
         mouseClick(findChild(sheet, "closeFormatsButton"))
         tryCompare(sheet, "opened", false)
 
@@ -202,13 +183,6 @@ TestCase {
         picker.item.accept()
         tryCompare(picker, "opened", false)
         compare(AppState.outputDirectory, chosen)
-
-        // Cancelling leaves the folder as it was.
-        mouseClick(child("folderButton"))
-        tryCompare(picker, "opened", true)
-        picker.item.reject()
-        tryCompare(picker, "opened", false)
-        compare(AppState.outputDirectory, chosen)
     }
 
     function test_formatsFailureShowsTheAlert() {
@@ -225,17 +199,14 @@ TestCase {
         tryCompare(alert, "opened", false)
     }
 
-    function test_emptyQueueShowsTheEmptyState() {
-        compare(child("emptyState").visible, DownloadManager.tasks.count === 0)
-        compare(child("stopButton").visible, false)
-    }
-
     function test_rowsAndTheStopButton() {
         const before = DownloadManager.tasks.count
         TestHelper.setScenario('[{"out": "\\r[download]  42.9% of 10.00MiB at 1.50MiB/s ETA 00:05"}, {"sleep": 30}]', 0)
+        const stop = child("stopButton")
+        compare(stop.visible, false)
+        compare(child("emptyState").visible, before === 0)
         AppState.urlInput = "https://s.example/1\nhttps://s.example/2"
         pressStart()
-        const stop = child("stopButton")
         tryCompare(stop, "visible", true, 20000)
         compare(child("emptyState").visible, false)
 
@@ -257,43 +228,10 @@ TestCase {
         verify(row.isSelected)
 
         mouseClick(stop)
-        const statuses = TestHelper.taskStatuses().slice(before)
-        compare(statuses, ["已取消", "已取消"])
-        tryCompare(DownloadManager, "runningCount", 0, 20000)
         compare(TestHelper.taskStatuses().slice(before), ["已取消", "已取消"])
+        tryCompare(DownloadManager, "runningCount", 0, 20000)
         tryCompare(stop, "visible", false)
         compare(findChild(row, "progressRow").visible, false)
-    }
-
-    Component {
-        id: sampleList
-
-        ListView {
-            width: 500
-            height: 400
-            delegate: DownloadTaskRow {
-                width: 500
-            }
-        }
-    }
-
-    // Rows the engine never holds on cue: the bar only while preparing or downloading, a
-    // progress past the end drawn full, a quiet download's notice.
-    function test_sampleRows() {
-        const list = createTemporaryObject(sampleList, testCase,
-            { model: TestHelper.sampleTasks(["准备中", "下载中", "已暂停", "等待中"], 1e18, "60 秒无响应") })
-        tryVerify(() => list.itemAtIndex(3) !== null)
-        const row = i => list.itemAtIndex(i)
-        compare([0, 1, 2, 3].map(i => findChild(row(i), "progressRow").visible), [true, true, false, false])
-        compare(findChild(row(2), "statusText").text, "已暂停")
-        compare(findChild(row(1), "percentText").text, "100%")
-        const fill = findChild(row(1), "progressFill")
-        compare(fill.width, fill.parent.width)
-        verify(findChild(row(1), "noticeText").visible)
-        compare(findChild(row(1), "noticeText").text, "60 秒无响应")
-        // Nothing but the status on the details line when speed and size are unknown.
-        compare(findChild(row(3), "speedText").visible, false)
-        compare(findChild(row(3), "sizeText").visible, false)
     }
 
     function test_failedRowExplainsFirst() {
@@ -312,8 +250,6 @@ TestCase {
         verify(explanation.text.startsWith("链接不存在或已删除"))
         verify(Qt.colorEqual(explanation.color, Theme.red))
         compare(error.visible, false)
-        compare(findChild(row, "progressRow").visible, false)
-        compare(findChild(row, "statusText").text, "失败")
 
         // The tool's own line, one click away, under the explanation; and copied as it is.
         // The row grew with its explanation: bring its buttons into view before clicking.

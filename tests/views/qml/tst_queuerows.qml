@@ -98,6 +98,8 @@ TestCase {
             compare(findChild(menu, "retryMenuItem").enabled, expected[i].includes("retryAction"), statuses[i])
             compare(findChild(menu, "openMenuItem").enabled, false)
             compare(findChild(row, "fileNameText").visible, false)
+            // The bar only while preparing or downloading.
+            compare(findChild(row, "progressRow").visible, i === 1 || i === 2, statuses[i])
         }
         const done = withFile.itemAtIndex(0)
         compare(shownActions(done), ["openAction", "revealAction", "videoInfoAction", "copyLinkAction",
@@ -125,6 +127,22 @@ TestCase {
         verify(fill.width < fill.parent.width)
     }
 
+    // A progress past the end is drawn full; a quiet download shows its notice; nothing but the
+    // status on the details line while speed and size are unknown.
+    function test_quietRowPastTheEnd() {
+        const list = createTemporaryObject(sampleList, testCase,
+            { model: TestHelper.sampleTasks(["下载中"], 1e18, "60 秒无响应") })
+        tryVerify(() => list.itemAtIndex(0) !== null)
+        const row = list.itemAtIndex(0)
+        compare(findChild(row, "percentText").text, "100%")
+        const fill = findChild(row, "progressFill")
+        compare(fill.width, fill.parent.width)
+        verify(findChild(row, "noticeText").visible)
+        compare(findChild(row, "noticeText").text, "60 秒无响应")
+        compare(findChild(row, "speedText").visible, false)
+        compare(findChild(row, "sizeText").visible, false)
+    }
+
     function test_actionsDriveTheQueue() {
         showMainView(1200, 800)
         const before = DownloadManager.tasks.count
@@ -133,6 +151,16 @@ TestCase {
         tryVerify(() => TestHelper.taskStatuses().slice(before).every(s => s === "下载中"), 20000)
         const first = rowAt(before)
         tryCompare(findChild(first, "etaText"), "text", "剩余 10:00", 20000)
+        // The stand-in's information, asked for beside the download, names the row.
+        tryCompare(findChild(first, "titleText"), "text", "fake", 20000)
+        compare(findChild(first, "durationText").text, "1:05")
+
+        mouseMove(first, 20, 20)
+        tryCompare(findChild(first, "rowActions"), "opacity", 1)
+        mouseClick(findChild(first, "videoInfoAction"))
+        tryCompare(view, "showVideoInfo", true, 20000)
+        compare(view.videoInfo.title, "fake")
+        view.showVideoInfo = false
 
         mouseMove(first, 20, 20)
         const stop = findChild(first, "stopAction")
@@ -160,27 +188,6 @@ TestCase {
         mouseClick(findChild(first, "removeAction"))
         compare(TestHelper.taskUrls().slice(before), ["https://act.example/2"])
         tryCompare(DownloadManager, "runningCount", 1, 20000)
-    }
-
-    function test_theFileAtHand() {
-        showMainView(1200, 800)
-        TestHelper.replaceOpener()
-        const folder = TestHelper.tempDir() + "/rows"
-        const before = DownloadManager.tasks.count
-        TestHelper.setScenario('[{"out": "[download] Destination: ' + folder + '/fake.mp4\\n"}, {"write_output": true}]', 0)
-        start(["https://file.example/v"])
-        tryVerify(() => TestHelper.taskStatuses()[before] === "已完成", 20000)
-        const row = rowAt(before)
-        tryCompare(findChild(row, "fileNameText"), "text", "fake.mp4")
-        // The size of the file on disk once it is complete.
-        compare(findChild(row, "sizeText").text, "23B")
-
-        mouseMove(row, 20, 20)
-        tryCompare(findChild(row, "rowActions"), "opacity", 1)
-        mouseClick(findChild(row, "openAction"))
-        mouseClick(findChild(row, "revealAction"))
-        tryVerify(() => TestHelper.openedWith().length === 2)
-        compare(TestHelper.openedWith(), [folder + "/fake.mp4", folder])
     }
 
     function inside(item) {
