@@ -130,7 +130,12 @@ public:
                 standIn = QByteArrayView(buffer + at, end) == QByteArrayView(m_script);
                 at += end + 1;
             }
-            if (!standIn || !ours(entry->d_name))
+            // The "-J" information request that goes with each running download is not a download.
+            bool informationRequest = false;
+            for (qsizetype word = 0; word < length;
+                 word += qsizetype(::strnlen(buffer + word, size_t(length - word))) + 1)
+                informationRequest = informationRequest || QByteArrayView(buffer + word) == QByteArrayView("-J");
+            if (!standIn || informationRequest || !ours(entry->d_name))
                 continue;
             const long long pid = std::atoll(entry->d_name);
             const long long group = liveGroupOf(pid);

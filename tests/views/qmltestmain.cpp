@@ -220,6 +220,27 @@ private:
     QString m_baseUrl;
 };
 
+#ifdef QUILLBOX_REAL_YTDLP
+// A page that names its video the way sites do (a schema.org VideoObject: title, length,
+// picture), with the served DASH manifest as its content and a picture beside it.
+void writeVideoPage(const QString &media, const QString &base)
+{
+    QProcess::execute(u"/usr/bin/ffmpeg"_s,
+        { u"-hide_banner"_s, u"-loglevel"_s, u"error"_s, u"-y"_s, u"-f"_s, u"lavfi"_s, u"-i"_s,
+            u"color=c=teal:s=160x90"_s, u"-frames:v"_s, u"1"_s, media + u"/thumb.jpg"_s });
+    QFile page(media + u"/page.html"_s);
+    if (!page.open(QIODevice::WriteOnly))
+        qFatal("cannot write the video page");
+    const QString html = u"<!DOCTYPE html>\n<html><head><meta charset=\"utf-8\"><title>页面</title>\n"
+                         "<script type=\"application/ld+json\">\n"
+                         "{\"@context\": \"https://schema.org\", \"@type\": \"VideoObject\", "
+                         "\"name\": \"端到端 测试视频\", \"thumbnailUrl\": \"%1thumb.jpg\", "
+                         "\"duration\": \"PT1M5S\", \"contentUrl\": \"%1dash/manifest.mpd\"}\n"
+                         "</script></head><body></body></html>\n"_s;
+    page.write(html.arg(base).toUtf8());
+}
+#endif
+
 class Setup : public QObject
 {
     Q_OBJECT
@@ -235,6 +256,7 @@ public Q_SLOTS:
             tests, m_env->root() + u"/media"_s, QStringList { u"--duration"_s, u"3"_s });
         if (m_server->base().isEmpty())
             qFatal("%s", qPrintable(m_server->error()));
+        writeVideoPage(m_env->root() + u"/media"_s, m_server->base());
 #else
         QSettings().setValue(QLatin1String(DownloadManager::CustomYtDlpPathKey), QString(tests + u"/fakes/yt-dlp"_s));
         // Deno in the sandboxed home is the only JavaScript runtime, so a test decides whether one

@@ -64,4 +64,28 @@ TestCase {
         tryVerify(() => TestHelper.openedWith().length === 2)
         compare(TestHelper.openedWith(), [folder + "/video.mp4", folder])
     }
+
+    // A page that names its video: the row takes the title, the length and the picture from it.
+    function test_rowShowsTheVideo() {
+        const window = createTemporaryObject(windowComponent, testCase)
+        verify(window)
+        const view = findChild(window.contentItem, "mainView")
+        tryCompare(view, "installationCheck", 0, 30000)
+        AppState.outputDirectory = TestHelper.tempDir() + "/page"
+        AppState.useCookies = false
+        AppState.selectedPreset = Download.BestVideoAudio
+        const before = DownloadManager.tasks.count
+        AppState.urlInput = TestHelper.baseUrl() + "page.html"
+        mouseClick(findChild(view, "startButton"))
+        compare(DownloadManager.tasks.count, before + 1)
+
+        const list = findChild(view, "taskList")
+        let row = null
+        tryVerify(() => (row = list.itemAtIndex(before)) !== null, 10000)
+        tryCompare(findChild(row, "titleText"), "text", "端到端 测试视频", 60000)
+        compare(findChild(row, "durationText").text, "1:05")
+        tryCompare(findChild(row, "rowThumbnail"), "loaded", true, 30000)
+        tryCompare(findChild(row, "statusText"), "text", "已完成", 60000)
+        compare(findChild(row, "fileNameText").text, "端到端 测试视频.mp4")
+    }
 }
