@@ -362,12 +362,19 @@ void DownloadManager::failToLaunch(
     const QUuid &taskId, const QString &message, const std::optional<QString> &explanation)
 {
     addLog(u"❌ "_s + message, LogEntry::LogType::Error);
+    markFailed(taskId, message, explanation);
+}
+
+void DownloadManager::markFailed(const QUuid &taskId, const QString &message, const std::optional<QString> &explanation)
+{
     if (explanation)
         addLog(*explanation, LogEntry::LogType::Error);
     m_tasks->update(taskId, [&message, &explanation](DownloadTask &task) {
         task.status = DownloadStatus::Failed;
         task.errorMessage = message;
         task.explanation = explanation;
+        task.phase.clear();
+        task.eta.clear();
     });
 }
 
@@ -463,15 +470,7 @@ void DownloadManager::completeDownload(const QUuid &taskId, DownloadJob *job, co
         }
         const std::optional<QString> explanation = explainFailure(
             FailedRun { end.stderrTail + end.stdoutTail, exitCode, end.crashed, m_tools->ytDlpPath() });
-        if (explanation)
-            addLog(*explanation, LogEntry::LogType::Error);
-        m_tasks->update(taskId, [&message, &explanation](DownloadTask &task) {
-            task.status = DownloadStatus::Failed;
-            task.errorMessage = message;
-            task.explanation = explanation;
-            task.phase.clear();
-            task.eta.clear();
-        });
+        markFailed(taskId, message, explanation);
         qCInfo(lcEngine, "[Quillbox] [executeDownload] 错误信息: %ls", qUtf16Printable(message));
     }
     pumpQueue();

@@ -193,6 +193,8 @@ private:
     void executeDownload(const QUuid &taskId);
     void failToLaunch(
         const QUuid &taskId, const QString &message, const std::optional<QString> &explanation = std::nullopt);
+    // The task failed: its message, its explanation (also logged), and nothing left of its run.
+    void markFailed(const QUuid &taskId, const QString &message, const std::optional<QString> &explanation);
     void applyProgress(const QUuid &taskId, const ProgressUpdate &update);
     void completeDownload(const QUuid &taskId, DownloadJob *job, const DownloadJob::End &end);
     void noteStall(const QUuid &taskId, bool stalled);
