@@ -562,6 +562,20 @@ void DownloadManager::removeDownload(const QString &taskId)
     m_infoFetches.remove(id);
 }
 
+void DownloadManager::clearCompleted()
+{
+    QList<QUuid> completed;
+    for (const DownloadTask &task : m_tasks->tasks()) {
+        if (task.status == DownloadStatus::Completed)
+            completed.append(task.id);
+    }
+    for (const QUuid &id : std::as_const(completed)) {
+        m_tasks->remove(id);
+        m_requests.remove(id);
+        m_infoFetches.remove(id);
+    }
+}
+
 void DownloadManager::cancelAllDownloads()
 {
     const std::deque<QUuid> waiting = std::exchange(m_waiting, {});

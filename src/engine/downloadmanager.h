@@ -165,6 +165,8 @@ public:
     Q_INVOKABLE void retryDownload(const QString &taskId);
     // The row goes; a running task is stopped first.
     Q_INVOKABLE void removeDownload(const QString &taskId);
+    // Every completed task's row goes; the others stay as they are.
+    Q_INVOKABLE void clearCompleted();
 
     // The command text for one download, given the discovered tool words.
     static QString buildDownloadCommand(const QString &ytDlpPath, const DownloadRequest &request,

@@ -36,6 +36,14 @@ Rectangle {
             Item {
                 Layout.fillWidth: true
             }
+            TextButton {
+                objectName: "clearCompletedButton"
+                visible: DownloadManager.tasks.completedCount > 0
+                text: "清除已完成"
+                symbol: "trash"
+                fontSize: Theme.caption
+                onClicked: DownloadManager.clearCompleted()
+            }
             IconButton {
                 objectName: "stopButton"
                 visible: DownloadManager.tasks.hasDownloading

@@ -222,4 +222,18 @@ TestCase {
         wait(400) // the panel slides in
         verify(inside(child("startButton")))
     }
+
+    // "清除已完成" takes the completed rows away and leaves a running one.
+    function test_clearCompleted() {
+        showMainView(1200, 800)
+        start(["https://done.example/1"])
+        tryVerify(() => TestHelper.taskStatuses().includes("已完成"), 20000)
+        TestHelper.setScenario('[{"sleep": 30}]', 0)
+        start(["https://busy.example/1"])
+        tryCompare(DownloadManager, "runningCount", 1, 20000)
+        mouseClick(child("clearCompletedButton"))
+        verify(!TestHelper.taskStatuses().includes("已完成"))
+        verify(TestHelper.taskUrls().includes("https://busy.example/1"))
+        compare(child("clearCompletedButton").visible, false)
+    }
 }
