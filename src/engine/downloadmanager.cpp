@@ -170,11 +170,20 @@ QUuid DownloadManager::createTask(const DownloadRequest &request, QList<Download
     return task.id;
 }
 
+QString DownloadManager::expandHome(const QString &folder) const
+{
+    // A folder typed as "~/Videos" means the home folder's, as it would in a shell.
+    if (folder == u"~"_s || folder.startsWith(u"~/"_s))
+        return m_tools->locations().home + folder.mid(1);
+    return folder;
+}
+
 bool DownloadManager::clashesWithRunning(const DownloadRequest &request) const
 {
+    const QString folder = QDir::cleanPath(expandHome(request.outputDir));
     for (auto it = m_jobs.cbegin(); it != m_jobs.cend(); ++it) {
         const DownloadRequest other = m_requests.value(it.key());
-        if (other.url == request.url && QDir::cleanPath(other.outputDir) == QDir::cleanPath(request.outputDir))
+        if (other.url == request.url && QDir::cleanPath(other.outputDir) == folder)
             return true;
     }
     return false;
@@ -216,9 +225,7 @@ void DownloadManager::pumpQueue()
 void DownloadManager::executeDownload(const QUuid &taskId)
 {
     DownloadRequest request = m_requests.value(taskId);
-    // A folder typed as "~/Videos" means the home folder's, as it would in a shell.
-    if (request.outputDir == u"~"_s || request.outputDir.startsWith(u"~/"_s))
-        request.outputDir = m_tools->locations().home + request.outputDir.mid(1);
+    request.outputDir = expandHome(request.outputDir);
     qCInfo(lcEngine, "[Quillbox] [executeDownload] 任务ID: %ls, URL: %ls",
         qUtf16Printable(taskId.toString(QUuid::WithoutBraces)), qUtf16Printable(request.url));
     m_tasks->update(taskId, [](DownloadTask &task) { task.status = DownloadStatus::Preparing; });

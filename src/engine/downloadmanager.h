@@ -192,6 +192,8 @@ private:
     void pumpQueue();
     // Another task with this link and folder is running: two yt-dlp runs would write one file.
     bool clashesWithRunning(const DownloadRequest &request) const;
+    // "~" and "~/…" as the home folder, as a shell reads them.
+    QString expandHome(const QString &folder) const;
     void executeDownload(const QUuid &taskId);
     void failToLaunch(
         const QUuid &taskId, const QString &message, const std::optional<QString> &explanation = std::nullopt);

@@ -124,7 +124,7 @@ void TestQueueActions::sameLinkRunsInTurn()
         [&] { running << m_engine->manager->runningCount(); });
     const QString same = u"https://d.example/same"_s;
     m_engine->download(same);
-    m_engine->download(same);
+    m_engine->download(same, DownloadPreset::Default, QString(), u"~/../out"_s); // the same folder
     m_engine->download(u"https://d.example/other"_s);
     // The second run of the link waits; the other link does not wait behind it.
     QTRY_COMPARE_WITH_TIMEOUT(m_engine->manager->runningCount(), 2, 20000);
