@@ -206,7 +206,7 @@ ProgressUpdate DownloadOutput::read(const QStringList &lines)
     for (const QString &line : lines)
         readLine(line, update);
     // Known failures in friendly words, as the whole batch says them.
-    update.errorMessage = parseProgress(lines).errorMessage;
+    update.errorMessage = knownFailure(lines);
     return update;
 }
 

@@ -73,12 +73,18 @@ ProgressUpdate parseProgress(const QStringList &lines)
                 break;
         }
     }
-    if (anyContains(lines, u"ERROR") || anyContains(lines, u"error")) {
-        if (anyContains(lines, u"This video is available only for registered users")
-            || anyContains(lines, u"Login required"))
-            update.errorMessage = u"需要登录或 Cookie 已过期"_s;
-        else if (anyContains(lines, u"is not a valid URL"))
-            update.errorMessage = u"无效的 URL"_s;
-    }
+    update.errorMessage = knownFailure(lines);
     return update;
+}
+
+std::optional<QString> knownFailure(const QStringList &lines)
+{
+    if (!anyContains(lines, u"ERROR") && !anyContains(lines, u"error"))
+        return std::nullopt;
+    if (anyContains(lines, u"This video is available only for registered users")
+        || anyContains(lines, u"Login required"))
+        return u"需要登录或 Cookie 已过期"_s;
+    if (anyContains(lines, u"is not a valid URL"))
+        return u"无效的 URL"_s;
+    return std::nullopt;
 }

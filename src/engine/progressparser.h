@@ -22,3 +22,5 @@ struct ProgressUpdate
 // Progress fields are read only when the batch holds "[download]" somewhere, from every line
 // that has a "%", the last such line winning. Two known failures map to friendly texts.
 ProgressUpdate parseProgress(const QStringList &lines);
+// The friendly text of the two known failures among `lines`, if they hold one.
+std::optional<QString> knownFailure(const QStringList &lines);
