@@ -11,7 +11,7 @@ debian_packages=(
     qml6-module-qtquick-layouts qml6-module-qtquick-window qml6-module-qtquick-dialogs
     qml6-module-qtquick-shapes qml6-module-qttest qml6-module-qt-labs-platform
     qml6-module-qt-labs-folderlistmodel qt6-translations-l10n qt6-gtk-platformtheme
-    qt6-qpa-plugins libqt6svg6
+    qt6-qpa-plugins libqt6svg6 libqt6sql6-sqlite
     fonts-noto-cjk fonts-noto-color-emoji fonts-dejavu-core
     yt-dlp ffmpeg zsh sqlite3 python3 nodejs libssl-dev libsecret-tools chromium
     xvfb xauth

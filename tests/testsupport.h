@@ -21,6 +21,8 @@ public:
         QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, settingsDir);
         QDir(m_dir.path()).mkpath(QStringLiteral("home"));
         qputenv("HOME", home().toUtf8());
+        // The per-user data folder, where the queue is stored.
+        qputenv("XDG_DATA_HOME", m_dir.filePath(QStringLiteral("data")).toUtf8());
     }
 
     QString root() const { return m_dir.path(); }

@@ -1,5 +1,6 @@
 #include "app/buildinfo.h"
 #include "engine/downloadmanager.h"
+#include "store/queuememory.h"
 #include "views/applifecycle.h"
 #include "views/firstframe.h"
 #include "views/qmlsetup.h"
@@ -43,6 +44,7 @@ int main(int argc, char *argv[])
         return 1;
     reportFirstFrame(window.get());
     lifecycle.startDiscoveryAfterFirstFrame(window.get());
+    lifecycle.restoreQueueAfterFirstFrame(window.get(), QueueMemory::instance());
     lifecycle.attachMainWindow(window.get());
     return app.exec();
 }

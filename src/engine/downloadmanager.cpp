@@ -571,16 +571,53 @@ void DownloadManager::removeDownload(const QString &taskId)
 
 void DownloadManager::clearCompleted()
 {
-    QList<QUuid> completed;
-    for (const DownloadTask &task : m_tasks->tasks()) {
-        if (task.status == DownloadStatus::Completed)
-            completed.append(task.id);
+    m_tasks->removeIf([this](const DownloadTask &task) {
+        if (task.status != DownloadStatus::Completed)
+            return false;
+        m_requests.remove(task.id);
+        m_infoFetches.remove(task.id);
+        return true;
+    });
+}
+
+std::optional<DownloadRequest> DownloadManager::requestFor(const QUuid &taskId) const
+{
+    const auto found = m_requests.constFind(taskId);
+    return found == m_requests.cend() ? std::nullopt : std::optional<DownloadRequest>(*found);
+}
+
+void DownloadManager::restoreTasks(const QList<StoredTask> &rows)
+{
+    QList<DownloadTask> tasks;
+    tasks.reserve(rows.size());
+    std::deque<QUuid> waiting;
+    int interrupted = 0;
+    for (const StoredTask &row : rows) {
+        if (m_tasks->find(row.task.id))
+            continue;
+        DownloadTask task = row.task;
+        // Nothing of ours runs before we do: what was running then has been stopped.
+        if (task.status == DownloadStatus::Preparing || task.status == DownloadStatus::Downloading) {
+            task.status = DownloadStatus::Cancelled;
+            task.speed.clear();
+            ++interrupted;
+        } else if (task.status == DownloadStatus::Pending) {
+            waiting.push_back(task.id);
+        }
+        task.notice.clear();
+        task.phase.clear();
+        task.eta.clear();
+        m_requests.insert(task.id, row.request);
+        tasks.append(std::move(task));
     }
-    for (const QUuid &id : std::as_const(completed)) {
-        m_tasks->remove(id);
-        m_requests.remove(id);
-        m_infoFetches.remove(id);
-    }
+    if (tasks.isEmpty())
+        return;
+    m_tasks->insertAll(0, tasks);
+    m_waiting.insert(m_waiting.begin(), waiting.begin(), waiting.end());
+    info(u"↺ 已恢复上次的 %1 个任务"_s.arg(tasks.size()));
+    if (interrupted > 0)
+        info(u"上次退出时有 %1 个下载未完成，已标记为已取消，点“重试”可接着下载"_s.arg(interrupted));
+    pumpQueue();
 }
 
 void DownloadManager::cancelAllDownloads()

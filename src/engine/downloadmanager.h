@@ -5,9 +5,11 @@
 #include "engine/maintenance.h"
 #include "engine/tooldiscovery.h"
 #include "model/downloadpreset.h"
+#include "model/downloadrequest.h"
 #include "model/downloadtask.h"
 #include "model/logentry.h"
 #include "model/taskmodel.h"
+#include "store/taskstore.h"
 
 #include <QHash>
 #include <QList>
@@ -23,22 +25,6 @@
 class AppState;
 class VideoInfoFetch;
 struct VideoInfoResult;
-
-// How the user asked for a download: the form's choices, shared by every link started together.
-struct DownloadOptions
-{
-    DownloadPreset preset = DownloadPreset::Default;
-    QString customArgs;
-    QString outputDir;
-    bool downloadPlaylist = true;
-    bool useCookies = true;
-};
-
-// One user request to download one link.
-struct DownloadRequest : DownloadOptions
-{
-    QString url;
-};
 
 // The download engine: the queue of tasks, one DownloadJob per running download (at most
 // maxConcurrentDownloads at once, the rest waiting in order), and what the user does to a task.
@@ -167,6 +153,13 @@ public:
     Q_INVOKABLE void removeDownload(const QString &taskId);
     // Every completed task's row goes; the others stay as they are.
     Q_INVOKABLE void clearCompleted();
+
+    // The request a task was made from, as retrying it would run it again.
+    std::optional<DownloadRequest> requestFor(const QUuid &taskId) const;
+    // Puts a queue kept from an earlier run before the tasks made since: finished rows as they
+    // were, waiting ones in the queue again, and those that were running cancelled, so that
+    // "重试" resumes their ".part" file.
+    void restoreTasks(const QList<StoredTask> &rows);
 
     // The command text for one download, given the discovered tool words.
     static QString buildDownloadCommand(const QString &ytDlpPath, const DownloadRequest &request,

@@ -163,31 +163,87 @@ void TaskModel::append(const DownloadTask &task)
 
 void TaskModel::appendAll(const QList<DownloadTask> &tasks)
 {
+    insertAll(count(), tasks);
+}
+
+void TaskModel::insertAll(int row, const QList<DownloadTask> &tasks)
+{
     if (tasks.isEmpty())
         return;
-    const int first = count();
-    beginInsertRows(QModelIndex(), first, first + int(tasks.size()) - 1);
-    m_tasks.append(tasks);
-    for (int row = first; row < count(); ++row)
-        m_rows.insert(m_tasks.at(row).id, row);
+    row = std::clamp(row, 0, count());
+    beginInsertRows(QModelIndex(), row, row + int(tasks.size()) - 1);
+    m_tasks.insert(row, tasks.size(), DownloadTask());
+    std::copy(tasks.cbegin(), tasks.cend(), m_tasks.begin() + row);
+    reindexFrom(row);
     endInsertRows();
+    QList<DownloadStatus> added;
+    added.reserve(tasks.size());
     for (const DownloadTask &task : tasks)
-        countStatus(task.status, +1);
+        added.append(task.status);
+    countStatuses(added, +1);
     Q_EMIT countChanged();
+}
+
+void TaskModel::reindexFrom(int row)
+{
+    for (; row < count(); ++row)
+        m_rows.insert(m_tasks.at(row).id, row);
 }
 
 void TaskModel::remove(const QUuid &id)
 {
     const int row = rowOf(id);
-    if (row < 0)
+    if (row >= 0)
+        removeRuns({ { row, row } });
+}
+
+int TaskModel::removeIf(const std::function<bool(const DownloadTask &)> &matches)
+{
+    QList<std::pair<int, int>> runs;
+    for (int row = count() - 1; row >= 0; --row) {
+        if (!matches(m_tasks.at(row)))
+            continue;
+        if (!runs.isEmpty() && runs.last().first == row + 1)
+            runs.last().first = row;
+        else
+            runs.append({ row, row });
+    }
+    removeRuns(runs);
+    int removed = 0;
+    for (const auto &[first, last] : std::as_const(runs))
+        removed += last - first + 1;
+    return removed;
+}
+
+void TaskModel::removeRuns(const QList<std::pair<int, int>> &runs)
+{
+    if (runs.isEmpty())
         return;
-    beginRemoveRows(QModelIndex(), row, row);
-    const DownloadTask task = m_tasks.takeAt(row);
-    m_rows.remove(id);
-    for (int later = row; later < count(); ++later)
-        m_rows[m_tasks.at(later).id] = later;
-    endRemoveRows();
-    countStatus(task.status, -1);
+    QList<DownloadStatus> gone;
+    // Scattered rows (every other one of a long history) go in one reset, not thousands of
+    // removals that each renumber what follows.
+    const bool reset = runs.size() > ManyRuns;
+    if (reset)
+        beginResetModel();
+    // From the last run back, so the rows of the runs still to go keep their numbers.
+    for (const auto &[first, last] : runs) {
+        if (!reset)
+            beginRemoveRows(QModelIndex(), first, last);
+        for (int row = first; row <= last; ++row) {
+            gone.append(m_tasks.at(row).status);
+            m_rows.remove(m_tasks.at(row).id);
+        }
+        m_tasks.remove(first, last - first + 1);
+        if (!reset) {
+            reindexFrom(first);
+            endRemoveRows();
+        }
+    }
+    if (reset) {
+        reindexFrom(0);
+        endResetModel();
+    }
+    countStatuses(gone, -1);
     Q_EMIT countChanged();
 }
 
@@ -235,20 +291,23 @@ void TaskModel::changed(int row, const DownloadTask &before)
     const QModelIndex changedIndex = index(row);
     Q_EMIT dataChanged(changedIndex, changedIndex, roles);
     if (after.status != before.status) {
-        countStatus(before.status, -1);
-        countStatus(after.status, +1);
+        countStatuses({ before.status }, -1);
+        countStatuses({ after.status }, +1);
     }
 }
 
-void TaskModel::countStatus(DownloadStatus status, int delta)
+void TaskModel::countStatuses(const QList<DownloadStatus> &statuses, int delta)
 {
-    if (status == DownloadStatus::Completed) {
-        m_completed += delta;
-        Q_EMIT completedCountChanged();
-    } else if (status == DownloadStatus::Downloading) {
-        const bool had = hasDownloading();
-        m_downloading += delta;
-        if (had != hasDownloading())
-            Q_EMIT hasDownloadingChanged();
+    const int completed = m_completed;
+    const bool downloading = hasDownloading();
+    for (const DownloadStatus status : statuses) {
+        if (status == DownloadStatus::Completed)
+            m_completed += delta;
+        else if (status == DownloadStatus::Downloading)
+            m_downloading += delta;
     }
+    if (completed != m_completed)
+        Q_EMIT completedCountChanged();
+    if (downloading != hasDownloading())
+        Q_EMIT hasDownloadingChanged();
 }

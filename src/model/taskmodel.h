@@ -7,6 +7,8 @@
 #include <QHash>
 #include <QList>
 
+#include <functional>
+
 // The download queue as a list model, in order of creation. A change to one task is one
 // dataChanged for its row and the roles that changed.
 class TaskModel : public QAbstractListModel
@@ -65,8 +67,12 @@ public:
 
     void append(const DownloadTask &task);
     void appendAll(const QList<DownloadTask> &tasks);
+    // Inserts `tasks` before `row` (clamped to the list), in one insertion.
+    void insertAll(int row, const QList<DownloadTask> &tasks);
     // Removes the task with `id`, if it is there.
     void remove(const QUuid &id);
+    // Removes every task that `matches`, a run of neighbouring rows at a time; returns how many.
+    int removeIf(const std::function<bool(const DownloadTask &)> &matches);
 
     // Applies `change` to the task with `id`, if it is still there, and signals the roles whose
     // values differ afterwards. Returns false when there is no such task.
@@ -88,9 +94,16 @@ Q_SIGNALS:
     void hasDownloadingChanged();
 
 private:
+    // More runs than this to remove at once are one model reset.
+    static constexpr qsizetype ManyRuns = 100;
+
     int rowOf(const QUuid &id) const;
+    void reindexFrom(int row);
+    // Removes the rows of each (first, last) run; the runs come from the last one back.
+    void removeRuns(const QList<std::pair<int, int>> &runs);
     void changed(int row, const DownloadTask &before);
-    void countStatus(DownloadStatus status, int delta);
+    // Counts the statuses in (delta +1) or out (-1), and signals the totals that changed.
+    void countStatuses(const QList<DownloadStatus> &statuses, int delta);
 
     QList<DownloadTask> m_tasks;
     QHash<QUuid, int> m_rows;

@@ -2,6 +2,7 @@
 
 #include "engine/downloadmanager.h"
 #include "model/logcategories.h"
+#include "store/queuememory.h"
 
 #include <QCoreApplication>
 #include <QFontDatabase>
@@ -35,6 +36,9 @@ AppLifecycle::AppLifecycle(DownloadManager *downloads, QObject *parent)
 void AppLifecycle::quit()
 {
     saveWindowGeometry();
+    // First, so that the queue is stored as the user left it, not as stopping leaves it.
+    if (m_memory)
+        m_memory->close();
     if (m_downloads)
         m_downloads->shutdown();
 }
@@ -70,6 +74,19 @@ void AppLifecycle::startDiscoveryAfterFirstFrame(QQuickWindow *window)
     const auto start = [downloads] {
         if (downloads)
             downloads->startDiscovery();
+    };
+    connect(window, &QQuickWindow::frameSwapped, this, start,
+        Qt::ConnectionType(Qt::QueuedConnection | Qt::SingleShotConnection));
+    QTimer::singleShot(2000, this, start);
+}
+
+void AppLifecycle::restoreQueueAfterFirstFrame(QQuickWindow *window, QueueMemory *memory)
+{
+    m_memory = memory;
+    const QPointer<QueueMemory> target = memory;
+    const auto start = [target] {
+        if (target && !target->isRestored())
+            target->start();
     };
     connect(window, &QQuickWindow::frameSwapped, this, start,
         Qt::ConnectionType(Qt::QueuedConnection | Qt::SingleShotConnection));

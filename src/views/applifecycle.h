@@ -6,6 +6,7 @@
 
 class DownloadManager;
 class QQuickWindow;
+class QueueMemory;
 
 // The application's own lifecycle: it places the main window where the user left it (settings
 // group "Main Window", centred on first run) and remembers its frame; when the application quits
@@ -25,6 +26,10 @@ public:
     // Starts the engine's tool discovery once `window` has drawn its first frame (or after a
     // moment, should no frame come), so its shells do not compete with start-up for the CPU.
     void startDiscoveryAfterFirstFrame(QQuickWindow *window);
+
+    // Brings the stored queue back once `window` has drawn its first frame, and on quit keeps
+    // the queue as it stood before the downloads are stopped.
+    void restoreQueueAfterFirstFrame(QQuickWindow *window, QueueMemory *memory);
 
     // On Linux, names the installed CJK font first, so Chinese text does not search the font
     // fallbacks on every layout. Elsewhere the system font covers Chinese already.
@@ -53,4 +58,5 @@ private:
 
     QPointer<DownloadManager> m_downloads;
     QPointer<QQuickWindow> m_window;
+    QPointer<QueueMemory> m_memory;
 };

@@ -1,0 +1,350 @@
+#include "store/taskstore.h"
+
+#include "model/downloadpreset.h"
+#include "model/logcategories.h"
+
+#include <QAtomicInt>
+#include <QDateTime>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QSqlDatabase>
+#include <QSqlError>
+#include <QSqlQuery>
+#include <QStandardPaths>
+#include <QVariant>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+QAtomicInt connectionCount;
+
+const QString taskColumns = u"id, ordinal, url, title, status, progress, speed, size, error_message, explanation, "
+                            u"start_time, end_time, output_path, duration, thumbnail, preset, custom_args, "
+                            u"output_dir, playlist, cookies"_s;
+
+QVariant optionalText(const std::optional<QString> &text)
+{
+    return text ? QVariant(*text) : QVariant(QMetaType(QMetaType::QString));
+}
+
+std::optional<QString> optionalText(const QVariant &value)
+{
+    return value.isNull() ? std::nullopt : std::optional<QString>(value.toString());
+}
+
+QVariant timeValue(const QDateTime &time)
+{
+    return time.isValid() ? QVariant(time.toMSecsSinceEpoch()) : QVariant(QMetaType(QMetaType::LongLong));
+}
+
+QDateTime timeFrom(const QVariant &value)
+{
+    return value.isNull() ? QDateTime() : QDateTime::fromMSecsSinceEpoch(value.toLongLong());
+}
+
+// The statuses of rows that are done with: history, bounded by HistoryLimit.
+QString finishedStatuses()
+{
+    return u"'%1', '%2', '%3'"_s.arg(
+        rawValue(DownloadStatus::Completed), rawValue(DownloadStatus::Failed), rawValue(DownloadStatus::Cancelled));
+}
+} // namespace
+
+QString TaskStore::defaultPath()
+{
+    return QStandardPaths::writableLocation(QStandardPaths::AppDataLocation) + u"/quillbox.sqlite"_s;
+}
+
+TaskStore::TaskStore(QString path)
+    : m_path(std::move(path))
+    , m_connection(u"quillbox-store-%1"_s.arg(connectionCount.fetchAndAddRelaxed(1)))
+{
+}
+
+TaskStore::~TaskStore()
+{
+    closeConnection();
+}
+
+bool TaskStore::isOpen() const
+{
+    return QSqlDatabase::contains(m_connection) && QSqlDatabase::database(m_connection, false).isOpen();
+}
+
+bool TaskStore::exec(const QString &sql)
+{
+    QSqlQuery query(QSqlDatabase::database(m_connection, false));
+    if (query.exec(sql))
+        return true;
+    m_lastError = query.lastError().text();
+    return false;
+}
+
+bool TaskStore::openConnection()
+{
+    QSqlDatabase db = QSqlDatabase::addDatabase(u"QSQLITE"_s, m_connection);
+    db.setDatabaseName(m_path);
+    // Another connection to the file (a second window of the store) waits rather than fails.
+    db.setConnectOptions(u"QSQLITE_BUSY_TIMEOUT=3000"_s);
+    if (!db.open()) {
+        m_lastError = db.lastError().text();
+        return false;
+    }
+    return true;
+}
+
+void TaskStore::closeConnection()
+{
+    if (!QSqlDatabase::contains(m_connection))
+        return;
+    {
+        QSqlDatabase db = QSqlDatabase::database(m_connection, false);
+        db.close();
+    }
+    QSqlDatabase::removeDatabase(m_connection);
+}
+
+QString TaskStore::checkAndMigrate(int &version)
+{
+    if (!openConnection())
+        return m_lastError;
+    QSqlQuery query(QSqlDatabase::database(m_connection, false));
+    // The first statement reads the file: one that is not a database fails here.
+    if (!query.exec(u"PRAGMA user_version"_s) || !query.next())
+        return query.lastError().text();
+    version = query.value(0).toInt();
+    query.finish();
+    // A later version's file is not touched, not even to change its journal.
+    if (version > SchemaVersion)
+        return {};
+    if (!query.exec(u"PRAGMA quick_check"_s) || !query.next())
+        return query.lastError().text();
+    if (const QString verdict = query.value(0).toString(); verdict != u"ok")
+        return verdict;
+    // A statement left open holds a read transaction, and the journal cannot change inside one.
+    query.finish();
+    // FULL: each commit reaches the disk, so a power cut loses no more than the write pending.
+    if (!exec(u"PRAGMA journal_mode=WAL"_s) || !exec(u"PRAGMA synchronous=FULL"_s))
+        return m_lastError;
+    if (version < SchemaVersion && !migrate(version))
+        return m_lastError;
+    version = SchemaVersion;
+    return {};
+}
+
+bool TaskStore::migrate(int from)
+{
+    // Each step is one transaction that ends by recording its version.
+    const QList<QStringList> steps = {
+        {
+            u"CREATE TABLE tasks (id TEXT PRIMARY KEY, ordinal INTEGER NOT NULL, url TEXT NOT NULL, "
+            u"title TEXT NOT NULL, status TEXT NOT NULL, progress REAL NOT NULL DEFAULT 0, "
+            u"speed TEXT NOT NULL DEFAULT '', size TEXT NOT NULL DEFAULT '', error_message TEXT, "
+            u"start_time INTEGER, end_time INTEGER, output_path TEXT, preset TEXT NOT NULL, "
+            u"custom_args TEXT NOT NULL DEFAULT '', output_dir TEXT NOT NULL, playlist INTEGER NOT NULL, "
+            u"cookies INTEGER NOT NULL)"_s,
+            u"CREATE INDEX tasks_by_ordinal ON tasks (ordinal)"_s,
+        },
+        {
+            u"ALTER TABLE tasks ADD COLUMN explanation TEXT"_s,
+            u"ALTER TABLE tasks ADD COLUMN duration TEXT NOT NULL DEFAULT ''"_s,
+            u"ALTER TABLE tasks ADD COLUMN thumbnail TEXT NOT NULL DEFAULT ''"_s,
+            u"CREATE TABLE presets (id INTEGER PRIMARY KEY AUTOINCREMENT, name TEXT NOT NULL, "
+            u"arguments TEXT NOT NULL)"_s,
+        },
+    };
+    static_assert(SchemaVersion == 2, "one migration step per schema version");
+    QSqlDatabase db = QSqlDatabase::database(m_connection, false);
+    for (int version = from; version < SchemaVersion; ++version) {
+        if (!db.transaction()) {
+            m_lastError = db.lastError().text();
+            return false;
+        }
+        bool ok = true;
+        for (const QString &sql : steps.at(version))
+            ok = ok && exec(sql);
+        ok = ok && exec(u"PRAGMA user_version = %1"_s.arg(version + 1));
+        if (!ok || !db.commit()) {
+            if (ok)
+                m_lastError = db.lastError().text();
+            db.rollback();
+            return false;
+        }
+        qCInfo(lcEngine, "[Quillbox] 队列数据库已升级到第 %d 版", version + 1);
+    }
+    return true;
+}
+
+TaskStore::OpenResult TaskStore::open()
+{
+    closeConnection();
+    const QFileInfo file(m_path);
+    if (!QDir().mkpath(file.absolutePath()))
+        return { OpenState::Failed, u"无法创建文件夹 %1"_s.arg(file.absolutePath()) };
+
+    int version = 0;
+    const QString problem = checkAndMigrate(version);
+    if (problem.isEmpty())
+        return { version > SchemaVersion ? OpenState::Newer : OpenState::Opened, {} };
+    closeConnection();
+    if (!file.exists())
+        return { OpenState::Failed, problem };
+
+    // Whatever is wrong with it, the file is kept for whoever wants to look, out of the way.
+    QString aside = m_path + u".broken-"_s + QDateTime::currentDateTime().toString(u"yyyyMMdd-HHmmss"_s);
+    for (int again = 2; QFile::exists(aside); ++again)
+        aside = aside.section(u'~', 0, 0) + u'~' + QString::number(again);
+    if (!QFile::rename(m_path, aside))
+        return { OpenState::Failed, problem };
+    for (const QString &suffix : { u"-wal"_s, u"-shm"_s }) {
+        if (QFile::exists(m_path + suffix))
+            QFile::rename(m_path + suffix, aside + suffix);
+    }
+    qCWarning(
+        lcEngine, "[Quillbox] 队列数据库无法读取 (%ls), 已移到 %ls", qUtf16Printable(problem), qUtf16Printable(aside));
+    if (const QString again = checkAndMigrate(version); !again.isEmpty()) {
+        closeConnection();
+        return { OpenState::Failed, again };
+    }
+    return { OpenState::Replaced, aside };
+}
+
+QList<StoredTask> TaskStore::loadTasks()
+{
+    QList<StoredTask> rows;
+    if (!isOpen())
+        return rows;
+    exec(u"DELETE FROM tasks WHERE status IN (%1) AND id NOT IN (SELECT id FROM tasks WHERE status IN (%1) "
+         u"ORDER BY ordinal DESC LIMIT %2)"_s.arg(finishedStatuses())
+             .arg(HistoryLimit));
+    QSqlQuery query(QSqlDatabase::database(m_connection, false));
+    query.setForwardOnly(true);
+    if (!query.exec(u"SELECT %1 FROM tasks ORDER BY ordinal"_s.arg(taskColumns))) {
+        m_lastError = query.lastError().text();
+        return rows;
+    }
+    while (query.next()) {
+        StoredTask row;
+        DownloadTask &task = row.task;
+        task.id = QUuid::fromString(query.value(0).toString());
+        if (task.id.isNull())
+            continue;
+        row.ordinal = query.value(1).toLongLong();
+        task.url = query.value(2).toString();
+        task.title = query.value(3).toString();
+        task.status = downloadStatusFromRawValue(query.value(4).toString()).value_or(DownloadStatus::Cancelled);
+        task.progress = query.value(5).toDouble();
+        task.speed = query.value(6).toString();
+        task.size = query.value(7).toString();
+        task.errorMessage = optionalText(query.value(8));
+        task.explanation = optionalText(query.value(9));
+        task.startTime = timeFrom(query.value(10));
+        if (const QDateTime end = timeFrom(query.value(11)); end.isValid())
+            task.endTime = end;
+        task.outputPath = optionalText(query.value(12));
+        task.duration = query.value(13).toString();
+        task.thumbnail = query.value(14).toString();
+        DownloadRequest &request = row.request;
+        request.url = task.url;
+        request.preset = downloadPresetFromRawValue(query.value(15).toString()).value_or(DownloadPreset::Default);
+        request.customArgs = query.value(16).toString();
+        request.outputDir = query.value(17).toString();
+        request.downloadPlaylist = query.value(18).toBool();
+        request.useCookies = query.value(19).toBool();
+        rows.append(std::move(row));
+    }
+    return rows;
+}
+
+bool TaskStore::apply(const StoreBatch &batch)
+{
+    if (!isOpen() || batch.isEmpty())
+        return isOpen();
+    QSqlDatabase db = QSqlDatabase::database(m_connection, false);
+    if (!db.transaction()) {
+        m_lastError = db.lastError().text();
+        return false;
+    }
+    bool ok = true;
+    if (!batch.upserts.isEmpty()) {
+        QSqlQuery write(db);
+        ok = write.prepare(u"INSERT OR REPLACE INTO tasks (%1) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, "
+                           u"?, ?, ?, ?)"_s.arg(taskColumns));
+        for (qsizetype i = 0; ok && i < batch.upserts.size(); ++i) {
+            const StoredTask &row = batch.upserts.at(i);
+            const DownloadTask &task = row.task;
+            const QVariantList values = { task.id.toString(QUuid::WithoutBraces), row.ordinal, task.url, task.title,
+                rawValue(task.status), task.progress, task.speed, task.size, optionalText(task.errorMessage),
+                optionalText(task.explanation), timeValue(task.startTime),
+                timeValue(task.endTime.value_or(QDateTime())), optionalText(task.outputPath), task.duration,
+                task.thumbnail, rawValue(row.request.preset), row.request.customArgs, row.request.outputDir,
+                int(row.request.downloadPlaylist), int(row.request.useCookies) };
+            for (int column = 0; column < values.size(); ++column)
+                write.bindValue(column, values.at(column));
+            ok = write.exec();
+        }
+        if (!ok)
+            m_lastError = write.lastError().text();
+    }
+    if (ok && !batch.removals.isEmpty()) {
+        QSqlQuery remove(db);
+        ok = remove.prepare(u"DELETE FROM tasks WHERE id = ?"_s);
+        for (qsizetype i = 0; ok && i < batch.removals.size(); ++i) {
+            remove.bindValue(0, batch.removals.at(i).toString(QUuid::WithoutBraces));
+            ok = remove.exec();
+        }
+        if (!ok)
+            m_lastError = remove.lastError().text();
+    }
+    if (ok && db.commit())
+        return true;
+    if (ok)
+        m_lastError = db.lastError().text();
+    db.rollback();
+    return false;
+}
+
+QList<SavedPreset> TaskStore::loadPresets()
+{
+    QList<SavedPreset> presets;
+    QSqlQuery query(QSqlDatabase::database(m_connection, false));
+    if (!isOpen() || !query.exec(u"SELECT id, name, arguments FROM presets ORDER BY id"_s))
+        return presets;
+    while (query.next())
+        presets.append({ query.value(0).toLongLong(), query.value(1).toString(), query.value(2).toString() });
+    return presets;
+}
+
+qint64 TaskStore::savePreset(const SavedPreset &preset)
+{
+    if (!isOpen())
+        return 0;
+    QSqlQuery query(QSqlDatabase::database(m_connection, false));
+    if (preset.id == 0) {
+        query.prepare(u"INSERT INTO presets (name, arguments) VALUES (?, ?)"_s);
+    } else {
+        query.prepare(u"UPDATE presets SET name = ?, arguments = ? WHERE id = ?"_s);
+        query.bindValue(2, preset.id);
+    }
+    query.bindValue(0, preset.name);
+    query.bindValue(1, preset.arguments);
+    if (!query.exec()) {
+        m_lastError = query.lastError().text();
+        return 0;
+    }
+    if (preset.id != 0)
+        return query.numRowsAffected() > 0 ? preset.id : 0;
+    return query.lastInsertId().toLongLong();
+}
+
+bool TaskStore::removePreset(qint64 id)
+{
+    QSqlQuery query(QSqlDatabase::database(m_connection, false));
+    query.prepare(u"DELETE FROM presets WHERE id = ?"_s);
+    query.bindValue(0, id);
+    if (isOpen() && query.exec())
+        return true;
+    m_lastError = query.lastError().text();
+    return false;
+}

@@ -1,0 +1,103 @@
+#pragma once
+
+#include "model/downloadrequest.h"
+#include "model/downloadtask.h"
+
+#include <QList>
+#include <QString>
+#include <QUuid>
+
+// One row of the queue as it is kept on disk: the task as the user last saw it, the request it
+// was made from (so that it can be retried), and its place in the queue.
+struct StoredTask
+{
+    DownloadTask task;
+    DownloadRequest request;
+    // Rows come back in increasing order of this number.
+    qint64 ordinal = 0;
+};
+
+// A preset the user saved: a name and yt-dlp arguments.
+struct SavedPreset
+{
+    qint64 id = 0; // 0 until stored
+    QString name;
+    QString arguments;
+
+    bool operator==(const SavedPreset &) const = default;
+};
+
+// What changed in the queue since the last write: rows to write whole, rows to drop.
+struct StoreBatch
+{
+    QList<StoredTask> upserts;
+    QList<QUuid> removals;
+
+    bool isEmpty() const { return upserts.isEmpty() && removals.isEmpty(); }
+};
+
+// The queue, its history and the saved presets in one SQLite file, written through the
+// write-ahead log. Every call is synchronous and belongs to the thread that called open(): the
+// application keeps one TaskStore on a thread of its own (see QueueMemory).
+class TaskStore
+{
+public:
+    // Version 1 kept the queue alone. Version 2 adds the failure's explanation, the video's
+    // length and picture, and the saved presets.
+    static constexpr int SchemaVersion = 2;
+    // Finished rows beyond this many, oldest first, are dropped when the store is opened.
+    static constexpr int HistoryLimit = 10000;
+
+    enum class OpenState {
+        Opened, // the file was there, or is new, and is ours
+        Replaced, // the file could not be read: it was moved aside and a fresh one made
+        Newer, // a later Quillbox wrote it: it is left alone and nothing is stored this run
+        Failed, // no database at all (the folder cannot be written, …)
+    };
+    struct OpenResult
+    {
+        OpenState state = OpenState::Failed;
+        // Where an unreadable file was moved to, or what went wrong.
+        QString detail;
+    };
+
+    // "quillbox.sqlite" in the per-user data folder.
+    static QString defaultPath();
+
+    explicit TaskStore(QString path);
+    ~TaskStore();
+    TaskStore(const TaskStore &) = delete;
+    TaskStore &operator=(const TaskStore &) = delete;
+
+    QString path() const { return m_path; }
+    // Opens the file, creating its folder and brings an older schema up to date. A file that is
+    // not a database, is damaged or cannot be migrated is renamed "<name>.broken-<time>" (with
+    // its "-wal" and "-shm") and a fresh one takes its place.
+    OpenResult open();
+    bool isOpen() const;
+
+    // Every row in queue order, after dropping finished rows beyond HistoryLimit.
+    QList<StoredTask> loadTasks();
+    // One transaction: the rows are written whole (inserted or replaced), the removals deleted.
+    bool apply(const StoreBatch &batch);
+
+    QList<SavedPreset> loadPresets();
+    // Inserts a preset (id 0) or rewrites the one with its id; returns the id, 0 on failure.
+    qint64 savePreset(const SavedPreset &preset);
+    bool removePreset(qint64 id);
+
+    // The last SQLite error, for the log.
+    QString lastError() const { return m_lastError; }
+
+private:
+    bool openConnection();
+    void closeConnection();
+    // Empty when the file is usable; else why not.
+    QString checkAndMigrate(int &version);
+    bool migrate(int from);
+    bool exec(const QString &sql);
+
+    QString m_path;
+    QString m_connection;
+    QString m_lastError;
+};

@@ -1,0 +1,244 @@
+// The store against real SQLite files: what is written comes back, an older schema is brought
+// up to date with its rows, and a file that cannot be read never stops the application.
+
+#include "store/taskstore.h"
+
+#include "model/downloadpreset.h"
+
+#include "testsupport.h"
+
+#include <QSqlDatabase>
+#include <QSqlQuery>
+#include <QTemporaryDir>
+#include <QtTest>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+StoredTask sampleRow(DownloadStatus status, qint64 ordinal)
+{
+    StoredTask row;
+    row.task = DownloadTask::create(u"https://example.test/watch?v=%1"_s.arg(ordinal));
+    row.task.status = status;
+    row.task.title = u"视频 %1 — \"quoted\" 'title'"_s.arg(ordinal);
+    row.task.progress = 0.42;
+    row.task.speed = u"2.35MiB/s"_s;
+    row.task.size = u"10.00MiB"_s;
+    // Millisecond precision, as the store keeps it.
+    row.task.startTime = QDateTime::fromMSecsSinceEpoch(QDateTime::currentMSecsSinceEpoch());
+    row.request.url = row.task.url;
+    row.request.preset = DownloadPreset::Custom;
+    row.request.customArgs = u"-f 'bv*+ba/b' --no-mtime"_s;
+    row.request.outputDir = u"/tmp/下载 folder"_s;
+    row.request.downloadPlaylist = false;
+    row.request.useCookies = true;
+    row.ordinal = ordinal;
+    if (status == DownloadStatus::Completed || status == DownloadStatus::Failed) {
+        row.task.endTime = row.task.startTime.addSecs(30);
+        row.task.outputPath = u"/tmp/下载 folder/fake.mp4"_s;
+        row.task.duration = u"3:25"_s;
+        row.task.thumbnail = u"http://127.0.0.1:1/t.jpg"_s;
+    }
+    if (status == DownloadStatus::Failed) {
+        row.task.errorMessage = u"ERROR: HTTP Error 404: Not Found"_s;
+        row.task.explanation = u"链接指向的视频不存在"_s;
+    }
+    return row;
+}
+
+// The file's bytes, to see that what was moved aside is what was there.
+QByteArray bytesOf(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+} // namespace
+
+class TestTaskStore : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { QVERIFY(m_dir.isValid()); }
+
+    void everyStatusRoundTrips()
+    {
+        const QString path = m_dir.filePath(u"round.sqlite"_s);
+        QList<StoredTask> rows;
+        qint64 ordinal = 10;
+        for (const DownloadStatus status : { DownloadStatus::Cancelled, DownloadStatus::Pending,
+                 DownloadStatus::Preparing, DownloadStatus::Downloading, DownloadStatus::Completed,
+                 DownloadStatus::Failed, DownloadStatus::Paused })
+            rows.append(sampleRow(status, ordinal--));
+        {
+            TaskStore store(path);
+            QCOMPARE(store.open().state, TaskStore::OpenState::Opened);
+            QVERIFY2(store.apply({ rows, {} }), qPrintable(store.lastError()));
+            // Written twice: the second write replaces, it does not add.
+            rows[0].task.title = u"新标题"_s;
+            QVERIFY(store.apply({ { rows[0] }, { rows[1].task.id } }));
+        }
+        TaskStore store(path);
+        QCOMPARE(store.open().state, TaskStore::OpenState::Opened);
+        const QList<StoredTask> loaded = store.loadTasks();
+        rows.removeAt(1);
+        // In the order of their ordinals, which is the reverse of how they were written.
+        QCOMPARE(loaded.size(), rows.size());
+        for (qsizetype i = 0; i < rows.size(); ++i) {
+            const StoredTask &expected = rows.at(rows.size() - 1 - i);
+            QCOMPARE(loaded.at(i).task, expected.task);
+            QCOMPARE(loaded.at(i).request, expected.request);
+            QCOMPARE(loaded.at(i).ordinal, expected.ordinal);
+        }
+    }
+
+    void previousSchemaMigrates()
+    {
+        const QString path = m_dir.filePath(u"v1.sqlite"_s);
+        const StoredTask old = sampleRow(DownloadStatus::Completed, 7);
+        {
+            // The queue as the first version of the store kept it.
+            QSqlDatabase db = QSqlDatabase::addDatabase(u"QSQLITE"_s, u"v1"_s);
+            db.setDatabaseName(path);
+            QVERIFY(db.open());
+            QSqlQuery query(db);
+            QVERIFY(query.exec(u"CREATE TABLE tasks (id TEXT PRIMARY KEY, ordinal INTEGER NOT NULL, url TEXT NOT "
+                               u"NULL, title TEXT NOT NULL, status TEXT NOT NULL, progress REAL NOT NULL DEFAULT 0, "
+                               u"speed TEXT NOT NULL DEFAULT '', size TEXT NOT NULL DEFAULT '', error_message TEXT, "
+                               u"start_time INTEGER, end_time INTEGER, output_path TEXT, preset TEXT NOT NULL, "
+                               u"custom_args TEXT NOT NULL DEFAULT '', output_dir TEXT NOT NULL, playlist INTEGER "
+                               u"NOT NULL, cookies INTEGER NOT NULL)"_s));
+            QVERIFY(query.prepare(u"INSERT INTO tasks VALUES (?, 7, ?, ?, ?, 1.0, '', '10.00MiB', NULL, ?, ?, ?, "
+                                  u"?, ?, ?, 0, 1)"_s));
+            const QVariantList values = { old.task.id.toString(QUuid::WithoutBraces), old.task.url, old.task.title,
+                rawValue(DownloadStatus::Completed), old.task.startTime.toMSecsSinceEpoch(),
+                old.task.endTime->toMSecsSinceEpoch(), *old.task.outputPath, rawValue(DownloadPreset::Custom),
+                old.request.customArgs, old.request.outputDir };
+            for (int i = 0; i < values.size(); ++i)
+                query.bindValue(i, values.at(i));
+            QVERIFY(query.exec());
+            QVERIFY(query.exec(u"PRAGMA user_version = 1"_s));
+        }
+        QSqlDatabase::removeDatabase(u"v1"_s);
+
+        TaskStore store(path);
+        QCOMPARE(store.open().state, TaskStore::OpenState::Opened);
+        const QList<StoredTask> loaded = store.loadTasks();
+        QCOMPARE(loaded.size(), 1);
+        QCOMPARE(loaded.first().task.title, old.task.title);
+        QCOMPARE(loaded.first().task.status, DownloadStatus::Completed);
+        QCOMPARE(loaded.first().task.endTime, old.task.endTime);
+        QCOMPARE(loaded.first().request, old.request);
+        QVERIFY(!loaded.first().task.explanation);
+        // What the new version adds works on the migrated file.
+        QVERIFY(store.savePreset({ 0, u"字幕"_s, u"--write-subs"_s }) > 0);
+        StoredTask failed = sampleRow(DownloadStatus::Failed, 8);
+        QVERIFY(store.apply({ { failed }, {} }));
+        QCOMPARE(store.loadTasks().last().task.explanation, failed.task.explanation);
+    }
+
+    void unreadableFileIsMovedAside_data()
+    {
+        QTest::addColumn<QByteArray>("content");
+        QTest::newRow("not a database") << QByteArray("this is not SQLite at all\n").repeated(200);
+        QTest::newRow("damaged pages") << QByteArray(); // a real store with its middle overwritten
+    }
+    void unreadableFileIsMovedAside()
+    {
+        QFETCH(QByteArray, content);
+        const QString path = m_dir.filePath(u"broken.sqlite"_s);
+        if (content.isEmpty()) {
+            {
+                TaskStore store(path);
+                QCOMPARE(store.open().state, TaskStore::OpenState::Opened);
+                QList<StoredTask> rows;
+                for (int i = 0; i < 300; ++i)
+                    rows.append(sampleRow(DownloadStatus::Completed, i));
+                QVERIFY(store.apply({ rows, {} }));
+            }
+            QFile file(path);
+            QVERIFY(file.open(QIODevice::ReadWrite));
+            QVERIFY(file.size() > 16 * 4096);
+            file.seek(4 * 4096);
+            file.write(QByteArray(8 * 4096, '\x5a'));
+        } else {
+            QFile file(path);
+            QVERIFY(file.open(QIODevice::WriteOnly));
+            file.write(content);
+        }
+        const QByteArray before = bytesOf(path);
+
+        TaskStore store(path);
+        const TaskStore::OpenResult result = store.open();
+        QCOMPARE(result.state, TaskStore::OpenState::Replaced);
+        QVERIFY(result.detail.startsWith(path + u".broken-"_s));
+        QCOMPARE(bytesOf(result.detail), before);
+        // The fresh one in its place works.
+        QVERIFY(store.loadTasks().isEmpty());
+        QVERIFY(store.apply({ { sampleRow(DownloadStatus::Pending, 1) }, {} }));
+        QCOMPARE(store.loadTasks().size(), 1);
+    }
+
+    void storeItCannotUse()
+    {
+        // Written by a later version: left exactly as it is.
+        const QString newer = m_dir.filePath(u"newer.sqlite"_s);
+        {
+            QSqlDatabase db = QSqlDatabase::addDatabase(u"QSQLITE"_s, u"newer"_s);
+            db.setDatabaseName(newer);
+            QVERIFY(db.open());
+            QVERIFY(QSqlQuery(db).exec(u"PRAGMA user_version = 99"_s));
+        }
+        QSqlDatabase::removeDatabase(u"newer"_s);
+        const QByteArray before = bytesOf(newer);
+        {
+            TaskStore store(newer);
+            QCOMPARE(store.open().state, TaskStore::OpenState::Newer);
+        }
+        QCOMPARE(bytesOf(newer), before);
+        QVERIFY(QDir(m_dir.path()).entryList({ u"newer.sqlite.broken*"_s }).isEmpty());
+
+        // A folder that cannot be made: no store, and no crash on use.
+        QFile blocker(m_dir.filePath(u"file"_s));
+        QVERIFY(blocker.open(QIODevice::WriteOnly));
+        TaskStore store(m_dir.filePath(u"file/sub/quillbox.sqlite"_s));
+        QCOMPARE(store.open().state, TaskStore::OpenState::Failed);
+        QVERIFY(!store.apply({ { sampleRow(DownloadStatus::Pending, 1) }, {} }));
+        QVERIFY(store.loadTasks().isEmpty());
+    }
+
+    void historyIsBounded()
+    {
+        TaskStore store(m_dir.filePath(u"history.sqlite"_s));
+        QCOMPARE(store.open().state, TaskStore::OpenState::Opened);
+        // The oldest row waits: history never pushes out what is still to do.
+        QList<StoredTask> rows { sampleRow(DownloadStatus::Pending, 0) };
+        for (int i = 1; i <= TaskStore::HistoryLimit + 5; ++i)
+            rows.append(sampleRow(i % 2 ? DownloadStatus::Completed : DownloadStatus::Failed, i));
+        QVERIFY(store.apply({ rows, {} }));
+        const QList<StoredTask> loaded = store.loadTasks();
+        QCOMPARE(loaded.size(), TaskStore::HistoryLimit + 1);
+        QCOMPARE(loaded.first().task.status, DownloadStatus::Pending);
+        QCOMPARE(loaded.at(1).ordinal, 6);
+        QCOMPARE(loaded.last().ordinal, TaskStore::HistoryLimit + 5);
+    }
+
+    void presets()
+    {
+        TaskStore store(m_dir.filePath(u"presets.sqlite"_s));
+        QCOMPARE(store.open().state, TaskStore::OpenState::Opened);
+        const qint64 first = store.savePreset({ 0, u"字幕"_s, u"--write-subs --sub-langs zh-Hans"_s });
+        const qint64 second = store.savePreset({ 0, u"720p"_s, u"-f 'bv*[height<=720]+ba/b'"_s });
+        QVERIFY(first > 0 && second > first);
+        QCOMPARE(store.savePreset({ first, u"中文字幕"_s, u"--write-subs"_s }), first);
+        QCOMPARE(store.savePreset({ 12345, u"gone"_s, u""_s }), 0);
+        QVERIFY(store.removePreset(second));
+        QCOMPARE(store.loadPresets(), (QList<SavedPreset> { { first, u"中文字幕"_s, u"--write-subs"_s } }));
+    }
+
+private:
+    QTemporaryDir m_dir;
+};
+
+QTEST_GUILESS_MAIN(TestTaskStore)
+#include "tst_taskstore.moc"
