@@ -1,0 +1,161 @@
+// The queue across restarts, with the engine and the stand-in yt-dlp: what a quit leaves comes
+// back in order and can be carried on, and a killed application loses no row.
+
+#include "store/queuememory.h"
+
+#include "engine/enginefixture.h"
+
+#include <QProcess>
+
+#include <csignal>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+// yt-dlp that is still downloading half a minute later.
+const QByteArray slowSteps = R"({"steps": [{"progress": {"count": 600, "rate": 20, "size": "10.00MiB"}}]})";
+
+QString idOf(const DownloadTask &task)
+{
+    return task.id.toString(QUuid::WithoutBraces);
+}
+} // namespace
+
+class TestQueueMemory : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        m_fixture = std::make_unique<EngineFixture>();
+        m_fake = std::make_unique<FakeYtDlp>(*m_fixture);
+        m_fixture->writeFile(u"scenarios/done.json"_s, R"({"steps": [{"write_output": true}]})");
+        m_fixture->writeFile(u"scenarios/fail.json"_s,
+            R"({"steps": [{"err": "ERROR: [generic] fail: HTTP Error 404: Not Found\n"}], "exit": 1})");
+        m_fixture->writeFile(u"scenarios/slow.json"_s, slowSteps);
+        m_fixture->writeFile(u"scenarios/later.json"_s, slowSteps);
+        qputenv("FAKE_YTDLP_SCENARIO_DIR", m_fixture->path(u"scenarios"_s).toUtf8());
+        m_store = m_fixture->path(u"data/quillbox.sqlite"_s);
+    }
+
+    void cleanup()
+    {
+        qunsetenv("FAKE_YTDLP_SCENARIO_DIR");
+        for (const qint64 pid : m_fake->pids())
+            ::kill(pid_t(pid), SIGKILL);
+        m_fake.reset();
+        m_fixture.reset();
+    }
+
+    void quitAndStartAgain()
+    {
+        QList<QStringList> firstRuns;
+        QList<DownloadTask> before;
+        {
+            AppState state;
+            DownloadManager downloads(&state, locations());
+            QueueMemory memory(&downloads, &state, m_store);
+            memory.start();
+            QTRY_VERIFY(memory.isRestored());
+            downloads.setMaxConcurrentDownloads(1);
+            DownloadOptions options { DownloadPreset::Custom, u"--no-mtime"_s, m_fixture->path(u"out"_s), false,
+                false };
+            downloads.startDownloads({ u"https://q.example/v=done"_s, u"https://q.example/v=fail"_s,
+                                         u"https://q.example/v=slow"_s, u"https://q.example/v=later"_s },
+                options);
+            QTRY_VERIFY_WITH_TIMEOUT(downloads.tasks().at(2).progress > 0, 20000);
+            firstRuns = m_fake->runs();
+            before = downloads.tasks();
+            // As quitting does: the queue is kept first, then the downloads stop.
+            memory.close();
+            downloads.shutdown();
+        }
+        QCOMPARE(firstRuns.size(), 3);
+
+        AppState state;
+        DownloadManager downloads(&state, locations());
+        downloads.setMaxConcurrentDownloads(1);
+        QueueMemory memory(&downloads, &state, m_store);
+        memory.start();
+        QTRY_VERIFY(memory.isRestored());
+        const QList<DownloadTask> tasks = downloads.tasks();
+        QCOMPARE(tasks.size(), 4);
+        // Finished rows come back as they were.
+        QCOMPARE(tasks.at(0).status, DownloadStatus::Completed);
+        QCOMPARE(tasks.at(0), before.at(0));
+        QCOMPARE(tasks.at(1).status, DownloadStatus::Failed);
+        QCOMPARE(tasks.at(1), before.at(1));
+        QVERIFY(tasks.at(1).explanation);
+        // Running when the application quit: cancelled, its progress as it was.
+        QCOMPARE(tasks.at(2).status, DownloadStatus::Cancelled);
+        QVERIFY(tasks.at(2).progress > 0);
+        // Waiting then, waiting now: it starts with its own request.
+        QTRY_COMPARE_WITH_TIMEOUT(downloads.tasks().at(3).status, DownloadStatus::Downloading, 20000);
+        QTRY_COMPARE_WITH_TIMEOUT(m_fake->runs().size(), 4, 10000);
+        QVERIFY(m_fake->runs().last().contains(u"--no-mtime"_s));
+        QVERIFY(m_fake->runs().last().contains(u"https://q.example/v=later"_s));
+
+        // "重试" runs the interrupted download again exactly as before.
+        downloads.stopDownload(idOf(downloads.tasks().at(3)));
+        downloads.retryDownload(idOf(tasks.at(2)));
+        QTRY_COMPARE_WITH_TIMEOUT(m_fake->runs().size(), 5, 20000);
+        QCOMPARE(m_fake->runs().last(), firstRuns.at(2));
+
+        // What changed since is stored too: cleared history stays cleared.
+        downloads.clearCompleted();
+        memory.close();
+        downloads.shutdown();
+        TaskStore store(m_store);
+        QCOMPARE(store.open().state, TaskStore::OpenState::Opened);
+        const QList<StoredTask> rows = store.loadTasks();
+        QCOMPARE(rows.size(), 3);
+        QCOMPARE(rows.at(0).task.status, DownloadStatus::Failed);
+        QCOMPARE(rows.at(1).task.status, DownloadStatus::Downloading);
+        QCOMPARE(rows.at(2).task.status, DownloadStatus::Cancelled);
+    }
+
+    void killedApplicationLosesNoRow()
+    {
+        QProcess child;
+        child.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        const QStringList links
+            = { u"https://k.example/v=slow"_s, u"https://k.example/v=later"_s, u"https://k.example/third/slow"_s };
+        child.start(QCoreApplication::applicationDirPath() + u"/queuechild"_s,
+            QStringList { m_store, m_fake->path(), m_fixture->path(u"out"_s) } + links);
+        QVERIFY2(child.waitForStarted(), qPrintable(child.errorString()));
+        QByteArray said;
+        QTRY_VERIFY_WITH_TIMEOUT((said += child.readAllStandardOutput()).contains("downloading"), 30000);
+        // Progress reaches the disk at most a second after it is shown.
+        QTest::qWait(QueueMemory::ProgressWriteMs + 300);
+        ::kill(pid_t(child.processId()), SIGKILL);
+        QVERIFY(child.waitForFinished());
+        QCOMPARE(child.exitStatus(), QProcess::CrashExit);
+
+        TaskStore store(m_store);
+        QCOMPARE(store.open().state, TaskStore::OpenState::Opened);
+        const QList<StoredTask> rows = store.loadTasks();
+        QCOMPARE(rows.size(), 3);
+        for (qsizetype i = 0; i < rows.size(); ++i) {
+            QCOMPARE(rows.at(i).task.url, links.at(i));
+            QCOMPARE(rows.at(i).task.status, DownloadStatus::Downloading);
+            QVERIFY(rows.at(i).task.progress > 0);
+            QCOMPARE(rows.at(i).request.outputDir, m_fixture->path(u"out"_s));
+        }
+    }
+
+private:
+    ToolLocations locations() const
+    {
+        ToolLocations locations = m_fixture->emptyLocations();
+        locations.ytDlp << m_fake->path();
+        return locations;
+    }
+
+    std::unique_ptr<EngineFixture> m_fixture;
+    std::unique_ptr<FakeYtDlp> m_fake;
+    QString m_store;
+};
+
+QTEST_GUILESS_MAIN(TestQueueMemory)
+#include "tst_queuememory.moc"
