@@ -10,6 +10,8 @@
 
 #include "benchsupport.h"
 
+#include "store/taskstore.h"
+
 #include <QProcess>
 #include <QProcessEnvironment>
 
@@ -176,6 +178,7 @@ private:
 struct Sample
 {
     double firstFrameMs = 0;
+    double restoredMs = 0; // the stored queue back in the window, when asked for
     double cpuAtFrameMs = 0; // the child's CPU time when its report was seen (within ~5 ms)
     double cpuAtSampleMs = 0;
     qint64 rssKiB = 0;
@@ -207,7 +210,9 @@ public:
 
     QString report() const { return m_sandbox.path(u"first-frame"_s); }
 
-    Sample run(const QString &program, const QString &what)
+    // With `storedRows`, also waits for the application to say it has put that many stored rows
+    // back in its queue, and times it.
+    Sample run(const QString &program, const QString &what, int storedRows = 0)
     {
         QFile::remove(report());
         const QString log = m_sandbox.path(u"logs/%1-%2.log"_s.arg(what).arg(++m_runs));
@@ -244,6 +249,23 @@ public:
                 tail(log)));
         }
         sample.firstFrameMs = double(frameNs - startedNs) / 1e6;
+        if (storedRows > 0) {
+            qint64 restoredNs = 0;
+            waitUntil(
+                [&] {
+                    restoredNs = line(report(), 1).toLongLong();
+                    return restoredNs > 0 || process.state() == QProcess::NotRunning;
+                },
+                FirstFramePatienceMs, 5);
+            const QByteArray said = u"已恢复上次的 %1 个任务"_s.arg(storedRows).toUtf8();
+            QFile output(log);
+            if (restoredNs <= 0 || !output.open(QIODevice::ReadOnly) || !output.readAll().contains(said)) {
+                stop(process);
+                fail(u"%1 did not put its %2 stored rows back; its output:\n    %3"_s.arg(
+                    what, QString::number(storedRows), tail(log)));
+            }
+            sample.restoredMs = double(restoredNs - startedNs) / 1e6;
+        }
 
         const qint64 sampleAtNs = frameNs + qint64(SampleAfterMs) * 1'000'000;
         const qint64 remainingMs = (sampleAtNs - monotonicNs()) / 1'000'000;
@@ -263,13 +285,17 @@ public:
     }
 
 private:
-    static QByteArray firstLine(const QString &path)
+    static QByteArray firstLine(const QString &path) { return line(path, 0); }
+
+    // Line `index` of `path`, once it is whole.
+    static QByteArray line(const QString &path, int index)
     {
         QFile in(path);
         if (!in.open(QIODevice::ReadOnly))
             return QByteArray();
-        const QByteArray line = in.readLine();
-        return line.endsWith('\n') ? line.trimmed() : QByteArray();
+        const QList<QByteArray> lines = in.readAll().split('\n');
+        // The last piece is what follows the last newline: a line still being written.
+        return index < lines.size() - 1 ? lines.at(index).trimmed() : QByteArray();
     }
 
     // SIGTERM, and the wait for the process to go; SIGKILL if it has not within the patience.
@@ -308,6 +334,42 @@ QList<double> valuesOf(const QList<Sample> &samples, double Sample::*field)
     return values;
 }
 
+// A history of `rows` finished downloads, in the store the application reads from `dataHome`.
+void fillStore(const QString &dataHome, int rows)
+{
+    // The application's per-user data folder under XDG_DATA_HOME: organisation, then application.
+    TaskStore store(dataHome + u"/Quillbox/Quillbox/quillbox.sqlite"_s);
+    if (store.open().state != TaskStore::OpenState::Opened)
+        fail(u"cannot make the store "_s + store.path() + u": "_s + store.lastError());
+    StoreBatch batch;
+    const QDateTime first = QDateTime::currentDateTime().addDays(-400);
+    for (int i = 0; i < rows; ++i) {
+        StoredTask row;
+        row.task = DownloadTask::create(u"https://www.youtube.com/watch?v=bench%1"_s.arg(i, 5, 10, QChar(u'0')));
+        row.task.title = u"第 %1 个视频 — 一段足够长、像真的一样的标题 (Official Video)"_s.arg(i);
+        row.task.startTime = first.addSecs(qint64(i) * 3000);
+        row.task.endTime = row.task.startTime.addSecs(95);
+        row.task.progress = 1.0;
+        row.task.size = u"%1.27MiB"_s.arg(20 + i % 300);
+        row.task.duration = u"%1:%2"_s.arg(3 + i % 9).arg(i % 60, 2, 10, QChar(u'0'));
+        row.task.outputPath = u"/home/someone/Downloads/第 %1 个视频 [bench%1].mp4"_s.arg(i);
+        row.task.status = DownloadStatus::Completed;
+        // One in twenty failed, with the tool's words and their explanation.
+        if (i % 20 == 7) {
+            row.task.status = DownloadStatus::Failed;
+            row.task.errorMessage = u"ERROR: [youtube] bench%1: Video unavailable"_s.arg(i);
+            row.task.explanation = u"视频无法访问：可能已被删除或设为私享。"_s;
+            row.task.outputPath.reset();
+        }
+        row.request.url = row.task.url;
+        row.request.outputDir = u"/home/someone/Downloads"_s;
+        row.ordinal = i;
+        batch.upserts.append(row);
+    }
+    if (!store.apply(batch))
+        fail(u"cannot fill the store: "_s + store.lastError());
+}
+
 QString loadAverage()
 {
     QFile in(u"/proc/loadavg"_s);
@@ -323,6 +385,7 @@ int main(int argc, char **argv)
         const int pairs = std::max(1, intOption(argc, argv, "pairs", quick ? 2 : 10));
         const bool offscreenAsked = QCoreApplication::arguments().contains(u"--offscreen"_s);
         const bool lateDiscovery = QCoreApplication::arguments().contains(u"--late-discovery"_s);
+        const int storedRows = std::max(0, intOption(argc, argv, "stored-rows", 10000));
         const QString application = QStringLiteral(QUILLBOX_APP_EXECUTABLE);
         const QString bare = QStringLiteral(QUILLBOX_BARE_WINDOW_EXECUTABLE);
         for (const QString &program : { application, bare }) {
@@ -398,14 +461,26 @@ int main(int argc, char **argv)
             lateEnvironment.insert(u"QUILLBOX_SHELL"_s, lateShell);
         }
 
+        // --stored-rows N (10000 unless 0): a start per round whose queue store holds a history of
+        // N finished downloads, timed to its first frame and to its queue being filled.
+        QProcessEnvironment storedEnvironment = environment;
+        if (storedRows > 0) {
+            QDir().mkpath(sandbox.path(u"stored-data"_s));
+            storedEnvironment.insert(u"XDG_DATA_HOME"_s, sandbox.path(u"stored-data"_s));
+            fillStore(sandbox.path(u"stored-data"_s), storedRows);
+        }
+
         Runner runner(sandbox, environment, display ? display->pid() : 0);
         Runner lateRunner(sandbox, lateEnvironment, display ? display->pid() : 0);
+        Runner storedRunner(sandbox, storedEnvironment, display ? display->pid() : 0);
         // One untimed run of each: the first start in a new home fills the shader and font caches.
         runner.run(application, u"warm-up-application"_s);
         runner.run(bare, u"warm-up-bare"_s);
+        if (storedRows > 0)
+            storedRunner.run(application, u"warm-up-stored"_s, storedRows);
 
         const MachineTimes machineBefore = MachineTimes::now();
-        QList<Sample> real, yardstick, held;
+        QList<Sample> real, yardstick, held, stored;
         QList<double> ratios;
         QStringList leftBehind;
         for (int i = 1; i <= pairs; ++i) {
@@ -420,6 +495,12 @@ int main(int argc, char **argv)
                 // What it leaves behind is its held-back shells, still waiting: not counted.
                 held << lateRunner.run(application, u"late-discovery"_s);
                 late = u"; discovery held back: %1 ms"_s.arg(number(held.constLast().firstFrameMs));
+            }
+            if (storedRows > 0) {
+                stored << storedRunner.run(application, u"stored"_s, storedRows);
+                late += u"; %1 stored rows: first frame %2 ms, queue filled at %3 ms, RSS %4 MiB"_s.arg(
+                    QString::number(storedRows), number(stored.constLast().firstFrameMs),
+                    number(stored.constLast().restoredMs), number(mib(stored.constLast().rssKiB)));
             }
             say(u"  pair %1: application %2 ms, bare %3 ms, ratio %4; RSS %5 vs %6 MiB; CPU at the first frame "
                 "%7 vs %8 ms%9"_s.arg(QString::number(i), number(a.firstFrameMs), number(b.firstFrameMs),
@@ -454,6 +535,15 @@ int main(int argc, char **argv)
                 "application's median is %3 of this one's (discovery's share)"_s.arg(spread(heldMs),
                     spread(valuesOf(held, &Sample::cpuAtFrameMs), 0), number(median(realMs) / median(heldMs), 2)));
         }
+        if (storedRows > 0) {
+            const QList<double> storedMs = valuesOf(stored, &Sample::firstFrameMs);
+            const QList<double> storedRss = mibOf(stored, &Sample::rssKiB);
+            say(u"  application with %1 stored rows: first frame %2 ms (%3 of the empty store's median); queue "
+                "filled at %4 ms; RSS %5 s later %6 MiB (+%7 MiB over the empty store)"_s.arg(
+                    QString::number(storedRows), spread(storedMs), number(median(storedMs) / median(realMs), 2),
+                    spread(valuesOf(stored, &Sample::restoredMs)), QString::number(SampleAfterMs / 1000),
+                    spread(storedRss), number(median(storedRss) - median(realRss))));
+        }
         say(u"  the machine's CPUs during the timed runs: %1"_s.arg(machineAfter.describeSince(machineBefore)));
         leftBehind.removeAll(QString());
         say(u"  processes left running at SIGTERM and ended here: %1"_s.arg(
@@ -479,6 +569,12 @@ int main(int argc, char **argv)
             { u"left_behind"_s, QString::number(leftBehind.size()) },
             { u"stolen_pct"_s, number(machineAfter.stolenPercentSince(machineBefore), 0) },
         };
+        if (storedRows > 0) {
+            fields.append({ u"stored_rows"_s, QString::number(storedRows) });
+            fields.append({ u"stored_ms"_s, number(median(valuesOf(stored, &Sample::firstFrameMs))) });
+            fields.append({ u"stored_filled_ms"_s, number(median(valuesOf(stored, &Sample::restoredMs))) });
+            fields.append({ u"stored_rss_mib"_s, number(median(mibOf(stored, &Sample::rssKiB))) });
+        }
         if (lateDiscovery)
             fields.append({ u"late_discovery_ms"_s, number(median(valuesOf(held, &Sample::firstFrameMs))) });
         writeResult("bench_startup", fields);

@@ -45,6 +45,7 @@ int main(int argc, char *argv[])
     reportFirstFrame(window.get());
     lifecycle.startDiscoveryAfterFirstFrame(window.get());
     lifecycle.restoreQueueAfterFirstFrame(window.get(), QueueMemory::instance());
+    QObject::connect(QueueMemory::instance(), &QueueMemory::restored, &reportMoment);
     lifecycle.attachMainWindow(window.get());
     return app.exec();
 }

@@ -614,6 +614,7 @@ void DownloadManager::restoreTasks(const QList<StoredTask> &rows)
         return;
     m_tasks->insertAll(0, tasks);
     m_waiting.insert(m_waiting.begin(), waiting.begin(), waiting.end());
+    qCInfo(lcEngine, "[Quillbox] 已恢复上次的 %d 个任务", int(tasks.size()));
     info(u"↺ 已恢复上次的 %1 个任务"_s.arg(tasks.size()));
     if (interrupted > 0)
         info(u"上次退出时有 %1 个下载未完成，已标记为已取消，点“重试”可接着下载"_s.arg(interrupted));
