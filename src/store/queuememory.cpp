@@ -259,7 +259,8 @@ void QueueMemory::close()
         return;
     write();
     m_closed = true;
-    disconnect(m_downloads ? m_downloads->taskModel() : nullptr, nullptr, this, nullptr);
+    if (m_downloads)
+        disconnect(m_downloads->taskModel(), nullptr, this, nullptr);
     if (!m_thread->isRunning())
         return;
     Worker *worker = m_worker;
