@@ -1,5 +1,7 @@
 #include "app/buildinfo.h"
 #include "engine/downloadmanager.h"
+#include "model/appstate.h"
+#include "notify/notifier.h"
 #include "views/applifecycle.h"
 #include "views/firstframe.h"
 #include "views/qmlsetup.h"
@@ -44,5 +46,8 @@ int main(int argc, char *argv[])
     reportFirstFrame(window.get());
     lifecycle.startDiscoveryAfterFirstFrame(window.get());
     lifecycle.attachMainWindow(window.get());
+    // A download that ends while another application is in front is announced on the desktop.
+    const Notifier notifier(DownloadManager::instance()->taskModel(), AppState::instance(),
+        [] { return QGuiApplication::applicationState() == Qt::ApplicationActive; });
     return app.exec();
 }
