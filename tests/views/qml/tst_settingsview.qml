@@ -205,10 +205,14 @@ TestCase {
         keyClick(Qt.Key_Down)
         compare(TestHelper.freshMaxConcurrentDownloads(), before)
 
-        // Announcing finished downloads is on until switched off, and stays off.
+        // Announcing finished downloads is on until switched off, and stays off. The switch is at
+        // the bottom: scrolled to first, as a person would.
         const notify = button(sheet, "notifySwitch")
         verify(AppState.notifyOnFinish)
         verify(notify.checked)
+        const flickable = button(sheet, "settingsScroll").contentItem
+        flickable.contentY = Math.max(0, flickable.contentHeight - flickable.height)
+        waitForRendering(sheet)
         mouseClick(notify)
         verify(!AppState.notifyOnFinish)
         compare(String(TestHelper.setting("notifyOnFinish")), "false")
