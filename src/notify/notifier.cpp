@@ -11,6 +11,7 @@
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
 #endif
 
 using namespace Qt::StringLiterals;
@@ -112,19 +113,53 @@ void Notifier::send(const QString &summary, const QString &body)
 
 #else
 
+namespace {
+const QString ServiceName = u"org.freedesktop.Notifications"_s;
+const QString ServicePath = u"/org/freedesktop/Notifications"_s;
+} // namespace
+
 void Notifier::send(const QString &summary, const QString &body)
 {
+    switch (m_markup) {
+    case Markup::Plain:
+    case Markup::Escaped:
+        deliver(summary, body);
+        return;
+    case Markup::Asking:
+        m_waiting.append({ summary, body });
+        return;
+    case Markup::Unknown:
+        break;
+    }
     // The session bus is first connected to here, not at start-up.
     QDBusConnection bus = QDBusConnection::sessionBus();
     if (!bus.isConnected()) {
         unavailable(bus.lastError().message());
         return;
     }
-    QDBusMessage call = QDBusMessage::createMethodCall(u"org.freedesktop.Notifications"_s,
-        u"/org/freedesktop/Notifications"_s, u"org.freedesktop.Notifications"_s, u"Notify"_s);
+    m_markup = Markup::Asking;
+    m_waiting.append({ summary, body });
+    const QDBusMessage ask
+        = QDBusMessage::createMethodCall(ServiceName, ServicePath, ServiceName, u"GetCapabilities"_s);
+    auto *watcher = new QDBusPendingCallWatcher(bus.asyncCall(ask), this);
+    connect(watcher, &QDBusPendingCallWatcher::finished, this, [this](QDBusPendingCallWatcher *finished) {
+        finished->deleteLater();
+        const QDBusPendingReply<QStringList> capabilities = *finished;
+        const bool markup = capabilities.isValid() && capabilities.value().contains(u"body-markup"_s);
+        m_markup = markup ? Markup::Escaped : Markup::Plain;
+        for (const auto &[summary, body] : std::exchange(m_waiting, {}))
+            deliver(summary, body);
+    });
+}
+
+void Notifier::deliver(const QString &summary, const QString &body)
+{
+    QDBusConnection bus = QDBusConnection::sessionBus();
+    QDBusMessage call = QDBusMessage::createMethodCall(ServiceName, ServicePath, ServiceName, u"Notify"_s);
     const QString appId = QString::fromLatin1(QuillboxAppId);
     const QVariantMap hints { { u"desktop-entry"_s, appId } };
-    call << u"Quillbox"_s << 0u << appId << summary << body << QStringList() << hints << -1;
+    call << u"Quillbox"_s << 0u << appId << summary << (m_markup == Markup::Escaped ? body.toHtmlEscaped() : body)
+         << QStringList() << hints << -1;
     auto *watcher = new QDBusPendingCallWatcher(bus.asyncCall(call), this);
     connect(watcher, &QDBusPendingCallWatcher::finished, this, [this](QDBusPendingCallWatcher *finished) {
         finished->deleteLater();

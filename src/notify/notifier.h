@@ -37,6 +37,9 @@ private:
     void statusesMayHaveChanged(int first, int last);
     void send(const QString &summary, const QString &body);
     void unavailable(const QString &why);
+#ifndef Q_OS_MACOS
+    void deliver(const QString &summary, const QString &body);
+#endif
 
     const TaskModel *m_tasks;
     const AppState *m_settings;
@@ -44,4 +47,11 @@ private:
     // The last status seen of every task in the model.
     QHash<QUuid, DownloadStatus> m_seen;
     bool m_saidUnavailable = false;
+#ifndef Q_OS_MACOS
+    // A service that reads markup in the body is sent the title escaped ("Q&amp;A"); which kind
+    // it is, is asked once, and what is to be shown meanwhile waits for the answer.
+    enum class Markup { Unknown, Asking, Plain, Escaped };
+    Markup m_markup = Markup::Unknown;
+    QList<std::pair<QString, QString>> m_waiting;
+#endif
 };

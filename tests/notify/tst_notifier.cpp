@@ -29,6 +29,7 @@ public:
     QList<Call> calls;
 
 public Q_SLOTS:
+    QStringList GetCapabilities() { return { u"body"_s, u"body-markup"_s }; }
     uint Notify(const QString &appName, uint, const QString &icon, const QString &summary, const QString &body,
         const QStringList &, const QVariantMap &, int)
     {
@@ -136,7 +137,8 @@ void TestNotifier::finishedDownloads()
     DownloadTask restored = DownloadTask::create(u"https://n.example/restored"_s);
     restored.status = DownloadStatus::Completed;
     tasks->append(restored);
-    for (const QString &url : { u"https://n.example/1/ok"_s, u"https://n.example/2/ok"_s, u"https://n.example/fail"_s })
+    for (const QString &url :
+        { u"https://n.example/q&a/ok"_s, u"https://n.example/2/ok"_s, u"https://n.example/fail"_s })
         engine->download(url);
     QTRY_VERIFY_WITH_TIMEOUT(engine->settled(), 20000);
     const QList<DownloadTask> ended = engine->manager->tasks();
@@ -149,7 +151,9 @@ void TestNotifier::finishedDownloads()
     if (announced) {
         for (const DownloadTask &task : ended.mid(1)) {
             QCOMPARE(task.title, task.url);
-            expected << (task.status == DownloadStatus::Completed ? u"下载完成|"_s : u"下载失败|"_s) + task.title;
+            // The service reads markup: the title reaches it escaped.
+            expected << (task.status == DownloadStatus::Completed ? u"下载完成|"_s : u"下载失败|"_s)
+                    + QString(task.title).replace(u'&', u"&amp;"_s);
         }
         QTRY_COMPARE_WITH_TIMEOUT(m_service.calls.size(), 3, 5000);
     }
