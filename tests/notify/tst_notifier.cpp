@@ -1,6 +1,3 @@
-#include "engine/downloadmanager.h"
-#include "model/appstate.h"
-#include "model/taskmodel.h"
 #include "notify/notifier.h"
 
 #include "engine/enginefixture.h"
