@@ -1,5 +1,7 @@
 #include "app/buildinfo.h"
 #include "engine/downloadmanager.h"
+#include "model/appstate.h"
+#include "notify/notifier.h"
 #include "store/queuememory.h"
 #include "views/applifecycle.h"
 #include "views/firstframe.h"
@@ -47,5 +49,8 @@ int main(int argc, char *argv[])
     lifecycle.restoreQueueAfterFirstFrame(window.get(), QueueMemory::instance());
     QObject::connect(QueueMemory::instance(), &QueueMemory::restored, &reportMoment);
     lifecycle.attachMainWindow(window.get());
+    // A download that ends while another application is in front is announced on the desktop.
+    const Notifier notifier(DownloadManager::instance()->taskModel(), AppState::instance(),
+        [] { return QGuiApplication::applicationState() == Qt::ApplicationActive; });
     return app.exec();
 }

@@ -49,6 +49,8 @@ void AppState::loadPreferences()
         setDownloadPlaylist(*playlist);
     if (const auto cookies = readSwitch(UseCookiesKey))
         setUseCookies(*cookies);
+    if (const auto notify = readSwitch(NotifyOnFinishKey))
+        setNotifyOnFinish(*notify);
     m_remembering = true;
 }
 
@@ -209,6 +211,12 @@ void AppState::setDownloadPlaylist(bool value)
 {
     if (assign(this, m_downloadPlaylist, value, &AppState::downloadPlaylistChanged))
         remember(DownloadPlaylistKey, value);
+}
+
+void AppState::setNotifyOnFinish(bool value)
+{
+    if (assign(this, m_notifyOnFinish, value, &AppState::notifyOnFinishChanged))
+        remember(NotifyOnFinishKey, value);
 }
 
 void AppState::setShowSettings(bool value)

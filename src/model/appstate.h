@@ -28,6 +28,7 @@ class AppState : public QObject
     Q_PROPERTY(QString cookiePath READ cookiePath WRITE setCookiePath NOTIFY cookiePathChanged)
     Q_PROPERTY(QString cookieSource READ cookieSource WRITE setCookieSource NOTIFY cookieSourceChanged)
     Q_PROPERTY(bool downloadPlaylist READ downloadPlaylist WRITE setDownloadPlaylist NOTIFY downloadPlaylistChanged)
+    Q_PROPERTY(bool notifyOnFinish READ notifyOnFinish WRITE setNotifyOnFinish NOTIFY notifyOnFinishChanged)
     Q_PROPERTY(bool showSettings READ showSettings WRITE setShowSettings NOTIFY showSettingsChanged)
     Q_PROPERTY(int selectedTab READ selectedTab WRITE setSelectedTab NOTIFY selectedTabChanged)
     Q_PROPERTY(bool showLogPanel READ showLogPanel WRITE setShowLogPanel NOTIFY showLogPanelChanged)
@@ -45,6 +46,8 @@ public:
     static constexpr auto DownloadPlaylistKey = "downloadPlaylist";
     static constexpr auto UseCookiesKey = "useCookies";
     static constexpr auto CookieSourceKey = "cookieSource";
+    // Whether a download that ends while the window is in the background is announced.
+    static constexpr auto NotifyOnFinishKey = "notifyOnFinish";
 
     explicit AppState(QObject *parent = nullptr);
     ~AppState() override;
@@ -53,9 +56,9 @@ public:
     // (the GUI thread in the application).
     static AppState *instance();
 
-    // Reads the output folder, the cookie path, the preset and the playlist and cookie switches
-    // from the settings store; an absent or unreadable key keeps the current value, a stored
-    // empty folder replaces it. From then on, a change of the preset, the folder or a switch is
+    // Reads the output folder, the cookie path, the preset and the playlist, cookie and
+    // notification switches from the settings store; an absent or unreadable key keeps the
+    // current value, a stored empty folder replaces it. From then on, a change of the preset, the folder or a switch is
     // written back at once, so the next start opens as this one was left.
     void loadPreferences();
 
@@ -91,6 +94,8 @@ public:
     void setCookieSource(const QString &value);
     bool downloadPlaylist() const { return m_downloadPlaylist; }
     void setDownloadPlaylist(bool value);
+    bool notifyOnFinish() const { return m_notifyOnFinish; }
+    void setNotifyOnFinish(bool value);
     bool showSettings() const { return m_showSettings; }
     void setShowSettings(bool value);
     int selectedTab() const { return m_selectedTab; }
@@ -113,6 +118,7 @@ Q_SIGNALS:
     void cookiePathChanged();
     void cookieSourceChanged();
     void downloadPlaylistChanged();
+    void notifyOnFinishChanged();
     void showSettingsChanged();
     void selectedTabChanged();
     void showLogPanelChanged();
@@ -139,6 +145,7 @@ private:
     QString m_cookiePath;
     QString m_cookieSource = QLatin1String(CookieSourceNames::DefaultBrowser);
     bool m_downloadPlaylist = true;
+    bool m_notifyOnFinish = true;
     bool m_showSettings = false;
     int m_selectedTab = 0;
     bool m_showLogPanel = true;

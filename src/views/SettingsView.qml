@@ -6,8 +6,8 @@ import QtQuick.Layouts
 import Quillbox
 
 // The settings sheet: which yt-dlp is used and keeping it current, the JavaScript runtime and
-// FFmpeg with help to install them, and where downloads go. Made each time it opens, so the path
-// field and the update result start empty.
+// FFmpeg with help to install them, where downloads go and whether their end is announced. Made
+// each time it opens, so the path field and the update result start empty.
 Rectangle {
     id: root
 
@@ -397,6 +397,13 @@ Rectangle {
                             value: DownloadManager.maxConcurrentDownloads
                             onValueModified: DownloadManager.maxConcurrentDownloads = concurrency.value
                         }
+                    }
+                    ToggleSwitch {
+                        objectName: "notifySwitch"
+                        Layout.fillWidth: true
+                        text: "完成时通知"
+                        checked: AppState.notifyOnFinish
+                        onToggled: AppState.notifyOnFinish = checked
                     }
                 }
 

@@ -42,10 +42,12 @@ void TestAppState::formIsRemembered()
         AppState first;
         QCOMPARE(first.outputDirectory(), m_env.home() + u"/Downloads"_s);
         QCOMPARE(first.cookiePath(), QString());
+        QVERIFY(first.notifyOnFinish());
         first.setSelectedPreset(DownloadPreset::AudioOnly);
         first.setOutputDirectory(u"/data/视频"_s);
         first.setDownloadPlaylist(false);
         first.setUseCookies(false);
+        first.setNotifyOnFinish(false);
         first.setCookieSource(u"firefox"_s);
         first.setCookieSource(u"no such browser"_s); // refused
     }
@@ -56,6 +58,7 @@ void TestAppState::formIsRemembered()
     QCOMPARE(next.cookiePath(), u"/tmp/c.txt"_s);
     QCOMPARE(next.downloadPlaylist(), false);
     QCOMPARE(next.useCookies(), false);
+    QCOMPARE(next.notifyOnFinish(), false);
     QCOMPARE(next.cookieSource(), u"firefox"_s);
 
     QSettings().setValue(u"cookieSource"_s, u"$(rm -rf ~)"_s);

@@ -73,7 +73,7 @@ TestCase {
             "可执行文件路径"])
         compare(groups.map(group => findChild(group, "groupTitle").text),
             ["yt-dlp 配置", "JS 运行时（YouTube EJS）", "FFmpeg（音频转码）", "下载设置"])
-        compare(texts(groups[3]), ["下载设置", "默认输出目录", "浏览...", "同时下载数"])
+        compare(texts(groups[3]), ["下载设置", "默认输出目录", "浏览...", "同时下载数", "完成时通知"])
         // What the engine found, as it found it.
         verify(texts(groups[0]).includes("自动检测路径: " + DownloadManager.ytDlpPath))
         // Nothing has been updated in a sheet just made.
@@ -204,5 +204,20 @@ TestCase {
         compare(TestHelper.freshMaxConcurrentDownloads(), before + 1)
         keyClick(Qt.Key_Down)
         compare(TestHelper.freshMaxConcurrentDownloads(), before)
+
+        // Announcing finished downloads is on until switched off, and stays off. The switch is at
+        // the bottom: scrolled to first, as a person would.
+        const notify = button(sheet, "notifySwitch")
+        verify(AppState.notifyOnFinish)
+        verify(notify.checked)
+        const flickable = button(sheet, "settingsScroll").contentItem
+        flickable.contentY = Math.max(0, flickable.contentHeight - flickable.height)
+        waitForRendering(sheet)
+        mouseClick(notify)
+        verify(!AppState.notifyOnFinish)
+        compare(String(TestHelper.setting("notifyOnFinish")), "false")
+        mouseClick(notify)
+        verify(AppState.notifyOnFinish)
+        compare(String(TestHelper.setting("notifyOnFinish")), "true")
     }
 }
