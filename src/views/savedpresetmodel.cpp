@@ -233,7 +233,7 @@ void SavedPresetModel::updateStoreError()
     }
     const QString error = names.isEmpty()
         ? QString()
-        : u"未能保存到磁盘：%1。它们在本次运行中仍可使用，退出后不会保留。"_s.arg(names.join(u"、"_s));
+        : u"未能保存到磁盘：%1。本次运行中仍可使用，退出后不会保留。"_s.arg(names.join(u"、"_s));
     if (error == m_storeError)
         return;
     m_storeError = error;
