@@ -29,6 +29,13 @@ private Q_SLOTS:
             m_state.get(), ToolLocations::standard(m_env->home()), nullptr, DownloadManager::Discovery::WaitForStart);
     }
 
+    // The engine goes before the state it was given.
+    void cleanup()
+    {
+        m_engine.reset();
+        m_state.reset();
+    }
+
     void insertIsAwaited()
     {
         AppState &state = *m_state;
