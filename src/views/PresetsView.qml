@@ -200,6 +200,7 @@ Rectangle {
 
                                 objectName: "nameEdit"
                                 Layout.fillWidth: true
+                                Keys.onEscapePressed: savedRow.editing = false
                                 onAccepted: savedRow.finishEditing()
                             }
                             Text {
@@ -212,6 +213,7 @@ Rectangle {
 
                                 objectName: "argumentsEdit"
                                 Layout.fillWidth: true
+                                Keys.onEscapePressed: savedRow.editing = false
                                 font.family: Theme.fixedFont.family
                                 onAccepted: savedRow.finishEditing()
                             }
@@ -321,6 +323,10 @@ Rectangle {
                 Layout.bottomMargin: 20
                 title: "内置预设"
                 symbol: "list.bullet.rectangle"
+
+                Caption {
+                    text: "内置预设不能修改，在下载页直接选用。"
+                }
 
                 Repeater {
                     objectName: "builtInList"
