@@ -170,11 +170,11 @@ void SavedPresetModel::choose(int row)
 {
     if (row < 0 || row >= m_entries.size())
         return;
-    const SavedPreset &preset = m_entries.at(row).preset;
-    const QString name = preset.name;
+    // A copy: whatever the form's signals set off may change the list.
+    const SavedPreset preset = m_entries.at(row).preset;
     m_state->setSelectedPreset(DownloadPreset::Custom);
     m_state->setCustomArguments(preset.arguments);
-    m_state->addLog(u"已选用预设: "_s + name, LogEntry::LogType::Info);
+    m_state->addLog(u"已选用预设: "_s + preset.name, LogEntry::LogType::Info);
     // Last: the page that holds this model may go with it.
     m_state->setSelectedTab(0);
 }
