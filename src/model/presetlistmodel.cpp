@@ -1,5 +1,6 @@
 #include "model/presetlistmodel.h"
 
+#include "engine/shellrunner.h"
 #include "model/rawvalue.h"
 
 int PresetListModel::rowCount(const QModelIndex &parent) const
@@ -22,6 +23,8 @@ QVariant PresetListModel::data(const QModelIndex &index, int role) const
         return symbolFor(preset);
     case DescriptionRole:
         return descriptionFor(preset);
+    case ArgumentsRole:
+        return argumentsFor(preset);
     default:
         return QVariant();
     }
@@ -30,7 +33,7 @@ QVariant PresetListModel::data(const QModelIndex &index, int role) const
 QHash<int, QByteArray> PresetListModel::roleNames() const
 {
     return { { PresetRole, "preset" }, { NameRole, "name" }, { SymbolRole, "symbol" },
-        { DescriptionRole, "description" } };
+        { DescriptionRole, "description" }, { ArgumentsRole, "arguments" } };
 }
 
 namespace {
@@ -60,4 +63,12 @@ QString PresetListModel::symbolFor(DownloadPreset preset)
 QString PresetListModel::descriptionFor(DownloadPreset preset)
 {
     return QString::fromUtf16(entryFor(looks, &PresetLook::preset, preset).description);
+}
+
+QString PresetListModel::argumentsFor(DownloadPreset preset)
+{
+    QStringList words;
+    for (const QString &word : presetArguments(preset))
+        words << quoteIfNeeded(word);
+    return words.join(u' ');
 }

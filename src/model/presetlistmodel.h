@@ -4,7 +4,8 @@
 
 #include <QAbstractListModel>
 
-// The six presets in order, with what a preset card shows: name, icon, description.
+// The six presets in order, with what a preset card shows: name, icon, description; and the
+// preset's yt-dlp words as a command carries them (empty for "默认" and "自定义").
 class PresetListModel : public QAbstractListModel
 {
     Q_OBJECT
@@ -15,6 +16,7 @@ public:
         NameRole,
         SymbolRole,
         DescriptionRole,
+        ArgumentsRole,
     };
     Q_ENUM(Role)
 
@@ -26,4 +28,5 @@ public:
 
     static QString symbolFor(DownloadPreset preset);
     static QString descriptionFor(DownloadPreset preset);
+    static QString argumentsFor(DownloadPreset preset);
 };

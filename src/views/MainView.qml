@@ -3,8 +3,9 @@ import QtQuick.Controls.Basic
 import QtQuick.Layouts
 import Quillbox
 
-// The window's content: the sidebar, the input and queue panes side by side, the log panel that
-// slides in underneath, and the places of the settings and video information sheets.
+// The window's content: the sidebar, the input and queue panes side by side (or the presets or
+// cookie page in their place), the log panel that slides in underneath, and the places of the
+// settings and video information sheets.
 Item {
     id: root
 
@@ -68,7 +69,7 @@ Item {
                 objectName: "panes"
                 Layout.fillWidth: true
                 Layout.fillHeight: true
-                visible: AppState.selectedTab !== 2
+                visible: AppState.selectedTab === 0
                 orientation: Qt.Horizontal
 
                 // A hairline to see, a few pixels to grab.
@@ -105,6 +106,15 @@ Item {
                     SplitView.minimumWidth: 340
                     SplitView.preferredWidth: Math.max(340, Math.round(panes.width * 0.42))
                 }
+            }
+
+            Loader {
+                objectName: "presetsLoader"
+                Layout.fillWidth: true
+                Layout.fillHeight: true
+                visible: active
+                active: AppState.selectedTab === 1
+                source: "PresetsView.qml"
             }
 
             Loader {

@@ -6,6 +6,8 @@
 #include "engine/downloadmanager.h"
 #include "model/appstate.h"
 #include "model/videoinfo.h"
+#include "store/queuememory.h"
+#include "store/taskstore.h"
 #include "views/qmlsetup.h"
 
 #include "cookies/cookiedatabase.h"
@@ -215,6 +217,18 @@ public:
         return engine.maxConcurrentDownloads();
     }
 
+    // The presets in the application's store file as "name=arguments", read on a connection of its own.
+    Q_INVOKABLE QStringList storedPresets() const
+    {
+        TaskStore store(QueueMemory::instance()->path());
+        if (store.open().state != TaskStore::OpenState::Opened)
+            return { u"(cannot open the store)"_s };
+        QStringList names;
+        for (const SavedPreset &preset : store.loadPresets())
+            names << preset.name + u'=' + preset.arguments;
+        return names;
+    }
+
 private:
     QString m_root;
     QString m_baseUrl;
@@ -283,6 +297,8 @@ public Q_SLOTS:
 
     void cleanupTestCase()
     {
+        // The store's thread ends before the engine does.
+        QueueMemory::instance()->close();
         DownloadManager::instance()->shutdown();
         m_server.reset();
     }

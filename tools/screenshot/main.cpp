@@ -1,13 +1,15 @@
 // Renders the real main window offscreen to a PNG, in a sandbox (its own home and settings), so
 // the interface can be seen without a display:
 //     quillbox_screenshot OUT.png [--yt-dlp PATH] [--scenario DIR] [--settings] [--wait MS]
-//                         [--size WxH] [--log]
+//                         [--size WxH] [--log] [--tab N]
 // With --yt-dlp the window uses that yt-dlp; with --scenario it also starts the downloads listed
 // in DIR/downloads.txt (one "URL" per line), so the queue shows tasks in their states; with
-// --settings the settings sheet is open.
+// --settings the settings sheet is open; --tab shows that sidebar entry's page (0 downloads,
+// 1 presets, 2 cookies).
 
 #include "engine/downloadmanager.h"
 #include "model/appstate.h"
+#include "store/queuememory.h"
 #include "views/applifecycle.h"
 #include "views/qmlsetup.h"
 
@@ -39,6 +41,8 @@ int main(int argc, char *argv[])
     QTemporaryDir sandbox;
     qputenv("HOME", QDir(sandbox.path()).filePath(u"home"_s).toUtf8());
     QDir(sandbox.path()).mkpath(u"home/Downloads"_s);
+    // The store of the queue and the saved presets, which the presets page reads.
+    qputenv("XDG_DATA_HOME", QDir(sandbox.path()).filePath(u"data"_s).toUtf8());
     qputenv("QUILLBOX_NO_BROWSER", "1");
 
     QGuiApplication app(argc, argv);
@@ -56,7 +60,8 @@ int main(int argc, char *argv[])
     const QCommandLineOption settings(u"settings"_s, u"open the settings sheet"_s);
     const QCommandLineOption size(u"size"_s, u"window size"_s, u"WxH"_s, u"1200x800"_s);
     const QCommandLineOption log(u"log"_s, u"open the log panel"_s);
-    parser.addOptions({ ytDlp, scenario, wait, maxDownloads, settings, size, log });
+    const QCommandLineOption tab(u"tab"_s, u"sidebar entry to show"_s, u"n"_s, u"0"_s);
+    parser.addOptions({ ytDlp, scenario, wait, maxDownloads, settings, size, log, tab });
     parser.addHelpOption();
     parser.process(app);
     if (parser.positionalArguments().size() != 1)
@@ -78,6 +83,7 @@ int main(int argc, char *argv[])
     const QStringList extent = parser.value(size).split(u'x');
     window->setGeometry(0, 0, extent.value(0).toInt(), extent.value(1).toInt());
     AppState::instance()->setShowLogPanel(parser.isSet(log));
+    AppState::instance()->setSelectedTab(parser.value(tab).toInt());
 
     if (parser.isSet(scenario)) {
         QFile list(QDir(parser.value(scenario)).filePath(u"downloads.txt"_s));
@@ -106,5 +112,8 @@ int main(int argc, char *argv[])
         app.quit();
     });
     app.exec();
+    // The presets page opened the store; its thread ends before the process does.
+    if (AppState::instance()->selectedTab() == 1)
+        QueueMemory::instance()->close();
     return status;
 }

@@ -1,0 +1,69 @@
+import QtQuick
+import QtQuick.Controls.Basic
+import QtQuick.Layouts
+import Quillbox
+
+// Asks before something that cannot be undone: a message, "取消", and a button that does it.
+Dialog {
+    id: root
+
+    property string message
+    property string confirmText: "确定"
+
+    signal confirmed
+
+    anchors.centerIn: parent
+    width: 400
+    modal: true
+    focus: true
+    closePolicy: Popup.CloseOnEscape
+    padding: 20
+
+    background: Rectangle {
+        color: Theme.surface
+        radius: Theme.radiusLarge
+        border.color: Theme.border
+    }
+
+    contentItem: ColumnLayout {
+        spacing: 16
+
+        RowLayout {
+            spacing: 10
+
+            Icon {
+                symbol: "exclamationmark.triangle.fill"
+                color: Theme.orange
+                size: Theme.iconMedium
+            }
+            Text {
+                objectName: "confirmMessage"
+                Layout.fillWidth: true
+                text: root.message
+                color: Theme.text
+                font.pixelSize: Theme.bodyLarge
+                wrapMode: Text.Wrap
+            }
+        }
+        RowLayout {
+            Layout.alignment: Qt.AlignRight
+            spacing: 10
+
+            BorderedButton {
+                objectName: "confirmCancelButton"
+                text: "取消"
+                onClicked: root.reject()
+            }
+            BorderedButton {
+                objectName: "confirmButton"
+                prominent: true
+                fill: Theme.red
+                text: root.confirmText
+                onClicked: {
+                    root.accept()
+                    root.confirmed()
+                }
+            }
+        }
+    }
+}

@@ -1,0 +1,172 @@
+import QtQuick
+import QtTest
+import Quillbox
+import QuillboxTest
+
+TestCase {
+    id: testCase
+
+    name: "PresetsView"
+    width: 1200
+    height: 900
+    visible: true
+    when: windowShown
+
+    Component {
+        id: mainViewComponent
+
+        MainView {
+            width: testCase.width
+            height: testCase.height
+        }
+    }
+
+    // The window with the presets page opened from the sidebar, once the stored presets are read.
+    function openPage(view) {
+        mouseClick(findChild(view, "navigation1"))
+        compare(AppState.selectedTab, 1)
+        const loader = findChild(view, "presetsLoader")
+        tryVerify(() => loader.item !== null)
+        verify(!findChild(view, "panes").visible)
+        tryVerify(() => findChild(loader.item, "addButton").enabled)
+        return loader.item
+    }
+
+    function savedRow(page, index) {
+        return findChild(page, "savedList").itemAt(index)
+    }
+
+    function lastLog() {
+        const log = AppState.logEntries
+        return log.count > 0 ? log.data(log.index(log.count - 1, 0), LogModel.MessageRole) : ""
+    }
+
+    // The store file itself, read on a connection of its own: it is written behind the page.
+    function expectStored(presets) {
+        tryVerify(() => JSON.stringify(TestHelper.storedPresets()) === JSON.stringify(presets), 5000,
+                  JSON.stringify(TestHelper.storedPresets()))
+    }
+
+    function cleanupTestCase() {
+        AppState.selectedTab = 0
+    }
+
+    function test_builtInPresets_data() {
+        return [
+            { tag: "默认", row: 0, words: "", note: "参数：无，由 yt-dlp 自行选择" },
+            { tag: "最佳画质", row: 1, words: "-f 'bv*+ba/b'" },
+            { tag: "最佳音质", row: 2, words: "-x --audio-format mp3 --audio-quality 0" },
+            { tag: "最佳视频+音频", row: 3, words: "-f 'bv*+ba/b'" },
+            { tag: "仅音频", row: 4, words: "-x --audio-format mp3" },
+            { tag: "自定义", row: 5, words: "", note: "参数：下载页“自定义参数”中填写的内容" },
+        ]
+    }
+
+    function test_builtInPresets(data) {
+        const page = openPage(createTemporaryObject(mainViewComponent, testCase))
+        const list = findChild(page, "builtInList")
+        compare(list.count, 6)
+        const row = list.itemAt(data.row)
+        compare(row.name, data.tag)
+        verify(row.description.length > 0)
+        const words = findChild(row, "builtInWords")
+        const note = findChild(row, "builtInNote")
+        compare(words.visible, data.words.length > 0)
+        compare(words.text, data.words)
+        compare(note.visible, data.words.length === 0)
+        if (data.note)
+            compare(note.text, data.note)
+    }
+
+    function test_savedPresetLifecycle() {
+        const view = createTemporaryObject(mainViewComponent, testCase)
+        let page = openPage(view)
+        const name = findChild(page, "newNameField")
+        const args = findChild(page, "newArgumentsField")
+        const add = findChild(page, "addButton")
+        const problem = findChild(page, "addProblem")
+        const list = findChild(page, "savedList")
+        verify(findChild(page, "savedEmpty").visible)
+
+        // Refusals say why and keep what was typed.
+        const refusals = [
+            ["", "--write-subs", "请填写预设名称"],
+            ["字幕", "  ", "请填写 yt-dlp 参数"],
+            ["最佳画质", "-f best", "已有名为“最佳画质”的预设，请换一个名称"],
+            ["字幕", "-o \"%(title)s", "自定义参数中的双引号没有闭合"],
+        ]
+        for (const [typedName, typedArgs, why] of refusals) {
+            name.text = typedName
+            args.text = typedArgs
+            mouseClick(add)
+            compare(problem.text, why)
+            verify(problem.visible)
+            compare(name.text, typedName)
+            compare(args.text, typedArgs)
+            compare(list.count, 0)
+        }
+
+        name.text = "  字幕 "
+        args.text = "--write-subs --sub-langs 'zh.*'"
+        mouseClick(add)
+        compare(problem.text, "")
+        compare(name.text, "")
+        compare(list.count, 1)
+        compare(findChild(savedRow(page, 0), "savedName").text, "字幕")
+        expectStored(["字幕=--write-subs --sub-langs 'zh.*'"])
+        name.text = "字幕"
+        args.text = "-f best"
+        mouseClick(add)
+        compare(problem.text, "已有名为“字幕”的预设，请换一个名称")
+
+        // Rename and new arguments in one edit; an empty name is refused and the form stays.
+        let row = savedRow(page, 0)
+        tryVerify(() => findChild(row, "editButton").enabled)
+        mouseClick(findChild(row, "editButton"))
+        const nameEdit = findChild(row, "nameEdit")
+        const argumentsEdit = findChild(row, "argumentsEdit")
+        verify(nameEdit.visible)
+        compare(argumentsEdit.text, "--write-subs --sub-langs 'zh.*'")
+        nameEdit.text = " "
+        mouseClick(findChild(row, "saveEditButton"))
+        compare(findChild(row, "editProblem").text, "请填写预设名称")
+        verify(nameEdit.visible)
+        compare(row.name, "字幕")
+        nameEdit.text = "中文字幕"
+        argumentsEdit.text = "--write-subs --sub-langs zh-Hans"
+        mouseClick(findChild(row, "saveEditButton"))
+        verify(!nameEdit.visible)
+        compare(findChild(row, "savedName").text, "中文字幕")
+        compare(findChild(row, "savedArguments").text, "--write-subs --sub-langs zh-Hans")
+        expectStored(["中文字幕=--write-subs --sub-langs zh-Hans"])
+
+        // Choosing it fills the download form's custom arguments and goes back there.
+        AppState.selectedPreset = Download.Default
+        AppState.customArguments = ""
+        mouseClick(findChild(row, "chooseButton"))
+        compare(AppState.selectedPreset, Download.Custom)
+        compare(AppState.customArguments, "--write-subs --sub-langs zh-Hans")
+        compare(AppState.selectedTab, 0)
+        verify(findChild(view, "panes").visible)
+        tryVerify(() => testCase.lastLog() === "已选用预设: 中文字幕", 5000, testCase.lastLog())
+        compare(findChild(view, "customField").text, "--write-subs --sub-langs zh-Hans")
+
+        // A fresh page reads it back from the store; deleting asks first.
+        page = openPage(view)
+        compare(findChild(page, "savedList").count, 1)
+        row = savedRow(page, 0)
+        compare(row.name, "中文字幕")
+        const dialog = findChild(page, "removeDialog")
+        mouseClick(findChild(row, "removeButton"))
+        tryVerify(() => dialog.opened)
+        compare(findChild(dialog.item.contentItem, "confirmMessage").text, "删除预设“中文字幕”？删除后无法恢复。")
+        mouseClick(findChild(dialog.item.contentItem, "confirmCancelButton"))
+        tryVerify(() => !dialog.opened)
+        compare(findChild(page, "savedList").count, 1)
+        mouseClick(findChild(row, "removeButton"))
+        tryVerify(() => dialog.opened)
+        mouseClick(findChild(dialog.item.contentItem, "confirmButton"))
+        tryCompare(findChild(page, "savedList"), "count", 0)
+        expectStored([])
+    }
+}
