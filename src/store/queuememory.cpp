@@ -6,6 +6,9 @@
 #include "model/taskmodel.h"
 
 #include <QDateTime>
+#include <QDir>
+#include <QFileInfo>
+#include <QLockFile>
 #include <QThread>
 #include <QTimer>
 
@@ -25,18 +28,34 @@ public:
     // Opens the store on first use; `report` gets the outcome that once.
     TaskStore &store(const std::function<void(const TaskStore::OpenResult &, const QString &)> &report)
     {
-        if (!m_store) {
-            m_store = std::make_unique<TaskStore>(m_path);
-            const TaskStore::OpenResult result = m_store->open();
-            report(result, m_store->lastError());
+        if (m_store)
+            return *m_store;
+        m_store = std::make_unique<TaskStore>(m_path);
+        // One running Quillbox at a time writes the queue: a second one would store its own queue
+        // beside the first one's and bring both back. A lock left by a killed run is stale at
+        // once, since its process is gone.
+        QDir().mkpath(QFileInfo(m_path).absolutePath());
+        m_lock = std::make_unique<QLockFile>(m_path + u".lock"_s);
+        if (!m_lock->tryLock(0)) {
+            const QString why = m_lock->error() == QLockFile::LockFailedError ? u"另一个 Quillbox 正在使用它"_s
+                                                                              : u"无法创建锁文件 %1.lock"_s.arg(m_path);
+            report({ TaskStore::OpenState::Failed, why }, {});
+            return *m_store;
         }
+        const TaskStore::OpenResult result = m_store->open();
+        report(result, m_store->lastError());
         return *m_store;
     }
 
-    void closeStore() { m_store.reset(); }
+    void closeStore()
+    {
+        m_store.reset();
+        m_lock.reset();
+    }
 
 private:
     QString m_path;
+    std::unique_ptr<QLockFile> m_lock;
     std::unique_ptr<TaskStore> m_store;
 };
 

@@ -142,6 +142,15 @@ private Q_SLOTS:
             QVERIFY(rows.at(i).task.progress > 0);
             QCOMPARE(rows.at(i).request.outputDir, m_fixture->path(u"out"_s));
         }
+
+        // The next start finds them stopped, the dead run's lock no obstacle.
+        AppState state;
+        DownloadManager downloads(&state, locations());
+        QueueMemory memory(&downloads, &state, m_store);
+        memory.start();
+        QTRY_COMPARE(downloads.tasks().size(), 3);
+        for (const DownloadTask &task : downloads.tasks())
+            QCOMPARE(task.status, DownloadStatus::Cancelled);
     }
 
     void damagedStoreStillStarts()
@@ -162,6 +171,27 @@ private Q_SLOTS:
         TaskStore store(m_store);
         QCOMPARE(store.open().state, TaskStore::OpenState::Opened);
         QCOMPARE(store.loadTasks().size(), 1);
+    }
+
+    void secondInstanceLeavesTheStoreAlone()
+    {
+        AppState firstState, secondState;
+        DownloadManager first(&firstState, locations());
+        DownloadManager second(&secondState, locations());
+        QueueMemory firstMemory(&first, &firstState, m_store);
+        firstMemory.start();
+        QTRY_VERIFY(firstMemory.isRestored());
+        QueueMemory secondMemory(&second, &secondState, m_store);
+        secondMemory.start();
+        QTRY_VERIFY(secondMemory.isRestored());
+        QTRY_VERIFY(EngineFixture::messages(secondState).join(u'\n').contains(u"另一个 Quillbox 正在使用它"_s));
+        second.startDownloads(
+            { u"https://q.example/v=done"_s }, { DownloadPreset::Default, {}, m_fixture->path(u"out"_s), true, false });
+        secondMemory.close();
+        firstMemory.close();
+        TaskStore store(m_store);
+        QCOMPARE(store.open().state, TaskStore::OpenState::Opened);
+        QCOMPARE(store.loadTasks().size(), 0);
     }
 
 private:
