@@ -17,7 +17,6 @@ class TestAppState : public QObject
 private Q_SLOTS:
     void init() { IsolatedEnvironment::clearSettings(); }
     void formIsRemembered();
-    void propertiesNotifyOnlyOnChange();
     void logCapKeepsNewest();
     void longMessagesAreCut_data();
     void longMessagesAreCut();
@@ -71,19 +70,6 @@ void TestAppState::formIsRemembered()
     QCOMPARE(garbled.useCookies(), false);
     QCOMPARE(garbled.outputDirectory(), QString());
     QCOMPARE(garbled.cookieSource(), u"chrome"_s);
-}
-
-void TestAppState::propertiesNotifyOnlyOnChange()
-{
-    AppState state;
-    QSignalSpy presetSpy(&state, &AppState::selectedPresetChanged);
-    QSignalSpy panelSpy(&state, &AppState::showLogPanelChanged);
-    state.setSelectedPreset(DownloadPreset::Custom);
-    state.setSelectedPreset(DownloadPreset::Custom);
-    state.setShowLogPanel(true);
-    state.setShowLogPanel(false);
-    QCOMPARE(presetSpy.count(), 1);
-    QCOMPARE(panelSpy.count(), 1);
 }
 
 // The log keeps the newest 500 lines, whether they trickle in or come in one batch, and tells its
