@@ -40,6 +40,9 @@ double msSince(const QElapsedTimer &timer)
 int main(int argc, char **argv)
 {
     qputenv("QT_QUICK_BACKEND", "software");
+    // No display needed: every frame is rendered into an image.
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
     QGuiApplication app(argc, argv);
     return run("bench_history", [&] {
         const bool quick = shortMode(argc, argv);
