@@ -2,6 +2,7 @@
 #include "engine/downloadoutput.h"
 #include "model/appstate.h"
 #include "model/taskmodel.h"
+#include "store/queuememory.h"
 
 #include "enginefixture.h"
 #include "support/mediaserver.h"
@@ -29,6 +30,7 @@ private Q_SLOTS:
     void downloads();
     void cancelLeavesNothingRunning();
     void cancelledConversionLeavesNoPartFile();
+    void restartResumesThePartFile();
 
 private:
     QTemporaryDir m_media;
@@ -249,6 +251,44 @@ void TestEndToEnd::cancelledConversionLeavesNoPartFile()
     QVERIFY(!QFileInfo::exists(target));
     QCOMPARE(QFileInfo(downloaded).size(), QFileInfo(source).size());
     QTRY_VERIFY(engine->log().contains(u"已删除未完成的转换文件: "_s + target));
+}
+
+// Quit in the middle of a download, start again: the row is back cancelled, and "重试" has
+// yt-dlp carry on from its ".part" file rather than start over.
+void TestEndToEnd::restartResumesThePartFile()
+{
+    const auto engine = makeEngine();
+    QVERIFY(engine);
+    const QString store = engine->fixture.path(u"data/quillbox.sqlite"_s);
+    const QString outputDir = engine->fixture.path(u"resumed"_s);
+    {
+        QueueMemory memory(engine->manager.get(), &engine->state, store);
+        memory.start();
+        QTRY_VERIFY(memory.isRestored());
+        engine->manager->startDownload(
+            m_base + u"long.mp4"_s, DownloadPreset::Custom, u"--limit-rate 100K"_s, outputDir, false, false);
+        QTRY_VERIFY_WITH_TIMEOUT(engine->only().progress > 0.2, Patience);
+        memory.close();
+        engine->manager->shutdown();
+    }
+    const QStringList parts = QDir(outputDir).entryList({ u"*.part"_s });
+    QCOMPARE(parts.size(), 1);
+    QVERIFY(QFileInfo(outputDir + u'/' + parts.first()).size() > 0);
+
+    ToolLocations locations = engine->fixture.emptyLocations();
+    locations.ytDlp = { ytDlp };
+    locations.ffmpeg << ffmpeg;
+    engine->manager = std::make_unique<DownloadManager>(&engine->state, locations);
+    QueueMemory memory(engine->manager.get(), &engine->state, store);
+    memory.start();
+    QTRY_COMPARE(engine->manager->tasks().size(), 1);
+    QCOMPARE(engine->only().status, DownloadStatus::Cancelled);
+    engine->manager->retryDownload(engine->only().id.toString(QUuid::WithoutBraces));
+    QTRY_COMPARE_WITH_TIMEOUT(engine->only().status, DownloadStatus::Completed, Patience);
+    QVERIFY2(!engine->log().filter(u"Resuming download at byte"_s).isEmpty(), qPrintable(engine->log().join(u'\n')));
+    QCOMPARE(QFileInfo(*engine->only().outputPath).size(), QFileInfo(m_media.filePath(u"long.mp4"_s)).size());
+    QCOMPARE(streamKinds(*engine->only().outputPath), QStringList { u"video"_s });
+    memory.close();
 }
 
 QTEST_GUILESS_MAIN(TestEndToEnd)
