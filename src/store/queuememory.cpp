@@ -142,10 +142,10 @@ void QueueMemory::reportOpen(const TaskStore::OpenResult &result, const QString 
 
 void QueueMemory::reportWriteError(const QString &error)
 {
-    qCWarning(lcEngine, "[Quillbox] 队列写入失败: %ls", qUtf16Printable(error));
-    // Once per run: a full disk would otherwise fill the log with the same line every second.
+    // Once per run: a full disk would otherwise fill the logs with the same line every second.
     if (std::exchange(m_writeErrorShown, true))
         return;
+    qCWarning(lcEngine, "[Quillbox] 队列写入失败: %ls", qUtf16Printable(error));
     m_appState->addLog(u"⚠️ 无法保存队列: "_s + error, LogEntry::LogType::Warning);
 }
 
@@ -196,6 +196,22 @@ void QueueMemory::follow()
             }
             scheduleWrite(true);
         });
+    // Many scattered rows go at once in a reset: what is no longer there afterwards has gone.
+    connect(model, &QAbstractItemModel::modelAboutToBeReset, this, [this, model] {
+        for (const DownloadTask &task : model->tasks())
+            m_beforeReset.insert(task.id);
+    });
+    connect(model, &QAbstractItemModel::modelReset, this, [this, model] {
+        for (const DownloadTask &task : model->tasks())
+            m_beforeReset.remove(task.id);
+        for (const QUuid &id : std::as_const(m_beforeReset)) {
+            m_ordinals.remove(id);
+            m_dirty.remove(id);
+            m_removed.insert(id);
+        }
+        m_beforeReset.clear();
+        scheduleWrite(true);
+    });
     connect(model, &QAbstractItemModel::dataChanged, this,
         [this, model](const QModelIndex &topLeft, const QModelIndex &bottomRight, const QList<int> &roles) {
             // Progress is written at most once a ProgressWriteMs; what the user would miss
@@ -267,8 +283,25 @@ void QueueMemory::write()
     onStoreThread([self, batch = std::move(batch)](TaskStore &store) {
         if (store.apply(batch) || !store.isOpen())
             return;
+        QList<QUuid> written;
+        written.reserve(batch.upserts.size());
+        for (const StoredTask &row : batch.upserts)
+            written.append(row.task.id);
         QMetaObject::invokeMethod(
-            self, [self, error = store.lastError()] { self->reportWriteError(error); }, Qt::QueuedConnection);
+            self,
+            [self, error = store.lastError(), written, removals = batch.removals] {
+                self->reportWriteError(error);
+                // Tried again with the next write, and a second later at the latest (a store
+                // that another program holds for a moment, a disk that has room again).
+                for (const QUuid &id : written) {
+                    if (self->m_ordinals.contains(id))
+                        self->m_dirty.insert(id);
+                }
+                for (const QUuid &id : removals)
+                    self->m_removed.insert(id);
+                self->scheduleWrite(false);
+            },
+            Qt::QueuedConnection);
     });
 }
 

@@ -78,6 +78,8 @@ private:
     qint64 m_nextOrdinal;
     QSet<QUuid> m_dirty;
     QSet<QUuid> m_removed;
+    // The rows there were before the model was reset, while it is.
+    QSet<QUuid> m_beforeReset;
     QTimer *m_soon;
     QTimer *m_late;
 };

@@ -269,8 +269,12 @@ bool TaskStore::apply(const StoreBatch &batch)
     bool ok = true;
     if (!batch.upserts.isEmpty()) {
         QSqlQuery write(db);
-        ok = write.prepare(u"INSERT OR REPLACE INTO tasks (%1) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, "
-                           u"?, ?, ?, ?)"_s.arg(taskColumns));
+        // A text Qt holds as null (an empty folder never typed in) is bound as NULL: the columns
+        // that cannot be NULL take it as empty.
+        const QString text = u"COALESCE(?, '')"_s;
+        const QStringList values = { u"?"_s, u"?"_s, text, text, text, u"?"_s, text, text, u"?"_s, u"?"_s, u"?"_s,
+            u"?"_s, u"?"_s, text, text, text, text, text, u"?"_s, u"?"_s };
+        ok = write.prepare(u"INSERT OR REPLACE INTO tasks (%1) VALUES (%2)"_s.arg(taskColumns, values.join(u", "_s)));
         for (qsizetype i = 0; ok && i < batch.upserts.size(); ++i) {
             const StoredTask &row = batch.upserts.at(i);
             const DownloadTask &task = row.task;

@@ -153,6 +153,35 @@ private Q_SLOTS:
             QCOMPARE(task.status, DownloadStatus::Cancelled);
     }
 
+    void clearingALongHistoryIsKept()
+    {
+        {
+            // Completed and failed rows by turns: clearing them is a reset of the model.
+            QList<StoredTask> rows;
+            for (int i = 0; i < 300; ++i) {
+                StoredTask row { DownloadTask::create(u"https://h.example/%1"_s.arg(i)), {}, i };
+                row.task.status = i % 2 ? DownloadStatus::Failed : DownloadStatus::Completed;
+                rows.append(row);
+            }
+            TaskStore store(m_store);
+            QCOMPARE(store.open().state, TaskStore::OpenState::Opened);
+            QVERIFY(store.apply({ rows, {} }));
+        }
+        AppState state;
+        DownloadManager downloads(&state, locations());
+        QueueMemory memory(&downloads, &state, m_store);
+        memory.start();
+        QTRY_COMPARE(downloads.tasks().size(), 300);
+        downloads.clearCompleted();
+        memory.close();
+        TaskStore store(m_store);
+        QCOMPARE(store.open().state, TaskStore::OpenState::Opened);
+        const QList<StoredTask> kept = store.loadTasks();
+        QCOMPARE(kept.size(), 150);
+        QVERIFY(std::all_of(kept.cbegin(), kept.cend(),
+            [](const StoredTask &row) { return row.task.status == DownloadStatus::Failed; }));
+    }
+
     void damagedStoreStillStarts()
     {
         m_fixture->writeFile(u"data/quillbox.sqlite"_s, QByteArray("not a database\n").repeated(100));
