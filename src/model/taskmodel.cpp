@@ -197,7 +197,7 @@ void TaskModel::remove(const QUuid &id)
         removeRuns({ { row, row } });
 }
 
-int TaskModel::removeIf(const std::function<bool(const DownloadTask &)> &matches)
+void TaskModel::removeIf(const std::function<bool(const DownloadTask &)> &matches)
 {
     QList<std::pair<int, int>> runs;
     for (int row = count() - 1; row >= 0; --row) {
@@ -209,10 +209,6 @@ int TaskModel::removeIf(const std::function<bool(const DownloadTask &)> &matches
             runs.append({ row, row });
     }
     removeRuns(runs);
-    int removed = 0;
-    for (const auto &[first, last] : std::as_const(runs))
-        removed += last - first + 1;
-    return removed;
 }
 
 void TaskModel::removeRuns(const QList<std::pair<int, int>> &runs)

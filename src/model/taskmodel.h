@@ -71,8 +71,8 @@ public:
     void insertAll(int row, const QList<DownloadTask> &tasks);
     // Removes the task with `id`, if it is there.
     void remove(const QUuid &id);
-    // Removes every task that `matches`, a run of neighbouring rows at a time; returns how many.
-    int removeIf(const std::function<bool(const DownloadTask &)> &matches);
+    // Removes every task that `matches`, a run of neighbouring rows at a time.
+    void removeIf(const std::function<bool(const DownloadTask &)> &matches);
 
     // Applies `change` to the task with `id`, if it is still there, and signals the roles whose
     // values differ afterwards. Returns false when there is no such task.

@@ -192,14 +192,6 @@ private Q_SLOTS:
         QTRY_VERIFY(memory.isRestored());
         QCOMPARE(downloads.tasks().size(), 0);
         QTRY_VERIFY(EngineFixture::messages(state).join(u'\n').contains(u"队列数据库已损坏，已移到 "_s + m_store));
-        // The fresh store keeps what comes next.
-        downloads.startDownloads(
-            { u"https://q.example/v=done"_s }, { DownloadPreset::Default, {}, m_fixture->path(u"out"_s), true, false });
-        QTRY_COMPARE_WITH_TIMEOUT(downloads.tasks().constFirst().status, DownloadStatus::Completed, 20000);
-        memory.close();
-        TaskStore store(m_store);
-        QCOMPARE(store.open().state, TaskStore::OpenState::Opened);
-        QCOMPARE(store.loadTasks().size(), 1);
     }
 
     void secondInstanceLeavesTheStoreAlone()
