@@ -13,7 +13,7 @@ debian_packages=(
     qml6-module-qt-labs-folderlistmodel qt6-translations-l10n qt6-gtk-platformtheme
     qt6-qpa-plugins libqt6svg6 libqt6sql6-sqlite
     fonts-noto-cjk fonts-noto-color-emoji fonts-dejavu-core
-    yt-dlp ffmpeg zsh sqlite3 python3 nodejs libssl-dev libsecret-tools chromium
+    yt-dlp ffmpeg zsh sqlite3 python3 nodejs libssl-dev zlib1g-dev libsecret-tools chromium
     xvfb xauth dbus-daemon
     desktop-file-utils appstream librsvg2-bin
 )
@@ -25,6 +25,8 @@ Linux)
     for p in "${debian_packages[@]}"; do
         dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
     done
+    # The tests install a real Deno from the npm registry; some Node.js packages bring their own npm.
+    command -v npm >/dev/null || missing+=(npm)
     if [ ${#missing[@]} -gt 0 ]; then
         echo "Installing: ${missing[*]}"
         sudo_cmd=()

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <QCoreApplication>
+#include <QDir>
+#include <QFileInfo>
 #include <QSettings>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -33,3 +35,25 @@ public:
 private:
     QTemporaryDir m_dir;
 };
+
+// The current yt-dlp kept beside the project (../shared/tools/yt-dlp/yt-dlp, with its
+// SHA2-256SUMS), or an empty text when this clone has no such folder beside it.
+inline QString sharedYtDlp()
+{
+    const QString path = QDir(qEnvironmentVariable("QUILLBOX_TESTS_DIR"))
+                             .absoluteFilePath(QStringLiteral("../../shared/tools/yt-dlp/yt-dlp"));
+    return QFileInfo(path).isExecutable() ? QDir::cleanPath(path) : QString();
+}
+
+// The real Deno that the test set-up installs from the npm registry's "deno" package, or an
+// empty text when it was not installed.
+inline QString npmDeno()
+{
+    const QDir platforms(qEnvironmentVariable("QUILLBOX_NPM_DIR") + QStringLiteral("/node_modules/@deno"));
+    for (const QString &platform : platforms.entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
+        const QString path = platforms.filePath(platform + QStringLiteral("/deno"));
+        if (QFileInfo(path).isExecutable())
+            return path;
+    }
+    return {};
+}
