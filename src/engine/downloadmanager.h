@@ -34,6 +34,7 @@ class DownloadManager : public QObject
 {
     Q_OBJECT
     Q_PROPERTY(TaskModel *tasks READ taskModel CONSTANT)
+    Q_PROPERTY(ToolDiscovery *tools READ tools CONSTANT)
     Q_PROPERTY(QString ytDlpPath READ ytDlpPath NOTIFY ytDlpPathChanged)
     Q_PROPERTY(QString ytDlpVersion READ ytDlpVersion NOTIFY ytDlpVersionChanged)
     Q_PROPERTY(bool isCheckingYtDlp READ isCheckingYtDlp NOTIFY isCheckingYtDlpChanged)
@@ -92,6 +93,7 @@ public:
     static bool supportsJsRuntimes(const QString &version) { return ToolDiscovery::supportsJsRuntimes(version); }
 
     Q_INVOKABLE void setCustomYtDlpPath(const QString &path) { m_tools->setCustomYtDlpPath(path); }
+    Q_INVOKABLE void resetYtDlpPath() { m_tools->resetYtDlpPath(); }
     void checkYtDlpInstallation(std::function<void(bool, const QString &)> completion)
     {
         m_tools->checkYtDlpInstallation(std::move(completion));
@@ -103,7 +105,7 @@ public:
     Q_INVOKABLE void detectFfmpeg() { m_tools->detectFfmpeg(); }
 
     // --- Maintenance
-    void updateYtDlp(std::function<void(const QString &)> completion)
+    void updateYtDlp(std::function<void(const UpdateResult &)> completion)
     {
         m_maintenance->updateYtDlp(std::move(completion));
     }

@@ -43,7 +43,7 @@ void Maintenance::addLog(const QString &message, LogEntry::LogType type) const
         m_appState->addLog(message, type);
 }
 
-void Maintenance::updateYtDlp(std::function<void(const QString &)> completion)
+void Maintenance::updateYtDlp(std::function<void(const UpdateResult &)> completion)
 {
     m_tools->whenYtDlpPathKnown([this, completion = std::move(completion)] {
         qCInfo(lcEngine, "[Quillbox] [updateYtDlp] 开始更新 yt-dlp...");
@@ -51,32 +51,37 @@ void Maintenance::updateYtDlp(std::function<void(const QString &)> completion)
         const QString command = u"source ~/.zprofile 2>/dev/null; source ~/.zshrc 2>/dev/null; "_s
             + u"which brew >/dev/null 2>&1 && brew upgrade yt-dlp 2>&1 || "_s + quoteIfNeeded(m_tools->ytDlpPath())
             + u" -U 2>&1"_s;
+        const UpdateRoute route = m_tools->ytDlpUpdateRoute();
+        // The tool's own words stay in the designed line; the advice follows as a line of its own.
+        const auto failed = [this, completion, route](const QString &text, const QString &output) {
+            addLog(text, LogEntry::LogType::Error);
+            const QString advice = explainUpdateFailure(output, route);
+            if (!advice.isEmpty())
+                addLog(advice, LogEntry::LogType::Error);
+            completion({ text, advice });
+        };
         runShellCommand(
             command, PipeMode::Shared, this,
-            [this, completion](const ShellResult &result) {
+            [this, completion, failed](const ShellResult &result) {
                 if (!result.launched) {
-                    const QString text = u"❌ 更新失败: "_s + result.errorString;
-                    addLog(text, LogEntry::LogType::Error);
-                    completion(text);
+                    failed(u"❌ 更新失败: "_s + result.errorString, result.errorString);
                     return;
                 }
                 const QString output = result.trimmedOutput();
                 qCInfo(lcEngine, "[Quillbox] [updateYtDlp] 更新输出: %ls", qUtf16Printable(output));
                 if (result.exitCode != 0 || result.crashed) {
-                    const QString text = u"❌ 更新失败: "_s + leftCharacters(output, 300);
-                    addLog(text, LogEntry::LogType::Error);
-                    completion(text);
+                    failed(u"❌ 更新失败: "_s + leftCharacters(output, 300), output);
                     return;
                 }
                 m_tools->checkYtDlpInstallation([this, completion](bool success, const QString &version) {
                     if (!success) {
-                        completion(u"✅ 命令执行成功，但版本检测失败"_s);
+                        completion({ u"✅ 命令执行成功，但版本检测失败"_s, {} });
                         return;
                     }
                     m_tools->setYtDlpVersion(version);
                     const QString text = u"✅ 更新成功，当前版本: "_s + version;
                     info(text);
-                    completion(text);
+                    completion({ text, {} });
                 });
             },
             UpdateTimeoutMs);

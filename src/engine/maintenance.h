@@ -12,6 +12,12 @@ class ToolDiscovery;
 class VideoInfoFetch;
 struct VideoInfoResult;
 
+struct UpdateResult
+{
+    QString text; // "✅ …" or "❌ …", as the user is told
+    QString advice; // for a failure: what happened and what to do, in plain Chinese; may be empty
+};
+
 struct FormatListResult
 {
     bool ok = false;
@@ -32,8 +38,9 @@ public:
     Maintenance(AppState *appState, ToolDiscovery *tools, QObject *parent = nullptr);
 
     // Homebrew's upgrade when brew is there, else "yt-dlp -U"; `completion` gets the text for
-    // the user ("✅ …" or "❌ …"), and the version is probed again after a success.
-    void updateYtDlp(std::function<void(const QString &)> completion);
+    // the user ("✅ …" or "❌ …") and, for a failure, advice on it; the version is probed again
+    // after a success.
+    void updateYtDlp(std::function<void(const UpdateResult &)> completion);
     void listFormats(const QString &url, bool useCookies, std::function<void(const FormatListResult &)> completion);
     // "-J" for one video (the first of a playlist) with the words a download would use; see
     // VideoInfoFetch. The fetch can be cancelled until it answers, and is gone after. Unless

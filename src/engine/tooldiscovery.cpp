@@ -8,6 +8,7 @@
 #include <QFileInfo>
 #include <QRegularExpression>
 #include <QSettings>
+#include <QStandardPaths>
 
 using namespace Qt::StringLiterals;
 
@@ -57,6 +58,7 @@ ToolLocations ToolLocations::standard(const QString &home)
     }
     locations.ffmpeg += linuxPlaces(u"ffmpeg"_s);
 #endif
+    locations.keptYtDlp = QStandardPaths::writableLocation(QStandardPaths::AppDataLocation) + u"/bin/yt-dlp"_s;
     return locations;
 }
 
@@ -88,6 +90,7 @@ void ToolDiscovery::announceIfReady()
     if (m_announced || !isReady())
         return;
     m_announced = true;
+    updateVerdicts();
     Q_EMIT ready();
 }
 
@@ -98,12 +101,16 @@ void ToolDiscovery::chooseYtDlpPath()
     const QString custom = QSettings().value(QLatin1String(CustomYtDlpPathKey)).toString();
     if (fileExists(custom)) {
         qCInfo(lcEngine, "[Quillbox] 使用自定义路径: %ls", qUtf16Printable(custom));
-        setYtDlpPath(custom);
+        setYtDlpPath(custom, true);
         return;
     }
-    findYtDlp(0, [this](const QString &path) {
+    probeStarted();
+    findYtDlp(0, [this, generation = m_pathGeneration](const QString &path) {
+        probeEnded();
+        if (generation != m_pathGeneration)
+            return; // a path was chosen meanwhile
         qCInfo(lcEngine, "[Quillbox] 使用自动检测路径: %ls", qUtf16Printable(path));
-        setYtDlpPath(path);
+        setYtDlpPath(path, false);
     });
 }
 
@@ -139,18 +146,31 @@ void ToolDiscovery::findYtDlp(int candidate, std::function<void(const QString &)
     }
 }
 
-void ToolDiscovery::setYtDlpPath(const QString &path)
+void ToolDiscovery::setYtDlpPath(const QString &path, bool chosen)
 {
+    const int generation = ++m_pathGeneration;
+    const bool first = !m_ytDlpPathKnown;
     m_ytDlpPath = path;
     m_ytDlpPathKnown = true;
-    qCInfo(lcEngine, "[Quillbox] DownloadManager 初始化完成, yt-dlp 路径: %ls", qUtf16Printable(path));
+    m_ytDlpPathChosen = chosen;
+    if (first)
+        qCInfo(lcEngine, "[Quillbox] DownloadManager 初始化完成, yt-dlp 路径: %ls", qUtf16Printable(path));
     Q_EMIT ytDlpPathChanged();
 
-    checkYtDlpInstallation([this](bool success, const QString &output) {
+    probeStarted();
+    checkYtDlpInstallation([this, generation, first](bool success, const QString &output) {
+        probeEnded();
+        if (generation != m_pathGeneration)
+            return;
+        // The first probe leaves a failure unsaid; a path chosen later that does not answer
+        // must not keep the version of the one before.
         if (success)
             setYtDlpVersion(output);
+        else if (!first)
+            setYtDlpVersion(QString());
         // Downloads wait for this first probe, so they know whether --js-runtimes may be used.
         m_versionProbed = true;
+        askYtDlpAboutItself();
         announceIfReady();
     });
     const auto waiting = std::exchange(m_afterPathKnown, {});
@@ -173,17 +193,160 @@ void ToolDiscovery::setYtDlpVersion(const QString &version)
     m_ytDlpVersion = version;
     Q_EMIT ytDlpVersionChanged();
     warnIfYtDlpTooOld();
+    askYtDlpAboutItself();
+    updateVerdicts();
 }
 
 void ToolDiscovery::setCustomYtDlpPath(const QString &path)
 {
     QSettings().setValue(QLatin1String(CustomYtDlpPathKey), path);
     if (fileExists(path)) {
-        checkYtDlpInstallation([this](bool success, const QString &output) {
-            if (success)
-                setYtDlpVersion(output);
-        });
+        qCInfo(lcEngine, "[Quillbox] 使用自定义路径: %ls", qUtf16Printable(path));
+        setYtDlpPath(path, true);
     }
+}
+
+void ToolDiscovery::resetYtDlpPath()
+{
+    QSettings().remove(QLatin1String(CustomYtDlpPathKey));
+    const int generation = ++m_pathGeneration;
+    probeStarted();
+    findYtDlp(0, [this, generation](const QString &path) {
+        probeEnded();
+        if (generation != m_pathGeneration)
+            return;
+        qCInfo(lcEngine, "[Quillbox] 使用自动检测路径: %ls", qUtf16Printable(path));
+        setYtDlpPath(path, false);
+    });
+}
+
+void ToolDiscovery::recheck()
+{
+    if (!m_ytDlpPathKnown)
+        return; // the first round is still under way
+    setYtDlpPath(m_ytDlpPath, m_ytDlpPathChosen);
+    detectJSRuntime();
+    detectFfmpeg();
+}
+
+void ToolDiscovery::setLatestYtDlpVersion(const QString &version)
+{
+    if (m_latestYtDlp == version)
+        return;
+    m_latestYtDlp = version;
+    updateVerdicts();
+}
+
+void ToolDiscovery::probeStarted()
+{
+    if (m_probes++ == 0)
+        Q_EMIT isProbingChanged();
+}
+
+void ToolDiscovery::probeEnded()
+{
+    if (--m_probes == 0)
+        Q_EMIT isProbingChanged();
+}
+
+// "-v" prints how this yt-dlp was built (its variant: an official build, a distribution's
+// package, pip, …) and, when it is offered runtimes, which of them it accepts. yt-dlp's own
+// verdict beats the minimums we know of, which a later release may raise.
+void ToolDiscovery::askYtDlpAboutItself()
+{
+    if (!m_versionProbed || !m_runtimesFound || m_reportScheduled)
+        return;
+    // The path probe and a new version often both ask: one run answers both.
+    m_reportScheduled = true;
+    QMetaObject::invokeMethod(this, &ToolDiscovery::runReport, Qt::QueuedConnection);
+}
+
+void ToolDiscovery::runReport()
+{
+    m_reportScheduled = false;
+    const int generation = ++m_reportGeneration;
+    if (m_ytDlpVersion.isEmpty()) {
+        applyReport({});
+        return;
+    }
+    QString command = quoteIfNeeded(m_ytDlpPath) + u" -v --no-update --ignore-config"_s;
+    if (supportsJsRuntimes(m_ytDlpVersion)) {
+        command += u" --no-js-runtimes"_s;
+        for (const JsRuntimeInfo &runtime : std::as_const(m_jsRuntimes))
+            command += u" --js-runtimes "_s + quoteIfNeeded(runtime.name + u':' + runtime.path);
+    }
+    probeStarted();
+    runShellCommand(
+        command + u" 2>&1"_s, PipeMode::Shared, this,
+        [this, generation](const ShellResult &result) {
+            probeEnded();
+            if (generation != m_reportGeneration)
+                return;
+            applyReport(result.launched ? parseVerboseReport(result.standardOutput) : YtDlpReport {});
+        },
+        ProbeTimeoutMs);
+}
+
+void ToolDiscovery::applyReport(const YtDlpReport &report)
+{
+    m_ytDlpVariant = report.variant;
+    m_route = updateRouteFor(report.variant, m_ytDlpPath, m_locations.keptYtDlp);
+    for (JsRuntimeInfo &runtime : m_jsRuntimes) {
+        const auto said = std::find_if(report.runtimes.cbegin(), report.runtimes.cend(),
+            [&runtime](const auto &entry) { return entry.first == runtime.name; });
+        runtime.judgedByYtDlp = said != report.runtimes.cend();
+        runtime.supported = runtime.judgedByYtDlp ? said->second : meetsRuntimeMinimum(runtime.name, runtime.version);
+    }
+
+    const auto chosen = std::find_if(
+        m_jsRuntimes.cbegin(), m_jsRuntimes.cend(), [](const JsRuntimeInfo &runtime) { return runtime.supported; });
+    for (const JsRuntimeInfo &runtime : std::as_const(m_jsRuntimes)) {
+        const QString key = runtime.path + u'@' + runtime.version;
+        if (runtime.supported || m_rejectedRuntimesSaid.contains(key))
+            continue;
+        m_rejectedRuntimesSaid << key;
+        addLog(u"⚠️ %1 %2（%3）版本过旧，yt-dlp 需要 ≥ %4，不会使用它"_s.arg(runtime.name,
+                   runtime.version.isEmpty() ? u"未知版本"_s : runtime.version, runtime.path,
+                   runtimeMinimum(runtime.name)),
+            LogEntry::LogType::Warning);
+    }
+    const bool fresh = std::exchange(m_runtimesFresh, false);
+    if (chosen != m_jsRuntimes.cend()) {
+        if (fresh || chosen->name != m_detectedJSRuntime || chosen->path != m_detectedJSRuntimePath)
+            setJSRuntime(chosen->name, chosen->path);
+    } else if (fresh || !m_detectedJSRuntime.isEmpty()) {
+        qCInfo(lcEngine, "[Quillbox] [detectJSRuntime] 未检测到任何 JS 运行时");
+        setJSRuntime(QString(), QString());
+        if (m_jsRuntimes.isEmpty())
+            addLog(u"⚠️ 未检测到 JS 运行时（Deno/Node/Bun），YouTube 下载可能失败"_s,
+                LogEntry::LogType::Warning);
+    }
+    updateVerdicts();
+}
+
+void ToolDiscovery::updateVerdicts()
+{
+    ToolchainFacts facts;
+    facts.probed = m_versionProbed && m_runtimeDetected && m_ffmpegDetected;
+    facts.ytDlpPath = m_ytDlpPath;
+    facts.ytDlpVersion = m_ytDlpVersion;
+    facts.route = m_route;
+    facts.latestYtDlp = m_latestYtDlp;
+    facts.today = QDate::currentDate();
+    facts.runtimes = m_jsRuntimes;
+    facts.ffmpeg = m_detectedFfmpeg;
+    facts.ffprobe = m_detectedFfprobe;
+    facts.homebrew = fileExists(u"/opt/homebrew/bin/brew"_s) || fileExists(u"/usr/local/bin/brew"_s);
+    const ToolchainVerdicts verdicts = judgeToolchain(facts);
+    if (verdicts == m_verdicts)
+        return;
+    m_verdicts = verdicts;
+    Q_EMIT verdictsChanged();
+}
+
+QString ToolDiscovery::ffmpegInstallCommand() const
+{
+    return ::ffmpegInstallCommand(fileExists(u"/opt/homebrew/bin/brew"_s) || fileExists(u"/usr/local/bin/brew"_s));
 }
 
 void ToolDiscovery::checkYtDlpInstallation(std::function<void(bool, const QString &)> completion)
@@ -229,18 +392,21 @@ void ToolDiscovery::warnIfYtDlpTooOld()
 
 void ToolDiscovery::detectJSRuntime()
 {
+    m_runtimesFound = false;
+    m_runtimesFresh = true;
+    m_jsRuntimes.clear();
+    probeStarted();
     detectRuntime(++m_runtimeGeneration, 0, 0);
 }
 
+// Every runtime is looked for (its fixed places, then its own lookup), so that one yt-dlp
+// rejects can give way to the next; the first that is good enough is used.
 void ToolDiscovery::detectRuntime(int generation, int runtime, int candidate)
 {
     if (generation != m_runtimeGeneration)
         return; // a newer detection has started
     if (runtime >= m_locations.runtimes.size()) {
-        qCInfo(lcEngine, "[Quillbox] [detectJSRuntime] 未检测到任何 JS 运行时");
-        setJSRuntime(QString(), QString());
-        addLog(u"⚠️ 未检测到 JS 运行时（Deno/Node/Bun），YouTube 下载可能失败"_s,
-            LogEntry::LogType::Warning);
+        probeRuntimeVersions(generation, 0);
         return;
     }
     const ToolLocations::Runtime &entry = m_locations.runtimes.at(runtime);
@@ -249,11 +415,11 @@ void ToolDiscovery::detectRuntime(int generation, int runtime, int candidate)
         if (fileExists(path)) {
             qCInfo(lcEngine, "[Quillbox] [detectJSRuntime] 检测到 %ls: %ls", qUtf16Printable(entry.name),
                 qUtf16Printable(path));
-            setJSRuntime(entry.name, path);
+            m_jsRuntimes.append(JsRuntimeInfo { entry.name, path, QString() });
+            detectRuntime(generation, runtime + 1, 0);
             return;
         }
     }
-    // This runtime's own lookup comes before the next runtime's fixed places.
     runShellCommand(
         whichCommand(entry.name), PipeMode::Split, this,
         [this, generation, runtime, name = entry.name](const ShellResult &result) {
@@ -263,10 +429,33 @@ void ToolDiscovery::detectRuntime(int generation, int runtime, int candidate)
             if (result.launched && fileExists(printed)) {
                 qCInfo(lcEngine, "[Quillbox] [detectJSRuntime] 通过 which 检测到 %ls: %ls", qUtf16Printable(name),
                     qUtf16Printable(printed));
-                setJSRuntime(name, printed);
-                return;
+                m_jsRuntimes.append(JsRuntimeInfo { name, printed, QString() });
             }
             detectRuntime(generation, runtime + 1, 0);
+        },
+        ProbeTimeoutMs);
+}
+
+void ToolDiscovery::probeRuntimeVersions(int generation, int index)
+{
+    if (generation != m_runtimeGeneration)
+        return;
+    if (index >= m_jsRuntimes.size()) {
+        probeEnded();
+        m_runtimesFound = true;
+        askYtDlpAboutItself();
+        return;
+    }
+    const JsRuntimeInfo runtime = m_jsRuntimes.at(index);
+    runShellCommand(
+        quoteIfNeeded(runtime.path) + u" --version 2>&1"_s, PipeMode::Shared, this,
+        [this, generation, index](const ShellResult &result) {
+            if (generation != m_runtimeGeneration)
+                return;
+            JsRuntimeInfo &runtime = m_jsRuntimes[index];
+            if (result.launched)
+                runtime.version = parseRuntimeVersion(runtime.name, result.standardOutput);
+            probeRuntimeVersions(generation, index + 1);
         },
         ProbeTimeoutMs);
 }
@@ -347,11 +536,22 @@ void ToolDiscovery::setFfmpeg(const QString &path, const QString &version)
         m_ffmpegDetected = true;
         QMetaObject::invokeMethod(this, &ToolDiscovery::announceIfReady, Qt::QueuedConnection);
     }
-    if (m_detectedFfmpeg == path && m_detectedFfmpegVersion == version)
-        return;
-    m_detectedFfmpeg = path;
-    m_detectedFfmpegVersion = version;
-    Q_EMIT detectedFfmpegChanged();
+    // yt-dlp looks for ffprobe beside the ffmpeg it is given; merging and post-processing need it.
+    QString ffprobe;
+    if (!path.isEmpty()) {
+        const QFileInfo ffmpeg(path);
+        const QString suffix = ffmpeg.fileName().endsWith(u".exe"_s) ? u".exe"_s : QString();
+        ffprobe = ffmpeg.dir().filePath(u"ffprobe"_s + suffix);
+        if (!fileExists(ffprobe))
+            ffprobe.clear();
+    }
+    if (m_detectedFfmpeg != path || m_detectedFfmpegVersion != version || m_detectedFfprobe != ffprobe) {
+        m_detectedFfmpeg = path;
+        m_detectedFfmpegVersion = version;
+        m_detectedFfprobe = ffprobe;
+        Q_EMIT detectedFfmpegChanged();
+    }
+    updateVerdicts();
 }
 
 QStringList ToolDiscovery::ffmpegArgs() const

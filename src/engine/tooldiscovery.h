@@ -1,6 +1,7 @@
 #pragma once
 
 #include "cookies/cookiewords.h"
+#include "engine/toolchain.h"
 #include "model/logentry.h"
 
 #include <QList>
@@ -25,16 +26,31 @@ struct ToolLocations
     QStringList ytDlp;
     QList<Runtime> runtimes; // tried in order: deno, node, bun
     QStringList ffmpeg;
+    QString keptYtDlp; // where Quillbox keeps a yt-dlp of its own
 
     static ToolLocations standard(const QString &home);
 };
 
 // Finds yt-dlp (the stored custom path or the usual places), its version, a JavaScript runtime
 // and ffmpeg, each in the background with a time limit, and hands out the words a command needs
-// to use them. Lives on the GUI thread.
+// to use them. It also asks that yt-dlp ("-v") how it was installed and which runtimes it
+// accepts, and judges the whole toolchain for the settings sheet and the download page. Lives on
+// the GUI thread.
 class ToolDiscovery : public QObject
 {
     Q_OBJECT
+    Q_PROPERTY(QString ytDlpPath READ ytDlpPath NOTIFY ytDlpPathChanged)
+    Q_PROPERTY(bool isYtDlpPathChosen READ isYtDlpPathChosen NOTIFY ytDlpPathChanged)
+    Q_PROPERTY(QString ytDlpVersion READ ytDlpVersion NOTIFY ytDlpVersionChanged)
+    Q_PROPERTY(bool isYtDlpKept READ isYtDlpKept NOTIFY verdictsChanged)
+    Q_PROPERTY(QString latestYtDlpVersion READ latestYtDlpVersion NOTIFY verdictsChanged)
+    Q_PROPERTY(QString detectedFfprobe READ detectedFfprobe NOTIFY detectedFfmpegChanged)
+    Q_PROPERTY(bool isProbing READ isProbing NOTIFY isProbingChanged)
+    Q_PROPERTY(ToolVerdict ytDlpVerdict READ ytDlpVerdict NOTIFY verdictsChanged)
+    Q_PROPERTY(ToolVerdict runtimeVerdict READ runtimeVerdict NOTIFY verdictsChanged)
+    Q_PROPERTY(ToolVerdict ffmpegVerdict READ ffmpegVerdict NOTIFY verdictsChanged)
+    Q_PROPERTY(ToolVerdict notice READ notice NOTIFY verdictsChanged)
+    Q_PROPERTY(QString ffmpegInstallCommand READ ffmpegInstallCommand CONSTANT)
 
 public:
     static constexpr auto CustomYtDlpPathKey = "customYtDlpPath";
@@ -48,6 +64,22 @@ public:
 
     QString ytDlpPath() const { return m_ytDlpPath; }
     bool isYtDlpPathKnown() const { return m_ytDlpPathKnown; }
+    // The path in use was chosen by the user ("customYtDlpPath"), not found.
+    bool isYtDlpPathChosen() const { return m_ytDlpPathChosen; }
+    bool isYtDlpKept() const { return m_route == UpdateRoute::Kept; }
+    UpdateRoute ytDlpUpdateRoute() const { return m_route; }
+    QString ytDlpVariant() const { return m_ytDlpVariant; }
+    QString latestYtDlpVersion() const { return m_latestYtDlp; }
+    // Every runtime found, each judged for the yt-dlp in use, in the order they are preferred.
+    QList<JsRuntimeInfo> jsRuntimes() const { return m_jsRuntimes; }
+    QString detectedFfprobe() const { return m_detectedFfprobe; }
+    // Some probe of the toolchain is still under way.
+    bool isProbing() const { return m_probes > 0; }
+    ToolVerdict ytDlpVerdict() const { return m_verdicts.ytDlp; }
+    ToolVerdict runtimeVerdict() const { return m_verdicts.runtime; }
+    ToolVerdict ffmpegVerdict() const { return m_verdicts.ffmpeg; }
+    ToolVerdict notice() const { return m_verdicts.notice; }
+    QString ffmpegInstallCommand() const;
     QString ytDlpVersion() const { return m_ytDlpVersion; }
     QString detectedJSRuntime() const { return m_detectedJSRuntime; }
     QString detectedJSRuntimePath() const { return m_detectedJSRuntimePath; }
@@ -62,9 +94,16 @@ public:
     // Runs `action` once the yt-dlp path is chosen (at once if it is).
     void whenYtDlpPathKnown(std::function<void()> action);
 
-    // Stores `path` under "customYtDlpPath"; it takes effect at the next start. When a file is
-    // there, the version is probed again (of the path in use).
+    // Stores `path` under "customYtDlpPath". When a file is there it is used at once: the path
+    // in use follows, and its version and the runtimes' verdicts are probed again. Downloads
+    // already running keep the yt-dlp they started with.
     void setCustomYtDlpPath(const QString &path);
+    // Forgets the stored path and looks for yt-dlp again, using what it finds at once.
+    void resetYtDlpPath();
+    // The newest yt-dlp release known (from the release check), for the verdict.
+    void setLatestYtDlpVersion(const QString &version);
+    // Probes everything again: the yt-dlp in use, the runtimes and ffmpeg.
+    void recheck();
     // Asks the yt-dlp in use for its version; `completion(success, output or error)` on this
     // thread. Waits for the path to be chosen first.
     void checkYtDlpInstallation(std::function<void(bool, const QString &)> completion);
@@ -88,15 +127,24 @@ Q_SIGNALS:
     void ytDlpVersionChanged();
     void detectedJSRuntimeChanged();
     void detectedFfmpegChanged();
+    void verdictsChanged();
+    void isProbingChanged();
     void ready();
 
 private:
     void addLog(const QString &message, LogEntry::LogType type) const;
     void chooseYtDlpPath();
     void findYtDlp(int candidate, std::function<void(const QString &)> found);
-    void setYtDlpPath(const QString &path);
+    void setYtDlpPath(const QString &path, bool chosen);
     void detectRuntime(int generation, int runtime, int candidate);
+    void probeRuntimeVersions(int generation, int index);
+    void askYtDlpAboutItself();
+    void runReport();
+    void applyReport(const YtDlpReport &report);
     void setJSRuntime(const QString &name, const QString &path);
+    void updateVerdicts();
+    void probeStarted();
+    void probeEnded();
     void getFfmpegVersion(int generation, const QString &path);
     void setFfmpeg(const QString &path, const QString &version);
     void warnIfYtDlpTooOld();
@@ -107,6 +155,20 @@ private:
     bool m_started = false;
     QString m_ytDlpPath;
     bool m_ytDlpPathKnown = false;
+    bool m_ytDlpPathChosen = false;
+    int m_pathGeneration = 0;
+    int m_reportGeneration = 0;
+    bool m_runtimesFound = false; // every runtime has been looked for and asked its version
+    bool m_runtimesFresh = false; // found anew: the verdict is said in the log again
+    bool m_reportScheduled = false;
+    int m_probes = 0;
+    QString m_ytDlpVariant;
+    UpdateRoute m_route = UpdateRoute::Unknown;
+    QString m_latestYtDlp;
+    QList<JsRuntimeInfo> m_jsRuntimes;
+    QString m_detectedFfprobe;
+    ToolchainVerdicts m_verdicts;
+    QStringList m_rejectedRuntimesSaid;
     bool m_versionProbed = false;
     bool m_runtimeDetected = false;
     bool m_ffmpegDetected = false;

@@ -18,6 +18,17 @@ Q_ENUM_NS(DownloadPreset)
 enum class Tint { Gray, Orange, Blue, Green, Red, Yellow, Purple };
 Q_ENUM_NS(Tint)
 
+// The one thing that repairs a tool the toolchain check found wanting.
+enum class ToolAction {
+    None,
+    InstallYtDlp, // fetch the official build into Quillbox's own folder and use it
+    UpdateYtDlp, // the yt-dlp in use updates itself (or Homebrew does)
+    InstallDeno,
+    CopyFfmpegCommand, // the package manager's command, for the user to run
+    OpenSettings, // the settings sheet, where the check and its repairs are
+};
+Q_ENUM_NS(ToolAction)
+
 } // namespace quillbox
 
 using quillbox::DownloadPreset;

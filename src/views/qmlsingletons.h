@@ -69,6 +69,22 @@ public:
     }
 };
 
+struct ToolDiscoveryForeign
+{
+    Q_GADGET
+    QML_FOREIGN(ToolDiscovery)
+    QML_NAMED_ELEMENT(ToolDiscovery)
+    QML_UNCREATABLE("Tool discovery belongs to DownloadManager")
+};
+
+// A verdict on one tool as QML reads it: `toolVerdict` properties (text, tint, action).
+struct ToolVerdictForeign
+{
+    Q_GADGET
+    QML_FOREIGN(ToolVerdict)
+    QML_VALUE_TYPE(toolVerdict)
+};
+
 struct TaskModelForeign
 {
     Q_GADGET

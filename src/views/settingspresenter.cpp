@@ -37,19 +37,20 @@ void SettingsPresenter::updateYtDlp()
         return;
     setUpdating(true);
     setUpdateResult(u"正在更新..."_s);
-    m_downloads->updateYtDlp([self = QPointer(this)](const QString &result) {
+    m_downloads->updateYtDlp([self = QPointer(this)](const UpdateResult &result) {
         if (!self)
             return;
         self->setUpdating(false);
-        self->setUpdateResult(result);
+        self->setUpdateResult(result.text, result.advice);
     });
 }
 
 void SettingsPresenter::resetToAutoDetect()
 {
-    QSettings().remove(QLatin1String(DownloadManager::CustomYtDlpPathKey));
     if (m_downloads)
-        m_downloads->checkYtDlpInstallation([](bool, const QString &) {});
+        m_downloads->resetYtDlpPath();
+    else
+        QSettings().remove(QLatin1String(DownloadManager::CustomYtDlpPathKey));
 }
 
 Tint SettingsPresenter::tintForUpdateResult(const QString &result)
@@ -69,10 +70,11 @@ void SettingsPresenter::setUpdating(bool value)
     Q_EMIT isUpdatingChanged();
 }
 
-void SettingsPresenter::setUpdateResult(const QString &value)
+void SettingsPresenter::setUpdateResult(const QString &value, const QString &advice)
 {
-    if (m_updateResult == value)
+    if (m_updateResult == value && m_updateAdvice == advice)
         return;
     m_updateResult = value;
+    m_updateAdvice = advice;
     Q_EMIT updateResultChanged();
 }

@@ -19,6 +19,7 @@ class SettingsPresenter : public QObject
     Q_PROPERTY(bool isChecking READ isChecking NOTIFY isCheckingChanged)
     Q_PROPERTY(bool isUpdating READ isUpdating NOTIFY isUpdatingChanged)
     Q_PROPERTY(QString updateResult READ updateResult NOTIFY updateResultChanged)
+    Q_PROPERTY(QString updateAdvice READ updateAdvice NOTIFY updateResultChanged)
     Q_PROPERTY(quillbox::Tint updateResultTint READ updateResultTint NOTIFY updateResultChanged)
 
 public:
@@ -29,6 +30,7 @@ public:
     bool isChecking() const { return m_checks > 0; }
     bool isUpdating() const { return m_isUpdating; }
     QString updateResult() const { return m_updateResult; }
+    QString updateAdvice() const { return m_updateAdvice; }
     Tint updateResultTint() const { return tintForUpdateResult(m_updateResult); }
 
     // Runs `path --version` through the shell. Only isChecking shows it: the answer is neither
@@ -37,7 +39,7 @@ public:
     // Updates yt-dlp; updateResult says "正在更新..." until the engine's answer replaces it.
     // Pressing again while one runs starts another.
     Q_INVOKABLE void updateYtDlp();
-    // Forgets the stored custom path and asks the yt-dlp in use for its version again.
+    // Forgets the stored custom path and looks for yt-dlp again, using what it finds at once.
     Q_INVOKABLE void resetToAutoDetect();
 
     // The colour of an update message: the first of "成功", "up-to-date", "最新" (green) and
@@ -51,10 +53,11 @@ Q_SIGNALS:
 
 private:
     void setUpdating(bool value);
-    void setUpdateResult(const QString &value);
+    void setUpdateResult(const QString &value, const QString &advice = {});
 
     QPointer<DownloadManager> m_downloads;
     int m_checks = 0;
     bool m_isUpdating = false;
     QString m_updateResult;
+    QString m_updateAdvice;
 };

@@ -150,7 +150,8 @@ public:
         for (const char *name : { "FAKE_YTDLP_ARGV_FILE", "FAKE_YTDLP_PIDFILE", "FAKE_YTDLP_SCENARIO",
                  "FAKE_YTDLP_EXIT", "FAKE_YTDLP_VERSION", "FAKE_YTDLP_VERSION_EXIT", "FAKE_YTDLP_UPDATE_OUTPUT",
                  "FAKE_YTDLP_UPDATE_EXIT", "FAKE_YTDLP_FORMATS", "FAKE_YTDLP_FORMATS_STDERR", "FAKE_YTDLP_FORMATS_EXIT",
-                 "FAKE_YTDLP_INFO", "FAKE_YTDLP_INFO_STDERR", "FAKE_YTDLP_INFO_EXIT", "FAKE_YTDLP_INFO_DELAY" })
+                 "FAKE_YTDLP_INFO", "FAKE_YTDLP_INFO_STDERR", "FAKE_YTDLP_INFO_EXIT", "FAKE_YTDLP_INFO_DELAY",
+                 "FAKE_YTDLP_VARIANT", "FAKE_YTDLP_JS_RUNTIMES" })
             qunsetenv(name);
     }
 
@@ -174,7 +175,9 @@ public:
             QStringList argv;
             for (const QJsonValue &word : QJsonDocument::fromJson(line.toUtf8()).array())
                 argv << word.toString();
-            if (argv != QStringList { QStringLiteral("--version") }
+            // "-v" without a link is discovery asking how yt-dlp was built.
+            const bool selfReport = argv.contains(QStringLiteral("-v")) && !argv.contains(QStringLiteral("--"));
+            if (argv != QStringList { QStringLiteral("--version") } && !selfReport
                 && (withInfo || !argv.contains(QStringLiteral("-J"))))
                 result << argv;
         }

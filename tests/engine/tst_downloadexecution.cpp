@@ -39,7 +39,7 @@ namespace {
 std::unique_ptr<SandboxEngine> makeEngine(bool ready = true)
 {
     const auto tools = [](SandboxEngine &engine, ToolLocations &locations) {
-        locations.runtimes[1].candidates << engine.fixture.writeScript(u"tools/node"_s, "exit 0");
+        locations.runtimes[1].candidates << engine.fixture.writeScript(u"tools/node"_s, "echo v22.11.0");
         locations.ffmpeg << engine.fixture.writeScript(u"tools/ffmpeg"_s, "echo 'ffmpeg version 6'");
     };
     const auto found = [](const DownloadManager &manager) {

@@ -34,19 +34,19 @@ std::unique_ptr<SandboxEngine> makeEngine(bool withRuntime = false)
     return SandboxEngine::start(
         [withRuntime](SandboxEngine &engine, ToolLocations &locations) {
             if (withRuntime)
-                locations.runtimes[0].candidates << engine.fixture.writeScript(u"tools/deno"_s, "exit 0");
+                locations.runtimes[0].candidates << engine.fixture.writeScript(u"tools/deno"_s, "echo deno 2.5.0");
         },
         [withRuntime](const DownloadManager &manager) {
-            return !manager.ytDlpVersion().isEmpty() && (!withRuntime || !manager.detectedJSRuntime().isEmpty());
+            return manager.tools()->isReady() && (!withRuntime || !manager.detectedJSRuntime().isEmpty());
         });
 }
 
 QString runUpdate(DownloadManager &manager)
 {
     std::optional<QString> answer;
-    manager.updateYtDlp([&answer](const QString &text) {
+    manager.updateYtDlp([&answer](const UpdateResult &result) {
         QVERIFY(!answer); // exactly once
-        answer = text;
+        answer = result.text;
     });
     if (!QTest::qWaitFor([&answer] { return answer.has_value(); }, 20000))
         return u"(no answer)"_s;

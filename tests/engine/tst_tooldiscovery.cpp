@@ -121,8 +121,9 @@ void TestToolDiscovery::runtimeOrder()
     locations.runtimes = {
         { u"deno"_s, { fixture.path(u"d1/deno"_s), fixture.path(u"d2/deno"_s), fixture.path(u"d3/deno"_s) } },
         { u"node"_s,
-            { fixture.path(u"n1/node"_s), fixture.path(u"n2/node"_s), fixture.writeScript(u"n3/node"_s, "exit 0") } },
-        { u"bun"_s, { fixture.writeScript(u"b1/bun"_s, "exit 0") } },
+            { fixture.path(u"n1/node"_s), fixture.path(u"n2/node"_s),
+                fixture.writeScript(u"n3/node"_s, "echo v22.11.0") } },
+        { u"bun"_s, { fixture.writeScript(u"b1/bun"_s, "echo 1.2.11") } },
     };
     StartedDiscovery manager(locations);
     QTRY_COMPARE_WITH_TIMEOUT(manager.detectedJSRuntime(), u"node"_s, 20000);
@@ -135,9 +136,9 @@ void TestToolDiscovery::runtimeOrder()
 void TestToolDiscovery::runtimeFoundByWhichBeatsLaterRuntimes()
 {
     EngineFixture fixture;
-    const QString deno = fixture.writeScript(u"bin/deno"_s, "exit 0"); // on PATH only
+    const QString deno = fixture.writeScript(u"bin/deno"_s, "echo deno 2.5.0"); // on PATH only
     ToolLocations locations = fixture.emptyLocations();
-    locations.runtimes[1].candidates << fixture.writeScript(u"n/node"_s, "exit 0");
+    locations.runtimes[1].candidates << fixture.writeScript(u"n/node"_s, "echo v22.11.0");
     StartedDiscovery manager(locations);
     QTRY_COMPARE_WITH_TIMEOUT(manager.detectedJSRuntime(), u"deno"_s, 20000);
     QCOMPARE(manager.detectedJSRuntimePath(), deno);
@@ -190,7 +191,7 @@ void TestToolDiscovery::jsRuntimesNeedARecentYtDlp()
     EngineFixture fixture;
     ToolLocations locations = fixture.emptyLocations();
     locations.ytDlp << fixture.writeScript(u"y/yt-dlp"_s, versionScript(version));
-    const QString node = fixture.writeScript(u"n/node"_s, "exit 0");
+    const QString node = fixture.writeScript(u"n/node"_s, "echo v22.11.0");
     locations.runtimes[1].candidates << node;
     StartedDiscovery manager(locations);
     QTRY_COMPARE_WITH_TIMEOUT(manager.ytDlpVersion(), QString::fromLatin1(version), 20000);
@@ -207,27 +208,32 @@ void TestToolDiscovery::jsRuntimesNeedARecentYtDlp()
 
 void TestToolDiscovery::setCustomPath()
 {
+    // A chosen path is used at once, and "reset" goes back to what is found, also at once.
     EngineFixture fixture;
     ToolLocations locations = fixture.emptyLocations();
-    locations.ytDlp << fixture.writeScript(
-        u"y/yt-dlp"_s, "echo probe >> \"$HOME/probes.log\"\n" + versionScript("2025.11.20"));
+    const QString found = fixture.writeScript(u"y/yt-dlp"_s, versionScript("2025.11.20"));
+    locations.ytDlp << found;
     StartedDiscovery manager(locations);
     QTRY_COMPARE_WITH_TIMEOUT(manager.ytDlpVersion(), u"2025.11.20"_s, 20000);
-    QTRY_COMPARE(fixture.readFile(u"home/probes.log"_s).count(u"probe"_s), 2); // candidate test + version
+    QVERIFY(!manager.isYtDlpPathChosen());
 
-    // A path that is not there is stored all the same, and nothing is probed.
+    // A path that is not there is stored all the same; the one in use stays.
     manager.setCustomYtDlpPath(fixture.path(u"missing/yt-dlp"_s));
     QCOMPARE(QSettings().value(u"customYtDlpPath"_s).toString(), fixture.path(u"missing/yt-dlp"_s));
-    QTest::qWait(300);
-    QCOMPARE(fixture.readFile(u"home/probes.log"_s).count(u"probe"_s), 2);
+    QCOMPARE(manager.ytDlpPath(), found);
 
-    // A path that exists is stored and the yt-dlp in use is probed again; the path in use stays.
-    const QString other = fixture.writeScript(u"other/yt-dlp"_s, versionScript("2030.01.01"));
+    const QString other = fixture.writeScript(u"other dir/yt-dlp"_s, versionScript("2030.01.01"));
     manager.setCustomYtDlpPath(other);
     QCOMPARE(QSettings().value(u"customYtDlpPath"_s).toString(), other);
-    QTRY_COMPARE(fixture.readFile(u"home/probes.log"_s).count(u"probe"_s), 3);
-    QCOMPARE(manager.ytDlpPath(), locations.ytDlp.constFirst());
-    QCOMPARE(manager.ytDlpVersion(), u"2025.11.20"_s);
+    QCOMPARE(manager.ytDlpPath(), other);
+    QVERIFY(manager.isYtDlpPathChosen());
+    QTRY_COMPARE(manager.ytDlpVersion(), u"2030.01.01"_s);
+
+    manager.resetYtDlpPath();
+    QVERIFY(!QSettings().contains(u"customYtDlpPath"_s));
+    QTRY_COMPARE(manager.ytDlpPath(), found);
+    QVERIFY(!manager.isYtDlpPathChosen());
+    QTRY_COMPARE(manager.ytDlpVersion(), u"2025.11.20"_s);
 }
 
 void TestToolDiscovery::startDoesNotWaitForTheShell()

@@ -135,7 +135,7 @@ TestCase {
         compare(urlSpy.count, 1)
         verify(String(urlSpy.signalArguments[0][0]).startsWith("https://docs.deno.com/"))
 
-        verify(TestHelper.writeExecutable(denoPath, "deno 2.1.4"))
+        verify(TestHelper.writeExecutable(denoPath, "deno 2.5.0"))
         mouseClick(findChild(button(sheet, "runtimeStatus"), "redetectButton"))
         tryCompare(status, "text", "deno 已就绪", 20000)
         verify(!install.visible)
