@@ -1,3 +1,5 @@
+#include "engine/downloadmanager.h"
+#include "engine/shellrunner.h"
 #include "engine/tooldiscovery.h"
 #include "model/appstate.h"
 
@@ -24,6 +26,8 @@ private Q_SLOTS:
     void jsRuntimesNeedARecentYtDlp_data();
     void jsRuntimesNeedARecentYtDlp();
     void setCustomPath();
+    void realRuntimesJudgedByCurrentYtDlp();
+    void debiansYtDlpCannotUpdateItself();
     void startDoesNotWaitForTheShell();
 };
 
@@ -234,6 +238,68 @@ void TestToolDiscovery::setCustomPath()
     QTRY_COMPARE(manager.ytDlpPath(), found);
     QVERIFY(!manager.isYtDlpPathChosen());
     QTRY_COMPARE(manager.ytDlpVersion(), u"2025.11.20"_s);
+}
+
+void TestToolDiscovery::realRuntimesJudgedByCurrentYtDlp()
+{
+    // The current yt-dlp says which runtimes it accepts: a real Deno is passed, this machine's
+    // Node (18 or 20) is too old and only shown.
+    const QString ytDlp = sharedYtDlp();
+    const QString deno = npmDeno();
+    if (ytDlp.isEmpty() || deno.isEmpty())
+        QSKIP("needs ../shared/tools/yt-dlp/yt-dlp beside the project and Deno from the test set-up");
+    if (!QFileInfo::exists(u"/usr/bin/node"_s))
+        QSKIP("needs Debian's Node.js at /usr/bin/node");
+    EngineFixture fixture;
+    ToolLocations locations = fixture.emptyLocations();
+    locations.ytDlp << ytDlp;
+    locations.runtimes[0].candidates << deno;
+    locations.runtimes[1].candidates << u"/usr/bin/node"_s;
+    StartedDiscovery manager(locations);
+    QTRY_VERIFY_WITH_TIMEOUT(manager.isReady(), 60000);
+
+    QCOMPARE(manager.ytDlpVersion(), u"2026.08.19"_s);
+    QCOMPARE(manager.ytDlpVariant(), u"zip"_s);
+    QCOMPARE(manager.jsRuntimeArgs(), QStringList({ u"--js-runtimes"_s, quoteIfNeeded(u"deno:"_s + deno) }));
+    const QList<JsRuntimeInfo> runtimes = manager.jsRuntimes();
+    QCOMPARE(runtimes.size(), 2);
+    QVERIFY(runtimes[0].supported && runtimes[0].judgedByYtDlp);
+    QVERIFY2(!runtimes[1].supported && runtimes[1].judgedByYtDlp, qPrintable(runtimes[1].version));
+    QTRY_VERIFY(manager.runtimeVerdict().text.contains(u"node "_s + runtimes[1].version + u" 版本过旧"_s));
+    QVERIFY(EngineFixture::messages(manager.state).filter(u"版本过旧，yt-dlp 需要 ≥ 22.0.0"_s).size() == 1);
+
+    // Without Deno, Node alone is not passed, and the download page says YouTube would fail.
+    locations.runtimes[0].candidates.clear();
+    StartedDiscovery withoutDeno(locations);
+    QTRY_VERIFY_WITH_TIMEOUT(withoutDeno.isReady(), 60000);
+    QCOMPARE(withoutDeno.jsRuntimeArgs(), QStringList());
+    QCOMPARE(withoutDeno.runtimeVerdict().action, quillbox::ToolAction::InstallDeno);
+    QTRY_COMPARE(withoutDeno.notice().action, quillbox::ToolAction::OpenSettings);
+}
+
+void TestToolDiscovery::debiansYtDlpCannotUpdateItself()
+{
+    if (!QFileInfo::exists(u"/usr/bin/yt-dlp"_s))
+        QSKIP("needs Debian's yt-dlp");
+    EngineFixture fixture;
+    ToolLocations locations = fixture.emptyLocations();
+    locations.ytDlp << u"/usr/bin/yt-dlp"_s;
+    AppState state;
+    DownloadManager manager(&state, locations);
+    QTRY_VERIFY_WITH_TIMEOUT(manager.tools()->isReady() && !manager.tools()->isProbing(), 60000);
+    QCOMPARE(manager.tools()->ytDlpUpdateRoute(), UpdateRoute::PackageManager);
+    const ToolVerdict verdict = manager.tools()->ytDlpVerdict();
+    QCOMPARE(verdict.action, quillbox::ToolAction::InstallYtDlp);
+    QVERIFY2(verdict.text.contains(u"不能自行更新"_s), qPrintable(verdict.text));
+
+    // Its own update refuses (or cannot reach the network here): never a success, and the advice
+    // names the way out.
+    std::optional<UpdateResult> answer;
+    manager.updateYtDlp([&answer](const UpdateResult &result) { answer = result; });
+    QTRY_VERIFY_WITH_TIMEOUT(answer.has_value(), 120000);
+    QVERIFY2(answer->text.startsWith(u"❌ 更新失败: "_s), qPrintable(answer->text));
+    QVERIFY2(answer->advice.contains(u"安装最新 yt-dlp"_s), qPrintable(answer->advice));
+    QVERIFY(EngineFixture::messages(state).contains(answer->advice));
 }
 
 void TestToolDiscovery::startDoesNotWaitForTheShell()
