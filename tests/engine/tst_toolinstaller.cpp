@@ -300,11 +300,13 @@ void TestToolInstaller::installsDeno_data()
     QTest::addColumn<QString>("method");
     QTest::addColumn<QString>("entry");
     QTest::addColumn<bool>("damageData"); // a byte of the stored data changed, the zip's digest matching
+    QTest::addColumn<bool>("realDeno"); // the Deno from npm instead of a script
     QTest::addColumn<QString>("message"); // empty when it installs
-    QTest::newRow("deflated") << u"deflated"_s << u"deno"_s << false << QString();
-    QTest::newRow("stored") << u"stored"_s << u"deno"_s << false << QString();
-    QTest::newRow("no deno inside") << u"deflated"_s << u"node"_s << false << u"压缩包里没有 deno"_s;
-    QTest::newRow("bad CRC") << u"stored"_s << u"deno"_s << true << u"压缩包已损坏"_s;
+    QTest::newRow("deflated") << u"deflated"_s << u"deno"_s << false << false << QString();
+    QTest::newRow("stored") << u"stored"_s << u"deno"_s << false << false << QString();
+    QTest::newRow("real Deno, stored") << u"stored"_s << u"deno"_s << false << true << QString();
+    QTest::newRow("no deno inside") << u"deflated"_s << u"node"_s << false << false << u"压缩包里没有 deno"_s;
+    QTest::newRow("bad CRC") << u"stored"_s << u"deno"_s << true << false << u"压缩包已损坏"_s;
 }
 
 void TestToolInstaller::installsDeno()
@@ -312,17 +314,27 @@ void TestToolInstaller::installsDeno()
     QFETCH(QString, method);
     QFETCH(QString, entry);
     QFETCH(bool, damageData);
+    QFETCH(bool, realDeno);
     QFETCH(QString, message);
 
-    const QString version = u"deno 2.9.6 (stable, release, x86_64-unknown-linux-gnu)"_s;
     Release release;
-    const QByteArray script = "#!/bin/sh\necho '" + version.toUtf8() + "'\nexit 0\n" + noise(700 * 1024).toBase64();
-    const QString scriptPath = release.folder.filePath(u"script"_s);
-    QVERIFY(writeFile(scriptPath, script, mode0755));
+    QString version = u"deno 2.9.6 (stable, release, x86_64-unknown-linux-gnu)"_s;
+    QString program = release.folder.filePath(u"script"_s);
+    if (realDeno) {
+        program = npmDeno();
+        if (program.isEmpty())
+            QSKIP("the test set-up installed no Deno from npm");
+        version = versionOf(program);
+        QVERIFY(version.startsWith(u"deno "_s));
+    } else {
+        // A long tail of noise, so the zip's data spans several blocks.
+        QVERIFY(writeFile(
+            program, "#!/bin/sh\necho '" + version.toUtf8() + "'\nexit 0\n" + noise(700 * 1024).toBase64(), mode0755));
+    }
     const QString zipPath
         = release.tagFolder(u"denoland/deno"_s, u"v2.9.6"_s) + ReleaseLocations::standard().deno.assetName;
     QVERIFY(QDir().mkpath(QFileInfo(zipPath).path()));
-    const QString zipError = ReleaseServer::makeZip(m_testsDir, { zipPath, method, entry + u'=' + scriptPath });
+    const QString zipError = ReleaseServer::makeZip(m_testsDir, { zipPath, method, entry + u'=' + program });
     QVERIFY2(zipError.isEmpty(), qPrintable(zipError));
     QByteArray zip = readFile(zipPath);
     if (damageData) {
@@ -330,6 +342,7 @@ void TestToolInstaller::installsDeno()
         QVERIFY(writeFile(zipPath, zip));
     }
     QVERIFY(writeFile(zipPath + u".sha256sum"_s, "Algorithm : SHA256\nHash      : " + sha256(zip).toUpper() + '\n'));
+    zip.clear();
 
     START_SERVER(server, release.served.path());
     const QString home = m_environment.home() + u"/.deno/bin"_s;
@@ -342,7 +355,7 @@ void TestToolInstaller::installsDeno()
     if (outcome.ok) {
         QCOMPARE(outcome.version, u"v2.9.6"_s);
         QCOMPARE(outcome.path, home + u"/deno"_s);
-        QCOMPARE(readFile(outcome.path), script);
+        QVERIFY(readFile(outcome.path) == readFile(program));
         QCOMPARE(QFile::permissions(outcome.path), mode0755);
         QCOMPARE(versionOf(outcome.path), version);
     }
