@@ -188,7 +188,8 @@ void TestToolInstaller::failuresLeaveTheOldCopy_data()
 {
     QTest::addColumn<QStringList>("serverArguments");
     QTest::addColumn<QString>("sumsName"); // the name SHA2-256SUMS lists the asset's digest under
-    QTest::addColumn<QString>("apiUrl"); // replaces the API's address; "closed": a port nobody listens on
+    // Replaces the API's address; "closed": a port nobody listens on; "folder": install under the old file
+    QTest::addColumn<QString>("apiUrl");
     QTest::addColumn<QString>("message");
 
     const QString sums = u"yt-dlp"_s, api;
@@ -210,6 +211,7 @@ void TestToolInstaller::failuresLeaveTheOldCopy_data()
         << QStringList {} << sums << u"http://example.com/repos/yt-dlp/yt-dlp/releases/latest"_s << u"已拒绝"_s;
     QTest::newRow("nobody listening") << QStringList {} << sums << u"closed"_s
                                       << u"无法连接到下载服务器，请检查网络后重试。"_s;
+    QTest::newRow("folder cannot be made") << QStringList {} << sums << u"folder"_s << u"无法写入文件夹"_s;
 }
 
 void TestToolInstaller::failuresLeaveTheOldCopy()
@@ -228,10 +230,12 @@ void TestToolInstaller::failuresLeaveTheOldCopy()
         QVERIFY(closed.listen(QHostAddress::LocalHost));
         apiUrl = u"http://127.0.0.1:%1/repos/yt-dlp/yt-dlp/releases/latest"_s.arg(closed.serverPort());
     }
-    if (!apiUrl.isEmpty())
+    if (apiUrl.startsWith(u"http"_s))
         locations.ytDlp.latestApi = QUrl(apiUrl);
 
-    const auto installer = release.installer(locations);
+    const auto installer = apiUrl == u"folder"_s
+        ? std::make_unique<ToolInstaller>(locations, release.installed() + u"/bin"_s, QString())
+        : release.installer(locations);
     const Outcome outcome = Release::install(*installer, Tool::YtDlp);
     QVERIFY(!outcome.ok);
     QVERIFY2(outcome.message.contains(message), qPrintable(outcome.message));
