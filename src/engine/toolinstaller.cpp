@@ -111,8 +111,10 @@ QString failureMessage(QNetworkReply *reply, const Transfer &transfer)
         return transfer.received > 0 ? cutOff : cannotConnect;
     }
 
+    // A compressed body's length counts the compressed bytes; Qt reports those cut short itself.
     const QVariant length = reply->header(QNetworkRequest::ContentLengthHeader);
-    if (length.isValid() && transfer.received < length.toLongLong())
+    const bool compressed = !reply->rawHeader("Content-Encoding").isEmpty();
+    if (length.isValid() && !compressed && transfer.received < length.toLongLong())
         return cutOff;
     return {};
 }

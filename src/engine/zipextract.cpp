@@ -102,8 +102,8 @@ bool nameMatches(QByteArrayView stored, const QByteArray &wanted)
             && stored.at(stored.size() - wanted.size() - 1) == '/');
 }
 
-// The entry named `wanted` in the central directory; nullopt if there is none, the reason in `error`.
-std::optional<Entry> findEntry(QByteArrayView directory, const QByteArray &wanted, QString *error)
+// The entry named `wanted` in the central directory; nullopt if there is none, the reason in `failure`.
+std::optional<Entry> findEntry(QByteArrayView directory, const QByteArray &wanted, ZipExtractResult *failure)
 {
     const Record record(directory);
     qsizetype at = 0;
@@ -113,7 +113,7 @@ std::optional<Entry> findEntry(QByteArrayView directory, const QByteArray &wante
         const quint16 commentLength = record.u16(at + 32);
         const QByteArrayView name = record.mid(at + CentralHeaderSize, nameLength);
         if (!record.has(at + CentralHeaderSize, nameLength + extraLength + commentLength)) {
-            *error = u"the central directory is cut short"_s;
+            *failure = { ZipExtractResult::Damaged, u"the central directory is cut short"_s };
             return std::nullopt;
         }
         if (!name.endsWith('/') && nameMatches(name, wanted)) {
@@ -142,7 +142,7 @@ std::optional<Entry> findEntry(QByteArrayView directory, const QByteArray &wante
         }
         at += CentralHeaderSize + nameLength + extraLength + commentLength;
     }
-    *error = u"no entry named "_s + QString::fromUtf8(wanted);
+    *failure = { ZipExtractResult::NotFound, u"no entry named "_s + QString::fromUtf8(wanted) };
     return std::nullopt;
 }
 
@@ -163,10 +163,10 @@ ZipExtractResult extractZipEntry(
     if (directoryBytes.size() != static_cast<qsizetype>(directory->size))
         return fail(ZipExtractResult::Damaged, u"the central directory lies beyond the end of the file"_s);
 
-    QString error;
-    const std::optional<Entry> entry = findEntry(directoryBytes, entryName.toUtf8(), &error);
+    ZipExtractResult failure;
+    const std::optional<Entry> entry = findEntry(directoryBytes, entryName.toUtf8(), &failure);
     if (!entry)
-        return fail(error.startsWith(u"no entry"_s) ? ZipExtractResult::NotFound : ZipExtractResult::Damaged, error);
+        return failure;
     if (entry->flags & 0x1)
         return fail(ZipExtractResult::Damaged, u"the entry is encrypted"_s);
     if (entry->method != 0 && entry->method != Z_DEFLATED)
@@ -237,6 +237,9 @@ ZipExtractResult extractZipEntry(
             const qint64 produced = output.size() - static_cast<qint64>(stream.avail_out);
             if (produced > 0 && !put(output.constData(), produced))
                 return fail(ZipExtractResult::WriteFailed, out.errorString());
+            // Never more than the directory promises, however well the data compresses.
+            if (written > entry->size)
+                return fail(ZipExtractResult::Damaged, u"more data than the directory says"_s);
         }
     }
 
