@@ -378,6 +378,8 @@ int main(int argc, char **argv)
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
         environment.insert(u"PATH"_s, path);
         environment.insert(u"HOME"_s, sandbox.home());
+        // The daily release check stays on this machine (a closed port on 127.0.0.1).
+        environment.insert(u"QUILLBOX_RELEASES_URL"_s, u"http://127.0.0.1:9"_s);
         for (const auto &[variable, folder] : { std::pair { u"XDG_CONFIG_HOME"_s, u"config"_s },
                  std::pair { u"XDG_CACHE_HOME"_s, u"cache"_s }, std::pair { u"XDG_DATA_HOME"_s, u"data"_s },
                  std::pair { u"XDG_STATE_HOME"_s, u"state"_s }, std::pair { u"XDG_RUNTIME_DIR"_s, u"runtime"_s } }) {

@@ -49,6 +49,10 @@ int main(int argc, char *argv[])
     lifecycle.restoreQueueAfterFirstFrame(window.get(), QueueMemory::instance());
     QObject::connect(QueueMemory::instance(), &QueueMemory::restored, &reportMoment);
     lifecycle.attachMainWindow(window.get());
+    // Once the tools are known, the newest yt-dlp release is looked for (at most once a day).
+    ToolKeeper *keeper = DownloadManager::instance()->keeper();
+    QObject::connect(
+        DownloadManager::instance()->tools(), &ToolDiscovery::ready, keeper, [keeper] { keeper->checkForUpdates(); });
     // A download that ends while another application is in front is announced on the desktop.
     const Notifier notifier(DownloadManager::instance()->taskModel(), AppState::instance(),
         [] { return QGuiApplication::applicationState() == Qt::ApplicationActive; });

@@ -47,7 +47,18 @@ DownloadManager::DownloadManager(AppState *appState, ToolLocations locations, QO
     , m_tasks(new TaskModel(this))
     , m_tools(new ToolDiscovery(appState, std::move(locations), this))
     , m_maintenance(new Maintenance(appState, m_tools, this))
+    , m_keeper(new ToolKeeper(
+          appState, m_tools, new ToolInstaller(ReleaseLocations::standard(), this), [this] { return m_jobs.isEmpty(); },
+          this))
 {
+    // Queued: a download that ends lets the next waiting one start before the queue counts as idle.
+    connect(
+        this, &DownloadManager::runningCountChanged, m_keeper,
+        [this] {
+            if (m_jobs.isEmpty())
+                m_keeper->downloadsIdle();
+        },
+        Qt::QueuedConnection);
     connect(m_tools, &ToolDiscovery::ytDlpPathChanged, this, &DownloadManager::ytDlpPathChanged);
     connect(m_tools, &ToolDiscovery::ytDlpVersionChanged, this, &DownloadManager::ytDlpVersionChanged);
     connect(m_tools, &ToolDiscovery::detectedJSRuntimeChanged, this, &DownloadManager::detectedJSRuntimeChanged);

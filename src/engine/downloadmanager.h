@@ -4,6 +4,7 @@
 #include "engine/engineerror.h"
 #include "engine/maintenance.h"
 #include "engine/tooldiscovery.h"
+#include "engine/toolkeeper.h"
 #include "model/downloadpreset.h"
 #include "model/downloadrequest.h"
 #include "model/downloadtask.h"
@@ -35,6 +36,7 @@ class DownloadManager : public QObject
     Q_OBJECT
     Q_PROPERTY(TaskModel *tasks READ taskModel CONSTANT)
     Q_PROPERTY(ToolDiscovery *tools READ tools CONSTANT)
+    Q_PROPERTY(ToolKeeper *keeper READ keeper CONSTANT)
     Q_PROPERTY(QString ytDlpPath READ ytDlpPath NOTIFY ytDlpPathChanged)
     Q_PROPERTY(QString ytDlpVersion READ ytDlpVersion NOTIFY ytDlpVersionChanged)
     Q_PROPERTY(bool isCheckingYtDlp READ isCheckingYtDlp NOTIFY isCheckingYtDlpChanged)
@@ -76,6 +78,7 @@ public:
     // Starts discovery if it has not started yet. Whatever needs a tool waits for it meanwhile.
     void startDiscovery() { m_tools->start(); }
     ToolDiscovery *tools() const { return m_tools; }
+    ToolKeeper *keeper() const { return m_keeper; }
     Maintenance *maintenance() const { return m_maintenance; }
 
     // --- Tools, as discovery found them
@@ -208,6 +211,7 @@ private:
     TaskModel *m_tasks;
     ToolDiscovery *m_tools;
     Maintenance *m_maintenance;
+    ToolKeeper *m_keeper;
     int m_lastInstallationCheck = 0;
 
     int m_maxConcurrent = DefaultMaxConcurrentDownloads;

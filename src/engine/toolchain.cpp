@@ -179,6 +179,25 @@ QString explainUpdateFailure(const QString &output, UpdateRoute route)
     return {};
 }
 
+QString ToolVerdict::actionLabel() const
+{
+    switch (action) {
+    case quillbox::ToolAction::InstallYtDlp:
+        return u"安装最新 yt-dlp"_s;
+    case quillbox::ToolAction::UpdateYtDlp:
+        return u"更新 yt-dlp"_s;
+    case quillbox::ToolAction::InstallDeno:
+        return u"安装 Deno"_s;
+    case quillbox::ToolAction::CopyFfmpegCommand:
+        return u"复制命令"_s;
+    case quillbox::ToolAction::OpenSettings:
+        return u"修复"_s;
+    case quillbox::ToolAction::None:
+        break;
+    }
+    return {};
+}
+
 QString ffmpegInstallCommand(bool homebrew)
 {
 #ifdef Q_OS_MACOS

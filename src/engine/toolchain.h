@@ -75,8 +75,12 @@ struct ToolVerdict
     Q_PROPERTY(QString text MEMBER text CONSTANT)
     Q_PROPERTY(quillbox::Tint tint MEMBER tint CONSTANT)
     Q_PROPERTY(quillbox::ToolAction action MEMBER action CONSTANT)
+    Q_PROPERTY(QString actionLabel READ actionLabel CONSTANT)
 
 public:
+    // The button that carries out `action`; empty when there is none.
+    QString actionLabel() const;
+
     QString text;
     Tint tint = Tint::Gray;
     quillbox::ToolAction action = quillbox::ToolAction::None;

@@ -1,6 +1,7 @@
 #include "engine/tooldiscovery.h"
 
 #include "engine/shellrunner.h"
+#include "engine/toolinstaller.h"
 #include "model/appstate.h"
 #include "model/logcategories.h"
 
@@ -8,7 +9,6 @@
 #include <QFileInfo>
 #include <QRegularExpression>
 #include <QSettings>
-#include <QStandardPaths>
 
 using namespace Qt::StringLiterals;
 
@@ -58,7 +58,7 @@ ToolLocations ToolLocations::standard(const QString &home)
     }
     locations.ffmpeg += linuxPlaces(u"ffmpeg"_s);
 #endif
-    locations.keptYtDlp = QStandardPaths::writableLocation(QStandardPaths::AppDataLocation) + u"/bin/yt-dlp"_s;
+    locations.keptYtDlp = ToolInstaller::defaultYtDlpFolder() + u"/yt-dlp"_s;
     return locations;
 }
 

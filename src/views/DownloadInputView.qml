@@ -249,6 +249,13 @@ Rectangle {
             anchors.bottomMargin: 20
             spacing: 10
 
+            // Said where downloads start: the toolchain would make sites such as YouTube fail.
+            VerdictRow {
+                objectName: "toolchainNotice"
+                Layout.fillWidth: true
+                verdict: DownloadManager.tools.notice
+                onActionClicked: AppState.showSettings = true
+            }
             TextButton {
                 objectName: "startButton"
                 Layout.fillWidth: true

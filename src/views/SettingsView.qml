@@ -12,6 +12,7 @@ Rectangle {
     id: root
 
     property string customYtDlpPath: ""
+    readonly property ToolInstaller installer: DownloadManager.keeper.installer
 
     signal dismissed
 
@@ -146,6 +147,55 @@ Rectangle {
                             font.pixelSize: Theme.caption
                         }
                     }
+                    VerdictRow {
+                        objectName: "ytDlpVerdict"
+                        Layout.fillWidth: true
+                        verdict: DownloadManager.tools.ytDlpVerdict
+                        busy: root.installer.busy
+                        onActionClicked: action => presenter.repair(action)
+                    }
+                    ColumnLayout {
+                        objectName: "installProgress"
+                        Layout.fillWidth: true
+                        visible: root.installer.busy || root.installer.statusText.length > 0
+                        spacing: 4
+
+                        RowLayout {
+                            Layout.fillWidth: true
+                            spacing: 8
+
+                            Text {
+                                objectName: "installStatusText"
+                                Layout.fillWidth: true
+                                text: root.installer.statusText
+                                textFormat: Text.PlainText
+                                wrapMode: Text.Wrap
+                                color: Theme.secondaryText
+                                font.pixelSize: Theme.caption
+                            }
+                            BorderedButton {
+                                objectName: "cancelInstallButton"
+                                visible: root.installer.busy
+                                text: "取消"
+                                onClicked: root.installer.cancel()
+                            }
+                        }
+                        Rectangle {
+                            Layout.fillWidth: true
+                            visible: root.installer.busy
+                            implicitHeight: 4
+                            radius: 2
+                            color: Theme.border
+
+                            Rectangle {
+                                width: root.installer.progress < 0 ? parent.width : parent.width * root.installer.progress
+                                height: parent.height
+                                radius: 2
+                                color: Theme.accent
+                                opacity: root.installer.progress < 0 ? 0.4 : 1
+                            }
+                        }
+                    }
                     Text {
                         text: "可执行文件路径"
                         color: Theme.gray
@@ -179,6 +229,7 @@ Rectangle {
                         objectName: "autoPathText"
                         Layout.fillWidth: true
                         text: "自动检测路径: " + DownloadManager.ytDlpPath
+                              + (DownloadManager.tools.isYtDlpPathChosen ? "（使用中，自选路径）" : "（使用中，自动找到）")
                         color: Theme.gray
                         font.pixelSize: Theme.caption2
                         elide: Text.ElideMiddle
@@ -214,6 +265,16 @@ Rectangle {
                         wrapMode: Text.Wrap
                     }
                     Text {
+                        objectName: "updateAdviceText"
+                        Layout.fillWidth: true
+                        visible: presenter.updateAdvice.length > 0
+                        text: presenter.updateAdvice
+                        textFormat: Text.PlainText
+                        color: Theme.text
+                        font.pixelSize: Theme.caption
+                        wrapMode: Text.Wrap
+                    }
+                    Text {
                         objectName: "storyboardHint"
                         Layout.fillWidth: true
                         text: "⚠️ 如果下载 YouTube 时只看到图片格式（storyboard），通常是 yt-dlp 版本过旧，需要更新。"
@@ -229,6 +290,25 @@ Rectangle {
                         symbol: "arrow.triangle.2.circlepath"
                         text: presenter.isUpdating ? "更新中..." : "更新 yt-dlp 到最新版"
                         onClicked: presenter.updateYtDlp()
+                    }
+                    BorderedButton {
+                        objectName: "installYtDlpButton"
+                        visible: !DownloadManager.tools.isYtDlpKept
+                        enabled: !root.installer.busy
+                        symbol: "arrow.down.circle"
+                        text: "安装最新 yt-dlp"
+                        onClicked: DownloadManager.keeper.installYtDlp()
+                    }
+                    ToggleSwitch {
+                        objectName: "autoUpdateSwitch"
+                        Layout.fillWidth: true
+                        text: "自动更新 yt-dlp"
+                        checked: DownloadManager.keeper.autoUpdate
+                        onToggled: DownloadManager.keeper.autoUpdate = checked
+                    }
+                    Caption {
+                        text: "每天检查一次新版本；由 Quillbox 安装的 yt-dlp 会在没有下载进行时自动更新。"
+                        font.pixelSize: Theme.caption2
                     }
                 }
 
@@ -249,6 +329,13 @@ Rectangle {
                         label: runtimeGroup.found ? DownloadManager.detectedJSRuntime + " 已就绪" : "未检测到 JS 运行时"
                         redetect: true
                         onRedetectClicked: DownloadManager.detectJSRuntime()
+                    }
+                    VerdictRow {
+                        objectName: "runtimeVerdict"
+                        Layout.fillWidth: true
+                        verdict: DownloadManager.tools.runtimeVerdict
+                        busy: root.installer.busy
+                        onActionClicked: action => presenter.repair(action)
                     }
                     Text {
                         objectName: "runtimePathText"
@@ -307,6 +394,12 @@ Rectangle {
                         label: ffmpegGroup.found ? "FFmpeg 已就绪" : "未检测到 FFmpeg"
                         redetect: true
                         onRedetectClicked: DownloadManager.detectFfmpeg()
+                    }
+                    VerdictRow {
+                        objectName: "ffmpegVerdict"
+                        Layout.fillWidth: true
+                        verdict: DownloadManager.tools.ffmpegVerdict
+                        onActionClicked: action => presenter.repair(action)
                     }
                     Text {
                         objectName: "ffmpegVersionText"

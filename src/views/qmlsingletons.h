@@ -77,6 +77,22 @@ struct ToolDiscoveryForeign
     QML_UNCREATABLE("Tool discovery belongs to DownloadManager")
 };
 
+struct ToolKeeperForeign
+{
+    Q_GADGET
+    QML_FOREIGN(ToolKeeper)
+    QML_NAMED_ELEMENT(ToolKeeper)
+    QML_UNCREATABLE("The tool keeper belongs to DownloadManager")
+};
+
+struct ToolInstallerForeign
+{
+    Q_GADGET
+    QML_FOREIGN(ToolInstaller)
+    QML_NAMED_ELEMENT(ToolInstaller)
+    QML_UNCREATABLE("The installer belongs to the tool keeper")
+};
+
 // A verdict on one tool as QML reads it: `toolVerdict` properties (text, tint, action).
 struct ToolVerdictForeign
 {

@@ -3,6 +3,8 @@
 #include "engine/downloadmanager.h"
 #include "engine/shellrunner.h"
 
+#include <QClipboard>
+#include <QGuiApplication>
 #include <QSettings>
 
 using namespace Qt::StringLiterals;
@@ -43,6 +45,29 @@ void SettingsPresenter::updateYtDlp()
         self->setUpdating(false);
         self->setUpdateResult(result.text, result.advice);
     });
+}
+
+void SettingsPresenter::repair(quillbox::ToolAction action)
+{
+    if (!m_downloads)
+        return;
+    switch (action) {
+    case quillbox::ToolAction::InstallYtDlp:
+        m_downloads->keeper()->installYtDlp();
+        break;
+    case quillbox::ToolAction::UpdateYtDlp:
+        updateYtDlp();
+        break;
+    case quillbox::ToolAction::InstallDeno:
+        m_downloads->keeper()->installDeno();
+        break;
+    case quillbox::ToolAction::CopyFfmpegCommand:
+        QGuiApplication::clipboard()->setText(m_downloads->tools()->ffmpegInstallCommand());
+        break;
+    case quillbox::ToolAction::OpenSettings:
+    case quillbox::ToolAction::None:
+        break;
+    }
 }
 
 void SettingsPresenter::resetToAutoDetect()

@@ -1,0 +1,134 @@
+#include "engine/toolkeeper.h"
+
+#include "engine/tooldiscovery.h"
+#include "model/appstate.h"
+#include "model/logcategories.h"
+
+#include <QSettings>
+
+using namespace Qt::StringLiterals;
+
+ToolKeeper::ToolKeeper(
+    AppState *appState, ToolDiscovery *tools, ToolInstaller *installer, std::function<bool()> isIdle, QObject *parent)
+    : QObject(parent)
+    , m_appState(appState)
+    , m_tools(tools)
+    , m_installer(installer)
+    , m_isIdle(std::move(isIdle))
+{
+    const QSettings settings;
+    m_autoUpdate = settings.value(QLatin1String(AutoUpdateKey), true).toBool();
+    m_tools->setLatestYtDlpVersion(settings.value(QLatin1String(LatestReleaseKey)).toString());
+
+    // A running download may be reading the very file being replaced (a zip build of yt-dlp is
+    // read as it runs), so the new file waits for the queue to be idle.
+    m_installer->setReplaceGate([this](std::function<void()> proceed) {
+        if (m_isIdle())
+            proceed();
+        else
+            m_waitingSwaps.append(std::move(proceed));
+    });
+    connect(m_installer, &ToolInstaller::finished, this, &ToolKeeper::onFinished);
+}
+
+void ToolKeeper::addLog(const QString &message, LogEntry::LogType type) const
+{
+    if (m_appState)
+        m_appState->addLog(message, type);
+}
+
+void ToolKeeper::setAutoUpdate(bool value)
+{
+    if (m_autoUpdate == value)
+        return;
+    m_autoUpdate = value;
+    QSettings().setValue(QLatin1String(AutoUpdateKey), value);
+    Q_EMIT autoUpdateChanged();
+}
+
+void ToolKeeper::installYtDlp()
+{
+    m_automatic = false;
+    addLog(u"正在安装最新 yt-dlp..."_s, LogEntry::LogType::Info);
+    m_installer->install(ToolInstaller::Tool::YtDlp);
+}
+
+void ToolKeeper::installDeno()
+{
+    m_automatic = false;
+    addLog(u"正在安装 Deno..."_s, LogEntry::LogType::Info);
+    m_installer->install(ToolInstaller::Tool::Deno);
+}
+
+void ToolKeeper::onFinished(
+    ToolInstaller::Tool tool, bool ok, const QString &path, const QString &version, const QString &message)
+{
+    const QString name = tool == ToolInstaller::Tool::YtDlp ? u"yt-dlp"_s : u"Deno"_s;
+    if (!ok) {
+        addLog(u"❌ 安装 "_s + name + u" 失败: "_s + message, LogEntry::LogType::Error);
+        return;
+    }
+    addLog(u"✅ 已安装 %1 %2: %3"_s.arg(name, version, path), LogEntry::LogType::Info);
+    if (tool == ToolInstaller::Tool::YtDlp) {
+        if (!version.isEmpty()) {
+            QSettings().setValue(QLatin1String(LatestReleaseKey), version);
+            m_tools->setLatestYtDlpVersion(version);
+        }
+        // Used at once; when it was already the path in use, its version is probed again.
+        if (m_tools->ytDlpPath() == path)
+            m_tools->recheck();
+        else
+            m_tools->setCustomYtDlpPath(path);
+    } else {
+        m_tools->detectJSRuntime();
+    }
+}
+
+void ToolKeeper::checkForUpdates(const QDateTime &now)
+{
+    QSettings settings;
+    const QDateTime checked = settings.value(QLatin1String(CheckedAtKey)).toDateTime();
+    if (checked.isValid() && checked.secsTo(now) < 24 * 60 * 60 && checked <= now) {
+        updateKeptCopyIfBehind();
+        return;
+    }
+    m_installer->checkLatest(ToolInstaller::Tool::YtDlp, [this, now](const ToolInstaller::LatestRelease &latest) {
+        if (!latest.ok) {
+            // Offline or refused: said in the system log only, and tried again at the next start.
+            qCInfo(lcEngine, "[Quillbox] [checkForUpdates] %ls", qUtf16Printable(latest.error));
+            return;
+        }
+        QSettings settings;
+        settings.setValue(QLatin1String(CheckedAtKey), now);
+        settings.setValue(QLatin1String(LatestReleaseKey), latest.tag);
+        m_tools->setLatestYtDlpVersion(latest.tag);
+        updateKeptCopyIfBehind();
+    });
+}
+
+void ToolKeeper::updateKeptCopyIfBehind()
+{
+    const QString latest = m_tools->latestYtDlpVersion();
+    if (!m_autoUpdate || !m_tools->isYtDlpKept() || latest.isEmpty() || !isNewerYtDlp(latest, m_tools->ytDlpVersion())
+        || m_installer->isBusy())
+        return;
+    if (!m_isIdle()) {
+        m_updateWhenIdle = true;
+        return;
+    }
+    m_updateWhenIdle = false;
+    m_automatic = true;
+    addLog(u"正在自动更新 yt-dlp 到 "_s + latest + u"..."_s, LogEntry::LogType::Info);
+    m_installer->install(ToolInstaller::Tool::YtDlp);
+}
+
+void ToolKeeper::downloadsIdle()
+{
+    if (!m_isIdle())
+        return;
+    const auto waiting = std::exchange(m_waitingSwaps, {});
+    for (const auto &proceed : waiting)
+        proceed();
+    if (m_updateWhenIdle)
+        updateKeptCopyIfBehind();
+}

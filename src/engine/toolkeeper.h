@@ -1,0 +1,64 @@
+#pragma once
+
+#include "engine/toolinstaller.h"
+#include "model/logentry.h"
+
+#include <QDateTime>
+#include <QObject>
+#include <QString>
+
+#include <functional>
+
+class AppState;
+class ToolDiscovery;
+
+// Keeps the toolchain current: installs Quillbox's own yt-dlp or Deno when asked and puts them
+// to use at once, looks for a new yt-dlp release at most once a day, and updates the copy
+// Quillbox installed by itself when "autoUpdateYtDlp" is on. A file is swapped only while no
+// download runs. Lives on the GUI thread.
+class ToolKeeper : public QObject
+{
+    Q_OBJECT
+    Q_PROPERTY(ToolInstaller *installer READ installer CONSTANT)
+    Q_PROPERTY(bool autoUpdate READ autoUpdate WRITE setAutoUpdate NOTIFY autoUpdateChanged)
+
+public:
+    static constexpr auto AutoUpdateKey = "autoUpdateYtDlp";
+    static constexpr auto LatestReleaseKey = "latestYtDlpRelease";
+    static constexpr auto CheckedAtKey = "latestYtDlpCheckedAt";
+
+    // `isIdle` says whether no download runs; call downloadsIdle() when that becomes true.
+    ToolKeeper(AppState *appState, ToolDiscovery *tools, ToolInstaller *installer, std::function<bool()> isIdle,
+        QObject *parent = nullptr);
+
+    ToolInstaller *installer() const { return m_installer; }
+    bool autoUpdate() const { return m_autoUpdate; }
+    void setAutoUpdate(bool value);
+
+    Q_INVOKABLE void installYtDlp();
+    Q_INVOKABLE void installDeno();
+
+    // Looks for the latest release unless that was done in the last day (then the release
+    // found then is used), and updates Quillbox's own copy when it is behind.
+    void checkForUpdates(const QDateTime &now = QDateTime::currentDateTimeUtc());
+    // The queue has no running download: a waiting swap or automatic update goes ahead.
+    void downloadsIdle();
+
+Q_SIGNALS:
+    void autoUpdateChanged();
+
+private:
+    void addLog(const QString &message, LogEntry::LogType type) const;
+    void onFinished(
+        ToolInstaller::Tool tool, bool ok, const QString &path, const QString &version, const QString &message);
+    void updateKeptCopyIfBehind();
+
+    AppState *m_appState;
+    ToolDiscovery *m_tools;
+    ToolInstaller *m_installer;
+    std::function<bool()> m_isIdle;
+    bool m_autoUpdate = true;
+    bool m_updateWhenIdle = false;
+    bool m_automatic = false; // the running install was started by the daily check
+    QList<std::function<void()>> m_waitingSwaps;
+};
