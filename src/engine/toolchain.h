@@ -73,13 +73,16 @@ struct ToolVerdict
 {
     Q_GADGET
     Q_PROPERTY(QString text MEMBER text CONSTANT)
-    Q_PROPERTY(quillbox::Tint tint MEMBER tint CONSTANT)
-    Q_PROPERTY(quillbox::ToolAction action MEMBER action CONSTANT)
+    // As numbers: QML compares them with the Download.* enumerations.
+    Q_PROPERTY(int tint READ tintValue CONSTANT)
+    Q_PROPERTY(int action READ actionValue CONSTANT)
     Q_PROPERTY(QString actionLabel READ actionLabel CONSTANT)
 
 public:
     // The button that carries out `action`; empty when there is none.
     QString actionLabel() const;
+    int tintValue() const { return int(tint); }
+    int actionValue() const { return int(action); }
 
     QString text;
     Tint tint = Tint::Gray;
