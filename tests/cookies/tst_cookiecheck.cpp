@@ -49,59 +49,37 @@ void TestCookieCheck::initTestCase()
     qunsetenv("KDE_FULL_SESSION");
 }
 
+// What only a real browser shows: a keyring that refuses, a database in use.
 void TestCookieCheck::toolLines_data()
 {
     QTest::addColumn<QStringList>("lines");
     QTest::addColumn<CookieCheckProblem>("problem");
-    QTest::addColumn<int>("extracted");
     QTest::addColumn<int>("undecryptable");
     QTest::addColumn<bool>("keyringTrouble");
 
-    const QString usage = u"yt-dlp: error: You must provide at least one URL."_s;
-    QTest::newRow("read, ended for want of a link")
-        << QStringList { u"Extracting cookies from chrome"_s, u"Extracted 12 cookies from chrome"_s, usage }
-        << CookieCheckProblem::None << 12 << 0 << false;
-    QTest::newRow("some could not be decrypted")
-        << QStringList { u"WARNING: cannot decrypt v11 cookies: no key found"_s,
-               u"Extracted 3 cookies from chrome (2 could not be decrypted)"_s, usage }
-        << CookieCheckProblem::None << 3 << 2 << true;
-    QTest::newRow("none could be decrypted") << QStringList { u"WARNING: cannot decrypt v11 cookies: no key found"_s,
-        u"Extracted 0 cookies from chrome (4 could not be decrypted)"_s }
-                                             << CookieCheckProblem::KeyringRefused << 0 << 4 << true;
-    QTest::newRow("keyring unavailable, read anyway")
+    QTest::newRow("some undecryptable") << QStringList { u"WARNING: cannot decrypt v11 cookies: no key found"_s,
+        u"Extracted 3 cookies from chrome (2 could not be decrypted)"_s }
+                                        << CookieCheckProblem::None << 2 << true;
+    QTest::newRow("no keyring, read anyway")
         << QStringList { u"ERROR: secretstorage not available as the `secretstorage` module is not installed."_s,
                u"[Cookies] Extracted 2 cookies from chrome"_s }
-        << CookieCheckProblem::None << 2 << 0 << true;
-    QTest::newRow("locked") << QStringList { u"ERROR: database is locked"_s } << CookieCheckProblem::DatabaseLocked
-                            << -1 << 0 << false;
+        << CookieCheckProblem::None << 0 << true;
+    QTest::newRow("locked") << QStringList { u"ERROR: database is locked"_s } << CookieCheckProblem::DatabaseLocked << 0
+                            << false;
     QTest::newRow("copy refused") << QStringList { u"ERROR: Could not copy Chrome cookie database. See …"_s }
-                                  << CookieCheckProblem::DatabaseLocked << -1 << 0 << false;
-    QTest::newRow("no browser") << QStringList { u"Extracting cookies from chrome"_s,
-        u"ERROR: could not find chrome cookies database in \"/h/.config/google-chrome\""_s }
-                                << CookieCheckProblem::BrowserNotFound << -1 << 0 << false;
-    QTest::newRow("not Netscape")
-        << QStringList { u"WARNING: skipping cookie file entry due to invalid length 1: 'x\\n'"_s,
-               u"ERROR: 'c.txt' does not look like a Netscape format cookies file"_s }
-        << CookieCheckProblem::NotNetscape << -1 << 0 << false;
-    QTest::newRow("old yt-dlp's traceback")
-        << QStringList { u"Traceback (most recent call last):"_s, u"sqlite3.DatabaseError: file is not a database"_s }
-        << CookieCheckProblem::Unreadable << -1 << 0 << false;
+                                  << CookieCheckProblem::DatabaseLocked << 0 << false;
 }
 
 void TestCookieCheck::toolLines()
 {
     QFETCH(QStringList, lines);
     QFETCH(CookieCheckProblem, problem);
-    QFETCH(int, extracted);
     QFETCH(int, undecryptable);
     QFETCH(bool, keyringTrouble);
     const CookieLoadReport report = parseCookieLoadOutput(lines);
     QCOMPARE(report.problem, problem);
-    QCOMPARE(report.extracted, extracted);
     QCOMPARE(report.undecryptable, undecryptable);
     QCOMPARE(report.keyringTrouble, keyringTrouble);
-    if (problem != CookieCheckProblem::None)
-        QVERIFY(lines.contains(report.problemLine) || report.problemLine.startsWith(u"ERROR"));
 }
 
 void TestCookieCheck::signIn_data()
@@ -129,8 +107,6 @@ void TestCookieCheck::signIn_data()
     QTest::newRow("look-alike host") << QList<CookieFileEntry> { { u".notyoutube.com"_s, u"SID"_s, later },
         { u".youtube.com.evil.example"_s, u"SID"_s, later }, { u".google.com"_s, u"SID"_s, later } }
                                      << u"youtube"_s << u"其中没有 YouTube 的登录 Cookie"_s;
-    QTest::newRow("unknown site is YouTube") << QList<CookieFileEntry> { { u"m.youtube.com"_s, u"SID"_s, later } }
-                                             << u"nosuchsite"_s << u"找到 YouTube 的登录 Cookie（SID）"_s;
 }
 
 void TestCookieCheck::signIn()
@@ -196,12 +172,10 @@ void TestCookieCheck::realYtDlp()
             + QByteArray::number(expiry) + "\tSID\ts\n#HttpOnly_.youtube.com\tTRUE\t/\tTRUE\t"
             + QByteArray::number(expiry) + "\tLOGIN_INFO\tl\n.example.com\tTRUE\t/\tFALSE\t0\tsession\tv\n";
     const QString cookieFile = home.filePath(u"my cookies.txt"_s);
-    if (source == u"file"_s) {
-        QFile file(cookieFile);
-        QVERIFY(file.open(QIODevice::WriteOnly) && file.write(fileText) == fileText.size());
-    } else if (store == u"junk"_s) {
-        QVERIFY(QDir().mkpath(QFileInfo(database).path()));
-        QFile file(database);
+    if (source == u"file"_s || store == u"junk"_s) {
+        const QString target = source == u"file"_s ? cookieFile : database;
+        QVERIFY(QDir().mkpath(QFileInfo(target).path()));
+        QFile file(target);
         QVERIFY(file.open(QIODevice::WriteOnly) && file.write(fileText) == fileText.size());
     } else if (store != u"none"_s) {
         // Without a keyring Chromium encrypts "v10" with a fixed password; "v11" needs the keyring's.
