@@ -24,6 +24,26 @@ qint64 cookieExpirySeconds(const QByteArray &field)
     return value;
 }
 
+QList<CookieFileEntry> parseCookieFile(const QByteArray &content)
+{
+    QList<CookieFileEntry> cookies;
+    const QList<QByteArray> lines = content.split('\n');
+    for (QByteArray line : lines) {
+        if (line.endsWith('\r'))
+            line.chop(1);
+        if (line.startsWith("#HttpOnly_"))
+            line.remove(0, 10);
+        else if (line.isEmpty() || line.startsWith('#'))
+            continue;
+        const QList<QByteArray> fields = line.split('\t');
+        if (fields.size() < 7 || fields.at(0).isEmpty())
+            continue;
+        cookies.append(CookieFileEntry {
+            QString::fromUtf8(fields.at(0)), QString::fromUtf8(fields.at(5)), cookieExpirySeconds(fields.at(4)) });
+    }
+    return cookies;
+}
+
 QList<CookieDomainSummary> summarizeCookieFile(const QString &path, const QDateTime &now, QString *error)
 {
     QFile file(path);
@@ -39,27 +59,15 @@ QList<CookieDomainSummary> summarizeCookieFile(const QString &path, const QDateT
     }
     const qint64 nowSeconds = now.toSecsSinceEpoch();
     QMap<QString, CookieDomainSummary> hosts;
-    const QList<QByteArray> lines = file.readAll().split('\n');
-    for (QByteArray line : lines) {
-        if (line.endsWith('\r'))
-            line.chop(1);
-        if (line.startsWith("#HttpOnly_"))
-            line.remove(0, 10);
-        else if (line.isEmpty() || line.startsWith('#'))
-            continue;
-        const QList<QByteArray> fields = line.split('\t');
-        if (fields.size() < 7 || fields.at(0).isEmpty())
-            continue;
-        const QString domain = QString::fromUtf8(fields.at(0));
-        CookieDomainSummary &summary = hosts[domain];
-        summary.domain = domain;
+    for (const CookieFileEntry &cookie : parseCookieFile(file.readAll())) {
+        CookieDomainSummary &summary = hosts[cookie.domain];
+        summary.domain = cookie.domain;
         ++summary.count;
-        const qint64 expiry = cookieExpirySeconds(fields.at(4));
-        if (expiry == 0)
+        if (cookie.expiry == 0)
             continue;
-        if (expiry <= nowSeconds)
+        if (cookie.expiry <= nowSeconds)
             ++summary.expiredCount;
-        const QDateTime when = QDateTime::fromSecsSinceEpoch(expiry);
+        const QDateTime when = QDateTime::fromSecsSinceEpoch(cookie.expiry);
         if (!summary.latestExpiry.isValid() || when > summary.latestExpiry)
             summary.latestExpiry = when;
     }

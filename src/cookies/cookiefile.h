@@ -16,6 +16,18 @@ struct CookieDomainSummary
     bool expired() const { return expiredCount > 0 && expiredCount == count; }
 };
 
+// One cookie of a Netscape cookie file.
+struct CookieFileEntry
+{
+    QString domain;
+    QString name;
+    qint64 expiry = 0; // Unix seconds; 0 for a session cookie
+};
+
+// The cookies of a Netscape cookie file's `content`, in file order. Lines that are not cookies
+// (comments, blank or short lines) are skipped.
+QList<CookieFileEntry> parseCookieFile(const QByteArray &content);
+
 // Reads the hosts of the Netscape cookie file at `path`, sorted by name. An expiry is Unix
 // seconds, or Chrome's microseconds since 1601 as the sqlite3 export writes them; 0 is a session
 // cookie. Lines marked "#HttpOnly_" are cookies too. `error` says why nothing could be read.

@@ -383,14 +383,16 @@ void DownloadManager::failToLaunch(
     markFailed(taskId, message, explanation);
 }
 
-void DownloadManager::markFailed(const QUuid &taskId, const QString &message, const std::optional<QString> &explanation)
+void DownloadManager::markFailed(
+    const QUuid &taskId, const QString &message, const std::optional<QString> &explanation, bool needsToolFix)
 {
     if (explanation)
         addLog(*explanation, LogEntry::LogType::Error);
-    m_tasks->update(taskId, [&message, &explanation](DownloadTask &task) {
+    m_tasks->update(taskId, [&message, &explanation, needsToolFix](DownloadTask &task) {
         task.status = DownloadStatus::Failed;
         task.errorMessage = message;
         task.explanation = explanation;
+        task.needsToolFix = needsToolFix;
         task.phase.clear();
         task.eta.clear();
     });
@@ -486,9 +488,10 @@ void DownloadManager::completeDownload(const QUuid &taskId, DownloadJob *job, co
             message = kept.mid(0, 3).join(u'\n');
             addLog(message, LogEntry::LogType::Error);
         }
-        const std::optional<QString> explanation = explainFailure(
+        const std::optional<Explanation> explanation = describeFailure(
             FailedRun { end.stderrTail + end.stdoutTail, exitCode, end.crashed, m_tools->ytDlpPath() });
-        markFailed(taskId, message, explanation);
+        markFailed(taskId, message, explanation ? std::optional(explanation->text) : std::nullopt,
+            explanation && explanation->toolchainFix);
         qCInfo(lcEngine, "[Quillbox] [executeDownload] 错误信息: %ls", qUtf16Printable(message));
     }
     pumpQueue();
@@ -561,6 +564,7 @@ void DownloadManager::retryDownload(const QString &taskId)
         task.notice.clear();
         task.errorMessage.reset();
         task.explanation.reset();
+        task.needsToolFix = false;
         task.endTime.reset();
         task.startTime = QDateTime::currentDateTime();
     });

@@ -196,7 +196,8 @@ private:
     void failToLaunch(
         const QUuid &taskId, const QString &message, const std::optional<QString> &explanation = std::nullopt);
     // The task failed: its message, its explanation (also logged), and nothing left of its run.
-    void markFailed(const QUuid &taskId, const QString &message, const std::optional<QString> &explanation);
+    void markFailed(const QUuid &taskId, const QString &message, const std::optional<QString> &explanation,
+        bool needsToolFix = false);
     void applyProgress(const QUuid &taskId, const ProgressUpdate &update);
     void completeDownload(const QUuid &taskId, DownloadJob *job, const DownloadJob::End &end);
     void noteStall(const QUuid &taskId, bool stalled);

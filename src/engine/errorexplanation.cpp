@@ -11,25 +11,48 @@ namespace {
 const QString cookieAdvice = u"请在“Cookie 管理”中选择已登录该网站的浏览器或 Cookie 文件，并打开“Cookie”开关后重试。"_s;
 const QString settingsRecheck = u"然后在“设置”中重新检测。"_s;
 
+const QString updateYtDlp = u"请在“设置”中更新 yt-dlp，"_s + settingsRecheck;
+
 struct Rule
 {
     QRegularExpression pattern;
     QString text; // "%1" takes the pattern's first captured group
-    bool aboutFormats = false; // a missing JavaScript runtime is the likelier cause
+    bool toolchainFix = false;
+    // A tool problem seen anywhere in the output is the likelier cause of this symptom: formats
+    // missing, or YouTube refusing (403) streams whose challenge was not solved.
+    bool toolchainLikelier = false;
 };
+
+enum RuleFlags { Plain = 0, ToolchainFix = 1, ToolchainLikelier = 2 };
 
 // Earlier rules win: the specific cause before the general symptom (a private video is also
 // "unavailable", a file name too long also cannot be opened for writing).
 const QList<Rule> &rules()
 {
-    const auto rule = [](const char16_t *pattern, QString text, bool aboutFormats = false) {
+    const auto rule = [](const char16_t *pattern, QString text, int flags = Plain) {
         return Rule { QRegularExpression(QString::fromUtf16(pattern), QRegularExpression::CaseInsensitiveOption),
-            std::move(text), aboutFormats };
+            std::move(text), (flags & ToolchainFix) != 0, (flags & ToolchainLikelier) != 0 };
     };
     static const QList<Rule> table {
-        rule(u"No supported JavaScript runtime|n challenge solving failed|nsig extraction failed|"
-             u"challenge solver",
-            u"缺少 JavaScript 运行时：YouTube 需要它来解析视频。请安装 Deno（https://deno.com），"_s + settingsRecheck),
+        // The toolchain's own causes come first, the first of them being the likeliest.
+        rule(u"\\b(deno|node|bun|quickjs)\\S* \\(unsupported\\)|Unsupported JS runtime|"
+             u"JS runtime .* is not supported|unsupported JavaScript runtime|bun version \\S+ is not supported|"
+             u"Challenge solver .* script version .* is not supported",
+            u"JavaScript 运行时不受支持：yt-dlp 不能使用这台电脑上的运行时（版本太旧或名称不对）来解析 YouTube 视频。请安装或升级 Deno（https://deno.com），"_s
+                + settingsRecheck,
+            ToolchainFix),
+        rule(u"No supported JavaScript runtime",
+            u"缺少 JavaScript 运行时：YouTube 需要它来解析视频。请安装 Deno（https://deno.com），"_s + settingsRecheck,
+            ToolchainFix),
+        rule(u"n challenge solving failed|Signature solving failed|challenge solver",
+            u"没能解开 YouTube 的验证（n challenge）：需要可用的 JavaScript 运行时和较新的 yt-dlp。请安装 Deno（https://deno.com），并在“设置”中更新 yt-dlp，"_s
+                + settingsRecheck,
+            ToolchainFix),
+        rule(u"nsig extraction failed",
+            u"yt-dlp 版本太旧，解不开 YouTube 的验证（nsig）：下载会被拒绝或缺少格式。"_s + updateYtDlp, ToolchainFix),
+        rule(u"Only images are available|storyboard",
+            u"yt-dlp 版本太旧，跟不上网站的变化：只拿到了预览图，没有视频格式。"_s + updateYtDlp,
+            ToolchainFix | ToolchainLikelier),
         rule(u"does not look like a Netscape format cookies file|invalid Netscape format cookies file|"
              u"must be Netscape formatted",
             u"Cookie 文件无法使用：它不是 yt-dlp 接受的 Netscape 格式（cookies.txt）。请在“Cookie 管理”中重新导出 Chrome Cookie，或选择另一个 Cookie 文件。"_s),
@@ -39,7 +62,9 @@ const QList<Rule> &rules()
         rule(u"cookies are no longer valid",
             u"Cookie 已失效：请在浏览器中重新登录该网站，然后在“Cookie 管理”中重新导出或选择该浏览器后重试。"_s),
         rule(u"confirm (that )?you.?re not a bot",
-            u"需要登录：网站要求确认你不是机器人。"_s + cookieAdvice + u"也可以稍后再试。"_s),
+            u"需要登录：网站要求确认你不是机器人。"_s + cookieAdvice
+                + u"YouTube 还需要 JavaScript 运行时（Deno）：请在“设置”中确认已检测到它。"_s,
+            ToolchainFix),
         rule(u"confirm your age|age.restricted|inappropriate for some users",
             u"需要登录：这个视频有年龄限制，只有登录的账号才能观看。"_s + cookieAdvice),
         rule(u"members.only|join this channel", u"需要登录：这个视频仅对频道会员开放。"_s + cookieAdvice),
@@ -53,16 +78,17 @@ const QList<Rule> &rules()
         rule(u"HTTP Error 404\\b|HTTP Error 410\\b|video unavailable|has been removed|no longer available",
             u"链接不存在或已删除（HTTP 404/410）：请检查链接是否完整、正确，或视频是否已被删除。"_s),
         rule(u"HTTP Error 403\\b|HTTP Error 429\\b|Too Many Requests",
-            u"访问被拒绝或请求过多（HTTP 403/429）：网站暂时拒绝了下载。请稍等一会儿再试，或在“设置”中调低“同时下载数”，也可以在“Cookie 管理”中使用 Cookie。"_s),
+            u"访问被拒绝或请求过多（HTTP 403/429）：网站暂时拒绝了下载。请稍等一会儿再试，或在“设置”中调低“同时下载数”，也可以在“Cookie 管理”中使用 Cookie。"_s,
+            ToolchainLikelier),
         rule(u"ffprobe and ffmpeg not found|ffmpeg not found|ffprobe not found|ffmpeg is not installed|"
              u"ffmpeg-location .* does not exist",
             u"找不到 FFmpeg：提取音频和合并音视频都需要它。请安装 FFmpeg，"_s + settingsRecheck),
         rule(u"unable to obtain file audio codec|does not contain any audio|no audio stream|"
              u"does not contain any stream",
             u"这个视频没有音轨，无法提取音频：请换用“默认”或“最佳画质”预设下载。"_s),
-        rule(u"Requested format is not available|Only images are available|No video formats found",
+        rule(u"Requested format is not available|No video formats found",
             u"没有所需的格式：这个视频不提供所选预设要求的格式。请换一个预设，或用“查看可用格式”查看后在自定义参数中选择。"_s,
-            true),
+            ToolchainLikelier),
         rule(u"File name too long|Errno 36\\b",
             u"文件名太长：视频标题超出了系统允许的长度。请选择“自定义”预设，加上 --trim-filenames 150 后重试。"_s),
         rule(u"No space left on device|Errno 28\\b|Disk quota exceeded",
@@ -83,14 +109,14 @@ const QList<Rule> &rules()
         rule(u"Network is unreachable|Connection reset|Connection aborted|Remote end closed",
             u"网络连接失败：连接中断。请检查网络后重试。"_s),
         rule(u"(?:no such|ambiguous) option: (\\S+)",
-            u"参数无法识别：yt-dlp 不认识“%1”，通常是 yt-dlp 版本太旧。请在“设置”中更新 yt-dlp，或检查自定义参数。"_s),
+            u"参数无法识别：yt-dlp 不认识“%1”，通常是 yt-dlp 版本太旧。请在“设置”中更新 yt-dlp，或检查自定义参数。"_s,
+            ToolchainFix),
+        // An extractor that no longer understands the site; yt-dlp asks for a bug report, and the
+        // usual answer is a newer yt-dlp. Last: network failures say this too.
+        rule(u"Unable to extract|Confirm you are on the latest version|please report this issue",
+            u"yt-dlp 版本可能太旧，跟不上网站的变化：它读不懂这个页面。"_s + updateYtDlp, ToolchainFix),
     };
     return table;
-}
-
-const QString &jsRuntimeText()
-{
-    return rules().constFirst().text;
 }
 
 bool isErrorLine(const QString &line)
@@ -98,17 +124,37 @@ bool isErrorLine(const QString &line)
     return line.contains(u"ERROR") || line.contains(u"error:");
 }
 
-// The first rule that one of `lines` matches, with its text filled in.
-std::optional<QString> firstMatch(const QStringList &lines, bool jsRuntimeTrouble)
+Explanation explanationOf(const Rule &rule, const QRegularExpressionMatch &match)
+{
+    return Explanation { rule.text.contains(u"%1") ? rule.text.arg(match.captured(1)) : rule.text, rule.toolchainFix };
+}
+
+// The first rule that one of `lines` matches, with its text filled in; a symptom that a tool
+// problem explains better gives way to `toolchainCause`.
+std::optional<Explanation> firstMatch(const QStringList &lines, const std::optional<Explanation> &toolchainCause)
 {
     for (const Rule &rule : rules()) {
         for (const QString &line : lines) {
             const QRegularExpressionMatch match = rule.pattern.match(line);
             if (!match.hasMatch())
                 continue;
-            if (rule.aboutFormats && jsRuntimeTrouble)
-                return jsRuntimeText();
-            return rule.text.contains(u"%1") ? rule.text.arg(match.captured(1)) : rule.text;
+            if (rule.toolchainLikelier && toolchainCause)
+                return toolchainCause;
+            return explanationOf(rule, match);
+        }
+    }
+    return std::nullopt;
+}
+
+// The first of the leading toolchain rules that any line, warning or error, matches.
+std::optional<Explanation> toolchainCause(const QStringList &lines)
+{
+    for (const Rule &rule : rules()) {
+        if (!rule.toolchainFix || rule.toolchainLikelier)
+            break;
+        for (const QString &line : lines) {
+            if (const QRegularExpressionMatch match = rule.pattern.match(line); match.hasMatch())
+                return explanationOf(rule, match);
         }
     }
     return std::nullopt;
@@ -124,27 +170,36 @@ bool killedFromOutside(const FailedRun &run)
 }
 } // namespace
 
-std::optional<QString> explainFailure(const FailedRun &run)
+std::optional<Explanation> describeFailure(const FailedRun &run)
 {
     // The shell's own statuses: nothing to run, or nothing it may run.
     if (run.exitCode == 127 && !run.crashed)
-        return u"找不到 yt-dlp（%1）：请安装 yt-dlp，或在“设置”中指定它的路径。"_s.arg(run.ytDlpPath);
+        return Explanation { u"找不到 yt-dlp（%1）：请安装 yt-dlp，或在“设置”中指定它的路径。"_s.arg(run.ytDlpPath),
+            true };
     if (run.exitCode == 126 && !run.crashed)
-        return u"yt-dlp 无法运行（%1）：它不是可执行文件或没有执行权限。请检查它，或在“设置”中指定另一个路径。"_s.arg(
-            run.ytDlpPath);
+        return Explanation {
+            u"yt-dlp 无法运行（%1）：它不是可执行文件或没有执行权限。请检查它，或在“设置”中指定另一个路径。"_s.arg(
+                run.ytDlpPath),
+            true
+        };
 
-    const bool jsRuntimeTrouble = std::any_of(run.lines.cbegin(), run.lines.cend(),
-        [](const QString &line) { return rules().constFirst().pattern.match(line).hasMatch(); });
+    const std::optional<Explanation> toolchain = toolchainCause(run.lines);
     // The error lines say what ended the run; warnings before them only sometimes do.
     QStringList errorLines;
     std::copy_if(run.lines.cbegin(), run.lines.cend(), std::back_inserter(errorLines), isErrorLine);
-    if (auto text = firstMatch(errorLines, jsRuntimeTrouble))
-        return text;
-    if (auto text = firstMatch(run.lines, jsRuntimeTrouble))
-        return text;
+    if (auto explanation = firstMatch(errorLines, toolchain))
+        return explanation;
+    if (auto explanation = firstMatch(run.lines, toolchain))
+        return explanation;
     if (killedFromOutside(run))
-        return u"下载进程被外部结束（可能是系统内存不足，或被其他程序终止）：可以重新开始下载。"_s;
+        return Explanation { u"下载进程被外部结束（可能是系统内存不足，或被其他程序终止）：可以重新开始下载。"_s };
     return std::nullopt;
+}
+
+std::optional<QString> explainFailure(const FailedRun &run)
+{
+    const std::optional<Explanation> explanation = describeFailure(run);
+    return explanation ? std::optional<QString>(explanation->text) : std::nullopt;
 }
 
 QString explainLaunchFailure(const QString &shell, const QString &reason)

@@ -16,7 +16,17 @@ struct FailedRun
     QString ytDlpPath; // named when the tool itself is missing
 };
 
+struct Explanation
+{
+    QString text;
+    // The fix is in the tools rather than the link or the machine: a JavaScript runtime that is
+    // missing or unsupported, a yt-dlp too old for the site, or cookies and a runtime for YouTube's bot check.
+    bool toolchainFix = false;
+};
+
 // The explanation of a failed run, or nothing when its output says nothing this table knows.
+std::optional<Explanation> describeFailure(const FailedRun &run);
+// describeFailure()'s text alone.
 std::optional<QString> explainFailure(const FailedRun &run);
 
 // The explanation for a shell that could not be started at all.

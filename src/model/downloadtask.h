@@ -36,6 +36,9 @@ public:
     std::optional<QString> errorMessage;
     // A failure said in plain words, with what to do; errorMessage keeps the tool's own text.
     std::optional<QString> explanation;
+    // The explanation's fix is in the tools (yt-dlp, a JavaScript runtime), made in the settings.
+    // Not stored: a task read back from the store has it false.
+    bool needsToolFix = false;
     QDateTime startTime;
     std::optional<QDateTime> endTime;
     std::optional<QString> outputPath;

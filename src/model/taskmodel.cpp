@@ -68,6 +68,8 @@ QVariant TaskModel::data(const QModelIndex &index, int role) const
         return task.duration;
     case ThumbnailRole:
         return task.thumbnail;
+    case NeedsToolFixRole:
+        return task.needsToolFix;
     case FileNameRole:
         return task.outputPath ? task.outputPath->mid(task.outputPath->lastIndexOf(u'/') + 1) : QString();
     default:
@@ -102,6 +104,7 @@ QHash<int, QByteArray> TaskModel::roleNames() const
         { FileNameRole, "fileName" },
         { DurationRole, "duration" },
         { ThumbnailRole, "thumbnail" },
+        { NeedsToolFixRole, "needsToolFix" },
     };
 }
 
@@ -266,6 +269,8 @@ void TaskModel::changed(int row, const DownloadTask &before)
         roles << ErrorMessageRole << HasErrorRole;
     if (after.explanation != before.explanation)
         roles.append(ExplanationRole);
+    if (after.needsToolFix != before.needsToolFix)
+        roles.append(NeedsToolFixRole);
     if (after.startTime != before.startTime)
         roles.append(StartTimeRole);
     if (after.endTime != before.endTime)

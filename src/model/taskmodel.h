@@ -45,6 +45,7 @@ public:
         FileNameRole, // that file's name
         DurationRole, // the video's length ("3:25"), once known
         ThumbnailRole, // the address of the video's picture, once known
+        NeedsToolFixRole, // the explanation's fix is in the settings' tools
     };
     Q_ENUM(Role)
 

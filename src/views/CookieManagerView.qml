@@ -165,6 +165,55 @@ Rectangle {
                     font.pixelSize: Theme.caption
                     wrapMode: Text.Wrap
                 }
+                RowLayout {
+                    Layout.fillWidth: true
+                    spacing: 10
+
+                    BorderedButton {
+                        objectName: "checkButton"
+                        symbol: "checkmark.circle"
+                        busy: presenter.checking
+                        enabled: !presenter.checking && AppState.cookieSource !== "none"
+                        text: presenter.checking ? "正在检查..." : "检查 Cookie"
+                        onClicked: presenter.checkCookies()
+                    }
+                    Text {
+                        text: "登录网站"
+                        color: Theme.gray
+                        font.pixelSize: Theme.caption
+                    }
+                    ComboBox {
+                        id: siteChoice
+
+                        objectName: "checkSiteChoice"
+                        Layout.preferredWidth: 140
+                        model: presenter.checkSites
+                        textRole: "label"
+                        valueRole: "key"
+                        currentIndex: Math.max(0, siteChoice.indexOfValue(presenter.checkSite))
+                        onActivated: presenter.checkSite = siteChoice.currentValue
+                    }
+                    Item {
+                        Layout.fillWidth: true
+                    }
+                }
+                Hint {
+                    Layout.fillWidth: true
+                    visible: AppState.cookieSource !== "none"
+                    text: "让 yt-dlp 读取所选的 Cookie，不下载、不联网，看看它读到了什么。"
+                }
+                TextEdit {
+                    objectName: "checkResult"
+                    Layout.fillWidth: true
+                    visible: text.length > 0
+                    readOnly: true
+                    selectByMouse: true
+                    textFormat: TextEdit.PlainText
+                    text: presenter.checkSummary
+                    color: presenter.checkFailed ? Theme.red : Theme.green
+                    font.pixelSize: Theme.caption
+                    wrapMode: TextEdit.Wrap
+                }
             }
 
             SettingsGroup {

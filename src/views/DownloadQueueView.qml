@@ -108,6 +108,8 @@ Rectangle {
                     loadingInfo: root.videoInfoLoadingUrl === url
                     onClicked: root.selectedTaskId = taskId
                     onVideoInfoRequested: root.videoInfoRequested(url)
+                    // The tools are checked and updated in the settings.
+                    onToolFixRequested: AppState.showSettings = true
                 }
 
                 ScrollBar.vertical: ScrollBar {}

@@ -32,6 +32,8 @@ AbstractButton {
     required property var errorMessage
     required property string notice
     required property string explanation
+    // The explanation's fix is in the settings' tools (yt-dlp, a JavaScript runtime).
+    required property bool needsToolFix
     property bool isSelected: false
     // The video's information is being fetched for the sheet.
     property bool loadingInfo: false
@@ -46,6 +48,7 @@ AbstractButton {
     readonly property bool hasFile: outputPath.length > 0
     readonly property bool showsActions: hovered || isSelected || activeFocus || menu.visible
     signal videoInfoRequested
+    signal toolFixRequested
 
     // Where the sweeping bar is, 0–1, while a step after the download runs.
     property real sweep
@@ -254,14 +257,30 @@ AbstractButton {
                     font.pixelSize: Theme.caption2
                 }
             }
-            Text {
-                objectName: "explanationText"
+            RowLayout {
                 Layout.fillWidth: true
                 visible: root.isExplained
-                text: root.explanation
-                color: Theme.red
-                font.pixelSize: Theme.caption
-                wrapMode: Text.Wrap
+                spacing: 8
+
+                Text {
+                    objectName: "explanationText"
+                    Layout.fillWidth: true
+                    text: root.explanation
+                    color: Theme.red
+                    font.pixelSize: Theme.caption
+                    wrapMode: Text.Wrap
+                }
+                BorderedButton {
+                    objectName: "toolFixButton"
+                    Layout.alignment: Qt.AlignTop
+                    visible: root.needsToolFix && root.status === Download.Failed
+                    implicitHeight: 24
+                    text: "修复"
+                    symbol: "wand.and.stars"
+                    fontSize: Theme.caption
+                    iconSize: Theme.caption
+                    onClicked: root.toolFixRequested()
+                }
             }
             Text {
                 objectName: "errorText"

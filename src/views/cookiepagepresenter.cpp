@@ -4,6 +4,7 @@
 #include "cookies/cookiefile.h"
 #include "cookies/cookieservice.h"
 #include "cookies/cookiewords.h"
+#include "engine/downloadmanager.h"
 #include "model/appstate.h"
 
 #include <QDir>
@@ -40,9 +41,14 @@ CookiePagePresenter::CookiePagePresenter(QObject *parent)
     , m_state(AppState::instance())
     , m_service(CookieService::instance())
     , m_home(QDir::homePath())
+    , m_check(new CookieCheck(DownloadManager::instance()->tools(), this))
+    , m_checkSite(signInSites().constFirst().key)
 {
     connect(m_state, &AppState::cookiePathChanged, this, &CookiePagePresenter::readCookieFile);
     connect(m_state, &AppState::cookieSourceChanged, this, &CookiePagePresenter::readBrowsers);
+    // A check speaks of the source it read; another source makes it stale.
+    connect(m_state, &AppState::cookiePathChanged, this, &CookiePagePresenter::forgetCheck);
+    connect(m_state, &AppState::cookieSourceChanged, this, &CookiePagePresenter::forgetCheck);
     connect(m_service, &CookieService::exportFinished, this, &CookiePagePresenter::describeExport);
     refresh();
 }
@@ -131,4 +137,58 @@ void CookiePagePresenter::describeExport(bool ok)
         m_exportSummary = summary;
         Q_EMIT exportSummaryChanged();
     }
+}
+
+QVariantList CookiePagePresenter::checkSites() const
+{
+    QVariantList sites;
+    for (const SignInSite &site : signInSites())
+        sites.append(QVariantMap { { u"key"_s, site.key }, { u"label"_s, site.label } });
+    return sites;
+}
+
+void CookiePagePresenter::setCheckSite(const QString &key)
+{
+    const QString known = signInSite(key).key;
+    if (known == m_checkSite)
+        return;
+    m_checkSite = known;
+    Q_EMIT checkSiteChanged();
+    describeCheck();
+}
+
+void CookiePagePresenter::checkCookies()
+{
+    if (m_checking)
+        return;
+    m_checking = true;
+    m_lastCheck.reset();
+    describeCheck();
+    // The answer may come at once, before start() returns (nothing chosen, no such file).
+    const bool started = m_check->start(
+        m_state->cookieSource(), m_state->cookiePath(), m_home, [this](const CookieCheckResult &result) {
+            m_checking = false;
+            m_lastCheck = result;
+            describeCheck();
+        });
+    if (!started) {
+        m_checking = false;
+        describeCheck();
+    }
+}
+
+void CookiePagePresenter::forgetCheck()
+{
+    if (m_checking || !m_lastCheck)
+        return;
+    m_lastCheck.reset();
+    describeCheck();
+}
+
+void CookiePagePresenter::describeCheck()
+{
+    m_checkSummary = m_lastCheck
+        ? describeCookieCheck(*m_lastCheck, signInSite(m_checkSite), QDateTime::currentDateTime())
+        : QString();
+    Q_EMIT checkChanged();
 }

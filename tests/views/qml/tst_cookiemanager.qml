@@ -156,4 +156,44 @@ TestCase {
         AppState.useCookies = false
         verify(findChild(page, "switchOffHint").visible)
     }
+
+    function test_checkCookies_data() {
+        return [
+            { tag: "read", steps: "[{\"out\": \"[info] no link\\n\"}]", exit: 2, failed: false,
+              says: "yt-dlp 从 Cookie 文件 读到 2 个 Cookie。\n找到 YouTube 的登录 Cookie（SID），有效期至 2100-01-01" },
+            { tag: "refused", exit: 1, failed: true,
+              steps: "[{\"err\": \"ERROR: 'c.txt' does not look like a Netscape format cookies file\\n\"}]",
+              says: "Cookie 文件不是 Netscape 格式（cookies.txt），yt-dlp 无法使用" },
+        ]
+    }
+
+    function test_checkCookies(data) {
+        const file = TestHelper.tempDir() + "/signed in.txt"
+        verify(TestHelper.writeTextFile(file, "# Netscape HTTP Cookie File\n"
+                                        + ".youtube.com\tTRUE\t/\tTRUE\t4102444800\tSID\tx\n"
+                                        + ".youtube.com\tTRUE\t/\tFALSE\t0\tPREF\ty\n"))
+        AppState.cookieSource = "none"
+        const page = makePage()
+        const button = findChild(page, "checkButton")
+        const result = findChild(page, "checkResult")
+        verify(!button.enabled)
+        AppState.cookiePath = file
+        mouseClick(findChild(page, "sourceFile"))
+        verify(button.enabled)
+        verify(!result.visible)
+
+        TestHelper.setScenario(data.steps, data.exit)
+        mouseClick(button)
+        compare(button.text, "正在检查...")
+        tryCompare(button, "text", "检查 Cookie", 20000)
+        verify(result.visible)
+        verify(result.text.startsWith(data.says), result.text)
+        compare(result.color, data.failed ? Theme.red : Theme.green)
+        // The user's file is handed over as a copy, never itself.
+        const argv = TestHelper.argvFor("--ignore-config")
+        verify(argv.indexOf("--cookies") >= 0 && argv.indexOf(file) < 0, argv.join(" "))
+        // Another source makes the result stale.
+        mouseClick(findChild(page, "sourceBrowser"))
+        verify(!result.visible)
+    }
 }

@@ -236,4 +236,32 @@ TestCase {
         verify(TestHelper.taskUrls().includes("https://busy.example/1"))
         compare(child("clearCompletedButton").visible, false)
     }
+
+    // A failure the tools cause offers "修复", which opens the settings; other failures do not.
+    function test_toolFixOpensSettings_data() {
+        return [
+            { tag: "no JavaScript runtime", fix: true, steps: '[{"err": "WARNING: [youtube] No supported JavaScript '
+              + 'runtime could be found.\\nERROR: [youtube] x: Requested format is not available\\n"}]' },
+            { tag: "missing page", fix: false, steps: '[{"err": "ERROR: HTTP Error 404: Not Found\\n"}]' },
+        ]
+    }
+
+    function test_toolFixOpensSettings(data) {
+        AppState.showSettings = false
+        showMainView(1200, 800)
+        const before = DownloadManager.tasks.count
+        TestHelper.setScenario(data.steps, 1)
+        start(["https://fix.example/" + before])
+        tryVerify(() => TestHelper.taskStatuses()[before] === "失败", 20000)
+        const row = rowAt(before)
+        const fix = findChild(row, "toolFixButton")
+        tryCompare(findChild(row, "explanationText"), "visible", true)
+        compare(fix.visible, data.fix)
+        if (!data.fix)
+            return
+        compare(fix.text, "修复")
+        mouseClick(fix)
+        compare(AppState.showSettings, true)
+        AppState.showSettings = false
+    }
 }
