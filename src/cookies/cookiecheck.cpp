@@ -108,16 +108,20 @@ CookieLoadReport parseCookieLoadOutput(const QStringList &lines)
         u"Extracted (\\d+) cookies from \\S+(?: \\((\\d+) could not be decrypted\\))?"_s);
     CookieLoadReport report;
     QString lastError;
+    QString keyringLine;
     for (const QString &line : lines) {
         if (const QRegularExpressionMatch match = extracted.match(line); match.hasMatch()) {
             report.extracted = match.captured(1).toInt();
             report.undecryptable = match.captured(2).toInt();
         }
-        if (keyringPattern().match(line).hasMatch())
-            report.keyringTrouble = true;
-        if (isErrorLine(line) && !keyringPattern().match(line).hasMatch())
+        if (keyringPattern().match(line).hasMatch()) {
+            if (keyringLine.isEmpty())
+                keyringLine = line.trimmed();
+        } else if (isErrorLine(line)) {
             lastError = line.trimmed();
+        }
     }
+    report.keyringTrouble = !keyringLine.isEmpty();
     // The last line that says it: an old yt-dlp's traceback quotes its source before the message.
     for (const ProblemRule &rule : problemRules()) {
         for (auto line = lines.crbegin(); line != lines.crend(); ++line) {
@@ -130,17 +134,10 @@ CookieLoadReport parseCookieLoadOutput(const QStringList &lines)
     }
     if (report.keyringTrouble && report.extracted == 0 && report.undecryptable > 0) {
         report.problem = CookieCheckProblem::KeyringRefused;
+        report.problemLine = keyringLine;
     } else if (!lastError.isEmpty()) {
         report.problem = CookieCheckProblem::Unreadable;
         report.problemLine = lastError;
-    }
-    if (report.problem == CookieCheckProblem::KeyringRefused) {
-        for (const QString &line : lines) {
-            if (keyringPattern().match(line).hasMatch()) {
-                report.problemLine = line.trimmed();
-                break;
-            }
-        }
     }
     return report;
 }
@@ -280,6 +277,9 @@ bool CookieCheck::start(const QString &source, const QString &cookieFile, const 
                     } else if (run.exitCode == 127 && !run.crashed) {
                         result.problem = CookieCheckProblem::YtDlpMissing;
                         result.detail = ytDlp;
+                    } else if (run.crashed) {
+                        result.problem = CookieCheckProblem::NotRun;
+                        result.detail = u"yt-dlp 异常退出"_s;
                     } else {
                         const QStringList lines = QString(run.standardOutput + u'\n' + run.standardError).split(u'\n');
                         const CookieLoadReport report = parseCookieLoadOutput(lines);
