@@ -1,9 +1,11 @@
 #include "engine/toolkeeper.h"
 
+#include "engine/shellrunner.h"
 #include "engine/tooldiscovery.h"
 #include "model/appstate.h"
 #include "model/logcategories.h"
 
+#include <QFileInfo>
 #include <QSettings>
 
 using namespace Qt::StringLiterals;
@@ -29,6 +31,18 @@ ToolKeeper::ToolKeeper(
             m_waitingSwaps.append(std::move(proceed));
     });
     connect(m_installer, &ToolInstaller::finished, this, &ToolKeeper::onFinished);
+    for (const auto signal :
+        { &ToolInstaller::busyChanged, &ToolInstaller::progressChanged, &ToolInstaller::statusTextChanged })
+        connect(m_installer, signal, this, &ToolKeeper::stateChanged);
+#ifdef Q_OS_MACOS
+    // Where Homebrew is, it installs and updates the tools, as the user would do it by hand.
+    for (const QString &brew : { u"/opt/homebrew/bin/brew"_s, u"/usr/local/bin/brew"_s }) {
+        if (QFileInfo(brew).isExecutable()) {
+            m_brew = brew;
+            break;
+        }
+    }
+#endif
 }
 
 void ToolKeeper::addLog(const QString &message, LogEntry::LogType type) const
@@ -50,6 +64,12 @@ void ToolKeeper::installYtDlp()
 {
     m_automatic = false;
     addLog(u"正在安装最新 yt-dlp..."_s, LogEntry::LogType::Info);
+    if (!m_brew.isEmpty()) {
+        // Homebrew's yt-dlp is the first place discovery looks once no other path is chosen.
+        brewInstall(u"yt-dlp"_s, [this] { m_tools->resetYtDlpPath(); });
+        return;
+    }
+    m_brewStatus.clear();
     m_installer->install(ToolInstaller::Tool::YtDlp);
 }
 
@@ -57,12 +77,51 @@ void ToolKeeper::installDeno()
 {
     m_automatic = false;
     addLog(u"正在安装 Deno..."_s, LogEntry::LogType::Info);
+    if (!m_brew.isEmpty()) {
+        brewInstall(u"deno"_s, [this] { m_tools->detectJSRuntime(); });
+        return;
+    }
+    m_brewStatus.clear();
     m_installer->install(ToolInstaller::Tool::Deno);
+}
+
+void ToolKeeper::brewInstall(const QString &formula, std::function<void()> then)
+{
+    if (isBusy())
+        return;
+    const QString brew = quoteIfNeeded(m_brew);
+    const QString command
+        = brew + u" install "_s + formula + u" 2>&1 || "_s + brew + u" upgrade "_s + formula + u" 2>&1"_s;
+    m_brewing = true;
+    m_brewStatus = u"正在通过 Homebrew 安装 "_s + formula + u"…"_s;
+    Q_EMIT stateChanged();
+    runShellCommand(
+        command, PipeMode::Shared, this,
+        [this, formula, then = std::move(then)](const ShellResult &result) {
+            m_brewing = false;
+            const bool ok = result.launched && result.exitCode == 0 && !result.crashed;
+            const QString output = result.launched ? result.trimmedOutput() : result.errorString;
+            if (ok) {
+                m_brewStatus = u"✅ Homebrew 已安装 "_s + formula;
+                addLog(m_brewStatus, LogEntry::LogType::Info);
+                then();
+            } else {
+                m_brewStatus = u"❌ Homebrew 没能安装 "_s + formula + u"，请在终端运行 brew install "_s + formula
+                    + u" 查看原因。"_s;
+                addLog(m_brewStatus + u"\n"_s + output.right(300), LogEntry::LogType::Error);
+            }
+            Q_EMIT stateChanged();
+        },
+        30 * 60 * 1000);
 }
 
 void ToolKeeper::onFinished(
     ToolInstaller::Tool tool, bool ok, const QString &path, const QString &version, const QString &message)
 {
+    if (!m_brewStatus.isEmpty()) {
+        m_brewStatus.clear();
+        Q_EMIT stateChanged();
+    }
     const QString name = tool == ToolInstaller::Tool::YtDlp ? u"yt-dlp"_s : u"Deno"_s;
     if (!ok) {
         addLog(u"❌ 安装 "_s + name + u" 失败: "_s + message, LogEntry::LogType::Error);

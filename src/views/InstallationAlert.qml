@@ -3,8 +3,9 @@ import QtQuick.Controls.Basic
 import QtQuick.Layouts
 import Quillbox
 
-// Warns that yt-dlp does not answer and offers its installation instructions. A dialog of our
-// own rather than a MessageDialog: the buttons carry their own words.
+// Warns that yt-dlp does not answer, offers to install the official build at once (Quillbox's
+// own copy, used as soon as it is there), and the installation instructions. A dialog of our own
+// rather than a MessageDialog: the buttons carry their own words.
 Dialog {
     id: root
 
@@ -60,9 +61,18 @@ Dialog {
                 onClicked: root.reject()
             }
             Button {
+                objectName: "installNowButton"
+                text: "安装最新 yt-dlp"
+                highlighted: true
+                onClicked: {
+                    DownloadManager.keeper.installYtDlp()
+                    AppState.showSettings = true
+                    root.accept()
+                }
+            }
+            Button {
                 objectName: "openInstructionsButton"
                 text: "打开安装说明"
-                highlighted: true
                 onClicked: {
                     Desktop.openUrl(root.installationPage)
                     root.accept()

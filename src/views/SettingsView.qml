@@ -12,7 +12,7 @@ Rectangle {
     id: root
 
     property string customYtDlpPath: ""
-    readonly property ToolInstaller installer: DownloadManager.keeper.installer
+    readonly property ToolKeeper keeper: DownloadManager.keeper
 
     signal dismissed
 
@@ -151,13 +151,13 @@ Rectangle {
                         objectName: "ytDlpVerdict"
                         Layout.fillWidth: true
                         verdict: DownloadManager.tools.ytDlpVerdict
-                        busy: root.installer.busy
+                        busy: root.keeper.busy
                         onActionClicked: action => presenter.repair(action)
                     }
                     ColumnLayout {
                         objectName: "installProgress"
                         Layout.fillWidth: true
-                        visible: root.installer.busy || root.installer.statusText.length > 0
+                        visible: root.keeper.busy || root.keeper.statusText.length > 0
                         spacing: 4
 
                         RowLayout {
@@ -167,7 +167,7 @@ Rectangle {
                             Text {
                                 objectName: "installStatusText"
                                 Layout.fillWidth: true
-                                text: root.installer.statusText
+                                text: root.keeper.statusText
                                 textFormat: Text.PlainText
                                 wrapMode: Text.Wrap
                                 color: Theme.secondaryText
@@ -175,24 +175,24 @@ Rectangle {
                             }
                             BorderedButton {
                                 objectName: "cancelInstallButton"
-                                visible: root.installer.busy
+                                visible: root.keeper.canCancel
                                 text: "取消"
-                                onClicked: root.installer.cancel()
+                                onClicked: root.keeper.cancel()
                             }
                         }
                         Rectangle {
                             Layout.fillWidth: true
-                            visible: root.installer.busy
+                            visible: root.keeper.busy
                             implicitHeight: 4
                             radius: 2
                             color: Theme.border
 
                             Rectangle {
-                                width: root.installer.progress < 0 ? parent.width : parent.width * root.installer.progress
+                                width: root.keeper.progress < 0 ? parent.width : parent.width * root.keeper.progress
                                 height: parent.height
                                 radius: 2
                                 color: Theme.accent
-                                opacity: root.installer.progress < 0 ? 0.4 : 1
+                                opacity: root.keeper.progress < 0 ? 0.4 : 1
                             }
                         }
                     }
@@ -294,7 +294,7 @@ Rectangle {
                     BorderedButton {
                         objectName: "installYtDlpButton"
                         visible: !DownloadManager.tools.isYtDlpKept
-                        enabled: !root.installer.busy
+                        enabled: !root.keeper.busy
                         symbol: "arrow.down.circle"
                         text: "安装最新 yt-dlp"
                         onClicked: DownloadManager.keeper.installYtDlp()
@@ -334,7 +334,7 @@ Rectangle {
                         objectName: "runtimeVerdict"
                         Layout.fillWidth: true
                         verdict: DownloadManager.tools.runtimeVerdict
-                        busy: root.installer.busy
+                        busy: root.keeper.busy
                         onActionClicked: action => presenter.repair(action)
                     }
                     Text {

@@ -21,6 +21,7 @@ private Q_SLOTS:
     void initTestCase();
     void installedCopyIsUsedAtOnceAndDownloads();
     void updatesWaitForTheRunningDownload();
+    void homebrewInstallsWhereItIs();
 
 private:
     QTemporaryDir m_releases;
@@ -31,11 +32,9 @@ private:
 void TestToolKeeper::initTestCase()
 {
     const QString shared = sharedYtDlp();
-    if (shared.isEmpty())
-        QSKIP("needs ../shared/tools/yt-dlp/yt-dlp beside the project (a clone outside the workspace has none)");
     const QString asset = ReleaseLocations::standard().ytDlp.assetName;
-    if (asset.isEmpty())
-        QSKIP("no official yt-dlp build for this system");
+    if (shared.isEmpty() || asset.isEmpty())
+        return; // the tests that install say why they skip
     QFile build(shared);
     QVERIFY(build.open(QIODevice::ReadOnly));
     m_build = build.readAll();
@@ -58,8 +57,14 @@ void TestToolKeeper::initTestCase()
     qputenv("QUILLBOX_RELEASES_URL", m_server->base().toUtf8());
 }
 
+#define NEEDS_RELEASES()                                                                                               \
+    if (!m_server)                                                                                                     \
+    QSKIP("needs ../shared/tools/yt-dlp/yt-dlp beside the project (a clone outside the workspace has none) and an "    \
+          "official yt-dlp build for this system")
+
 void TestToolKeeper::installedCopyIsUsedAtOnceAndDownloads()
 {
+    NEEDS_RELEASES();
     auto engine = SandboxEngine::start([](SandboxEngine &, ToolLocations &locations) {
         locations.keptYtDlp = ToolInstaller::defaultYtDlpFolder() + u"/yt-dlp"_s;
     });
@@ -95,6 +100,7 @@ void TestToolKeeper::installedCopyIsUsedAtOnceAndDownloads()
 
 void TestToolKeeper::updatesWaitForTheRunningDownload()
 {
+    NEEDS_RELEASES();
     // An older copy of Quillbox's own (the stand-in, calling itself an official build of
     // 2026.01.01) is in use and downloading when the daily check finds 2026.08.19.
     qputenv("FAKE_YTDLP_VERSION", "2026.01.01");
@@ -145,6 +151,32 @@ void TestToolKeeper::updatesWaitForTheRunningDownload()
     // Checked today: the next start does not ask again.
     const QDateTime checked = QSettings().value(QLatin1String(ToolKeeper::CheckedAtKey)).toDateTime();
     QVERIFY(checked.isValid());
+}
+
+void TestToolKeeper::homebrewInstallsWhereItIs()
+{
+    // Where Homebrew is (macOS), it installs Deno; discovery then finds it. A stand-in brew
+    // puts a Deno where the real one would be found.
+    auto engine = SandboxEngine::start([](SandboxEngine &engine, ToolLocations &locations) {
+        locations.runtimes[0].candidates << engine.fixture.path(u"home/.deno/bin/deno"_s);
+    });
+    QVERIFY(engine);
+    DownloadManager &manager = *engine->manager;
+    QTRY_VERIFY(manager.tools()->isReady());
+    const QString deno = engine->fixture.path(u"home/.deno/bin/deno"_s);
+    const QString brew = engine->fixture.writeScript(u"brew bin/brew"_s,
+        "echo \"$*\" >> \"$HOME/brew.log\"\n/bin/mkdir -p \"$HOME/.deno/bin\"\n"
+        "printf '#!/bin/sh\\necho deno 2.5.0\\n' > \"$HOME/.deno/bin/deno\"\n/bin/chmod +x \"$HOME/.deno/bin/deno\"\n");
+    manager.keeper()->setHomebrew(brew);
+
+    manager.keeper()->installDeno();
+    QVERIFY(manager.keeper()->isBusy());
+    QVERIFY(!manager.keeper()->canCancel());
+    QTRY_VERIFY_WITH_TIMEOUT(!manager.keeper()->isBusy(), 20000);
+    QCOMPARE(engine->fixture.readFile(u"home/brew.log"_s), u"install deno\n"_s);
+    QVERIFY(!manager.keeper()->installer()->isBusy()); // no official build was fetched
+    QTRY_COMPARE_WITH_TIMEOUT(manager.detectedJSRuntimePath(), deno, 20000);
+    QCOMPARE(manager.keeper()->statusText(), u"✅ Homebrew 已安装 deno"_s);
 }
 
 QTEST_GUILESS_MAIN(TestToolKeeper)

@@ -280,6 +280,8 @@ public Q_SLOTS:
         DownloadManager::useLocations(locations);
 #endif
         qputenv("QUILLBOX_NO_BROWSER", "1");
+        // An installation asked for in a test stays on this machine (a closed port on 127.0.0.1).
+        qputenv("QUILLBOX_RELEASES_URL", "http://127.0.0.1:9");
         // Exported cookie files go to the sandbox's temporary folder.
         QDir().mkpath(m_env->root() + u"/tmp"_s);
         qputenv("TMPDIR", (m_env->root() + u"/tmp"_s).toUtf8());

@@ -190,7 +190,7 @@ TestCase {
         verify(result.text.startsWith(data.says), result.text)
         compare(result.color, data.failed ? Theme.red : Theme.green)
         // The user's file is handed over as a copy, never itself.
-        const argv = TestHelper.argvFor("--ignore-config")
+        const argv = TestHelper.argvFor("--cookies")
         verify(argv.indexOf("--cookies") >= 0 && argv.indexOf(file) < 0, argv.join(" "))
         // Another source makes the result stale.
         mouseClick(findChild(page, "sourceBrowser"))

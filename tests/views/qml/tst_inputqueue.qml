@@ -68,6 +68,25 @@ TestCase {
         return TestHelper.taskUrls().slice(before)
     }
 
+    // Without a JavaScript runtime YouTube would fail: the download page says so, and "修复"
+    // opens the settings.
+    function test_toolchainNoticeOpensTheSettings() {
+        const deno = TestHelper.tempDir() + "/home/.deno/bin/deno"
+        TestHelper.removeFile(deno)
+        DownloadManager.detectJSRuntime()
+        const notice = child("toolchainNotice")
+        tryVerify(() => notice.visible, 20000)
+        compare(findChild(notice, "verdictText").text, "没有可用的 JS 运行时，YouTube 等需要 JS 运行时的网站会下载失败。")
+        AppState.showSettings = false
+        mouseClick(findChild(notice, "verdictActionButton"))
+        verify(AppState.showSettings)
+        AppState.showSettings = false
+
+        verify(TestHelper.writeExecutable(deno, "deno 2.5.0"))
+        DownloadManager.detectJSRuntime()
+        tryVerify(() => !notice.visible, 20000)
+    }
+
     // What the view shows of the input rules, which tst_inputpresenter checks.
     function test_startShowsTheNoticeAndTheMarks() {
         const before = DownloadManager.tasks.count
@@ -107,13 +126,17 @@ TestCase {
         verify(editor.activeFocus)
 
         const order = ["preset0", "preset1", "preset2", "preset3", "preset4", "preset5", "playlistSwitch",
-                       "cookieSwitch", "outputField", "folderButton", "listFormatsButton", "videoInfoButton",
-                       "startButton"]
+                       "cookieSwitch", "outputField", "folderButton", "listFormatsButton", "videoInfoButton"]
+        // The toolchain notice's "修复", when there is one (no JavaScript runtime in the sandbox).
+        if (child("toolchainNotice").visible)
+            order.push("verdictActionButton")
+        order.push("startButton")
         for (const name of order) {
             keyClick(Qt.Key_Tab)
             const item = child(name)
             verify(item.activeFocus, name)
-            const ring = findChild(item, "focusRing")
+            // A bordered button shows focus on its border instead of a ring.
+            const ring = item.showsFocusRing ? findChild(item, "focusRing") : null
             if (ring) {
                 verify(ring.visible, name)
                 verify(Qt.colorEqual(ring.border.color, Theme.accent))

@@ -69,13 +69,17 @@ TestCase {
         for (let i = 1; i < groups.length; ++i)
             verify(groups[i].y > groups[i - 1].y, "group " + i + " below the one before")
         // The texts a person reads, group by group, top to bottom.
-        compare(texts(groups[0]).slice(0, 4), ["yt-dlp 配置", "yt-dlp 状态", "已安装 (v" + DownloadManager.ytDlpVersion + ")",
-            "可执行文件路径"])
+        compare(texts(groups[0]).slice(0, 3), ["yt-dlp 配置", "yt-dlp 状态", "已安装 (v" + DownloadManager.ytDlpVersion + ")"])
+        // Then the verdict on it: the stand-in is an official build of 2025.11.12, over 90 days old.
+        tryVerify(() => texts(groups[0])[3].startsWith("yt-dlp 2025.11.12（"), 20000, texts(groups[0])[3])
+        verify(texts(groups[0])[3].includes("已超过 90 天"), texts(groups[0])[3])
+        compare(findChild(button(sheet, "ytDlpVerdict"), "verdictActionButton").text, "更新 yt-dlp")
+        verify(texts(groups[0]).includes("可执行文件路径"))
         compare(groups.map(group => findChild(group, "groupTitle").text),
             ["yt-dlp 配置", "JS 运行时（YouTube EJS）", "FFmpeg（音频转码）", "下载设置"])
         compare(texts(groups[3]), ["下载设置", "默认输出目录", "浏览...", "同时下载数", "完成时通知"])
         // What the engine found, as it found it.
-        verify(texts(groups[0]).includes("自动检测路径: " + DownloadManager.ytDlpPath))
+        verify(texts(groups[0]).includes("自动检测路径: " + DownloadManager.ytDlpPath + "（使用中，自选路径）"))
         // Nothing has been updated in a sheet just made.
         verify(!button(sheet, "updateResultText").visible)
         compare(button(sheet, "outputDirField").text, AppState.outputDirectory)
@@ -118,7 +122,7 @@ TestCase {
         verify(update.enabled)
         tryCompare(update, "text", "更新 yt-dlp 到最新版", 20000)
         verify(result.text.startsWith(data.start), result.text)
-        compare(String(result.color), String(Theme.tint(data.tint)))
+        compare(String(result.color), String(Theme.tint(data.tint)), result.text)
     }
 
     function test_redetectFindsANewRuntime() {
@@ -135,9 +139,24 @@ TestCase {
         compare(urlSpy.count, 1)
         verify(String(urlSpy.signalArguments[0][0]).startsWith("https://docs.deno.com/"))
 
+        const verdict = findChild(button(sheet, "runtimeVerdict"), "verdictText")
+        const repair = findChild(button(sheet, "runtimeVerdict"), "verdictActionButton")
+        compare(verdict.text, "未检测到 JS 运行时，YouTube 等需要 JS 运行时的网站会下载失败。点“安装 Deno”即可解决。")
+        verify(repair.visible)
+        compare(repair.text, "安装 Deno")
+
+        // Too old for yt-dlp: named with its version, and not used.
+        verify(TestHelper.writeExecutable(denoPath, "deno 2.1.4"))
+        mouseClick(findChild(button(sheet, "runtimeStatus"), "redetectButton"))
+        tryVerify(() => verdict.text.startsWith("deno 2.1.4 版本过旧（需要 ≥ 2.3.0），不会使用。"), 20000, verdict.text)
+        compare(status.text, "未检测到 JS 运行时")
+        verify(repair.visible)
+
         verify(TestHelper.writeExecutable(denoPath, "deno 2.5.0"))
         mouseClick(findChild(button(sheet, "runtimeStatus"), "redetectButton"))
         tryCompare(status, "text", "deno 已就绪", 20000)
+        tryCompare(verdict, "text", "使用 deno 2.5.0，可以解析 YouTube 视频。")
+        verify(!repair.visible)
         verify(!install.visible)
         verify(!button(sheet, "runtimeBrewHint").visible)
         compare(button(sheet, "runtimePathText").text, denoPath)
@@ -178,11 +197,24 @@ TestCase {
         field.forceActiveFocus()
         keyClick("/")
         keyClick("x")
+        compare(DownloadManager.ytDlpPath, stored)
         mouseClick(button(sheet, "resetPathButton"))
         compare(field.text, "")
         compare(TestHelper.setting("customYtDlpPath"), undefined)
-        // The engine keeps the yt-dlp it has until the next start.
-        TestHelper.setSetting("customYtDlpPath", stored)
+        // What is found is used at once, and the line says it was found.
+        tryVerify(() => DownloadManager.ytDlpPath !== stored, 20000)
+        tryVerify(() => button(sheet, "autoPathText").text.endsWith("（使用中，自动找到）"), 20000)
+        // "使用此路径" takes the stand-in back, also at once.
+        field.forceActiveFocus()
+        field.selectAll()
+        keyClick(Qt.Key_Backspace)
+        for (const character of stored)
+            keyClick(character)
+        mouseClick(button(sheet, "usePathButton"))
+        compare(DownloadManager.ytDlpPath, stored)
+        compare(TestHelper.setting("customYtDlpPath"), stored)
+        compare(button(sheet, "autoPathText").text, "自动检测路径: " + stored + "（使用中，自选路径）")
+        tryCompare(DownloadManager, "ytDlpVersion", "2025.11.12", 20000)
     }
 
     function test_downloadSettingsSurviveARestart() {
