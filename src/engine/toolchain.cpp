@@ -329,7 +329,7 @@ ToolchainVerdicts judgeToolchain(const ToolchainFacts &facts)
     if (facts.probed) {
         QString cause;
         if (facts.ytDlpVersion.isEmpty())
-            cause = u"找不到可用的 yt-dlp"_s;
+            verdicts.notice = { u"找不到可用的 yt-dlp，无法下载。"_s, Tint::Red, quillbox::ToolAction::OpenSettings };
         else if (ytDlpTooOld)
             cause = u"yt-dlp 版本过旧"_s;
         else if (verdicts.runtime.tint == Tint::Red)
