@@ -147,7 +147,6 @@ ToolInstaller::ToolInstaller(ReleaseLocations locations, QString ytDlpFolder, QS
     , m_locations(std::move(locations))
     , m_ytDlpFolder(std::move(ytDlpFolder))
     , m_denoFolder(std::move(denoFolder))
-    , m_network(new QNetworkAccessManager(this))
 {
 }
 
@@ -210,6 +209,9 @@ QNetworkReply *ToolInstaller::fetch(const QUrl &url, QObject *context, DataSink 
     request.setMaximumRedirectsAllowed(MaxRedirects);
     request.setTransferTimeout(TransferTimeoutMs);
     request.setHeader(QNetworkRequest::UserAgentHeader, u"Quillbox"_s);
+    // Made at the first request: most runs never fetch anything, and start-up should not pay for it.
+    if (!m_network)
+        m_network = new QNetworkAccessManager(this);
     QNetworkReply *reply = m_network->get(request);
 
     auto transfer = std::make_shared<Transfer>();

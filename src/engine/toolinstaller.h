@@ -100,7 +100,7 @@ private:
     ReleaseLocations m_locations;
     QString m_ytDlpFolder;
     QString m_denoFolder;
-    QNetworkAccessManager *m_network;
+    QNetworkAccessManager *m_network = nullptr;
     ReplaceGate m_gate;
     std::unique_ptr<Job> m_job;
     quint64 m_lastJobId = 0;
