@@ -109,6 +109,8 @@ int main(int argc, char *argv[])
             std::fprintf(stderr, "could not write %s\n", qPrintable(output));
             status = 1;
         }
+        // The scenario's downloads are still running: stopped first, quitting does not ask about them.
+        DownloadManager::instance()->shutdown();
         app.quit();
     });
     app.exec();

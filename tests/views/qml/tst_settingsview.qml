@@ -163,6 +163,21 @@ TestCase {
         TestHelper.removeFile(denoPath)
     }
 
+    // Offline (the release server is a closed port here): the install says so and changes nothing.
+    function test_installWhileOffline() {
+        const before = DownloadManager.ytDlpPath
+        const sheet = makeSheet()
+        const install = button(sheet, "installYtDlpButton")
+        verify(install.visible && install.enabled)
+        mouseClick(install)
+        const status = button(sheet, "installStatusText")
+        tryVerify(() => !DownloadManager.keeper.busy, 30000)
+        verify(button(sheet, "installProgress").visible)
+        verify(status.text.startsWith("无法连接"), status.text)
+        verify(install.enabled)
+        compare(DownloadManager.ytDlpPath, before)
+    }
+
     function test_pickerOnlyFillsTheField() {
         const stored = TestHelper.setting("customYtDlpPath")
         const sheet = makeSheet()
