@@ -280,7 +280,8 @@ void ToolDiscovery::runReport()
         command + u" 2>&1"_s, PipeMode::Shared, this,
         [this, generation](const ShellResult &result) {
             probeEnded();
-            if (generation != m_reportGeneration)
+            // A detection restarted meanwhile asks again when it has found its runtimes.
+            if (generation != m_reportGeneration || !m_runtimesFound)
                 return;
             applyReport(result.launched ? parseVerboseReport(result.standardOutput) : YtDlpReport {});
         },
@@ -395,7 +396,9 @@ void ToolDiscovery::detectJSRuntime()
     m_runtimesFound = false;
     m_runtimesFresh = true;
     m_jsRuntimes.clear();
-    probeStarted();
+    // One probe however often it is restarted: a restarted detection drops the old one's answers.
+    if (!std::exchange(m_detectingRuntimes, true))
+        probeStarted();
     detectRuntime(++m_runtimeGeneration, 0, 0);
 }
 
@@ -441,6 +444,7 @@ void ToolDiscovery::probeRuntimeVersions(int generation, int index)
     if (generation != m_runtimeGeneration)
         return;
     if (index >= m_jsRuntimes.size()) {
+        m_detectingRuntimes = false;
         probeEnded();
         m_runtimesFound = true;
         askYtDlpAboutItself();

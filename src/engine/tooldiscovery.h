@@ -161,6 +161,7 @@ private:
     bool m_runtimesFound = false; // every runtime has been looked for and asked its version
     bool m_runtimesFresh = false; // found anew: the verdict is said in the log again
     bool m_reportScheduled = false;
+    bool m_detectingRuntimes = false;
     int m_probes = 0;
     QString m_ytDlpVariant;
     UpdateRoute m_route = UpdateRoute::Unknown;

@@ -62,6 +62,8 @@ void ToolKeeper::setAutoUpdate(bool value)
 
 void ToolKeeper::installYtDlp()
 {
+    if (isBusy())
+        return; // one installation at a time; the sheet shows the running one
     m_automatic = false;
     addLog(u"正在安装最新 yt-dlp..."_s, LogEntry::LogType::Info);
     if (!m_brew.isEmpty()) {
@@ -75,6 +77,8 @@ void ToolKeeper::installYtDlp()
 
 void ToolKeeper::installDeno()
 {
+    if (isBusy())
+        return; // one installation at a time; the sheet shows the running one
     m_automatic = false;
     addLog(u"正在安装 Deno..."_s, LogEntry::LogType::Info);
     if (!m_brew.isEmpty()) {
@@ -123,8 +127,14 @@ void ToolKeeper::onFinished(
         Q_EMIT stateChanged();
     }
     const QString name = tool == ToolInstaller::Tool::YtDlp ? u"yt-dlp"_s : u"Deno"_s;
+    const bool automatic = std::exchange(m_automatic, false);
     if (!ok) {
-        addLog(u"❌ 安装 "_s + name + u" 失败: "_s + message, LogEntry::LogType::Error);
+        // An automatic update that fails leaves the working copy; it is tried again at the next check.
+        if (automatic)
+            addLog(u"⚠️ 自动更新 yt-dlp 失败，继续使用当前版本: "_s + message,
+                LogEntry::LogType::Warning);
+        else
+            addLog(u"❌ 安装 "_s + name + u" 失败: "_s + message, LogEntry::LogType::Error);
         return;
     }
     addLog(u"✅ 已安装 %1 %2: %3"_s.arg(name, version, path), LogEntry::LogType::Info);
