@@ -2,6 +2,7 @@
 
 #include "engine/zipextract.h"
 #include "model/logcategories.h"
+#include "store/privatefiles.h"
 
 #include <QCryptographicHash>
 #include <QDir>
@@ -347,6 +348,11 @@ void ToolInstaller::fetchChecksum(const LatestRelease &latest)
 void ToolInstaller::downloadAsset()
 {
     Job &job = *m_job;
+    // Quillbox's own yt-dlp lives in the per-user data folder, which is owner-only like the queue
+    // stored there, whichever of the two makes it first.
+    if (const QString data = QStandardPaths::writableLocation(QStandardPaths::AppDataLocation);
+        job.folder.startsWith(data + u'/'))
+        PrivateFiles::makeFolder(data);
     if (!QDir().mkpath(job.folder)) {
         finish(false, cannotWrite(job.folder));
         return;

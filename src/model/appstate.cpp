@@ -1,5 +1,7 @@
 #include "model/appstate.h"
 
+#include "store/privatefiles.h"
+
 #include <QDir>
 #include <QMetaObject>
 #include <QMutexLocker>
@@ -12,6 +14,9 @@ AppState::AppState(QObject *parent)
     , m_outputDirectory(QDir(QDir::homePath()).filePath(QStringLiteral("Downloads")))
     , m_log(new LogModel(MaxLogEntries, this))
 {
+    // The settings hold the user's folders, cookie file and choices: owner-only before the first
+    // of them is written.
+    PrivateFiles::protectSettings();
     loadPreferences();
 }
 

@@ -4,9 +4,9 @@
 #include "model/appstate.h"
 #include "model/logcategories.h"
 #include "model/taskmodel.h"
+#include "store/privatefiles.h"
 
 #include <QDateTime>
-#include <QDir>
 #include <QFileInfo>
 #include <QLockFile>
 #include <QThread>
@@ -34,7 +34,7 @@ public:
         // One running Quillbox at a time writes the queue: a second one would store its own queue
         // beside the first one's and bring both back. A lock left by a killed run is stale at
         // once, since its process is gone.
-        QDir().mkpath(QFileInfo(m_path).absolutePath());
+        PrivateFiles::makeFolder(QFileInfo(m_path).absolutePath());
         m_lock = std::make_unique<QLockFile>(m_path + u".lock"_s);
         if (!m_lock->tryLock(0)) {
             const QString why = m_lock->error() == QLockFile::LockFailedError ? u"另一个 Quillbox 正在使用它"_s
@@ -281,7 +281,8 @@ void QueueMemory::write()
         return;
     QueueMemory *self = this;
     onStoreThread([self, batch = std::move(batch)](TaskStore &store) {
-        if (store.apply(batch) || !store.isOpen())
+        // Not written at all when there is no store or it belongs to a later version.
+        if (!store.isWritable() || store.apply(batch))
             return;
         QList<QUuid> written;
         written.reserve(batch.upserts.size());

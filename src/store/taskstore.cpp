@@ -2,6 +2,7 @@
 
 #include "model/downloadpreset.h"
 #include "model/logcategories.h"
+#include "store/privatefiles.h"
 
 #include <QAtomicInt>
 #include <QDateTime>
@@ -81,12 +82,17 @@ bool TaskStore::exec(const QString &sql)
     return false;
 }
 
-bool TaskStore::openConnection()
+bool TaskStore::isWritable() const
+{
+    return !m_readOnly && isOpen();
+}
+
+bool TaskStore::openConnection(bool readOnly)
 {
     QSqlDatabase db = QSqlDatabase::addDatabase(u"QSQLITE"_s, m_connection);
     db.setDatabaseName(m_path);
     // Another connection to the file (a second window of the store) waits rather than fails.
-    db.setConnectOptions(u"QSQLITE_BUSY_TIMEOUT=3000"_s);
+    db.setConnectOptions(readOnly ? u"QSQLITE_BUSY_TIMEOUT=3000;QSQLITE_OPEN_READONLY"_s : u"QSQLITE_BUSY_TIMEOUT=3000"_s);
     if (!db.open()) {
         m_lastError = db.lastError().text();
         return false;
@@ -107,17 +113,26 @@ void TaskStore::closeConnection()
 
 QString TaskStore::checkAndMigrate(int &version)
 {
-    if (!openConnection())
+    // The version is read over a read-only connection: a later version's file is never written,
+    // not even by the checkpoint a read-write connection makes when it closes. That connection is
+    // then the one this run reads the file through.
+    if (!openConnection(true))
+        return m_lastError;
+    {
+        QSqlQuery query(QSqlDatabase::database(m_connection, false));
+        // The first statement reads the file: one that is not a database fails here.
+        if (!query.exec(u"PRAGMA user_version"_s) || !query.next())
+            return query.lastError().text();
+        version = query.value(0).toInt();
+    }
+    if (version > SchemaVersion) {
+        m_readOnly = true;
+        return {};
+    }
+    closeConnection();
+    if (!openConnection(false))
         return m_lastError;
     QSqlQuery query(QSqlDatabase::database(m_connection, false));
-    // The first statement reads the file: one that is not a database fails here.
-    if (!query.exec(u"PRAGMA user_version"_s) || !query.next())
-        return query.lastError().text();
-    version = query.value(0).toInt();
-    query.finish();
-    // A later version's file is not touched, not even to change its journal.
-    if (version > SchemaVersion)
-        return {};
     if (!query.exec(u"PRAGMA quick_check"_s) || !query.next())
         return query.lastError().text();
     if (const QString verdict = query.value(0).toString(); verdict != u"ok")
@@ -176,12 +191,24 @@ bool TaskStore::migrate(int from)
     return true;
 }
 
+// SQLite creates a database 0644 whatever the umask, and gives its -wal and -shm the database's
+// own mode: a file that is owner-only before SQLite opens it keeps all three so. Files left by an
+// earlier, wider run are narrowed too.
+void TaskStore::makeFilesPrivate() const
+{
+    PrivateFiles::makeFile(m_path);
+    for (const QString &suffix : { u"-wal"_s, u"-shm"_s })
+        PrivateFiles::restrictFile(m_path + suffix);
+}
+
 TaskStore::OpenResult TaskStore::open()
 {
     closeConnection();
+    m_readOnly = false;
     const QFileInfo file(m_path);
-    if (!QDir().mkpath(file.absolutePath()))
+    if (!PrivateFiles::makeFolder(file.absolutePath()))
         return { OpenState::Failed, u"无法创建文件夹 %1"_s.arg(file.absolutePath()) };
+    makeFilesPrivate();
 
     int version = 0;
     const QString problem = checkAndMigrate(version);
@@ -203,6 +230,7 @@ TaskStore::OpenResult TaskStore::open()
     }
     qCWarning(
         lcEngine, "[Quillbox] 队列数据库无法读取 (%ls), 已移到 %ls", qUtf16Printable(problem), qUtf16Printable(aside));
+    makeFilesPrivate();
     if (const QString again = checkAndMigrate(version); !again.isEmpty()) {
         closeConnection();
         return { OpenState::Failed, again };
@@ -215,7 +243,8 @@ QList<StoredTask> TaskStore::loadTasks()
     QList<StoredTask> rows;
     if (!isOpen())
         return rows;
-    exec(u"DELETE FROM tasks WHERE status IN (%1) AND id NOT IN (SELECT id FROM tasks WHERE status IN (%1) "
+    if (!m_readOnly)
+        exec(u"DELETE FROM tasks WHERE status IN (%1) AND id NOT IN (SELECT id FROM tasks WHERE status IN (%1) "
          u"ORDER BY ordinal DESC LIMIT %2)"_s.arg(finishedStatuses())
              .arg(HistoryLimit));
     QSqlQuery query(QSqlDatabase::database(m_connection, false));
@@ -259,8 +288,8 @@ QList<StoredTask> TaskStore::loadTasks()
 
 bool TaskStore::apply(const StoreBatch &batch)
 {
-    if (!isOpen() || batch.isEmpty())
-        return isOpen();
+    if (!isWritable() || batch.isEmpty())
+        return isWritable();
     QSqlDatabase db = QSqlDatabase::database(m_connection, false);
     if (!db.transaction()) {
         m_lastError = db.lastError().text();
@@ -322,7 +351,7 @@ QList<SavedPreset> TaskStore::loadPresets()
 
 qint64 TaskStore::savePreset(const SavedPreset &preset)
 {
-    if (!isOpen())
+    if (!isWritable())
         return 0;
     QSqlQuery query(QSqlDatabase::database(m_connection, false));
     if (preset.id == 0) {
@@ -344,10 +373,12 @@ qint64 TaskStore::savePreset(const SavedPreset &preset)
 
 bool TaskStore::removePreset(qint64 id)
 {
+    if (!isWritable())
+        return false;
     QSqlQuery query(QSqlDatabase::database(m_connection, false));
     query.prepare(u"DELETE FROM presets WHERE id = ?"_s);
     query.bindValue(0, id);
-    if (isOpen() && query.exec())
+    if (query.exec())
         return true;
     m_lastError = query.lastError().text();
     return false;

@@ -51,7 +51,7 @@ public:
     enum class OpenState {
         Opened, // the file was there, or is new, and is ours
         Replaced, // the file could not be read: it was moved aside and a fresh one made
-        Newer, // a later Quillbox wrote it: it is left alone and nothing is stored this run
+        Newer, // a later Quillbox wrote it: it is only read, never written, this run
         Failed, // no database at all (the folder cannot be written, …)
     };
     struct OpenResult
@@ -72,9 +72,12 @@ public:
     QString path() const { return m_path; }
     // Opens the file, creating its folder and brings an older schema up to date. A file that is
     // not a database, is damaged or cannot be migrated is renamed "<name>.broken-<time>" (with
-    // its "-wal" and "-shm") and a fresh one takes its place.
+    // its "-wal" and "-shm") and a fresh one takes its place. The folder is made owner-only (0700)
+    // and the file with its "-wal" and "-shm" 0600, since the rows hold what the user typed.
     OpenResult open();
     bool isOpen() const;
+    // Open and ours to change: false for a later version's file, which every write leaves alone.
+    bool isWritable() const;
 
     // Every row in queue order, after dropping finished rows beyond HistoryLimit.
     QList<StoredTask> loadTasks();
@@ -90,7 +93,8 @@ public:
     QString lastError() const { return m_lastError; }
 
 private:
-    bool openConnection();
+    bool openConnection(bool readOnly);
+    void makeFilesPrivate() const;
     void closeConnection();
     // Empty when the file is usable; else why not.
     QString checkAndMigrate(int &version);
@@ -100,4 +104,5 @@ private:
     QString m_path;
     QString m_connection;
     QString m_lastError;
+    bool m_readOnly = false;
 };

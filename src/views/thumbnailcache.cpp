@@ -1,5 +1,7 @@
 #include "views/thumbnailcache.h"
 
+#include "store/privatefiles.h"
+
 #include <QDateTime>
 #include <QNetworkAccessManager>
 #include <QStandardPaths>
@@ -9,6 +11,8 @@ using namespace Qt::StringLiterals;
 ThumbnailCache::ThumbnailCache(const QString &directory, QObject *parent)
     : QNetworkDiskCache(parent)
 {
+    // The pictures tell which videos the user looked at: the folder is theirs alone.
+    PrivateFiles::makeFolder(directory);
     setCacheDirectory(directory);
     setMaximumCacheSize(MaximumBytes);
 }
