@@ -7,6 +7,10 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#ifdef Q_OS_UNIX
+#include <sys/stat.h>
+#endif
+
 // Points the settings store and the home directory at a fresh temporary directory, so a test
 // never reads or writes the user's own. Create it before anything touches QSettings.
 class IsolatedEnvironment
@@ -57,3 +61,28 @@ inline QString npmDeno()
     }
     return {};
 }
+
+#ifdef Q_OS_UNIX
+// The permission bits of `path` (as 0600 is written), or -1 when it is not there.
+inline int modeOf(const QString &path)
+{
+    struct stat info;
+    return ::stat(QFile::encodeName(path).constData(), &info) == 0 ? int(info.st_mode & 07777) : -1;
+}
+
+// The process's umask for as long as it lives; files made meanwhile start from it.
+class UmaskScope
+{
+public:
+    explicit UmaskScope(mode_t mask)
+        : m_previous(::umask(mask))
+    {
+    }
+    ~UmaskScope() { ::umask(m_previous); }
+    UmaskScope(const UmaskScope &) = delete;
+    UmaskScope &operator=(const UmaskScope &) = delete;
+
+private:
+    mode_t m_previous;
+};
+#endif

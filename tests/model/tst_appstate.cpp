@@ -17,6 +17,8 @@ class TestAppState : public QObject
 private Q_SLOTS:
     void init() { IsolatedEnvironment::clearSettings(); }
     void formIsRemembered();
+    void settingsAreOwnerOnly_data();
+    void settingsAreOwnerOnly();
     void logCapKeepsNewest();
     void longMessagesAreCut_data();
     void longMessagesAreCut();
@@ -74,6 +76,41 @@ void TestAppState::formIsRemembered()
 
 // The log keeps the newest 500 lines, whether they trickle in or come in one batch, and tells its
 // views exactly which rows went and came.
+void TestAppState::settingsAreOwnerOnly_data()
+{
+    QTest::addColumn<int>("mask");
+    QTest::addColumn<bool>("existedWide"); // left 0666 by an earlier run
+    QTest::newRow("umask 000") << 0000 << false;
+    QTest::newRow("umask 022") << 0022 << false;
+    QTest::newRow("umask 000, wide file") << 0000 << true;
+}
+
+// Whatever the umask and whoever wrote last, the settings file is 0600 in a 0700 folder.
+void TestAppState::settingsAreOwnerOnly()
+{
+    QFETCH(int, mask);
+    QFETCH(bool, existedWide);
+    const QString file = QSettings().fileName();
+    const QString folder = QFileInfo(file).absolutePath();
+    QVERIFY(QDir(folder).removeRecursively());
+    const UmaskScope scope { mode_t(mask) };
+    if (existedWide) {
+        QSettings().setValue(u"cookiePath"_s, u"/tmp/c.txt"_s);
+        QVERIFY(QFile::setPermissions(file, QFile::Permissions(0x6666)));
+        QCOMPARE(modeOf(file), 0666);
+    }
+    AppState state;
+    state.setOutputDirectory(u"/data/视频"_s);
+    // Written again by another part of the application, the way each of them writes.
+    QSettings settings;
+    settings.setValue(u"maxConcurrentDownloads"_s, 3);
+    settings.sync();
+    QCOMPARE(settings.status(), QSettings::NoError);
+    QCOMPARE(modeOf(folder), 0700);
+    QCOMPARE(modeOf(file), 0600);
+    QCOMPARE(QSettings().value(u"outputDirectory"_s).toString(), u"/data/视频"_s);
+}
+
 void TestAppState::logCapKeepsNewest()
 {
     AppState state;

@@ -207,6 +207,43 @@ private Q_SLOTS:
         QVERIFY(store.loadTasks().isEmpty());
     }
 
+    void filesAreOwnerOnly_data()
+    {
+        QTest::addColumn<int>("mask");
+        QTest::addColumn<bool>("existedWide"); // a store an earlier run left 0644
+        QTest::newRow("umask 000") << 0000 << false;
+        QTest::newRow("umask 022") << 0022 << false;
+        QTest::newRow("umask 000, wide store") << 0000 << true;
+    }
+    // The rows hold typed passwords: the folders made for the store are 0700 and the database
+    // with its -wal and -shm 0600, while it is in use and after.
+    void filesAreOwnerOnly()
+    {
+        QFETCH(int, mask);
+        QFETCH(bool, existedWide);
+        const QString folder = m_dir.filePath(u"private-%1/data/Quillbox"_s.arg(QString::fromUtf8(QTest::currentDataTag())));
+        const QString path = folder + u"/quillbox.sqlite"_s;
+        const UmaskScope scope { mode_t(mask) };
+        if (existedWide) {
+            QVERIFY(QDir().mkpath(folder));
+            TaskStore earlier(path);
+            QCOMPARE(earlier.open().state, TaskStore::OpenState::Opened);
+            QVERIFY(earlier.apply({ { sampleRow(DownloadStatus::Pending, 1) }, {} }));
+            for (const QString &suffix : { u""_s, u"-wal"_s, u"-shm"_s })
+                QVERIFY(QFile::setPermissions(path + suffix, QFile::Permissions(0x6444)));
+            QVERIFY(QFile::setPermissions(folder, QFile::Permissions(0x7777)));
+        }
+        TaskStore store(path);
+        QCOMPARE(store.open().state, TaskStore::OpenState::Opened);
+        QVERIFY(store.apply({ { sampleRow(DownloadStatus::Failed, 2) }, {} }));
+        QVERIFY(store.savePreset({ 0, u"登录"_s, u"--password secret"_s }) > 0);
+        QCOMPARE(modeOf(folder), 0700);
+        if (!existedWide)
+            QCOMPARE(modeOf(QFileInfo(folder).absolutePath()), 0700);
+        for (const QString &suffix : { u""_s, u"-wal"_s, u"-shm"_s })
+            QCOMPARE(modeOf(path + suffix), 0600);
+    }
+
     void historyIsBounded()
     {
         TaskStore store(m_dir.filePath(u"history.sqlite"_s));

@@ -44,6 +44,8 @@ Answer get(ThumbnailNetworkFactory &factory, const QUrl &url)
 void TestThumbnailCache::keptOnDiskAndServedOffline()
 {
     IsolatedEnvironment env;
+    // What the pictures say about the user's viewing stays theirs, even under the widest umask.
+    const UmaskScope scope(0);
     const QString media = env.root() + u"/media"_s;
     QDir().mkpath(media);
     const QByteArray picture = QByteArray("\xFF\xD8\xFF thumbnail bytes ").repeated(100);
@@ -62,6 +64,7 @@ void TestThumbnailCache::keptOnDiskAndServedOffline()
     QCOMPARE(first.error, QNetworkReply::NoError);
     QCOMPARE(first.body, picture);
     QVERIFY(!first.fromCache);
+    QCOMPARE(modeOf(env.root() + u"/cache"_s), 0700);
 
     // The server is gone: the picture still comes, from the disk.
     server.reset();
