@@ -1,6 +1,7 @@
 #include "engine/downloadmanager.h"
 
 #include "engine/errorexplanation.h"
+#include "engine/secretarguments.h"
 #include "engine/shellrunner.h"
 #include "engine/shellwords.h"
 #include "engine/videoinfofetch.h"
@@ -268,16 +269,20 @@ void DownloadManager::executeDownload(const QUuid &taskId)
             qUtf16Printable(rawValue(request.preset)), qUtf16Printable(words.join(u", "_s)));
         info(u"预设参数: "_s + words.join(u' '));
     }
+    // Passwords typed into the custom arguments are run but never shown: not in either log, not
+    // on the row (nor in the store's copy of it).
+    const QString shownArguments = maskSecrets(request.customArgs);
     if (!request.customArgs.isEmpty())
-        qCInfo(lcEngine, "[Quillbox] [executeDownload] 自定义参数: %ls", qUtf16Printable(request.customArgs));
+        qCInfo(lcEngine, "[Quillbox] [executeDownload] 自定义参数: %ls", qUtf16Printable(shownArguments));
 
     const QString command
         = buildDownloadCommand(m_tools->ytDlpPath(), request, runtimeArgs, ffmpegWords, cookies.words);
+    const QString shownCommand = maskSecrets(command);
     qCInfo(lcEngine, "%s", separatorLine);
     qCInfo(lcEngine, "[Quillbox] [executeDownload] 完整命令:");
-    qCInfo(lcEngine, "[Quillbox] %ls", qUtf16Printable(command));
+    qCInfo(lcEngine, "[Quillbox] %ls", qUtf16Printable(shownCommand));
     qCInfo(lcEngine, "%s", separatorLine);
-    info(u"执行命令: "_s + command);
+    info(u"执行命令: "_s + shownCommand);
 
     // yt-dlp would fail late and obscurely on a folder it cannot create; say so plainly instead.
     if (request.outputDir.isEmpty()) {
@@ -289,7 +294,7 @@ void DownloadManager::executeDownload(const QUuid &taskId)
         return;
     }
     if (const ShellWords custom = splitShellWords(request.customArgs); !custom.ok()) {
-        failToLaunch(taskId, custom.error + u": "_s + request.customArgs);
+        failToLaunch(taskId, custom.error + u": "_s + shownArguments);
         return;
     }
     if (!QDir().mkpath(request.outputDir)) {
@@ -379,7 +384,10 @@ void DownloadManager::fetchInfoFor(const QUuid &taskId, const DownloadRequest &r
 void DownloadManager::failToLaunch(
     const QUuid &taskId, const QString &message, const std::optional<QString> &explanation)
 {
-    addLog(u"❌ "_s + message, LogEntry::LogType::Error);
+    // With an explanation, that is the line the log gets (from markFailed): the platform's own
+    // words ("execvp: …") stay in the task's message, for whoever copies it.
+    if (!explanation)
+        addLog(u"❌ "_s + message, LogEntry::LogType::Error);
     markFailed(taskId, message, explanation);
 }
 

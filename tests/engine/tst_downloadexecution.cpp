@@ -1,4 +1,5 @@
 #include "engine/downloadmanager.h"
+#include "engine/secretarguments.h"
 #include "model/appstate.h"
 #include "model/taskmodel.h"
 
@@ -29,6 +30,7 @@ private Q_SLOTS:
     void outputThatIsNotUtf8();
     void silentDownloadSaysSo();
     void foldersAndArgumentsCheckedFirst();
+    void secretsRunButAreNotShown();
 
 private:
     std::unique_ptr<SandboxEngine> m_engine; // a new one for every test
@@ -278,7 +280,13 @@ void TestDownloadExecution::launchFailuresLoseNothing()
         QVERIFY(task.errorMessage.has_value());
         QVERIFY(task.explanation.value_or(QString()).contains(
             u"无法启动命令解释器 "_s + m_engine->fixture.path(u"no-shell"_s)));
+        // The log has the explanation alone; the platform's words stay in the task's message.
+        QTRY_VERIFY(m_engine->log().contains(*task.explanation));
+        QVERIFY(!m_engine->log().contains(*task.errorMessage));
+        QVERIFY(!m_engine->log().contains(u"❌ "_s + *task.errorMessage));
     }
+    QCOMPARE(m_engine->log().filter(u"无法创建输出目录"_s),
+        QStringList { *m_engine->manager->tasks().at(0).explanation });
     QCOMPARE(m_engine->manager->runningCount(), 0);
 }
 
@@ -338,6 +346,41 @@ void TestDownloadExecution::foldersAndArgumentsCheckedFirst()
     QCOMPARE(tasks.at(2).status, DownloadStatus::Failed);
     QVERIFY(tasks.at(2).errorMessage.value_or(QString()).startsWith(u"自定义参数中的单引号没有闭合"_s));
     QCOMPARE(m_engine->fake.runs().size(), 1);
+}
+
+void TestDownloadExecution::secretsRunButAreNotShown()
+{
+    m_engine->fake.setScenario("[]", 1); // fails, so that it can be retried
+    const QString typed = u"-u me --password 'hunter 2' --video-password=vp-99"_s;
+    m_engine->download(u"https://s.example/v"_s, DownloadPreset::Custom, typed);
+    // Refused for its open quote: the message on the row quotes the text, masked.
+    m_engine->download(u"https://s.example/w"_s, DownloadPreset::Custom, u"-p 'ap-77"_s);
+    QTRY_VERIFY_WITH_TIMEOUT(m_engine->settled(), 20000);
+    const auto tasks = m_engine->manager->tasks();
+    QCOMPARE(tasks.at(0).status, DownloadStatus::Failed);
+    QCOMPARE(tasks.at(1).status, DownloadStatus::Failed);
+    QVERIFY(tasks.at(1).errorMessage.value_or(QString()).endsWith(u"-p "_s + SecretMask));
+
+    const QStringList argv = m_engine->fake.runs().constFirst();
+    QCOMPARE(argv.mid(argv.indexOf(u"--password"_s), 2), (QStringList { u"--password"_s, u"hunter 2"_s }));
+    QVERIFY(argv.contains(u"--video-password=vp-99"_s));
+    const QString shown = u"--password "_s + SecretMask + u" --video-password="_s + SecretMask;
+    QVERIFY(!m_engine->log().filter(u"执行命令: "_s).filter(shown).isEmpty());
+    QVERIFY(!m_engine->fixture.systemLog().filter(shown).isEmpty());
+    for (const QString &secret : { u"hunter"_s, u"vp-99"_s, u"ap-77"_s }) {
+        QVERIFY2(m_engine->log().filter(secret).isEmpty(), qPrintable(secret));
+        QVERIFY2(m_engine->fixture.systemLog().filter(secret).isEmpty(), qPrintable(secret));
+        for (const DownloadTask &task : tasks) {
+            QVERIFY(!task.errorMessage.value_or(QString()).contains(secret));
+            QVERIFY(!task.title.contains(secret));
+        }
+    }
+
+    // "重试" runs it with the password, as typed.
+    QCOMPARE(m_engine->manager->requestFor(tasks.at(0).id)->customArgs, typed);
+    m_engine->manager->retryDownload(tasks.at(0).id.toString(QUuid::WithoutBraces));
+    QTRY_COMPARE_WITH_TIMEOUT(m_engine->fake.runs().size(), 2, 20000);
+    QCOMPARE(m_engine->fake.runs().constLast(), argv);
 }
 
 QTEST_GUILESS_MAIN(TestDownloadExecution)
