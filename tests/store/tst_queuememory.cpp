@@ -6,6 +6,8 @@
 #include "engine/enginefixture.h"
 
 #include <QProcess>
+#include <QSqlDatabase>
+#include <QSqlQuery>
 
 #include <csignal>
 
@@ -14,6 +16,12 @@ using namespace Qt::StringLiterals;
 namespace {
 // yt-dlp that is still downloading half a minute later.
 const QByteArray slowSteps = R"({"steps": [{"progress": {"count": 600, "rate": 20, "size": "10.00MiB"}}]})";
+
+QByteArray bytesOf(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
 
 QString idOf(const DownloadTask &task)
 {
@@ -213,6 +221,47 @@ private Q_SLOTS:
         TaskStore store(m_store);
         QCOMPARE(store.open().state, TaskStore::OpenState::Opened);
         QCOMPARE(store.loadTasks().size(), 0);
+    }
+
+    void newerStoreIsOnlyRead()
+    {
+        const StoredTask earlier { DownloadTask::create(u"https://n.example/earlier"_s), {}, 1 };
+        {
+            TaskStore store(m_store);
+            QCOMPARE(store.open().state, TaskStore::OpenState::Opened);
+            QVERIFY(store.apply({ { earlier }, {} }));
+        }
+        {
+            // As a later Quillbox would leave it: its own version, our rows still readable.
+            QSqlDatabase db = QSqlDatabase::addDatabase(u"QSQLITE"_s, u"later"_s);
+            db.setDatabaseName(m_store);
+            QVERIFY(db.open());
+            QVERIFY(QSqlQuery(db).exec(u"PRAGMA user_version = 99"_s));
+        }
+        QSqlDatabase::removeDatabase(u"later"_s);
+        const QByteArray before = bytesOf(m_store);
+        QVERIFY(!before.isEmpty());
+
+        AppState state;
+        DownloadManager downloads(&state, locations());
+        QueueMemory memory(&downloads, &state, m_store);
+        memory.start();
+        QTRY_VERIFY(memory.isRestored());
+        QTRY_VERIFY(EngineFixture::messages(state).join(u'\n').contains(u"本次不会保存队列"_s));
+        // The queue works for this run: what was there comes back, a new download runs to the end.
+        QCOMPARE(downloads.tasks().size(), 1);
+        QCOMPARE(downloads.tasks().at(0).id, earlier.task.id);
+        downloads.startDownloads(
+            { u"https://n.example/v=done"_s }, { DownloadPreset::Default, {}, m_fixture->path(u"out"_s), true, false });
+        QTRY_COMPARE_WITH_TIMEOUT(downloads.tasks().at(1).status, DownloadStatus::Completed, 20000);
+        downloads.removeDownload(idOf(downloads.tasks().at(0)));
+        // Writes whatever is pending, as quitting does.
+        memory.close();
+        downloads.shutdown();
+
+        QCOMPARE(bytesOf(m_store), before);
+        QCOMPARE(QFileInfo(m_store + u"-wal"_s).size(), 0);
+        QVERIFY(!EngineFixture::messages(state).join(u'\n').contains(u"无法保存队列"_s));
     }
 
 private:

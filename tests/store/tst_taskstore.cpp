@@ -194,6 +194,10 @@ private Q_SLOTS:
         {
             TaskStore store(newer);
             QCOMPARE(store.open().state, TaskStore::OpenState::Newer);
+            QVERIFY(store.isOpen() && !store.isWritable());
+            QVERIFY(!store.apply({ { sampleRow(DownloadStatus::Pending, 1) }, {} }));
+            QCOMPARE(store.savePreset({ 0, u"字幕"_s, u"--write-subs"_s }), 0);
+            QVERIFY(store.loadTasks().isEmpty());
         }
         QCOMPARE(bytesOf(newer), before);
         QVERIFY(QDir(m_dir.path()).entryList({ u"newer.sqlite.broken*"_s }).isEmpty());
