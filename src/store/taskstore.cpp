@@ -92,7 +92,8 @@ bool TaskStore::openConnection(bool readOnly)
     QSqlDatabase db = QSqlDatabase::addDatabase(u"QSQLITE"_s, m_connection);
     db.setDatabaseName(m_path);
     // Another connection to the file (a second window of the store) waits rather than fails.
-    db.setConnectOptions(readOnly ? u"QSQLITE_BUSY_TIMEOUT=3000;QSQLITE_OPEN_READONLY"_s : u"QSQLITE_BUSY_TIMEOUT=3000"_s);
+    db.setConnectOptions(
+        readOnly ? u"QSQLITE_BUSY_TIMEOUT=3000;QSQLITE_OPEN_READONLY"_s : u"QSQLITE_BUSY_TIMEOUT=3000"_s);
     if (!db.open()) {
         m_lastError = db.lastError().text();
         return false;
@@ -245,8 +246,8 @@ QList<StoredTask> TaskStore::loadTasks()
         return rows;
     if (!m_readOnly)
         exec(u"DELETE FROM tasks WHERE status IN (%1) AND id NOT IN (SELECT id FROM tasks WHERE status IN (%1) "
-         u"ORDER BY ordinal DESC LIMIT %2)"_s.arg(finishedStatuses())
-             .arg(HistoryLimit));
+             u"ORDER BY ordinal DESC LIMIT %2)"_s.arg(finishedStatuses())
+                 .arg(HistoryLimit));
     QSqlQuery query(QSqlDatabase::database(m_connection, false));
     query.setForwardOnly(true);
     if (!query.exec(u"SELECT %1 FROM tasks ORDER BY ordinal"_s.arg(taskColumns))) {

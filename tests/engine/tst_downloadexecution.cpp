@@ -285,8 +285,8 @@ void TestDownloadExecution::launchFailuresLoseNothing()
         QVERIFY(!m_engine->log().contains(*task.errorMessage));
         QVERIFY(!m_engine->log().contains(u"❌ "_s + *task.errorMessage));
     }
-    QCOMPARE(m_engine->log().filter(u"无法创建输出目录"_s),
-        QStringList { *m_engine->manager->tasks().at(0).explanation });
+    QCOMPARE(
+        m_engine->log().filter(u"无法创建输出目录"_s), QStringList { *m_engine->manager->tasks().at(0).explanation });
     QCOMPARE(m_engine->manager->runningCount(), 0);
 }
 

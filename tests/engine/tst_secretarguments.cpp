@@ -21,14 +21,14 @@ void TestSecretArguments::masked_data()
     const QString m = SecretMask.toString();
     QTest::newRow("nothing secret") << u"-f 'bv*+ba/b' --no-mtime -P ~/dl"_s << u"-f 'bv*+ba/b' --no-mtime -P ~/dl"_s;
     QTest::newRow("value apart") << u"-u me --password hunter2 -f b"_s << u"-u me --password "_s + m + u" -f b"_s;
-    QTest::newRow("value joined")
-        << u"--video-password=v1 --ap-password=\"a b\""_s << u"--video-password="_s + m + u" --ap-password="_s + m;
+    QTest::newRow("value joined") << u"--video-password=v1 --ap-password=\"a b\""_s
+                                  << u"--video-password="_s + m + u" --ap-password="_s + m;
     QTest::newRow("short -p, apart and joined") << u"-p hunter2 -phunter2"_s << u"-p "_s + m + u" -p"_s + m;
-    QTest::newRow("quoted value, quote inside")
-        << u"--client-certificate-password \"a\\\" b\" --twofactor 123456"_s
-        << u"--client-certificate-password "_s + m + u" --twofactor "_s + m;
+    QTest::newRow("quoted value, quote inside") << u"--client-certificate-password \"a\\\" b\" --twofactor 123456"_s
+                                                << u"--client-certificate-password "_s + m + u" --twofactor "_s + m;
     QTest::newRow("quoted option name") << u"'--password' 's e c' -x"_s << u"'--password' "_s + m + u" -x"_s;
-    QTest::newRow("blanks kept, newline between") << u"--password\n\tpw  -f  b"_s << u"--password\n\t"_s + m + u"  -f  b"_s;
+    QTest::newRow("blanks kept, newline between")
+        << u"--password\n\tpw  -f  b"_s << u"--password\n\t"_s + m + u"  -f  b"_s;
     QTest::newRow("open quote masked to the end") << u"--password 'hunter2 -f b"_s << u"--password "_s + m;
     QTest::newRow("option last, no value") << u"-f b --password"_s << u"-f b --password"_s;
     QTest::newRow("not the option, only like it")

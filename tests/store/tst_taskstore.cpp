@@ -225,7 +225,8 @@ private Q_SLOTS:
     {
         QFETCH(int, mask);
         QFETCH(bool, existedWide);
-        const QString folder = m_dir.filePath(u"private-%1/data/Quillbox"_s.arg(QString::fromUtf8(QTest::currentDataTag())));
+        const QString folder
+            = m_dir.filePath(u"private-%1/data/Quillbox"_s.arg(QString::fromUtf8(QTest::currentDataTag())));
         const QString path = folder + u"/quillbox.sqlite"_s;
         const UmaskScope scope { mode_t(mask) };
         if (existedWide) {
