@@ -42,6 +42,7 @@ public:
             report({ TaskStore::OpenState::Failed, why }, {});
             return *m_store;
         }
+        PrivateFiles::restrictFile(m_lock->fileName());
         const TaskStore::OpenResult result = m_store->open();
         report(result, m_store->lastError());
         return *m_store;
