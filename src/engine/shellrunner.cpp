@@ -14,6 +14,10 @@
 #include <sys/types.h>
 #include <unistd.h>
 
+#include <fcntl.h>
+#include <sys/socket.h>
+#include <sys/wait.h>
+
 #ifdef Q_OS_LINUX
 #include <dirent.h>
 #endif
@@ -48,20 +52,128 @@ QString quoteIfNeeded(const QString &word)
     return plain ? word : shellQuote(word);
 }
 
+namespace {
+// What the guardian runs: it keeps the list of groups it is told ("+ID" adds, "-ID" removes) and,
+// when its input ends, stops those still there. Terminal signals do not reach it (own session,
+// ignored), so it outlives whatever ends us.
+const char guardianScript[] = R"(trap '' INT TERM HUP QUIT PIPE
+groups=''
+while IFS= read -r line; do
+  case "$line" in
+    +*) groups="$groups ${line#+}" ;;
+    -*) kept=''; for g in $groups; do [ "$g" = "${line#-}" ] || kept="$kept $g"; done; groups=$kept ;;
+  esac
+done
+left=''
+for g in $groups; do kill -s TERM -- "-$g" 2>/dev/null && left="$left $g"; done
+[ -n "$left" ] || exit 0
+sleep 1
+for g in $left; do kill -s KILL -- "-$g" 2>/dev/null; done
+)";
+
+class Guardian
+{
+public:
+    static Guardian &instance()
+    {
+        static Guardian guardian;
+        return guardian;
+    }
+
+    qint64 pid() const { return m_pid; }
+
+    void tell(char what, qint64 group)
+    {
+        if (group <= 0 || !ensureStarted())
+            return;
+        char line[32];
+        const int length = std::snprintf(line, sizeof line, "%c%lld\n", what, static_cast<long long>(group));
+        // MSG_NOSIGNAL: a guardian that is gone must not take this process with it (SIGPIPE).
+        if (::send(m_socket, line, size_t(length), MSG_NOSIGNAL) != length)
+            qWarning("the process-group guardian is gone: %s", std::strerror(errno));
+    }
+
+private:
+    bool ensureStarted()
+    {
+        if (m_socket >= 0 || m_failed)
+            return m_socket >= 0;
+        int ends[2];
+        // Close-on-exec: no other child may hold our end, or the guardian would never see it close.
+        if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) != 0) {
+            m_failed = true;
+            return false;
+        }
+        // Forked twice so that it belongs to init (or a subreaper) from the start, never our zombie.
+        const pid_t child = ::fork();
+        if (child == 0) {
+            const pid_t guardian = ::fork();
+            if (guardian == 0) {
+                ::setsid();
+                ::dup2(ends[1], STDIN_FILENO);
+                const int null = ::open("/dev/null", O_WRONLY);
+                if (null >= 0) {
+                    ::dup2(null, STDOUT_FILENO);
+                    ::dup2(null, STDERR_FILENO);
+                }
+                ::execl("/bin/sh", "sh", "-c", guardianScript, static_cast<char *>(nullptr));
+                ::_exit(127);
+            }
+            // The pid goes back on the socket before this middle process leaves.
+            const long long pid = guardian;
+            [[maybe_unused]] const auto written = ::write(ends[1], &pid, sizeof pid);
+            ::_exit(guardian > 0 ? 0 : 1);
+        }
+        ::close(ends[1]);
+        long long pid = 0;
+        // The middle process always writes before it leaves; the guardian keeps the socket open.
+        const bool told = child > 0 && ::read(ends[0], &pid, sizeof pid) == sizeof pid && pid > 0;
+        if (child > 0)
+            ::waitpid(child, nullptr, 0); // Qt's own child handling may have collected it already
+        if (!told) {
+            ::close(ends[0]);
+            m_failed = true;
+            qWarning("could not start the process-group guardian");
+            return false;
+        }
+        m_socket = ends[0];
+        m_pid = pid;
+        return true;
+    }
+
+    int m_socket = -1;
+    bool m_failed = false;
+    qint64 m_pid = 0;
+};
+} // namespace
+
+qint64 GroupGuard::guardianPid()
+{
+    return Guardian::instance().pid();
+}
+
 GroupProcess::GroupProcess(QObject *parent)
     : QProcess(parent)
 {
     setChildProcessModifier([] { ::setpgid(0, 0); });
     // The group id is the shell's pid; keep it, since processId() is 0 once the shell is gone.
-    connect(this, &QProcess::started, this, [this] { m_groupId = processId(); });
+    connect(this, &QProcess::started, this, [this] {
+        m_groupId = processId();
+        if (m_guarded)
+            Guardian::instance().tell('+', m_groupId);
+    });
 }
 
 GroupProcess::~GroupProcess()
 {
-    if (state() == QProcess::NotRunning)
-        return;
-    signalGroup(SIGKILL);
-    waitForFinished(2000);
+    if (state() != QProcess::NotRunning) {
+        signalGroup(SIGKILL);
+        waitForFinished(2000);
+    }
+    // A group that is gone leaves the guardian's list; one whose children live on stays on it,
+    // to be ended with us.
+    if (m_guarded && m_groupId > 0 && ::kill(-pid_t(m_groupId), 0) != 0 && errno == ESRCH)
+        Guardian::instance().tell('-', m_groupId);
 }
 
 bool GroupProcess::signalGroup(int signal) const
@@ -141,9 +253,10 @@ QString decodeUtf8OrEmpty(const QByteArray &bytes)
 }
 
 void runShellCommand(const QString &command, PipeMode mode, QObject *context,
-    std::function<void(const ShellResult &)> done, int timeoutMs)
+    std::function<void(const ShellResult &)> done, int timeoutMs, bool guarded)
 {
     auto *process = new GroupProcess(context);
+    process->setGuarded(guarded);
     process->setProgram(shellProgram());
     process->setArguments({ u"-c"_s, command });
     process->setProcessChannelMode(mode == PipeMode::Shared ? QProcess::MergedChannels : QProcess::SeparateChannels);

@@ -12,8 +12,22 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-// yt-dlp that is still downloading half a minute later.
-const QByteArray slowSteps = R"({"steps": [{"progress": {"count": 600, "rate": 20, "size": "10.00MiB"}}]})";
+// yt-dlp that is still downloading half a minute later, with a child of its own (as ffmpeg is).
+const QByteArray slowSteps
+    = R"({"steps": [{"spawn_child_sleep": 60}, {"progress": {"count": 600, "rate": 20, "size": "10.00MiB"}}]})";
+
+// Alive, and not just awaiting collection.
+bool running(qint64 pid)
+{
+    if (::kill(pid_t(pid), 0) != 0)
+        return false;
+    QFile stat(u"/proc/%1/stat"_s.arg(pid));
+    if (!stat.open(QIODevice::ReadOnly))
+        return true;
+    const QByteArray text = stat.readAll();
+    const qsizetype close = text.lastIndexOf(')');
+    return close < 0 || text.mid(close + 2, 1) != "Z";
+}
 
 QString idOf(const DownloadTask &task)
 {
@@ -128,9 +142,13 @@ private Q_SLOTS:
         QTRY_VERIFY_WITH_TIMEOUT((said += child.readAllStandardOutput()).contains("downloading"), 30000);
         // Progress reaches the disk at most a second after it is shown.
         QTest::qWait(QueueMemory::ProgressWriteMs + 300);
+        const QList<qint64> started = m_fake->pids();
+        QCOMPARE(started.size(), 6); // three downloads and a child of each
         ::kill(pid_t(child.processId()), SIGKILL);
         QVERIFY(child.waitForFinished());
         QCOMPARE(child.exitStatus(), QProcess::CrashExit);
+        // Nothing it started outlives it: every download and its child are gone within 2 s.
+        QTRY_VERIFY_WITH_TIMEOUT(std::none_of(started.cbegin(), started.cend(), running), 2000);
 
         TaskStore store(m_store);
         QCOMPARE(store.open().state, TaskStore::OpenState::Opened);
