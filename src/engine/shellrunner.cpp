@@ -1,5 +1,6 @@
 #include "engine/shellrunner.h"
 
+#include <QFile>
 #include <QFileInfo>
 #include <QProcess>
 #include <QStringDecoder>
@@ -20,6 +21,9 @@
 
 #ifdef Q_OS_LINUX
 #include <dirent.h>
+#endif
+#ifdef Q_OS_MACOS
+#include <libproc.h>
 #endif
 
 using namespace Qt::StringLiterals;
@@ -243,6 +247,49 @@ bool waitForGroupsGone(const QList<qint64> &groups, QDeadlineTimer deadline)
         }
     }
     return true;
+}
+
+qint64 processStartTime(qint64 pid)
+{
+    if (pid <= 0)
+        return 0;
+#if defined(Q_OS_LINUX)
+    QFile stat(u"/proc/%1/stat"_s.arg(pid));
+    if (!stat.open(QIODevice::ReadOnly))
+        return 0;
+    const QByteArray text = stat.readAll();
+    // "pid (name) state ppid …": the start time is the 22nd field, the 20th after the name.
+    const QList<QByteArray> fields = text.mid(text.lastIndexOf(')') + 2).split(' ');
+    return fields.size() > 19 ? fields.at(19).toLongLong() : 0;
+#elif defined(Q_OS_MACOS)
+    proc_bsdinfo info {};
+    if (::proc_pidinfo(pid_t(pid), PROC_PIDTBSDINFO, 0, &info, sizeof info) != int(sizeof info))
+        return 0;
+    return qint64(info.pbi_start_tvsec) * 1000000 + qint64(info.pbi_start_tvusec);
+#else
+    return 0;
+#endif
+}
+
+int endLeftoverGroups(const QList<std::pair<qint64, qint64>> &groupsAndStartTimes)
+{
+    QList<qint64> running;
+    for (const auto &[group, started] : groupsAndStartTimes) {
+        // A group's number cannot be given again while any member of it lives, so a group that
+        // still runs is the recorded one unless a new leader took the number (then its start
+        // time differs). The leader itself may be gone (a shell whose yt-dlp died) while its
+        // ffmpeg writes on. Unknown start times end nothing.
+        const qint64 leader = processStartTime(group);
+        if (group > 0 && started != 0 && (leader == started || leader == 0) && groupRuns(group)
+            && ::kill(-pid_t(group), SIGTERM) == 0)
+            running.append(group);
+    }
+    if (!running.isEmpty() && !waitForGroupsGone(running, QDeadlineTimer(1000))) {
+        for (const qint64 group : std::as_const(running))
+            ::kill(-pid_t(group), SIGKILL);
+        waitForGroupsGone(running, QDeadlineTimer(1000));
+    }
+    return int(running.size());
 }
 
 QString decodeUtf8OrEmpty(const QByteArray &bytes)

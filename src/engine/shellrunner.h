@@ -60,6 +60,16 @@ qint64 guardianPid();
 // leaves behind are not ours to wait for, so quitting polls their groups instead.
 bool waitForGroupsGone(const QList<qint64> &groups, QDeadlineTimer deadline);
 
+// When process `pid` started, in the system's own units (on Linux the clock ticks since boot,
+// on macOS the microseconds since the epoch), or 0 where it cannot be told. A group id recorded
+// with its leader's start time names that group and no later one that reuses the number.
+qint64 processStartTime(qint64 pid);
+
+// Ends the groups a run that died left behind: each one that still runs and was not taken over
+// by a new leader gets SIGTERM, and SIGKILL a second later if it is still there. Returns how
+// many were running. Blocks for at most two seconds.
+int endLeftoverGroups(const QList<std::pair<qint64, qint64>> &groupsAndStartTimes);
+
 // Decodes strict UTF-8; output that is not valid UTF-8 decodes to an empty text.
 QString decodeUtf8OrEmpty(const QByteArray &bytes);
 
