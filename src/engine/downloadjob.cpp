@@ -40,6 +40,8 @@ void DownloadJob::start()
 {
     auto *process = new GroupProcess(this);
     m_process = process;
+    // A download and everything it starts end with this application, even when it is killed.
+    process->setGuarded(true);
     process->setProgram(shellProgram());
     process->setArguments({ u"-c"_s, m_command });
     process->setStandardInputFile(QProcess::nullDevice());

@@ -310,6 +310,8 @@ void DownloadManager::executeDownload(const QUuid &taskId)
 
     connect(job, &DownloadJob::started, this, [this, taskId, job](qint64 pid) {
         qCInfo(lcEngine, "[Quillbox] [executeDownload] 进程已启动, PID: %lld", pid);
+        m_processGroups.insert(taskId, pid); // the shell leads the download's group
+        Q_EMIT processGroupStarted(pid);
         m_tasks->update(taskId, [](DownloadTask &task) {
             if (task.status == DownloadStatus::Preparing)
                 task.status = DownloadStatus::Downloading;
@@ -449,6 +451,8 @@ void DownloadManager::completeDownload(const QUuid &taskId, DownloadJob *job, co
         qUtf16Printable(end.stderrTail.mid(end.stderrTail.size() - 1).join(u'\n')));
     const QString outputPath = job->outputPath();
     m_jobs.remove(taskId);
+    if (const qint64 group = m_processGroups.take(taskId))
+        Q_EMIT processGroupEnded(group);
     m_progressEntry.remove(taskId);
     job->deleteLater();
     Q_EMIT runningCountChanged();

@@ -179,6 +179,10 @@ Q_SIGNALS:
     void detectedFfmpegChanged();
     void maxConcurrentDownloadsChanged();
     void runningCountChanged();
+    // A download's process group started, or its download ended: the store keeps the running
+    // ones, so that a run that dies can have them ended at the next start.
+    void processGroupStarted(qint64 group);
+    void processGroupEnded(qint64 group);
 
 private:
     void addLog(const QString &message, LogEntry::LogType type) const;
@@ -222,6 +226,7 @@ private:
     std::deque<QUuid> m_waiting;
     bool m_pumpScheduled = false;
     QHash<QUuid, DownloadJob *> m_jobs;
+    QHash<QUuid, qint64> m_processGroups;
     // Per task, the log entry its progress redraws replace; none after any other line.
     QHash<QUuid, QUuid> m_progressEntry;
     // Per task, its information request while it runs; a task that has one never asks again.

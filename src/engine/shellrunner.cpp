@@ -1,5 +1,6 @@
 #include "engine/shellrunner.h"
 
+#include <QFile>
 #include <QFileInfo>
 #include <QProcess>
 #include <QStringDecoder>
@@ -14,8 +15,15 @@
 #include <sys/types.h>
 #include <unistd.h>
 
+#include <fcntl.h>
+#include <sys/socket.h>
+#include <sys/wait.h>
+
 #ifdef Q_OS_LINUX
 #include <dirent.h>
+#endif
+#ifdef Q_OS_MACOS
+#include <libproc.h>
 #endif
 
 using namespace Qt::StringLiterals;
@@ -48,20 +56,128 @@ QString quoteIfNeeded(const QString &word)
     return plain ? word : shellQuote(word);
 }
 
+namespace {
+// What the guardian runs: it keeps the list of groups it is told ("+ID" adds, "-ID" removes) and,
+// when its input ends, stops those still there. Terminal signals do not reach it (own session,
+// ignored), so it outlives whatever ends us.
+const char guardianScript[] = R"(trap '' INT TERM HUP QUIT PIPE
+groups=''
+while IFS= read -r line; do
+  case "$line" in
+    +*) groups="$groups ${line#+}" ;;
+    -*) kept=''; for g in $groups; do [ "$g" = "${line#-}" ] || kept="$kept $g"; done; groups=$kept ;;
+  esac
+done
+left=''
+for g in $groups; do kill -s TERM -- "-$g" 2>/dev/null && left="$left $g"; done
+[ -n "$left" ] || exit 0
+sleep 1
+for g in $left; do kill -s KILL -- "-$g" 2>/dev/null; done
+)";
+
+class Guardian
+{
+public:
+    static Guardian &instance()
+    {
+        static Guardian guardian;
+        return guardian;
+    }
+
+    qint64 pid() const { return m_pid; }
+
+    void tell(char what, qint64 group)
+    {
+        if (group <= 0 || !ensureStarted())
+            return;
+        char line[32];
+        const int length = std::snprintf(line, sizeof line, "%c%lld\n", what, static_cast<long long>(group));
+        // MSG_NOSIGNAL: a guardian that is gone must not take this process with it (SIGPIPE).
+        if (::send(m_socket, line, size_t(length), MSG_NOSIGNAL) != length)
+            qWarning("the process-group guardian is gone: %s", std::strerror(errno));
+    }
+
+private:
+    bool ensureStarted()
+    {
+        if (m_socket >= 0 || m_failed)
+            return m_socket >= 0;
+        int ends[2];
+        // Close-on-exec: no other child may hold our end, or the guardian would never see it close.
+        if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) != 0) {
+            m_failed = true;
+            return false;
+        }
+        // Forked twice so that it belongs to init (or a subreaper) from the start, never our zombie.
+        const pid_t child = ::fork();
+        if (child == 0) {
+            const pid_t guardian = ::fork();
+            if (guardian == 0) {
+                ::setsid();
+                ::dup2(ends[1], STDIN_FILENO);
+                const int null = ::open("/dev/null", O_WRONLY);
+                if (null >= 0) {
+                    ::dup2(null, STDOUT_FILENO);
+                    ::dup2(null, STDERR_FILENO);
+                }
+                ::execl("/bin/sh", "sh", "-c", guardianScript, static_cast<char *>(nullptr));
+                ::_exit(127);
+            }
+            // The pid goes back on the socket before this middle process leaves.
+            const long long pid = guardian;
+            [[maybe_unused]] const auto written = ::write(ends[1], &pid, sizeof pid);
+            ::_exit(guardian > 0 ? 0 : 1);
+        }
+        ::close(ends[1]);
+        long long pid = 0;
+        // The middle process always writes before it leaves; the guardian keeps the socket open.
+        const bool told = child > 0 && ::read(ends[0], &pid, sizeof pid) == sizeof pid && pid > 0;
+        if (child > 0)
+            ::waitpid(child, nullptr, 0); // Qt's own child handling may have collected it already
+        if (!told) {
+            ::close(ends[0]);
+            m_failed = true;
+            qWarning("could not start the process-group guardian");
+            return false;
+        }
+        m_socket = ends[0];
+        m_pid = pid;
+        return true;
+    }
+
+    int m_socket = -1;
+    bool m_failed = false;
+    qint64 m_pid = 0;
+};
+} // namespace
+
+qint64 GroupGuard::guardianPid()
+{
+    return Guardian::instance().pid();
+}
+
 GroupProcess::GroupProcess(QObject *parent)
     : QProcess(parent)
 {
     setChildProcessModifier([] { ::setpgid(0, 0); });
     // The group id is the shell's pid; keep it, since processId() is 0 once the shell is gone.
-    connect(this, &QProcess::started, this, [this] { m_groupId = processId(); });
+    connect(this, &QProcess::started, this, [this] {
+        m_groupId = processId();
+        if (m_guarded)
+            Guardian::instance().tell('+', m_groupId);
+    });
 }
 
 GroupProcess::~GroupProcess()
 {
-    if (state() == QProcess::NotRunning)
-        return;
-    signalGroup(SIGKILL);
-    waitForFinished(2000);
+    if (state() != QProcess::NotRunning) {
+        signalGroup(SIGKILL);
+        waitForFinished(2000);
+    }
+    // A group that is gone leaves the guardian's list; one whose children live on stays on it,
+    // to be ended with us.
+    if (m_guarded && m_groupId > 0 && ::kill(-pid_t(m_groupId), 0) != 0 && errno == ESRCH)
+        Guardian::instance().tell('-', m_groupId);
 }
 
 bool GroupProcess::signalGroup(int signal) const
@@ -133,6 +249,49 @@ bool waitForGroupsGone(const QList<qint64> &groups, QDeadlineTimer deadline)
     return true;
 }
 
+qint64 processStartTime(qint64 pid)
+{
+    if (pid <= 0)
+        return 0;
+#if defined(Q_OS_LINUX)
+    QFile stat(u"/proc/%1/stat"_s.arg(pid));
+    if (!stat.open(QIODevice::ReadOnly))
+        return 0;
+    const QByteArray text = stat.readAll();
+    // "pid (name) state ppid …": the start time is the 22nd field, the 20th after the name.
+    const QList<QByteArray> fields = text.mid(text.lastIndexOf(')') + 2).split(' ');
+    return fields.size() > 19 ? fields.at(19).toLongLong() : 0;
+#elif defined(Q_OS_MACOS)
+    proc_bsdinfo info {};
+    if (::proc_pidinfo(pid_t(pid), PROC_PIDTBSDINFO, 0, &info, sizeof info) != int(sizeof info))
+        return 0;
+    return qint64(info.pbi_start_tvsec) * 1000000 + qint64(info.pbi_start_tvusec);
+#else
+    return 0;
+#endif
+}
+
+int endLeftoverGroups(const QList<std::pair<qint64, qint64>> &groupsAndStartTimes)
+{
+    QList<qint64> running;
+    for (const auto &[group, started] : groupsAndStartTimes) {
+        // A group's number cannot be given again while any member of it lives, so a group that
+        // still runs is the recorded one unless a new leader took the number (then its start
+        // time differs). The leader itself may be gone (a shell whose yt-dlp died) while its
+        // ffmpeg writes on. Unknown start times end nothing.
+        const qint64 leader = processStartTime(group);
+        if (group > 0 && started != 0 && (leader == started || leader == 0) && groupRuns(group)
+            && ::kill(-pid_t(group), SIGTERM) == 0)
+            running.append(group);
+    }
+    if (!running.isEmpty() && !waitForGroupsGone(running, QDeadlineTimer(1000))) {
+        for (const qint64 group : std::as_const(running))
+            ::kill(-pid_t(group), SIGKILL);
+        waitForGroupsGone(running, QDeadlineTimer(1000));
+    }
+    return int(running.size());
+}
+
 QString decodeUtf8OrEmpty(const QByteArray &bytes)
 {
     QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
@@ -141,9 +300,10 @@ QString decodeUtf8OrEmpty(const QByteArray &bytes)
 }
 
 void runShellCommand(const QString &command, PipeMode mode, QObject *context,
-    std::function<void(const ShellResult &)> done, int timeoutMs)
+    std::function<void(const ShellResult &)> done, int timeoutMs, bool guarded)
 {
     auto *process = new GroupProcess(context);
+    process->setGuarded(guarded);
     process->setProgram(shellProgram());
     process->setArguments({ u"-c"_s, command });
     process->setProcessChannelMode(mode == PipeMode::Shared ? QProcess::MergedChannels : QProcess::SeparateChannels);

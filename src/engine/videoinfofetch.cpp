@@ -45,7 +45,7 @@ void VideoInfoFetch::run(const QString &command, int timeoutMs)
     info(u"执行命令: "_s + command);
     m_started = true;
     runShellCommand(
-        command, PipeMode::Split, this, [this](const ShellResult &result) { handle(result); }, timeoutMs);
+        command, PipeMode::Split, this, [this](const ShellResult &result) { handle(result); }, timeoutMs, true);
 }
 
 void VideoInfoFetch::cancel()

@@ -1,5 +1,7 @@
 #include "store/queuememory.h"
 
+#include "engine/shellrunner.h"
+
 #include "engine/downloadmanager.h"
 #include "model/appstate.h"
 #include "model/logcategories.h"
@@ -155,11 +157,13 @@ void QueueMemory::start()
     QueueMemory *self = this;
     onStoreThread([self](TaskStore &store) {
         QList<StoredTask> rows = store.loadTasks();
+        QList<TaskStore::ProcessGroup> groups = store.loadProcessGroups();
         QMetaObject::invokeMethod(
             self,
-            [self, rows = std::move(rows)] {
+            [self, rows = std::move(rows), groups = std::move(groups)] {
                 if (!self->m_downloads || self->m_closed)
                     return;
+                self->endLeftovers(groups);
                 for (const StoredTask &row : rows) {
                     self->m_ordinals.insert(row.task.id, row.ordinal);
                     self->m_nextOrdinal = std::max(self->m_nextOrdinal, row.ordinal + 1);
@@ -172,10 +176,39 @@ void QueueMemory::start()
     });
 }
 
+// Downloads of a run that died may still be writing their files: they are ended before their
+// rows come back, so "重试" never starts a second writer on the same file.
+void QueueMemory::endLeftovers(const QList<TaskStore::ProcessGroup> &groups)
+{
+    if (groups.isEmpty())
+        return;
+    QList<std::pair<qint64, qint64>> recorded;
+    QList<qint64> ids;
+    for (const TaskStore::ProcessGroup &group : groups) {
+        recorded.append({ group.id, group.started });
+        ids.append(group.id);
+    }
+    const int ended = endLeftoverGroups(recorded);
+    if (ended > 0) {
+        qCInfo(lcEngine, "[Quillbox] 已结束上次运行遗留的 %d 个下载进程组", ended);
+        m_appState->addLog(
+            u"⏹ 已结束上次运行遗留的 %1 个下载进程，它们的任务可以用“重试”继续"_s.arg(
+                ended),
+            LogEntry::LogType::Warning);
+    }
+    onStoreThread([ids](TaskStore &store) { store.forgetProcessGroups(ids); });
+}
+
 void QueueMemory::follow()
 {
     if (!m_downloads)
         return;
+    connect(m_downloads, &DownloadManager::processGroupStarted, this, [this](qint64 group) {
+        const TaskStore::ProcessGroup recorded { group, processStartTime(group) };
+        onStoreThread([recorded](TaskStore &store) { store.recordProcessGroup(recorded); });
+    });
+    connect(m_downloads, &DownloadManager::processGroupEnded, this,
+        [this](qint64 group) { onStoreThread([group](TaskStore &store) { store.forgetProcessGroups({ group }); }); });
     TaskModel *model = m_downloads->taskModel();
     connect(model, &QAbstractItemModel::rowsInserted, this, [this, model](const QModelIndex &, int first, int last) {
         for (int row = first; row <= last; ++row) {

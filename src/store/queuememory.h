@@ -60,6 +60,7 @@ private:
     void reportOpen(const TaskStore::OpenResult &result, const QString &error);
     void reportWriteError(const QString &error);
     void follow();
+    void endLeftovers(const QList<TaskStore::ProcessGroup> &groups);
     void noteChanged(const QUuid &id, bool soon);
     void scheduleWrite(bool soon);
     StoreBatch takeBatch();

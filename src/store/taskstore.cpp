@@ -169,8 +169,11 @@ bool TaskStore::migrate(int from)
             u"CREATE TABLE presets (id INTEGER PRIMARY KEY AUTOINCREMENT, name TEXT NOT NULL, "
             u"arguments TEXT NOT NULL)"_s,
         },
+        {
+            u"CREATE TABLE process_groups (id INTEGER PRIMARY KEY, started INTEGER NOT NULL)"_s,
+        },
     };
-    static_assert(SchemaVersion == 2, "one migration step per schema version");
+    static_assert(SchemaVersion == 3, "one migration step per schema version");
     QSqlDatabase db = QSqlDatabase::database(m_connection, false);
     for (int version = from; version < SchemaVersion; ++version) {
         if (!db.transaction()) {
@@ -370,6 +373,43 @@ qint64 TaskStore::savePreset(const SavedPreset &preset)
     if (preset.id != 0)
         return query.numRowsAffected() > 0 ? preset.id : 0;
     return query.lastInsertId().toLongLong();
+}
+
+QList<TaskStore::ProcessGroup> TaskStore::loadProcessGroups()
+{
+    QList<ProcessGroup> groups;
+    QSqlQuery query(QSqlDatabase::database(m_connection, false));
+    if (!isOpen() || !query.exec(u"SELECT id, started FROM process_groups"_s))
+        return groups;
+    while (query.next())
+        groups.append({ query.value(0).toLongLong(), query.value(1).toLongLong() });
+    return groups;
+}
+
+bool TaskStore::recordProcessGroup(const ProcessGroup &group)
+{
+    QSqlQuery query(QSqlDatabase::database(m_connection, false));
+    query.prepare(u"INSERT OR REPLACE INTO process_groups (id, started) VALUES (?, ?)"_s);
+    query.bindValue(0, group.id);
+    query.bindValue(1, group.started);
+    if (isWritable() && query.exec())
+        return true;
+    m_lastError = query.lastError().text();
+    return false;
+}
+
+bool TaskStore::forgetProcessGroups(const QList<qint64> &ids)
+{
+    QSqlQuery query(QSqlDatabase::database(m_connection, false));
+    query.prepare(u"DELETE FROM process_groups WHERE id = ?"_s);
+    for (const qint64 id : ids) {
+        query.bindValue(0, id);
+        if (!isWritable() || !query.exec()) {
+            m_lastError = query.lastError().text();
+            return false;
+        }
+    }
+    return true;
 }
 
 bool TaskStore::removePreset(qint64 id)

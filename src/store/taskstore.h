@@ -43,8 +43,9 @@ class TaskStore
 {
 public:
     // Version 1 kept the queue alone. Version 2 adds the failure's explanation, the video's
-    // length and picture, and the saved presets.
-    static constexpr int SchemaVersion = 2;
+    // length and picture, and the saved presets. Version 3 adds the process groups of running
+    // downloads, so that a run that died can have its leftovers ended at the next start.
+    static constexpr int SchemaVersion = 3;
     // Finished rows beyond this many, oldest first, are dropped when the store is opened.
     static constexpr int HistoryLimit = 10000;
 
@@ -88,6 +89,17 @@ public:
     // Inserts a preset (id 0) or rewrites the one with its id; returns the id, 0 on failure.
     qint64 savePreset(const SavedPreset &preset);
     bool removePreset(qint64 id);
+
+    // The process groups of downloads running now: each group's id and when its leader started
+    // (as processStartTime() tells it), recorded while it runs.
+    struct ProcessGroup
+    {
+        qint64 id = 0;
+        qint64 started = 0;
+    };
+    QList<ProcessGroup> loadProcessGroups();
+    bool recordProcessGroup(const ProcessGroup &group);
+    bool forgetProcessGroups(const QList<qint64> &ids);
 
     // The last SQLite error, for the log.
     QString lastError() const { return m_lastError; }

@@ -33,6 +33,7 @@ Dialog {
             objectName: "aboutVersion"
             Layout.alignment: Qt.AlignHCenter
             text: "Quillbox " + Desktop.version
+            textFormat: Text.PlainText
             color: Theme.text
             font.pixelSize: Theme.title3
             font.bold: true
@@ -47,6 +48,7 @@ Dialog {
             objectName: "homePageLink"
             Layout.alignment: Qt.AlignHCenter
             text: String(Desktop.homePage)
+            textFormat: Text.PlainText
             color: Theme.cyan
             font.pixelSize: Theme.caption
             font.underline: linkArea.containsMouse

@@ -28,6 +28,7 @@ MenuBar {
 
         contentItem: Text {
             text: barItem.text
+            textFormat: Text.PlainText
             color: Theme.text
             font.pixelSize: Theme.body
             verticalAlignment: Text.AlignVCenter
@@ -59,6 +60,7 @@ MenuBar {
                     Text {
                         objectName: "menuItemText"
                         text: entry.text
+                        textFormat: Text.PlainText
                         color: entry.enabled ? Theme.text : Theme.gray
                         opacity: entry.enabled ? 1 : 0.6
                         font.pixelSize: Theme.body
@@ -67,6 +69,7 @@ MenuBar {
                     Text {
                         objectName: "menuItemKeys"
                         text: entry.keys
+                        textFormat: Text.PlainText
                         visible: entry.keys.length > 0
                         color: Theme.gray
                         opacity: entry.enabled ? 1 : 0.6

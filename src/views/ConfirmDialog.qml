@@ -40,6 +40,7 @@ Dialog {
                 objectName: "confirmMessage"
                 Layout.fillWidth: true
                 text: root.message
+                textFormat: Text.PlainText
                 color: Theme.text
                 font.pixelSize: Theme.bodyLarge
                 wrapMode: Text.Wrap

@@ -31,6 +31,7 @@ Rectangle {
         contentItem: Text {
             leftPadding: option.indicator.width + option.spacing
             text: option.text
+            textFormat: Text.PlainText
             color: Theme.text
             font: option.font
             verticalAlignment: Text.AlignVCenter
@@ -52,6 +53,32 @@ Rectangle {
                 color: Theme.accent
                 visible: option.checked
             }
+        }
+    }
+
+    // An entry of a drop-down list as the style draws it, but with its words as plain text.
+    component ChoiceEntry: ItemDelegate {
+        id: entry
+
+        required property var modelData
+        required property int index
+        property ComboBox choice
+
+        width: ListView.view.width
+        text: entry.modelData[entry.choice.textRole]
+        palette.text: entry.choice.palette.text
+        palette.highlightedText: entry.choice.palette.highlightedText
+        font.weight: entry.choice.currentIndex === entry.index ? Font.DemiBold : Font.Normal
+        highlighted: entry.choice.highlightedIndex === entry.index
+        hoverEnabled: entry.choice.hoverEnabled
+
+        contentItem: Text {
+            text: entry.text
+            textFormat: Text.PlainText
+            font: entry.font
+            color: entry.highlighted ? entry.palette.highlightedText : entry.palette.text
+            elide: Text.ElideRight
+            verticalAlignment: Text.AlignVCenter
         }
     }
 
@@ -122,6 +149,9 @@ Rectangle {
                         objectName: "browserChoice"
                         Layout.preferredWidth: 180
                         model: presenter.browsers
+                        delegate: ChoiceEntry {
+                            choice: browserChoice
+                        }
                         textRole: "label"
                         valueRole: "name"
                         // Read again when the list changes, as well as when the source does.
@@ -188,6 +218,9 @@ Rectangle {
                         objectName: "checkSiteChoice"
                         Layout.preferredWidth: 140
                         model: presenter.checkSites
+                        delegate: ChoiceEntry {
+                            choice: siteChoice
+                        }
                         textRole: "label"
                         valueRole: "key"
                         currentIndex: Math.max(0, siteChoice.indexOfValue(presenter.checkSite))
@@ -263,6 +296,7 @@ Rectangle {
                     selectByMouse: true
                     text: presenter.exportSummary.length > 0
                           ? CookieService.extractedCookiesPath + "\n" + presenter.exportSummary : ""
+                    textFormat: TextEdit.PlainText
                     color: Theme.green
                     font.pixelSize: Theme.caption
                     wrapMode: TextEdit.Wrap
@@ -272,6 +306,7 @@ Rectangle {
                     Layout.fillWidth: true
                     visible: text.length > 0
                     text: CookieService.lastError
+                    textFormat: Text.PlainText
                     color: Theme.red
                     font.pixelSize: Theme.caption
                     wrapMode: Text.Wrap
@@ -293,6 +328,7 @@ Rectangle {
                         objectName: "currentFile"
                         Layout.fillWidth: true
                         text: AppState.cookiePath.length > 0 ? AppState.cookiePath : "未选择 Cookie 文件"
+                        textFormat: Text.PlainText
                         color: AppState.cookiePath.length > 0 ? Theme.text : Theme.gray
                         font.pixelSize: Theme.caption
                         elide: Text.ElideMiddle
@@ -309,6 +345,7 @@ Rectangle {
                     Layout.fillWidth: true
                     visible: text.length > 0
                     text: presenter.fileProblem
+                    textFormat: Text.PlainText
                     color: Theme.red
                     font.pixelSize: Theme.caption
                 }
@@ -317,6 +354,7 @@ Rectangle {
                     Layout.fillWidth: true
                     visible: presenter.expiredCount > 0
                     text: presenter.expiredCount + " 个网站的 Cookie 已过期，请重新登录后再导出。"
+                    textFormat: Text.PlainText
                     color: Theme.orange
                     font.pixelSize: Theme.caption
                     wrapMode: Text.Wrap
@@ -338,6 +376,7 @@ Rectangle {
                         Text {
                             Layout.preferredWidth: 200
                             text: domainRow.modelData.domain
+                            textFormat: Text.PlainText
                             color: domainRow.expired ? Theme.gray : Theme.text
                             font.pixelSize: Theme.caption
                             font.strikeout: domainRow.expired
@@ -347,6 +386,7 @@ Rectangle {
                             objectName: "domainDetail"
                             Layout.fillWidth: true
                             text: domainRow.modelData.detail
+                            textFormat: Text.PlainText
                             color: domainRow.expired ? Theme.red : Theme.gray
                             font.pixelSize: Theme.caption
                             elide: Text.ElideRight

@@ -278,6 +278,7 @@ Rectangle {
                 Layout.alignment: Qt.AlignHCenter
                 visible: text.length > 0
                 text: inputPresenter.startNotice
+                textFormat: Text.PlainText
                 color: Theme.orange
                 font.pixelSize: Theme.caption
             }

@@ -119,6 +119,7 @@ AbstractButton {
                 objectName: "titleText"
                 Layout.fillWidth: true
                 text: root.title
+                textFormat: Text.PlainText
                 color: Theme.text
                 font.pixelSize: Theme.bodyLarge
                 font.weight: Font.Medium
@@ -129,6 +130,7 @@ AbstractButton {
                 Layout.fillWidth: true
                 visible: root.fileName.length > 0
                 text: root.fileName
+                textFormat: Text.PlainText
                 color: Theme.gray
                 font.pixelSize: Theme.caption2
                 elide: Text.ElideMiddle
@@ -143,6 +145,7 @@ AbstractButton {
                     objectName: "statusText"
                     // After the download, what is being done with it says more than "下载中".
                     text: root.phase.length > 0 ? root.phase : root.statusLabel
+                    textFormat: Text.PlainText
                     color: root.tint
                     font.pixelSize: Theme.caption2
                 }
@@ -156,6 +159,7 @@ AbstractButton {
                     objectName: "durationText"
                     visible: root.duration.length > 0
                     text: root.duration
+                    textFormat: Text.PlainText
                     color: Theme.gray
                     font.pixelSize: Theme.caption2
                 }
@@ -169,6 +173,7 @@ AbstractButton {
                     objectName: "speedText"
                     visible: root.speed.length > 0
                     text: root.speed
+                    textFormat: Text.PlainText
                     color: Theme.gray
                     font.pixelSize: Theme.caption2
                 }
@@ -182,6 +187,7 @@ AbstractButton {
                     objectName: "sizeText"
                     visible: root.size.length > 0
                     text: root.size
+                    textFormat: Text.PlainText
                     color: Theme.gray
                     font.pixelSize: Theme.caption2
                 }
@@ -195,6 +201,7 @@ AbstractButton {
                     objectName: "etaText"
                     visible: root.eta.length > 0
                     text: "剩余 " + root.eta
+                    textFormat: Text.PlainText
                     color: Theme.gray
                     font.pixelSize: Theme.caption2
                 }
@@ -208,6 +215,7 @@ AbstractButton {
                     objectName: "noticeText"
                     visible: root.notice.length > 0
                     text: root.notice
+                    textFormat: Text.PlainText
                     color: Theme.orange
                     font.pixelSize: Theme.caption2
                 }
@@ -253,6 +261,7 @@ AbstractButton {
                     objectName: "percentText"
                     visible: root.phase.length === 0
                     text: root.percentText
+                    textFormat: Text.PlainText
                     color: Theme.gray
                     font.pixelSize: Theme.caption2
                 }
@@ -266,6 +275,7 @@ AbstractButton {
                     objectName: "explanationText"
                     Layout.fillWidth: true
                     text: root.explanation
+                    textFormat: Text.PlainText
                     color: Theme.red
                     font.pixelSize: Theme.caption
                     wrapMode: Text.Wrap
@@ -298,6 +308,7 @@ AbstractButton {
                 Layout.fillWidth: true
                 visible: root.openError.length > 0
                 text: root.openError
+                textFormat: Text.PlainText
                 color: Theme.orange
                 font.pixelSize: Theme.caption2
                 wrapMode: Text.Wrap

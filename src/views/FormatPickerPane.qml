@@ -59,6 +59,7 @@ Rectangle {
                     Layout.preferredWidth: modelData.width > 0 ? modelData.width : -1
                     Layout.fillWidth: modelData.width < 0
                     text: modelData.title
+                    textFormat: Text.PlainText
                     color: Theme.gray
                     font.pixelSize: Theme.caption
                 }
@@ -119,6 +120,7 @@ Rectangle {
                             Layout.preferredWidth: modelData.width > 0 ? modelData.width : -1
                             Layout.fillWidth: modelData.width < 0
                             text: row[modelData.role]
+                            textFormat: Text.PlainText
                             color: row.selected ? Theme.text : Theme.secondaryText
                             font.family: Theme.fixedFont.family
                             font.pixelSize: Theme.monoCaption
@@ -138,6 +140,7 @@ Rectangle {
             horizontalAlignment: Text.AlignHCenter
             wrapMode: Text.Wrap
             text: !root.picker ? "" : root.picker.isLoading ? "正在读取格式..." : root.picker.errorText
+            textFormat: Text.PlainText
             color: root.picker && root.picker.isLoading ? Theme.gray : Theme.orange
             font.pixelSize: Theme.caption
         }
@@ -150,6 +153,7 @@ Rectangle {
                 objectName: "pickerArguments"
                 Layout.fillWidth: true
                 text: root.arguments
+                textFormat: Text.PlainText
                 color: Theme.text
                 font.family: Theme.fixedFont.family
                 font.pixelSize: Theme.monoBody

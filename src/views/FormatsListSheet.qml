@@ -87,6 +87,7 @@ Rectangle {
                 TextArea {
                     objectName: "formatsText"
                     text: root.formatsOutput
+                    textFormat: TextEdit.PlainText
                     readOnly: true
                     selectByMouse: true
                     wrapMode: TextEdit.NoWrap

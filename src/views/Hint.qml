@@ -3,6 +3,7 @@ import Quillbox
 
 // A short explanation under a field.
 Text {
+    textFormat: Text.PlainText
     color: Theme.gray
     font.pixelSize: Theme.caption2
     wrapMode: Text.Wrap

@@ -14,6 +14,7 @@ RowLayout {
     Text {
         objectName: "infoTitle"
         text: root.title
+        textFormat: Text.PlainText
         color: Theme.gray
         font.pixelSize: Theme.body
     }
@@ -24,6 +25,7 @@ RowLayout {
         objectName: "infoValue"
         Layout.maximumWidth: 260
         text: root.value
+        textFormat: Text.PlainText
         color: Theme.text
         font.pixelSize: Theme.body
         elide: Text.ElideRight

@@ -56,6 +56,7 @@ ColumnLayout {
         Layout.fillWidth: true
         Layout.preferredHeight: 120
         text: AppState.urlInput
+        textFormat: TextEdit.PlainText
         onTextChanged: {
             if (text !== AppState.urlInput)
                 AppState.urlInput = text

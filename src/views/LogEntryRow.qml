@@ -18,6 +18,7 @@ RowLayout {
         objectName: "timeText"
         Layout.alignment: Qt.AlignTop
         text: root.timeText
+        textFormat: Text.PlainText
         color: Theme.gray
         font.family: Theme.fixedFont.family
         font.pixelSize: Theme.monoCaption
@@ -38,6 +39,7 @@ RowLayout {
         objectName: "messageText"
         Layout.fillWidth: true
         text: root.message
+        textFormat: TextEdit.PlainText
         color: root.isError ? Theme.red : Theme.text
         font.family: Theme.fixedFont.family
         font.pixelSize: Theme.monoBody

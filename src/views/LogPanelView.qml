@@ -82,6 +82,7 @@ Rectangle {
             Text {
                 objectName: "logCount"
                 text: AppState.logEntries.count + " 条"
+                textFormat: Text.PlainText
                 color: Theme.gray
                 font.pixelSize: Theme.caption2
             }

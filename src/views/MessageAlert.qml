@@ -37,6 +37,7 @@ Dialog {
             Text {
                 objectName: "alertHeading"
                 text: root.heading
+                textFormat: Text.PlainText
                 color: Theme.text
                 font.pixelSize: Theme.title4
                 font.bold: true
@@ -47,6 +48,7 @@ Dialog {
             Layout.fillWidth: true
             Layout.maximumHeight: 240
             text: root.message
+            textFormat: TextEdit.PlainText
             color: Theme.text
             wrapMode: Text.Wrap
             readOnly: true

@@ -52,6 +52,7 @@ AbstractButton {
 
                 Text {
                     text: root.name
+                    textFormat: Text.PlainText
                     color: Theme.text
                     font.pixelSize: Theme.body
                     font.weight: Font.Medium
@@ -68,6 +69,7 @@ AbstractButton {
                 Layout.fillWidth: true
                 visible: root.isWide
                 text: root.description
+                textFormat: Text.PlainText
                 color: Theme.gray
                 font.pixelSize: Theme.caption2
                 wrapMode: Text.Wrap

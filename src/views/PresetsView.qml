@@ -21,6 +21,7 @@ Rectangle {
     color: Theme.background
 
     component Caption: Text {
+        textFormat: Text.PlainText
         Layout.fillWidth: true
         color: Theme.gray
         font.pixelSize: Theme.caption
@@ -28,6 +29,7 @@ Rectangle {
     }
 
     component Problem: Text {
+        textFormat: Text.PlainText
         Layout.fillWidth: true
         visible: text.length > 0
         color: Theme.red
@@ -36,6 +38,7 @@ Rectangle {
     }
 
     component Words: Text {
+        textFormat: Text.PlainText
         Layout.fillWidth: true
         color: Theme.cyan
         font.family: Theme.fixedFont.family
@@ -151,6 +154,7 @@ Rectangle {
                                     objectName: "savedName"
                                     Layout.fillWidth: true
                                     text: savedRow.name
+                                    textFormat: Text.PlainText
                                     color: Theme.text
                                     font.pixelSize: Theme.body
                                     font.weight: Font.Medium
@@ -365,6 +369,7 @@ Rectangle {
 
                                 Text {
                                     text: builtInRow.name
+                                    textFormat: Text.PlainText
                                     color: Theme.text
                                     font.pixelSize: Theme.body
                                     font.weight: Font.Medium

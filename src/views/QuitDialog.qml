@@ -39,6 +39,7 @@ Dialog {
                 objectName: "quitMessage"
                 Layout.fillWidth: true
                 text: "有 " + root.running + " 个下载正在进行，退出将停止它们。"
+                textFormat: Text.PlainText
                 color: Theme.text
                 font.pixelSize: Theme.bodyLarge
                 wrapMode: Text.Wrap

@@ -8,7 +8,22 @@ IconButton {
 
     fill: "transparent"
     Accessible.name: text
-    ToolTip.visible: hovered
-    ToolTip.delay: 500
-    ToolTip.text: text
+
+    // Its own tooltip rather than the attached one, whose label would take markup for rich text.
+    ToolTip {
+        id: tip
+
+        objectName: "rowActionTip"
+        visible: root.hovered
+        delay: 500
+        text: root.text
+
+        contentItem: Text {
+            text: tip.text
+            textFormat: Text.PlainText
+            font: tip.font
+            wrapMode: Text.Wrap
+            color: tip.palette.toolTipText
+        }
+    }
 }

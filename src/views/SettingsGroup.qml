@@ -25,6 +25,7 @@ ColumnLayout {
             objectName: "groupTitle"
             anchors.verticalCenter: parent.verticalCenter
             text: root.title
+            textFormat: Text.PlainText
             color: Theme.text
             font.pixelSize: Theme.headline
             font.weight: Font.DemiBold

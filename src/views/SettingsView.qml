@@ -26,6 +26,7 @@ Rectangle {
     }
 
     component Caption: Text {
+        textFormat: Text.PlainText
         Layout.fillWidth: true
         wrapMode: Text.Wrap
         color: Theme.secondaryText
@@ -61,6 +62,7 @@ Rectangle {
             objectName: "statusText"
             Layout.fillWidth: true
             text: statusRow.label
+            textFormat: Text.PlainText
             color: statusRow.labelColor
             font.pixelSize: Theme.body
             font.weight: Font.Medium
@@ -143,6 +145,7 @@ Rectangle {
                         Text {
                             objectName: "ytDlpVersionText"
                             text: ytDlpStatus.found ? "已安装 (v" + DownloadManager.ytDlpVersion + ")" : "未找到"
+                            textFormat: Text.PlainText
                             color: ytDlpStatus.tint
                             font.pixelSize: Theme.caption
                         }
@@ -230,6 +233,7 @@ Rectangle {
                         Layout.fillWidth: true
                         text: "自动检测路径: " + DownloadManager.ytDlpPath
                               + (DownloadManager.tools.isYtDlpPathChosen ? "（使用中，自选路径）" : "（使用中，自动找到）")
+                        textFormat: Text.PlainText
                         color: Theme.gray
                         font.pixelSize: Theme.caption2
                         elide: Text.ElideMiddle
@@ -260,6 +264,7 @@ Rectangle {
                         Layout.fillWidth: true
                         visible: presenter.updateResult.length > 0
                         text: presenter.updateResult
+                        textFormat: Text.PlainText
                         color: Theme.tint(presenter.updateResultTint)
                         font.pixelSize: Theme.caption
                         wrapMode: Text.Wrap
@@ -342,6 +347,7 @@ Rectangle {
                         Layout.fillWidth: true
                         visible: DownloadManager.detectedJSRuntimePath.length > 0
                         text: DownloadManager.detectedJSRuntimePath
+                        textFormat: Text.PlainText
                         color: Theme.secondaryText
                         font.pixelSize: Theme.caption2
                         elide: Text.ElideMiddle
@@ -406,6 +412,7 @@ Rectangle {
                         Layout.fillWidth: true
                         visible: DownloadManager.detectedFfmpegVersion.length > 0
                         text: DownloadManager.detectedFfmpegVersion
+                        textFormat: Text.PlainText
                         color: Theme.secondaryText
                         font.pixelSize: Theme.caption2
                         elide: Text.ElideRight

@@ -135,6 +135,7 @@ Rectangle {
                 topPadding: 2
                 bottomPadding: 2
                 text: String(AppState.logEntries.count)
+                textFormat: Text.PlainText
                 color: Theme.text
                 font.pixelSize: Theme.caption3
 

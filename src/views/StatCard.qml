@@ -31,6 +31,7 @@ Rectangle {
             objectName: "statValue"
             Layout.alignment: Qt.AlignHCenter
             text: root.value
+            textFormat: Text.PlainText
             color: Theme.text
             font.pixelSize: Theme.title2
             font.bold: true
@@ -38,6 +39,7 @@ Rectangle {
         Text {
             Layout.alignment: Qt.AlignHCenter
             text: root.title
+            textFormat: Text.PlainText
             color: Theme.gray
             font.pixelSize: Theme.caption3
         }

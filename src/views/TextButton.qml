@@ -103,6 +103,7 @@ AbstractButton {
             Layout.leftMargin: root.busy || root.symbol.length > 0 ? root.spacing : 0
             visible: root.text.length > 0
             text: root.text
+            textFormat: Text.PlainText
             color: root.tint
             font.pixelSize: root.fontSize
             font.weight: root.fontWeight

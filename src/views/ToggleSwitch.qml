@@ -59,6 +59,7 @@ Switch {
         Text {
             anchors.verticalCenter: parent.verticalCenter
             text: root.text
+            textFormat: Text.PlainText
             font: root.font
             color: Theme.text
         }

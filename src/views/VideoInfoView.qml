@@ -27,6 +27,7 @@ Rectangle {
             objectName: "videoTitle"
             Layout.fillWidth: true
             text: root.videoInfo.title
+            textFormat: Text.PlainText
             color: Theme.text
             font.pixelSize: Theme.title2
             font.bold: true

@@ -32,8 +32,8 @@ void TestLinkInput::links_data()
     QTest::newRow("a link beside words") << b + u" 好看的视频"_s << QStringList { b }
                                          << QStringList { u"好看的视频"_s };
     QTest::newRow("options are never links")
-        << u"--exec rm\n-https://a.example/v\n--config-locations=x.example"_s << QStringList()
-        << QStringList { u"--exec rm"_s, u"-https://a.example/v"_s, u"--config-locations=x.example"_s };
+        << u"--exec rm\n-https://a.example/v\n--config-locations=x.example\n-x.com/a"_s << QStringList()
+        << QStringList { u"--exec rm"_s, u"-https://a.example/v"_s, u"--config-locations=x.example"_s, u"-x.com/a"_s };
     QTest::newRow("hosts, addresses and schemes")
         << u"www.example.com 127.0.0.1:8000/v bücher.example ytsearch:cats ftp://h/x"_s
         << QStringList { u"www.example.com"_s, u"127.0.0.1:8000/v"_s, u"bücher.example"_s, u"ytsearch:cats"_s,

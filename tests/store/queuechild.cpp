@@ -4,6 +4,7 @@
 // every one of them is downloading and has shown some progress.
 
 #include "engine/downloadmanager.h"
+#include "engine/shellrunner.h"
 #include "model/appstate.h"
 #include "store/queuememory.h"
 
@@ -46,7 +47,8 @@ int main(int argc, char **argv)
                 return task.status == DownloadStatus::Downloading && task.progress > 0;
             })) {
             poll.stop();
-            std::printf("downloading\n");
+            // Whoever kills this process can kill the groups' guardian too, to leave orphans.
+            std::printf("guardian %lld\ndownloading\n", static_cast<long long>(GroupGuard::guardianPid()));
             std::fflush(stdout);
         }
     });

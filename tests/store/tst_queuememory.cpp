@@ -14,8 +14,22 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-// yt-dlp that is still downloading half a minute later.
-const QByteArray slowSteps = R"({"steps": [{"progress": {"count": 600, "rate": 20, "size": "10.00MiB"}}]})";
+// yt-dlp that is still downloading half a minute later, with a child of its own (as ffmpeg is).
+const QByteArray slowSteps
+    = R"({"steps": [{"spawn_child_sleep": 60}, {"progress": {"count": 600, "rate": 20, "size": "10.00MiB"}}]})";
+
+// Alive, and not just awaiting collection.
+bool running(qint64 pid)
+{
+    if (::kill(pid_t(pid), 0) != 0)
+        return false;
+    QFile stat(u"/proc/%1/stat"_s.arg(pid));
+    if (!stat.open(QIODevice::ReadOnly))
+        return true;
+    const QByteArray text = stat.readAll();
+    const qsizetype close = text.lastIndexOf(')');
+    return close < 0 || text.mid(close + 2, 1) != "Z";
+}
 
 QByteArray bytesOf(const QString &path)
 {
@@ -123,8 +137,16 @@ private Q_SLOTS:
         QCOMPARE(rows.at(2).task.status, DownloadStatus::Cancelled);
     }
 
+    void killedApplicationLosesNoRow_data()
+    {
+        QTest::addColumn<bool>("guardianKilled");
+        QTest::newRow("its downloads end with it") << false;
+        QTest::newRow("its guardian killed too: the next start ends them") << true;
+    }
+
     void killedApplicationLosesNoRow()
     {
+        QFETCH(bool, guardianKilled);
         QProcess child;
         child.setProcessChannelMode(QProcess::ForwardedErrorChannel);
         const QStringList links
@@ -136,29 +158,58 @@ private Q_SLOTS:
         QTRY_VERIFY_WITH_TIMEOUT((said += child.readAllStandardOutput()).contains("downloading"), 30000);
         // Progress reaches the disk at most a second after it is shown.
         QTest::qWait(QueueMemory::ProgressWriteMs + 300);
+        const QList<qint64> started = m_fake->pids();
+        QCOMPARE(started.size(), 6); // three downloads and a child of each
+        if (guardianKilled) {
+            const qint64 guardian = said.mid(said.indexOf("guardian ") + 9).split('\n').constFirst().toLongLong();
+            QVERIFY(guardian > 0);
+            ::kill(pid_t(guardian), SIGKILL);
+        }
         ::kill(pid_t(child.processId()), SIGKILL);
         QVERIFY(child.waitForFinished());
         QCOMPARE(child.exitStatus(), QProcess::CrashExit);
-
-        TaskStore store(m_store);
-        QCOMPARE(store.open().state, TaskStore::OpenState::Opened);
-        const QList<StoredTask> rows = store.loadTasks();
-        QCOMPARE(rows.size(), 3);
-        for (qsizetype i = 0; i < rows.size(); ++i) {
-            QCOMPARE(rows.at(i).task.url, links.at(i));
-            QCOMPARE(rows.at(i).task.status, DownloadStatus::Downloading);
-            QVERIFY(rows.at(i).task.progress > 0);
-            QCOMPARE(rows.at(i).request.outputDir, m_fixture->path(u"out"_s));
+        if (guardianKilled) {
+            // Left behind on purpose: the stand-ins die writing to nobody, their children (as an
+            // ffmpeg would) live on.
+            QTest::qWait(500);
+            QVERIFY(std::any_of(started.cbegin(), started.cend(), running));
+        } else {
+            // Nothing it started outlives it: every download and its child are gone within 2 s.
+            QTRY_VERIFY_WITH_TIMEOUT(std::none_of(started.cbegin(), started.cend(), running), 2000);
         }
 
-        // The next start finds them stopped, the dead run's lock no obstacle.
+        {
+            TaskStore store(m_store);
+            QCOMPARE(store.open().state, TaskStore::OpenState::Opened);
+            const QList<StoredTask> rows = store.loadTasks();
+            QCOMPARE(rows.size(), 3);
+            for (qsizetype i = 0; i < rows.size(); ++i) {
+                QCOMPARE(rows.at(i).task.url, links.at(i));
+                QCOMPARE(rows.at(i).task.status, DownloadStatus::Downloading);
+                QVERIFY(rows.at(i).task.progress > 0);
+                QCOMPARE(rows.at(i).request.outputDir, m_fixture->path(u"out"_s));
+            }
+            QCOMPARE(store.loadProcessGroups().size(), 3);
+        }
+
+        // The next start ends what is left before the rows come back, finds them stopped, the
+        // dead run's lock no obstacle, and "重试" runs alone.
         AppState state;
         DownloadManager downloads(&state, locations());
         QueueMemory memory(&downloads, &state, m_store);
         memory.start();
         QTRY_COMPARE(downloads.tasks().size(), 3);
+        QVERIFY(std::none_of(started.cbegin(), started.cend(), running));
+        const QStringList ended = EngineFixture::messages(state).filter(u"已结束上次运行遗留的"_s);
+        QCOMPARE(ended,
+            guardianKilled
+                ? QStringList { u"⏹ 已结束上次运行遗留的 3 个下载进程，它们的任务可以用“重试”继续"_s }
+                : QStringList());
         for (const DownloadTask &task : downloads.tasks())
             QCOMPARE(task.status, DownloadStatus::Cancelled);
+        m_fixture->writeFile(u"scenarios/slow.json"_s, R"({"steps": [{"write_output": true}]})");
+        downloads.retryDownload(idOf(downloads.tasks().constFirst()));
+        QTRY_COMPARE_WITH_TIMEOUT(downloads.tasks().constFirst().status, DownloadStatus::Completed, 20000);
     }
 
     void clearingALongHistoryIsKept()
