@@ -132,15 +132,25 @@ void QueueMemory::reportOpen(const TaskStore::OpenResult &result, const QString 
         m_appState->addLog(
             u"⚠️ 队列数据库来自更新版本的 Quillbox，本次不会保存队列: %1"_s.arg(m_path),
             LogEntry::LogType::Warning);
+        setStoreNotice(u"队列数据库来自更新版本的 Quillbox，只读取、不改动：本次的队列只在内存中，退出后不会保留。"_s);
         return;
     case TaskStore::OpenState::Failed:
         m_appState->addLog(
             u"⚠️ 无法打开队列数据库 %1，本次不会保存队列: %2"_s.arg(m_path, result.detail),
             LogEntry::LogType::Warning);
+        setStoreNotice(u"无法打开队列数据库（%1）：本次的队列只在内存中，退出后不会保留。"_s.arg(result.detail));
         qCWarning(lcEngine, "[Quillbox] 队列数据库无法打开: %ls (%ls)", qUtf16Printable(result.detail),
             qUtf16Printable(error));
         return;
     }
+}
+
+void QueueMemory::setStoreNotice(const QString &notice)
+{
+    if (m_storeNotice == notice)
+        return;
+    m_storeNotice = notice;
+    Q_EMIT storeNoticeChanged();
 }
 
 void QueueMemory::reportWriteError(const QString &error)

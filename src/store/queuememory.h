@@ -23,6 +23,9 @@ class QTimer;
 class QueueMemory : public QObject
 {
     Q_OBJECT
+    // Why the queue is not kept this run (a store from a later Quillbox, another Quillbox using
+    // it, a folder that cannot be written), for the settings sheet; empty while it is kept.
+    Q_PROPERTY(QString storeNotice READ storeNotice NOTIFY storeNoticeChanged)
 
 public:
     static constexpr int ProgressWriteMs = 1000;
@@ -40,6 +43,7 @@ public:
     // the downloads, so that the queue is kept as it stood. Waits for the write.
     void close();
     bool isRestored() const { return m_restored; }
+    QString storeNotice() const { return m_storeNotice; }
 
     // The saved presets, in the order they were made; `done` on this thread, unless `context`
     // has gone by then.
@@ -51,6 +55,7 @@ public:
 Q_SIGNALS:
     // The stored queue is back in the engine (with `count` rows), or there was nothing to bring.
     void restored(int count);
+    void storeNoticeChanged();
 
 private:
     class Worker;
@@ -58,6 +63,7 @@ private:
     // Runs `work` with the store on its thread; the store is opened first if it is not yet.
     void onStoreThread(std::function<void(TaskStore &)> work);
     void reportOpen(const TaskStore::OpenResult &result, const QString &error);
+    void setStoreNotice(const QString &notice);
     void reportWriteError(const QString &error);
     void follow();
     void endLeftovers(const QList<TaskStore::ProcessGroup> &groups);
@@ -83,4 +89,5 @@ private:
     QSet<QUuid> m_beforeReset;
     QTimer *m_soon;
     QTimer *m_late;
+    QString m_storeNotice;
 };

@@ -505,6 +505,12 @@ Rectangle {
                         checked: AppState.notifyOnFinish
                         onToggled: AppState.notifyOnFinish = checked
                     }
+                    Caption {
+                        objectName: "storeNotice"
+                        visible: text.length > 0
+                        text: QueueMemory.storeNotice
+                        color: Theme.orange
+                    }
                 }
 
                 Item {

@@ -9,6 +9,7 @@
 #include "model/presetlistmodel.h"
 #include "model/taskmodel.h"
 #include "model/videoinfo.h"
+#include "store/queuememory.h"
 
 #include <QJSEngine>
 #include <QQmlEngine>
@@ -66,6 +67,20 @@ public:
     static CookieService *create(QQmlEngine *, QJSEngine *engine)
     {
         return sharedInstanceForQml(CookieService::instance(), engine);
+    }
+};
+
+struct QueueMemoryForeign
+{
+    Q_GADGET
+    QML_FOREIGN(QueueMemory)
+    QML_NAMED_ELEMENT(QueueMemory)
+    QML_SINGLETON
+
+public:
+    static QueueMemory *create(QQmlEngine *, QJSEngine *engine)
+    {
+        return sharedInstanceForQml(QueueMemory::instance(), engine);
     }
 };
 

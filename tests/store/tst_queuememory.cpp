@@ -299,6 +299,7 @@ private Q_SLOTS:
         memory.start();
         QTRY_VERIFY(memory.isRestored());
         QTRY_VERIFY(EngineFixture::messages(state).join(u'\n').contains(u"本次不会保存队列"_s));
+        QVERIFY(memory.storeNotice().contains(u"更新版本"_s)); // what the settings sheet says
         // The queue works for this run: what was there comes back, a new download runs to the end.
         QCOMPARE(downloads.tasks().size(), 1);
         QCOMPARE(downloads.tasks().at(0).id, earlier.task.id);
