@@ -1,60 +1,19 @@
 #pragma once
 
-#include <QDeadlineTimer>
-#include <QFileInfo>
-#include <QProcess>
-#include <QRegularExpression>
-#include <QStandardPaths>
+#include "support/localserver.h"
 
-// tests/support/releaseserver.py on 127.0.0.1, serving the release files under `root`, until it
-// is destroyed. Its standard input stays an open pipe: the server exits when that closes, even if
-// the process that started it dies.
-class ReleaseServer
+// tests/support/releaseserver.py on 127.0.0.1, serving the release files under `root`.
+class ReleaseServer : public LocalServer
 {
 public:
     static constexpr int Patience = 30000;
 
     ReleaseServer(const QString &testsDir, const QString &root, const QStringList &extraArguments = {})
+        : LocalServer(QStringLiteral("release server"),
+            QStringList { testsDir + QStringLiteral("/support/releaseserver.py"), QStringLiteral("--root"), root }
+                + extraArguments,
+            Patience)
     {
-        using namespace Qt::StringLiterals;
-        m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-        m_process.start(
-            python(), QStringList { testsDir + u"/support/releaseserver.py"_s, u"--root"_s, root } + extraArguments);
-        if (!m_process.waitForStarted(Patience)) {
-            m_error = u"the release server did not start: "_s + m_process.errorString();
-            return;
-        }
-        QDeadlineTimer deadline(Patience);
-        while (!m_process.canReadLine() && m_process.state() == QProcess::Running && !deadline.hasExpired())
-            m_process.waitForReadyRead(1000);
-        const QString ready = QString::fromUtf8(m_process.readLine()).trimmed();
-        static const QRegularExpression readyLine(u"^READY (http://127\\.0\\.0\\.1:\\d+)/$"_s);
-        const QRegularExpressionMatch match = readyLine.match(ready);
-        if (match.hasMatch())
-            m_base = match.captured(1);
-        else
-            m_error = u"the release server said: "_s + ready;
-    }
-
-    ~ReleaseServer()
-    {
-        if (m_process.state() == QProcess::NotRunning)
-            return;
-        m_process.closeWriteChannel();
-        if (!m_process.waitForFinished(10000)) {
-            m_process.kill();
-            m_process.waitForFinished(5000);
-        }
-    }
-
-    ReleaseServer(const ReleaseServer &) = delete;
-    ReleaseServer &operator=(const ReleaseServer &) = delete;
-
-    static QString python()
-    {
-        using namespace Qt::StringLiterals;
-        return QFileInfo::exists(u"/usr/bin/python3"_s) ? u"/usr/bin/python3"_s
-                                                        : QStandardPaths::findExecutable(u"python3"_s);
     }
 
     // Runs the script's --make-zip; empty, or what went wrong.
@@ -70,11 +29,9 @@ public:
     }
 
     // "http://127.0.0.1:PORT" (no slash at the end), or empty if it is not serving (error() says why).
-    QString base() const { return m_base; }
-    QString error() const { return m_error; }
-
-private:
-    QProcess m_process;
-    QString m_base;
-    QString m_error;
+    QString base() const
+    {
+        const QString withSlash = LocalServer::base();
+        return withSlash.isEmpty() ? withSlash : withSlash.chopped(1);
+    }
 };
