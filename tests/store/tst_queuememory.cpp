@@ -210,6 +210,8 @@ private Q_SLOTS:
         m_fixture->writeFile(u"scenarios/slow.json"_s, R"({"steps": [{"write_output": true}]})");
         downloads.retryDownload(idOf(downloads.tasks().constFirst()));
         QTRY_COMPARE_WITH_TIMEOUT(downloads.tasks().constFirst().status, DownloadStatus::Completed, 20000);
+        const QFileInfoList written = QDir(m_fixture->path(u"out"_s)).entryInfoList(QDir::Files);
+        QVERIFY(std::any_of(written.cbegin(), written.cend(), [](const QFileInfo &file) { return file.size() > 0; }));
     }
 
     void clearingALongHistoryIsKept()
