@@ -134,24 +134,6 @@ UpdateRoute updateRouteFor(const QString &variant, const QString &path, const QS
     return UpdateRoute::Unknown;
 }
 
-QString updateCommandFor(UpdateRoute route)
-{
-    switch (route) {
-    case UpdateRoute::SelfUpdate:
-    case UpdateRoute::Kept:
-        return u"yt-dlp -U"_s;
-    case UpdateRoute::Homebrew:
-        return u"brew upgrade yt-dlp"_s;
-    case UpdateRoute::Pip:
-        return u"python3 -m pip install -U yt-dlp"_s;
-    case UpdateRoute::PackageManager:
-    case UpdateRoute::Source:
-    case UpdateRoute::Unknown:
-        break;
-    }
-    return {};
-}
-
 QString explainUpdateFailure(const QString &output, UpdateRoute route)
 {
     const auto has = [&output](const char16_t *pattern) {
@@ -194,6 +176,15 @@ QString ToolVerdict::actionLabel() const
         return u"修复"_s;
     case quillbox::ToolAction::None:
         break;
+    }
+    return {};
+}
+
+QString homebrewExecutable()
+{
+    for (const QString &brew : { u"/opt/homebrew/bin/brew"_s, u"/usr/local/bin/brew"_s }) {
+        if (QFileInfo(brew).isExecutable())
+            return brew;
     }
     return {};
 }

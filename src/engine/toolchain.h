@@ -21,8 +21,6 @@ struct JsRuntimeInfo
     QString version; // as the runtime printed it, without a leading "v"; empty when it did not say
     bool supported = false; // good enough for the yt-dlp in use
     bool judgedByYtDlp = false; // yt-dlp's own "-v" said so, rather than the minimums below
-
-    bool operator==(const JsRuntimeInfo &) const = default;
 };
 
 // How the yt-dlp in use can be brought up to date.
@@ -61,8 +59,6 @@ bool isNewerYtDlp(const QString &candidate, const QString &current);
 
 UpdateRoute updateRouteFor(const QString &variant, const QString &path, const QString &keptPath);
 
-// The command that updates yt-dlp along `route`, for the user to run; empty where there is none.
-QString updateCommandFor(UpdateRoute route);
 // The plain-Chinese reason an update failed, from what the update command printed; empty when
 // the output says nothing known.
 QString explainUpdateFailure(const QString &output, UpdateRoute route);
@@ -94,7 +90,6 @@ public:
 struct ToolchainFacts
 {
     bool probed = false; // the first round of discovery has ended
-    QString ytDlpPath;
     QString ytDlpVersion; // empty: missing or it did not answer
     UpdateRoute route = UpdateRoute::Unknown;
     QString latestYtDlp; // the newest release known, or empty
@@ -121,5 +116,8 @@ ToolchainVerdicts judgeToolchain(const ToolchainFacts &facts);
 
 // The package manager's command that installs ffmpeg (with ffprobe) here.
 QString ffmpegInstallCommand(bool homebrew);
+
+// Homebrew's `brew` where it is installed, or an empty text.
+QString homebrewExecutable();
 
 Q_DECLARE_METATYPE(ToolVerdict)

@@ -66,6 +66,7 @@ ToolDiscovery::ToolDiscovery(AppState *appState, ToolLocations locations, QObjec
     : QObject(parent)
     , m_appState(appState)
     , m_locations(std::move(locations))
+    , m_homebrew(!homebrewExecutable().isEmpty())
 {
 }
 
@@ -329,7 +330,6 @@ void ToolDiscovery::updateVerdicts()
 {
     ToolchainFacts facts;
     facts.probed = m_versionProbed && m_runtimeDetected && m_ffmpegDetected;
-    facts.ytDlpPath = m_ytDlpPath;
     facts.ytDlpVersion = m_ytDlpVersion;
     facts.route = m_route;
     facts.latestYtDlp = m_latestYtDlp;
@@ -337,7 +337,7 @@ void ToolDiscovery::updateVerdicts()
     facts.runtimes = m_jsRuntimes;
     facts.ffmpeg = m_detectedFfmpeg;
     facts.ffprobe = m_detectedFfprobe;
-    facts.homebrew = fileExists(u"/opt/homebrew/bin/brew"_s) || fileExists(u"/usr/local/bin/brew"_s);
+    facts.homebrew = m_homebrew;
     const ToolchainVerdicts verdicts = judgeToolchain(facts);
     if (verdicts == m_verdicts)
         return;
@@ -347,7 +347,7 @@ void ToolDiscovery::updateVerdicts()
 
 QString ToolDiscovery::ffmpegInstallCommand() const
 {
-    return ::ffmpegInstallCommand(fileExists(u"/opt/homebrew/bin/brew"_s) || fileExists(u"/usr/local/bin/brew"_s));
+    return ::ffmpegInstallCommand(m_homebrew);
 }
 
 void ToolDiscovery::checkYtDlpInstallation(std::function<void(bool, const QString &)> completion)

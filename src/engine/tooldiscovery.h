@@ -152,6 +152,7 @@ private:
 
     AppState *m_appState;
     ToolLocations m_locations;
+    bool m_homebrew; // looked for once: the verdicts are judged again on every change
     bool m_started = false;
     QString m_ytDlpPath;
     bool m_ytDlpPathKnown = false;

@@ -5,7 +5,6 @@
 #include "model/appstate.h"
 #include "model/logcategories.h"
 
-#include <QFileInfo>
 #include <QSettings>
 
 using namespace Qt::StringLiterals;
@@ -36,12 +35,7 @@ ToolKeeper::ToolKeeper(
         connect(m_installer, signal, this, &ToolKeeper::stateChanged);
 #ifdef Q_OS_MACOS
     // Where Homebrew is, it installs and updates the tools, as the user would do it by hand.
-    for (const QString &brew : { u"/opt/homebrew/bin/brew"_s, u"/usr/local/bin/brew"_s }) {
-        if (QFileInfo(brew).isExecutable()) {
-            m_brew = brew;
-            break;
-        }
-    }
+    m_brew = homebrewExecutable();
 #endif
 }
 

@@ -44,7 +44,6 @@ public:
     QString statusText() const { return m_brewStatus.isEmpty() ? m_installer->statusText() : m_brewStatus; }
     // The Homebrew that installs yt-dlp and Deno instead of the official builds (on macOS, when
     // it is there); empty for none.
-    QString homebrew() const { return m_brew; }
     void setHomebrew(const QString &brew) { m_brew = brew; }
     bool autoUpdate() const { return m_autoUpdate; }
     void setAutoUpdate(bool value);
