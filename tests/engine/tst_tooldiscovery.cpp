@@ -267,14 +267,6 @@ void TestToolDiscovery::realRuntimesJudgedByCurrentYtDlp()
     QVERIFY2(!runtimes[1].supported && runtimes[1].judgedByYtDlp, qPrintable(runtimes[1].version));
     QTRY_VERIFY(manager.runtimeVerdict().text.contains(u"node "_s + runtimes[1].version + u" 版本过旧"_s));
     QVERIFY(EngineFixture::messages(manager.state).filter(u"版本过旧，yt-dlp 需要 ≥ 22.0.0"_s).size() == 1);
-
-    // Without Deno, Node alone is not passed, and the download page says YouTube would fail.
-    locations.runtimes[0].candidates.clear();
-    StartedDiscovery withoutDeno(locations);
-    QTRY_VERIFY_WITH_TIMEOUT(withoutDeno.isReady(), 60000);
-    QCOMPARE(withoutDeno.jsRuntimeArgs(), QStringList());
-    QCOMPARE(withoutDeno.runtimeVerdict().action, quillbox::ToolAction::InstallDeno);
-    QTRY_COMPARE(withoutDeno.notice().action, quillbox::ToolAction::OpenSettings);
 }
 
 void TestToolDiscovery::debiansYtDlpCannotUpdateItself()

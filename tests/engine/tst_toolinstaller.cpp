@@ -21,7 +21,6 @@ class TestToolInstaller : public QObject
 private Q_SLOTS:
     void initTestCase();
     void addressesAndChecksums();
-    void installsTheSharedYtDlp();
     void failuresLeaveTheOldCopy_data();
     void failuresLeaveTheOldCopy();
     void cancelDuringDownloadLeavesTheOldCopy();
@@ -156,32 +155,6 @@ void TestToolInstaller::addressesAndChecksums()
     QCOMPARE(ReleaseLocations::expectedDigest(Format::NamedLines, sums, u"yt-dlp_linux"_s), b.toLower());
     QCOMPARE(ReleaseLocations::expectedDigest(Format::NamedLines, sums, u"yt-dlp"_s), QByteArray());
     QCOMPARE(ReleaseLocations::expectedDigest(Format::FirstDigest, "abc 123\n", {}), QByteArray());
-}
-
-void TestToolInstaller::installsTheSharedYtDlp()
-{
-    const QString shared = sharedYtDlp();
-    if (shared.isEmpty())
-        QSKIP("../shared (the current yt-dlp beside the project) is absent");
-    Release release;
-    const QString served = release.tagFolder(u"yt-dlp/yt-dlp"_s, tag);
-    QVERIFY(QDir().mkpath(served));
-    QVERIFY(QFile::copy(shared, served + u"yt-dlp"_s));
-    QVERIFY(QFile::copy(QFileInfo(shared).dir().filePath(u"SHA2-256SUMS"_s), served + u"SHA2-256SUMS"_s));
-    // The old copy's mode is not carried over.
-    QVERIFY(QFile::setPermissions(release.installed(), QFileDevice::ReadOwner | QFileDevice::WriteOwner));
-
-    START_SERVER(server, release.served.path());
-    const auto installer = release.installer(Release::locations(server.base()));
-    const Outcome outcome = Release::install(*installer, Tool::YtDlp);
-    QVERIFY2(outcome.ok, qPrintable(outcome.message));
-    QCOMPARE(outcome.path, release.installed());
-    QCOMPARE(outcome.version, tag);
-    QCOMPARE(readFile(outcome.path), readFile(shared));
-    QCOMPARE(QFile::permissions(outcome.path), mode0755);
-    QCOMPARE(entries(release.folder.path()), QStringList { u"yt-dlp"_s });
-    QCOMPARE(versionOf(outcome.path), tag);
-    QCOMPARE(installer->progress(), 1.0);
 }
 
 void TestToolInstaller::failuresLeaveTheOldCopy_data()

@@ -79,6 +79,10 @@ void TestToolKeeper::installedCopyIsUsedAtOnceAndDownloads()
     QCOMPARE(QSettings().value(u"customYtDlpPath"_s).toString(), kept);
     QTRY_COMPARE_WITH_TIMEOUT(manager.ytDlpVersion(), u"2026.08.19"_s, 60000);
     QTRY_VERIFY_WITH_TIMEOUT(manager.tools()->isYtDlpKept(), 60000);
+    QFile installed(kept);
+    QVERIFY(installed.open(QIODevice::ReadOnly));
+    QCOMPARE(installed.readAll(), m_build); // the verified file, whole, mode 0755
+    QCOMPARE(int(installed.permissions()), 0x7755);
     QVERIFY(engine->log().filter(u"✅ 已安装 yt-dlp 2026.08.19: "_s).size() == 1);
 
     // The next download runs the installed copy, and ends with the file.
