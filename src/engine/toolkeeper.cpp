@@ -133,10 +133,8 @@ void ToolKeeper::onFinished(
     }
     addLog(u"✅ 已安装 %1 %2: %3"_s.arg(name, version, path), LogEntry::LogType::Info);
     if (tool == ToolInstaller::Tool::YtDlp) {
-        if (!version.isEmpty()) {
-            QSettings().setValue(QLatin1String(LatestReleaseKey), version);
-            m_tools->setLatestYtDlpVersion(version);
-        }
+        if (!version.isEmpty())
+            rememberLatestRelease(version);
         // Used at once; when it was already the path in use, its version is probed again.
         if (m_tools->ytDlpPath() == path)
             m_tools->recheck();
@@ -161,12 +159,16 @@ void ToolKeeper::checkForUpdates(const QDateTime &now)
             qCInfo(lcEngine, "[Quillbox] [checkForUpdates] %ls", qUtf16Printable(latest.error));
             return;
         }
-        QSettings settings;
-        settings.setValue(QLatin1String(CheckedAtKey), now);
-        settings.setValue(QLatin1String(LatestReleaseKey), latest.tag);
-        m_tools->setLatestYtDlpVersion(latest.tag);
+        QSettings().setValue(QLatin1String(CheckedAtKey), now);
+        rememberLatestRelease(latest.tag);
         updateKeptCopyIfBehind();
     });
+}
+
+void ToolKeeper::rememberLatestRelease(const QString &tag)
+{
+    QSettings().setValue(QLatin1String(LatestReleaseKey), tag);
+    m_tools->setLatestYtDlpVersion(tag);
 }
 
 void ToolKeeper::updateKeptCopyIfBehind()

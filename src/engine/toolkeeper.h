@@ -67,6 +67,7 @@ private:
     void onFinished(
         ToolInstaller::Tool tool, bool ok, const QString &path, const QString &version, const QString &message);
     void updateKeptCopyIfBehind();
+    void rememberLatestRelease(const QString &tag);
     void brewInstall(const QString &formula, std::function<void()> then);
 
     AppState *m_appState;
