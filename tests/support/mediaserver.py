@@ -33,11 +33,12 @@ import stat
 import subprocess
 import sys
 import tempfile
-import threading
 import time
 import urllib.parse
 from http import HTTPStatus
 from http.server import BaseHTTPRequestHandler, ThreadingHTTPServer
+
+from serverlife import exit_with_starter
 
 HOST = "127.0.0.1"
 
@@ -308,23 +309,6 @@ class MediaServer(ThreadingHTTPServer):
             super().handle_error(request, client_address)
 
 
-def _stdin_is_pipe():
-    try:
-        mode = os.fstat(sys.stdin.fileno()).st_mode
-    except (OSError, ValueError, AttributeError):
-        return False
-    return stat.S_ISFIFO(mode) or stat.S_ISSOCK(mode)
-
-
-def _exit_when_stdin_closes():
-    try:
-        while os.read(sys.stdin.fileno(), 4096):
-            pass
-    except OSError:
-        pass
-    os._exit(0)
-
-
 def main():
     parser = argparse.ArgumentParser(description=__doc__.split("\n\n")[0])
     parser.add_argument("--root", required=True, help="directory to serve")
@@ -350,8 +334,7 @@ def main():
     sys.stdout.write(f"READY http://{HOST}:{port}/\n")
     sys.stdout.flush()
 
-    if _stdin_is_pipe():
-        threading.Thread(target=_exit_when_stdin_closes, daemon=True).start()
+    exit_with_starter()
     try:
         server.serve_forever(poll_interval=0.2)
     except KeyboardInterrupt:

@@ -27,13 +27,13 @@ import argparse
 import json
 import os
 import socket
-import stat
 import sys
-import threading
 import time
 import urllib.parse
 import zipfile
 from http.server import BaseHTTPRequestHandler, ThreadingHTTPServer
+
+from serverlife import exit_with_starter
 
 HOST = "127.0.0.1"
 CHUNK = 64 * 1024
@@ -177,15 +177,6 @@ class ReleaseServer(ThreadingHTTPServer):
         super().__init__((HOST, port), ReleaseHandler)
 
 
-def _exit_when_stdin_closes():
-    try:
-        while os.read(sys.stdin.fileno(), 4096):
-            pass
-    except OSError:
-        pass
-    os._exit(0)
-
-
 def main():
     parser = argparse.ArgumentParser(description=__doc__.split("\n\n")[0])
     parser.add_argument("--root", help="folder of OWNER/REPO/TAG/NAME files")
@@ -215,11 +206,7 @@ def main():
     sys.stdout.write(f"READY http://{HOST}:{server.server_address[1]}/\n")
     sys.stdout.flush()
 
-    try:
-        if stat.S_ISFIFO(os.fstat(sys.stdin.fileno()).st_mode):
-            threading.Thread(target=_exit_when_stdin_closes, daemon=True).start()
-    except (OSError, ValueError):
-        pass
+    exit_with_starter()
     try:
         server.serve_forever(poll_interval=0.2)
     except KeyboardInterrupt:
