@@ -405,7 +405,8 @@ Rectangle {
                         objectName: "ffmpegVerdict"
                         Layout.fillWidth: true
                         verdict: DownloadManager.tools.ffmpegVerdict
-                        onActionClicked: action => presenter.repair(action)
+                        // Its one action puts the package manager's command on the clipboard.
+                        onActionClicked: Desktop.setClipboardText(DownloadManager.tools.ffmpegInstallCommand)
                     }
                     Text {
                         objectName: "ffmpegVersionText"

@@ -3,8 +3,6 @@
 #include "engine/downloadmanager.h"
 #include "engine/shellrunner.h"
 
-#include <QClipboard>
-#include <QGuiApplication>
 #include <QSettings>
 
 using namespace Qt::StringLiterals;
@@ -61,9 +59,7 @@ void SettingsPresenter::repair(quillbox::ToolAction action)
     case quillbox::ToolAction::InstallDeno:
         m_downloads->keeper()->installDeno();
         break;
-    case quillbox::ToolAction::CopyFfmpegCommand:
-        QGuiApplication::clipboard()->setText(m_downloads->tools()->ffmpegInstallCommand());
-        break;
+    case quillbox::ToolAction::CopyFfmpegCommand: // the sheet copies it (Desktop)
     case quillbox::ToolAction::OpenSettings:
     case quillbox::ToolAction::None:
         break;

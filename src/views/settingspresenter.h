@@ -39,7 +39,7 @@ public:
     // Updates yt-dlp; updateResult says "正在更新..." until the engine's answer replaces it.
     // Pressing again while one runs starts another.
     Q_INVOKABLE void updateYtDlp();
-    // Carries out the action a tool's verdict offers (installing, updating, copying the command).
+    // Carries out the action a tool's verdict offers: installing or updating.
     Q_INVOKABLE void repair(quillbox::ToolAction action);
     // Forgets the stored custom path and looks for yt-dlp again, using what it finds at once.
     Q_INVOKABLE void resetToAutoDetect();
