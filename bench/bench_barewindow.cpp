@@ -2,7 +2,7 @@
 // Rectangle, Controls style "Basic", 1200×800), started and shown the way the application starts
 // and shows its main window, with the same first-frame report.
 
-#include "views/firstframe.h"
+#include "app/firstframe.h"
 
 #include <QGuiApplication>
 #include <QQmlApplicationEngine>

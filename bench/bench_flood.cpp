@@ -5,7 +5,7 @@
 
 #include "benchengine.h"
 
-#include "views/qmlsetup.h"
+#include "app/qmlsetup.h"
 
 #include <QGuiApplication>
 #include <QQmlApplicationEngine>

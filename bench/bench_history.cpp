@@ -7,8 +7,8 @@
 #include "benchsupport.h"
 #include "history.h"
 
+#include "app/qmlsetup.h"
 #include "engine/downloadmanager.h"
-#include "views/qmlsetup.h"
 
 #include <QElapsedTimer>
 #include <QGuiApplication>

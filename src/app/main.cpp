@@ -1,11 +1,11 @@
+#include "app/applifecycle.h"
 #include "app/buildinfo.h"
+#include "app/firstframe.h"
+#include "app/qmlsetup.h"
 #include "engine/downloadmanager.h"
 #include "model/appstate.h"
 #include "notify/notifier.h"
 #include "store/queuememory.h"
-#include "views/applifecycle.h"
-#include "views/firstframe.h"
-#include "views/qmlsetup.h"
 
 #include <QGuiApplication>
 #include <QIcon>

@@ -111,7 +111,7 @@ ApplicationWindow {
         id: quitDialog
 
         objectName: "quitDialog"
-        source: "QuitDialog.qml"
+        source: "dialogs/QuitDialog.qml"
     }
 
     Connections {
@@ -128,6 +128,6 @@ ApplicationWindow {
         id: aboutDialog
 
         objectName: "aboutDialog"
-        source: "AboutDialog.qml"
+        source: "dialogs/AboutDialog.qml"
     }
 }

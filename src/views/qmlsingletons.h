@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/desktop.h"
 #include "cookies/cookieservice.h"
 #include "engine/downloadmanager.h"
 #include "model/appstate.h"
@@ -27,6 +28,18 @@ T *sharedInstanceForQml(T *instance, QJSEngine *engine)
     Q_UNUSED(engine);
     return instance;
 }
+
+// A fresh instance per engine, owned by it.
+struct DesktopForeign
+{
+    Q_GADGET
+    QML_FOREIGN(Desktop)
+    QML_NAMED_ELEMENT(Desktop)
+    QML_SINGLETON
+
+public:
+    static Desktop *create(QQmlEngine *, QJSEngine *) { return new Desktop; }
+};
 
 struct AppStateForeign
 {

@@ -3,12 +3,12 @@
 // Built a second time with QUILLBOX_REAL_YTDLP, it uses Debian's yt-dlp instead and serves test
 // media on 127.0.0.1 (TestHelper.baseUrl), for end-to-end runs through the real window.
 
+#include "app/qmlsetup.h"
 #include "engine/downloadmanager.h"
 #include "model/appstate.h"
 #include "model/videoinfo.h"
 #include "store/queuememory.h"
 #include "store/taskstore.h"
-#include "views/qmlsetup.h"
 
 #include "cookies/cookiedatabase.h"
 #include "support/mediaserver.h"

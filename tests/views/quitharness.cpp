@@ -5,10 +5,10 @@
 // SIGTERM (--sigterm). Once the event loop has ended it checks that none of those processes still
 // runs, and that the queue was kept as it stood, the download still running. Exits 0 when so.
 
+#include "app/applifecycle.h"
+#include "app/qmlsetup.h"
 #include "engine/downloadmanager.h"
 #include "store/queuememory.h"
-#include "views/applifecycle.h"
-#include "views/qmlsetup.h"
 
 #include "testsupport.h"
 

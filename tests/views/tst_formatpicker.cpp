@@ -1,5 +1,5 @@
 #include "model/appstate.h"
-#include "views/formatpicker.h"
+#include "views/presenters/formatpicker.h"
 
 #include "testsupport.h"
 

@@ -1,5 +1,5 @@
-#include "views/formatpicker.h"
-#include "views/inputpresenter.h"
+#include "views/presenters/formatpicker.h"
+#include "views/presenters/inputpresenter.h"
 
 #include "engine/enginefixture.h"
 

@@ -1,6 +1,6 @@
+#include "app/applifecycle.h"
+#include "app/qmlsetup.h"
 #include "model/appstate.h"
-#include "views/applifecycle.h"
-#include "views/qmlsetup.h"
 
 #include "testsupport.h"
 

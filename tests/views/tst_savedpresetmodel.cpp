@@ -2,7 +2,7 @@
 // out cannot be changed (it would be stored twice), and one the store cannot keep stays for the
 // run, is named in storeError, and is tried again when it changes.
 
-#include "views/savedpresetmodel.h"
+#include "views/presenters/savedpresetmodel.h"
 
 #include "engine/downloadmanager.h"
 #include "model/appstate.h"

@@ -7,11 +7,11 @@
 // --settings the settings sheet is open; --tab shows that sidebar entry's page (0 downloads,
 // 1 presets, 2 cookies).
 
+#include "app/applifecycle.h"
+#include "app/qmlsetup.h"
 #include "engine/downloadmanager.h"
 #include "model/appstate.h"
 #include "store/queuememory.h"
-#include "views/applifecycle.h"
-#include "views/qmlsetup.h"
 
 #include <QCommandLineParser>
 #include <QDir>

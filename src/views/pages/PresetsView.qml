@@ -402,7 +402,7 @@ Rectangle {
         id: removeDialog
 
         objectName: "removeDialog"
-        source: "ConfirmDialog.qml"
+        source: "dialogs/ConfirmDialog.qml"
     }
 
     Connections {

@@ -418,7 +418,7 @@ Rectangle {
         id: fileDialog
 
         objectName: "cookieFileDialog"
-        source: "CookieFileDialog.qml"
+        source: "dialogs/CookieFileDialog.qml"
     }
 
     Connections {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "views/formatpicker.h"
+#include "views/presenters/formatpicker.h"
 
 #include <QObject>
 #include <QPointer>

@@ -1,4 +1,4 @@
-#include "views/applifecycle.h"
+#include "app/applifecycle.h"
 
 #include "engine/downloadmanager.h"
 #include "model/logcategories.h"

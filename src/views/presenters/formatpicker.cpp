@@ -1,4 +1,4 @@
-#include "views/formatpicker.h"
+#include "views/presenters/formatpicker.h"
 
 #include "engine/downloadmanager.h"
 #include "engine/shellrunner.h"

@@ -4,7 +4,6 @@
 #include <QObject>
 #include <QUrl>
 #include <QVariant>
-#include <QtQml/qqmlregistration.h>
 
 // What views ask of the desktop: open a web page or a downloaded file, read and write the
 // clipboard's text; and what
@@ -12,8 +11,6 @@
 class Desktop : public QObject
 {
     Q_OBJECT
-    QML_ELEMENT
-    QML_SINGLETON
     Q_PROPERTY(QFont fixedFont READ fixedFont CONSTANT)
     Q_PROPERTY(QString version READ version CONSTANT)
     Q_PROPERTY(QUrl homePage READ homePage CONSTANT)

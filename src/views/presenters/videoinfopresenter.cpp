@@ -1,4 +1,4 @@
-#include "views/videoinfopresenter.h"
+#include "views/presenters/videoinfopresenter.h"
 
 #include "engine/downloadmanager.h"
 #include "engine/videoinfofetch.h"

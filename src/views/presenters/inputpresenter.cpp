@@ -1,9 +1,9 @@
-#include "views/inputpresenter.h"
+#include "views/presenters/inputpresenter.h"
 
 #include "engine/downloadmanager.h"
 #include "model/appstate.h"
 #include "model/linkinput.h"
-#include "views/formatpicker.h"
+#include "views/presenters/formatpicker.h"
 
 using namespace Qt::StringLiterals;
 

@@ -186,7 +186,7 @@ Item {
             id: settingsLoader
 
             objectName: "settingsLoader"
-            source: AppState.showSettings ? "SettingsView.qml" : ""
+            source: AppState.showSettings ? "../dialogs/SettingsView.qml" : ""
         }
 
         Connections {
@@ -209,7 +209,7 @@ Item {
             id: videoInfoLoader
 
             active: root.showVideoInfo && root.videoInfo !== null
-            source: "VideoInfoView.qml"
+            source: "../dialogs/VideoInfoView.qml"
         }
 
         Binding {
@@ -233,13 +233,13 @@ Item {
         id: videoInfoAlert
 
         objectName: "videoInfoErrorAlert"
-        source: "MessageAlert.qml"
+        source: "dialogs/MessageAlert.qml"
     }
 
     OnDemand {
         id: installationAlert
 
         objectName: "installationAlert"
-        source: "InstallationAlert.qml"
+        source: "dialogs/InstallationAlert.qml"
     }
 }

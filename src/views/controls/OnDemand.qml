@@ -6,7 +6,8 @@ import QtQuick
 Item {
     id: root
 
-    property url source
+    // The popup's file, from the module's root: "dialogs/QuitDialog.qml".
+    property string source
     // The popup once made; it then stays for later openings. A Popup or a dialog of QtQuick.Dialogs:
     // they share `visible` and `open()` but no type that has them.
     property var item: null
@@ -15,7 +16,7 @@ Item {
     // Makes the popup if need be, sets `properties` on it and opens it.
     function open(properties) {
         if (!root.item) {
-            const maker = Qt.createComponent(root.source)
+            const maker = Qt.createComponent(Qt.resolvedUrl("../" + root.source))
             root.item = maker.createObject(root, properties ?? {})
             if (!root.item) {
                 console.warn("cannot make", root.source, maker.errorString())

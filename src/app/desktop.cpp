@@ -1,4 +1,4 @@
-#include "views/desktop.h"
+#include "app/desktop.h"
 
 #include "app/buildinfo.h"
 

@@ -1,4 +1,4 @@
-#include "views/cookiepagepresenter.h"
+#include "views/presenters/cookiepagepresenter.h"
 
 #include "cookies/chromecookies.h"
 #include "cookies/cookiefile.h"

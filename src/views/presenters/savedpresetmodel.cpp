@@ -1,4 +1,4 @@
-#include "views/savedpresetmodel.h"
+#include "views/presenters/savedpresetmodel.h"
 
 #include "engine/shellwords.h"
 #include "model/appstate.h"

@@ -289,20 +289,20 @@ Rectangle {
         id: folderDialog
 
         objectName: "folderDialog"
-        source: "FolderPicker.qml"
+        source: "dialogs/FolderPicker.qml"
     }
 
     OnDemand {
         id: formatsSheet
 
         objectName: "formatsSheet"
-        source: "FormatsSheet.qml"
+        source: "dialogs/FormatsSheet.qml"
     }
 
     OnDemand {
         id: errorAlert
 
         objectName: "formatsErrorAlert"
-        source: "MessageAlert.qml"
+        source: "dialogs/MessageAlert.qml"
     }
 }

@@ -532,6 +532,6 @@ Rectangle {
         id: folderDialog
 
         objectName: "settingsFolderDialog"
-        source: "FolderPicker.qml"
+        source: "dialogs/FolderPicker.qml"
     }
 }

@@ -79,7 +79,7 @@ Popup {
         id: executableDialog
 
         objectName: "executableDialog"
-        source: "ExecutableDialog.qml"
+        source: "dialogs/ExecutableDialog.qml"
     }
 
     Connections {

@@ -1,4 +1,4 @@
-#include "views/iconprovider.h"
+#include "app/iconprovider.h"
 
 #include "model/logcategories.h"
 

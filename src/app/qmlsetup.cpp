@@ -1,8 +1,8 @@
-#include "views/qmlsetup.h"
+#include "app/qmlsetup.h"
 
+#include "app/iconprovider.h"
+#include "app/thumbnailcache.h"
 #include "model/logcategories.h"
-#include "views/iconprovider.h"
-#include "views/thumbnailcache.h"
 
 #include <QCoreApplication>
 #include <QEventLoop>

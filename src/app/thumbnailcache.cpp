@@ -1,4 +1,4 @@
-#include "views/thumbnailcache.h"
+#include "app/thumbnailcache.h"
 
 #include "store/privatefiles.h"
 
