@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <cmath>
 
+using namespace Qt::StringLiterals;
+
 TaskModel::TaskModel(QObject *parent)
     : QAbstractListModel(parent)
 {
@@ -70,6 +72,10 @@ QVariant TaskModel::data(const QModelIndex &index, int role) const
         return task.thumbnail;
     case NeedsToolFixRole:
         return task.needsToolFix;
+    case StatusTextRole:
+        return statusText(task);
+    case DetailsRole:
+        return details(task);
     case FileNameRole:
         return task.outputPath ? task.outputPath->mid(task.outputPath->lastIndexOf(u'/') + 1) : QString();
     default:
@@ -105,6 +111,8 @@ QHash<int, QByteArray> TaskModel::roleNames() const
         { DurationRole, "duration" },
         { ThumbnailRole, "thumbnail" },
         { NeedsToolFixRole, "needsToolFix" },
+        { StatusTextRole, "statusText" },
+        { DetailsRole, "details" },
     };
 }
 
@@ -128,6 +136,23 @@ constexpr std::array<StatusLook, 7> looks { {
 } };
 
 } // namespace
+
+QString TaskModel::statusText(const DownloadTask &task)
+{
+    // After the download, what is being done with it says more than "下载中".
+    return task.phase.isEmpty() ? rawValue(task.status) : task.phase;
+}
+
+QString TaskModel::details(const DownloadTask &task)
+{
+    QStringList parts;
+    for (const QString &part : { task.duration, task.speed, task.size })
+        if (!part.isEmpty())
+            parts.append(part);
+    if (!task.eta.isEmpty())
+        parts.append(u"剩余 "_s + task.eta);
+    return parts.join(u" • "_s);
+}
 
 QString TaskModel::symbolFor(DownloadStatus status)
 {
@@ -258,13 +283,16 @@ void TaskModel::changed(int row, const DownloadTask &before)
     if (after.title != before.title)
         roles.append(TitleRole);
     if (after.status != before.status)
-        roles << StatusRole << StatusLabelRole << StatusSymbolRole << StatusTintRole << ShowsProgressRole;
+        roles << StatusRole << StatusLabelRole << StatusSymbolRole << StatusTintRole << ShowsProgressRole
+              << StatusTextRole;
     if (after.progress != before.progress)
         roles << ProgressRole << PercentTextRole;
     if (after.speed != before.speed)
         roles.append(SpeedRole);
     if (after.size != before.size)
         roles.append(SizeRole);
+    if (details(after) != details(before))
+        roles.append(DetailsRole);
     if (after.errorMessage != before.errorMessage)
         roles << ErrorMessageRole << HasErrorRole;
     if (after.explanation != before.explanation)
@@ -278,7 +306,7 @@ void TaskModel::changed(int row, const DownloadTask &before)
     if (after.notice != before.notice)
         roles.append(NoticeRole);
     if (after.phase != before.phase)
-        roles.append(PhaseRole);
+        roles << PhaseRole << StatusTextRole;
     if (after.eta != before.eta)
         roles.append(EtaRole);
     if (after.outputPath != before.outputPath)

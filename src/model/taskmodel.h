@@ -46,6 +46,8 @@ public:
         DurationRole, // the video's length ("3:25"), once known
         ThumbnailRole, // the address of the video's picture, once known
         NeedsToolFixRole, // the explanation's fix is in the settings' tools
+        StatusTextRole, // what the row says the task is doing: the phase, else the status label
+        DetailsRole, // "3:25 • 1.50MiB/s • 10.00MiB • 剩余 00:31": the parts that are known
     };
     Q_ENUM(Role)
 
@@ -64,6 +66,8 @@ public:
     static Tint tintFor(DownloadStatus status);
     static bool showsProgress(DownloadStatus status);
     static QString percentText(double progress);
+    static QString statusText(const DownloadTask &task);
+    static QString details(const DownloadTask &task);
     const DownloadTask *find(const QUuid &id) const;
 
     void append(const DownloadTask &task);

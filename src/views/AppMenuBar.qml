@@ -55,8 +55,7 @@ MenuBar {
                 implicitWidth: Math.max(200, entry.implicitContentWidth + entry.leftPadding + entry.rightPadding)
 
                 contentItem: RowLayout {
-                    spacing: 24
-
+                    spacing: Theme.spacingHuge
                     Text {
                         objectName: "menuItemText"
                         text: entry.text

@@ -79,6 +79,19 @@ QtObject {
     readonly property int iconLarge: 48
     readonly property int iconHuge: 56
 
+    // The spacing scale, in pixels: between the items of a layout, around a group's content, and
+    // inside a control's frame.
+    readonly property int spacingHair: 2
+    readonly property int spacingTiny: 4
+    readonly property int spacingSmall: 6
+    readonly property int spacingMedium: 8
+    readonly property int spacing: 10
+    readonly property int spacingLarge: 12
+    readonly property int spacingWide: 16
+    readonly property int spacingSection: 18
+    readonly property int spacingPage: 20
+    readonly property int spacingHuge: 24
+
     readonly property int radiusTiny: 4
     readonly property int radiusSmall: 6
     readonly property int radiusMedium: 8

@@ -9,9 +9,9 @@ TextButton {
     property bool prominent: false
 
     implicitHeight: 30
-    leftPadding: 12
-    rightPadding: 12
-    spacing: 6
+    leftPadding: Theme.spacingLarge
+    rightPadding: Theme.spacingLarge
+    spacing: Theme.spacingSmall
     tint: Theme.text
     fill: Theme.raised
     outline: root.visualFocus ? Theme.accent : Theme.border

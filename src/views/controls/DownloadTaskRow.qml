@@ -15,16 +15,13 @@ AbstractButton {
     required property int status
     required property string title
     required property string phase
-    required property string eta
+    required property string statusText
+    required property string details
     required property string outputPath
     required property string fileName
-    required property string duration
     required property string thumbnail
-    required property string statusLabel
     required property string statusSymbol
     required property int statusTint
-    required property string speed
-    required property string size
     required property real progress
     required property bool showsProgress
     required property string percentText
@@ -50,21 +47,66 @@ AbstractButton {
     signal videoInfoRequested
     signal toolFixRequested
 
+    // What can be done to the task, in the order the row and the menu show it.
+    readonly property list<TaskAction> taskActions: [
+        TaskAction {
+            name: "stop"
+            text: "停止"
+            symbol: "stop.circle"
+            tint: Theme.red
+            enabled: root.canStop
+            onTriggered: DownloadManager.stopDownload(root.taskId)
+        },
+        TaskAction {
+            name: "retry"
+            text: "重试"
+            symbol: "arrow.clockwise"
+            enabled: root.canRetry
+            endsGroup: true
+            onTriggered: DownloadManager.retryDownload(root.taskId)
+        },
+        TaskAction {
+            name: "open"
+            text: "打开文件"
+            symbol: "arrow.up.right.square"
+            enabled: root.hasFile
+            onTriggered: root.openError = Desktop.openFile(root.outputPath)
+        },
+        TaskAction {
+            name: "reveal"
+            text: "在文件夹中显示"
+            symbol: "folder"
+            enabled: root.hasFile
+            onTriggered: root.openError = Desktop.showInFolder(root.outputPath)
+        },
+        TaskAction {
+            name: "videoInfo"
+            text: "视频信息"
+            symbol: root.loadingInfo ? "arrow.clockwise" : "info.circle"
+            enabled: !root.loadingInfo
+            keepsPlace: true
+            onTriggered: root.videoInfoRequested()
+        },
+        TaskAction {
+            name: "copyLink"
+            text: "复制链接"
+            symbol: "doc.on.doc"
+            endsGroup: true
+            onTriggered: Desktop.setClipboardText(root.url)
+        },
+        TaskAction {
+            name: "remove"
+            text: "移除"
+            symbol: "trash"
+            onTriggered: DownloadManager.removeDownload(root.taskId)
+        }
+    ]
+
     // Where the sweeping bar is, 0–1, while a step after the download runs.
     property real sweep
 
     // What went wrong the last time the file or its folder was to be opened.
     property string openError
-
-    function openFile() {
-        root.openError = Desktop.openFile(root.outputPath)
-    }
-    function showInFolder() {
-        root.openError = Desktop.showInFolder(root.outputPath)
-    }
-    function copyLink() {
-        Desktop.setClipboardText(root.url)
-    }
 
     // A reused row starts folded.
     onTaskIdChanged: {
@@ -73,7 +115,7 @@ AbstractButton {
         openError = ""
     }
 
-    padding: 12
+    padding: Theme.spacingLarge
     hoverEnabled: true
     focusPolicy: Qt.StrongFocus
     Keys.onReturnPressed: root.clicked()
@@ -85,8 +127,7 @@ AbstractButton {
     }
 
     contentItem: RowLayout {
-        spacing: 12
-
+        spacing: Theme.spacingLarge
         // The video's picture once it is known and has loaded; the status badge until then.
         Thumbnail {
             objectName: "rowThumbnail"
@@ -113,8 +154,7 @@ AbstractButton {
 
         ColumnLayout {
             Layout.fillWidth: true
-            spacing: 4
-
+            spacing: Theme.spacingTiny
             Text {
                 objectName: "titleText"
                 Layout.fillWidth: true
@@ -139,68 +179,24 @@ AbstractButton {
                 objectName: "details"
                 Layout.fillWidth: true
                 clip: true
-                spacing: 6
-
+                spacing: Theme.spacingSmall
                 Text {
                     objectName: "statusText"
-                    // After the download, what is being done with it says more than "下载中".
-                    text: root.phase.length > 0 ? root.phase : root.statusLabel
+                    text: root.statusText
                     textFormat: Text.PlainText
                     color: root.tint
                     font.pixelSize: Theme.caption2
                 }
                 Text {
-                    visible: root.duration.length > 0
+                    visible: root.details.length > 0
                     text: "•"
                     color: Theme.gray
                     font.pixelSize: Theme.caption2
                 }
                 Text {
-                    objectName: "durationText"
-                    visible: root.duration.length > 0
-                    text: root.duration
-                    textFormat: Text.PlainText
-                    color: Theme.gray
-                    font.pixelSize: Theme.caption2
-                }
-                Text {
-                    visible: root.speed.length > 0
-                    text: "•"
-                    color: Theme.gray
-                    font.pixelSize: Theme.caption2
-                }
-                Text {
-                    objectName: "speedText"
-                    visible: root.speed.length > 0
-                    text: root.speed
-                    textFormat: Text.PlainText
-                    color: Theme.gray
-                    font.pixelSize: Theme.caption2
-                }
-                Text {
-                    visible: root.size.length > 0
-                    text: "•"
-                    color: Theme.gray
-                    font.pixelSize: Theme.caption2
-                }
-                Text {
-                    objectName: "sizeText"
-                    visible: root.size.length > 0
-                    text: root.size
-                    textFormat: Text.PlainText
-                    color: Theme.gray
-                    font.pixelSize: Theme.caption2
-                }
-                Text {
-                    visible: root.eta.length > 0
-                    text: "•"
-                    color: Theme.gray
-                    font.pixelSize: Theme.caption2
-                }
-                Text {
-                    objectName: "etaText"
-                    visible: root.eta.length > 0
-                    text: "剩余 " + root.eta
+                    objectName: "detailsText"
+                    visible: root.details.length > 0
+                    text: root.details
                     textFormat: Text.PlainText
                     color: Theme.gray
                     font.pixelSize: Theme.caption2
@@ -224,8 +220,7 @@ AbstractButton {
                 objectName: "progressRow"
                 Layout.fillWidth: true
                 visible: root.showsProgress
-                spacing: 8
-
+                spacing: Theme.spacingMedium
                 Rectangle {
                     Layout.fillWidth: true
                     implicitHeight: 4
@@ -269,8 +264,7 @@ AbstractButton {
             RowLayout {
                 Layout.fillWidth: true
                 visible: root.isExplained
-                spacing: 8
-
+                spacing: Theme.spacingMedium
                 Text {
                     objectName: "explanationText"
                     Layout.fillWidth: true
@@ -315,8 +309,7 @@ AbstractButton {
             }
             Row {
                 visible: root.hasError
-                spacing: 12
-
+                spacing: Theme.spacingLarge
                 TextButton {
                     objectName: "toolOutputButton"
                     visible: root.isExplained
@@ -347,7 +340,7 @@ AbstractButton {
         objectName: "rowActions"
         anchors.top: parent.top
         anchors.right: parent.right
-        anchors.margins: 6
+        anchors.margins: Theme.spacingSmall
         width: actions.implicitWidth + 8
         height: actions.implicitHeight + 8
         radius: Theme.radius
@@ -359,55 +352,19 @@ AbstractButton {
             id: actions
 
             anchors.centerIn: parent
-            spacing: 4
+            spacing: Theme.spacingTiny
+            Repeater {
+                model: root.taskActions
 
-            RowAction {
-                objectName: "stopAction"
-                visible: root.canStop
-                text: "停止"
-                symbol: "stop.circle"
-                tint: Theme.red
-                onClicked: DownloadManager.stopDownload(root.taskId)
-            }
-            RowAction {
-                objectName: "retryAction"
-                visible: root.canRetry
-                text: "重试"
-                symbol: "arrow.clockwise"
-                onClicked: DownloadManager.retryDownload(root.taskId)
-            }
-            RowAction {
-                objectName: "openAction"
-                visible: root.hasFile
-                text: "打开文件"
-                symbol: "arrow.up.right.square"
-                onClicked: root.openFile()
-            }
-            RowAction {
-                objectName: "revealAction"
-                visible: root.hasFile
-                text: "在文件夹中显示"
-                symbol: "folder"
-                onClicked: root.showInFolder()
-            }
-            RowAction {
-                objectName: "videoInfoAction"
-                text: "视频信息"
-                symbol: root.loadingInfo ? "arrow.clockwise" : "info.circle"
-                enabled: !root.loadingInfo
-                onClicked: root.videoInfoRequested()
-            }
-            RowAction {
-                objectName: "copyLinkAction"
-                text: "复制链接"
-                symbol: "doc.on.doc"
-                onClicked: root.copyLink()
-            }
-            RowAction {
-                objectName: "removeAction"
-                text: "移除"
-                symbol: "trash"
-                onClicked: DownloadManager.removeDownload(root.taskId)
+                RowAction {
+                    required property TaskAction modelData
+
+                    objectName: modelData.name + "Action"
+                    action: modelData
+                    visible: modelData.enabled || modelData.keepsPlace
+                    symbol: modelData.symbol
+                    tint: modelData.tint
+                }
             }
         }
     }
@@ -431,48 +388,27 @@ AbstractButton {
 
         objectName: "rowMenu"
 
-        MenuItem {
-            objectName: "stopMenuItem"
-            text: "停止"
-            enabled: root.canStop
-            onTriggered: DownloadManager.stopDownload(root.taskId)
+        Instantiator {
+            model: root.taskActions
+
+            MenuItem {
+                required property TaskAction modelData
+
+                objectName: modelData.name + "MenuItem"
+                action: modelData
+            }
+            // The actions are fixed, so they arrive once and in order.
+            onObjectAdded: (index, item) => {
+                menu.addItem(item)
+                if (item.action.endsGroup)
+                    menu.addItem(menuSeparator.createObject())
+            }
         }
-        MenuItem {
-            objectName: "retryMenuItem"
-            text: "重试"
-            enabled: root.canRetry
-            onTriggered: DownloadManager.retryDownload(root.taskId)
-        }
+    }
+    Component {
+        id: menuSeparator
+
         MenuSeparator {}
-        MenuItem {
-            objectName: "openMenuItem"
-            text: "打开文件"
-            enabled: root.hasFile
-            onTriggered: root.openFile()
-        }
-        MenuItem {
-            objectName: "revealMenuItem"
-            text: "在文件夹中显示"
-            enabled: root.hasFile
-            onTriggered: root.showInFolder()
-        }
-        MenuItem {
-            objectName: "videoInfoMenuItem"
-            text: "视频信息"
-            enabled: !root.loadingInfo
-            onTriggered: root.videoInfoRequested()
-        }
-        MenuItem {
-            objectName: "copyLinkMenuItem"
-            text: "复制链接"
-            onTriggered: root.copyLink()
-        }
-        MenuSeparator {}
-        MenuItem {
-            objectName: "removeMenuItem"
-            text: "移除"
-            onTriggered: DownloadManager.removeDownload(root.taskId)
-        }
     }
 
     Timer {

@@ -9,8 +9,7 @@ RowLayout {
     required property string title
     required property string value
 
-    spacing: 12
-
+    spacing: Theme.spacingLarge
     Text {
         objectName: "infoTitle"
         text: root.title

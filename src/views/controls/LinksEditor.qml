@@ -27,8 +27,7 @@ ColumnLayout {
         editor.forceActiveFocus()
     }
 
-    spacing: 8
-
+    spacing: Theme.spacingMedium
     RowLayout {
         SectionHeader {
             text: "视频链接"
@@ -80,7 +79,7 @@ ColumnLayout {
         selectionColor: Theme.accent
         font.pixelSize: Theme.bodyLarge
         wrapMode: TextEdit.WrapAnywhere
-        padding: 12
+        padding: Theme.spacingLarge
         background: Rectangle {
             radius: Theme.radius
             color: Theme.raised

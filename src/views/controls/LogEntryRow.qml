@@ -12,8 +12,7 @@ RowLayout {
     required property string message
     required property bool isError
 
-    spacing: 6
-
+    spacing: Theme.spacingSmall
     Text {
         objectName: "timeText"
         Layout.alignment: Qt.AlignTop

@@ -10,14 +10,12 @@ ColumnLayout {
     // The folder button was pressed.
     signal browseClicked
 
-    spacing: 8
-
+    spacing: Theme.spacingMedium
     SectionHeader {
         text: "输出目录"
     }
     RowLayout {
-        spacing: 8
-
+        spacing: Theme.spacingMedium
         TextField {
             id: field
 
@@ -28,7 +26,7 @@ ColumnLayout {
             placeholderText: "选择输出目录..."
             placeholderTextColor: Theme.gray
             color: Theme.text
-            padding: 10
+            padding: Theme.spacing
             background: Rectangle {
                 radius: Theme.radiusMedium
                 color: Theme.raised

@@ -14,7 +14,7 @@ AbstractButton {
 
     readonly property bool isWide: width > 160
 
-    padding: 12
+    padding: Theme.spacingLarge
     hoverEnabled: true
     focusPolicy: Qt.StrongFocus
     Keys.onReturnPressed: root.clicked()
@@ -28,8 +28,7 @@ AbstractButton {
     }
 
     contentItem: RowLayout {
-        spacing: 10
-
+        spacing: Theme.spacing
         Item {
             Layout.alignment: Qt.AlignTop
             implicitWidth: root.isWide ? 40 : 32
@@ -45,11 +44,9 @@ AbstractButton {
         }
         ColumnLayout {
             Layout.fillWidth: true
-            spacing: 2
-
+            spacing: Theme.spacingHair
             RowLayout {
-                spacing: 4
-
+                spacing: Theme.spacingTiny
                 Text {
                     text: root.name
                     textFormat: Text.PlainText

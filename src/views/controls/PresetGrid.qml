@@ -6,8 +6,7 @@ import Quillbox
 ColumnLayout {
     id: root
 
-    spacing: 8
-
+    spacing: Theme.spacingMedium
     SectionHeader {
         text: "下载预设"
     }

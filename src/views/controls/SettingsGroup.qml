@@ -10,11 +10,9 @@ ColumnLayout {
     property string symbol
     default property alias rows: box.data
 
-    spacing: 8
-
+    spacing: Theme.spacingMedium
     Row {
-        spacing: 6
-
+        spacing: Theme.spacingSmall
         Icon {
             anchors.verticalCenter: parent.verticalCenter
             symbol: root.symbol
@@ -42,8 +40,8 @@ ColumnLayout {
             id: box
 
             anchors.fill: parent
-            anchors.margins: 12
-            spacing: 8
+            anchors.margins: Theme.spacingLarge
+            spacing: Theme.spacingMedium
         }
     }
 }

@@ -9,10 +9,10 @@ TextButton {
     property bool isSelected: false
 
     implicitHeight: 40
-    leftPadding: 16
-    rightPadding: 16
+    leftPadding: Theme.spacingWide
+    rightPadding: Theme.spacingWide
     leading: true
-    spacing: 10
+    spacing: Theme.spacing
     text: root.title
     tint: root.isSelected ? Theme.text : Theme.gray
     fill: root.isSelected ? Theme.border : root.hovered ? Theme.hoverFill : "transparent"

@@ -19,8 +19,7 @@ Rectangle {
         id: column
 
         anchors.centerIn: parent
-        spacing: 4
-
+        spacing: Theme.spacingTiny
         Icon {
             Layout.alignment: Qt.AlignHCenter
             symbol: root.symbol

@@ -41,9 +41,8 @@ AbstractButton {
     focusPolicy: Qt.StrongFocus
     Keys.onReturnPressed: root.clicked()
     Keys.onEnterPressed: root.clicked()
-    padding: 4
-    spacing: 4
-
+    padding: Theme.spacingTiny
+    spacing: Theme.spacingTiny
     background: Rectangle {
         visible: root.hasFill
         radius: root.cornerRadius

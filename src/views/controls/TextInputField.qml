@@ -9,7 +9,7 @@ TextField {
     placeholderTextColor: Theme.gray
     color: Theme.text
     selectByMouse: true
-    padding: 8
+    padding: Theme.spacingMedium
     font.pixelSize: Theme.body
 
     background: Rectangle {

@@ -8,7 +8,7 @@ Switch {
 
     property string symbol
 
-    spacing: 8
+    spacing: Theme.spacingMedium
     focusPolicy: Qt.StrongFocus
     Keys.onReturnPressed: {
         root.toggle()
@@ -45,7 +45,7 @@ Switch {
     }
 
     contentItem: Row {
-        spacing: 6
+        spacing: Theme.spacingSmall
         rightPadding: root.indicator.width + root.spacing
 
         Icon {

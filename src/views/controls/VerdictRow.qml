@@ -15,8 +15,7 @@ RowLayout {
     signal actionClicked(int action)
 
     visible: root.verdict.text.length > 0
-    spacing: 8
-
+    spacing: Theme.spacingMedium
     Icon {
         Layout.alignment: Qt.AlignTop
         symbol: root.verdict.tint === Download.Green ? "checkmark.circle.fill" : "exclamationmark.triangle.fill"

@@ -20,8 +20,7 @@ Dialog {
     }
 
     ColumnLayout {
-        spacing: 8
-
+        spacing: Theme.spacingMedium
         Icon {
             Layout.alignment: Qt.AlignHCenter
             symbol: "arrow.down.circle.fill"

@@ -17,8 +17,7 @@ Dialog {
     modal: true
     focus: true
     closePolicy: Popup.CloseOnEscape
-    padding: 20
-
+    padding: Theme.spacingPage
     background: Rectangle {
         color: Theme.surface
         radius: Theme.radiusLarge
@@ -26,11 +25,9 @@ Dialog {
     }
 
     contentItem: ColumnLayout {
-        spacing: 16
-
+        spacing: Theme.spacingWide
         RowLayout {
-            spacing: 10
-
+            spacing: Theme.spacing
             Icon {
                 symbol: "exclamationmark.triangle.fill"
                 color: Theme.orange
@@ -48,8 +45,7 @@ Dialog {
         }
         RowLayout {
             Layout.alignment: Qt.AlignRight
-            spacing: 10
-
+            spacing: Theme.spacing
             BorderedButton {
                 objectName: "confirmCancelButton"
                 text: "取消"

@@ -23,8 +23,7 @@ Popup {
     modal: true
     focus: true
     closePolicy: Popup.CloseOnEscape
-    padding: 16
-
+    padding: Theme.spacingWide
     background: Rectangle {
         color: Theme.surface
         radius: Theme.radiusLarge
@@ -33,8 +32,7 @@ Popup {
 
     ColumnLayout {
         anchors.fill: parent
-        spacing: 10
-
+        spacing: Theme.spacing
         Text {
             text: "选择 yt-dlp 可执行文件"
             color: Theme.text
@@ -44,8 +42,7 @@ Popup {
         ColumnLayout {
             objectName: "pickerEntries"
             Layout.fillWidth: true
-            spacing: 4
-
+            spacing: Theme.spacingTiny
             Repeater {
                 model: ["✅ /opt/homebrew/bin/yt-dlp", "✅ /usr/local/bin/yt-dlp"]
 

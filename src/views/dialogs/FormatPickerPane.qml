@@ -32,9 +32,8 @@ Rectangle {
 
     ColumnLayout {
         anchors.fill: parent
-        anchors.margins: 12
-        spacing: 8
-
+        anchors.margins: Theme.spacingLarge
+        spacing: Theme.spacingMedium
         Text {
             text: "选择格式"
             color: Theme.text
@@ -48,8 +47,7 @@ Rectangle {
 
         RowLayout {
             Layout.fillWidth: true
-            spacing: 6
-
+            spacing: Theme.spacingSmall
             Repeater {
                 model: root.columns
 
@@ -74,7 +72,7 @@ Rectangle {
             Layout.fillHeight: true
             visible: root.rows > 0
             clip: true
-            spacing: 2
+            spacing: Theme.spacingHair
             model: root.picker
             boundsBehavior: Flickable.StopAtBounds
             ScrollBar.vertical: ScrollBar {}
@@ -108,7 +106,7 @@ Rectangle {
                 }
 
                 contentItem: RowLayout {
-                    spacing: 6
+                    spacing: Theme.spacingSmall
                     opacity: row.enabled ? 1 : 0.5
 
                     Repeater {
@@ -147,8 +145,7 @@ Rectangle {
 
         RowLayout {
             Layout.fillWidth: true
-            spacing: 10
-
+            spacing: Theme.spacing
             Text {
                 objectName: "pickerArguments"
                 Layout.fillWidth: true

@@ -35,7 +35,6 @@ Rectangle {
     ColumnLayout {
         anchors.fill: parent
         spacing: 0
-
         Rectangle {
             Layout.fillWidth: true
             Layout.preferredHeight: 52
@@ -44,9 +43,8 @@ Rectangle {
 
             RowLayout {
                 anchors.fill: parent
-                anchors.leftMargin: 16
-                anchors.rightMargin: 12
-
+                anchors.leftMargin: Theme.spacingWide
+                anchors.rightMargin: Theme.spacingLarge
                 Text {
                     text: "可用格式列表"
                     color: Theme.text
@@ -77,11 +75,10 @@ Rectangle {
             Layout.fillWidth: true
             Layout.fillHeight: true
             spacing: 0
-
             ScrollView {
                 Layout.fillWidth: true
                 Layout.fillHeight: true
-                Layout.margins: 12
+                Layout.margins: Theme.spacingLarge
                 clip: true
 
                 TextArea {
@@ -103,9 +100,9 @@ Rectangle {
                 objectName: "formatPicker"
                 Layout.preferredWidth: 520
                 Layout.fillHeight: true
-                Layout.topMargin: 12
-                Layout.bottomMargin: 12
-                Layout.rightMargin: 12
+                Layout.topMargin: Theme.spacingLarge
+                Layout.bottomMargin: Theme.spacingLarge
+                Layout.rightMargin: Theme.spacingLarge
                 visible: root.picker !== null
                 picker: root.picker
                 onApplied: root.dismissed()

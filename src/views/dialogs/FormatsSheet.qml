@@ -10,7 +10,7 @@ SheetHost {
     property FormatPicker picker: null
 
     // Wider than the window with the picker beside the text: kept inside it.
-    margins: 20
+    margins: Theme.spacingPage
     onDismissed: root.shown = false
 
     FormatsListSheet {

@@ -16,8 +16,7 @@ Dialog {
     modal: true
     focus: true
     closePolicy: Popup.CloseOnEscape
-    padding: 20
-
+    padding: Theme.spacingPage
     background: Rectangle {
         color: Theme.surface
         radius: Theme.radiusLarge
@@ -25,11 +24,9 @@ Dialog {
     }
 
     contentItem: ColumnLayout {
-        spacing: 12
-
+        spacing: Theme.spacingLarge
         RowLayout {
-            spacing: 10
-
+            spacing: Theme.spacing
             Icon {
                 symbol: "exclamationmark.triangle.fill"
                 color: Theme.orange
@@ -53,8 +50,7 @@ Dialog {
         }
         RowLayout {
             Layout.alignment: Qt.AlignRight
-            spacing: 8
-
+            spacing: Theme.spacingMedium
             Button {
                 objectName: "laterButton"
                 text: "稍后"

@@ -15,8 +15,7 @@ Dialog {
     modal: true
     focus: true
     closePolicy: Popup.CloseOnEscape
-    padding: 20
-
+    padding: Theme.spacingPage
     background: Rectangle {
         color: Theme.surface
         radius: Theme.radiusLarge
@@ -24,11 +23,9 @@ Dialog {
     }
 
     contentItem: ColumnLayout {
-        spacing: 12
-
+        spacing: Theme.spacingLarge
         RowLayout {
-            spacing: 10
-
+            spacing: Theme.spacing
             Icon {
                 symbol: "exclamationmark.triangle.fill"
                 color: Theme.orange

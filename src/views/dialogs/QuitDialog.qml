@@ -16,8 +16,7 @@ Dialog {
     modal: true
     focus: true
     closePolicy: Popup.CloseOnEscape
-    padding: 20
-
+    padding: Theme.spacingPage
     background: Rectangle {
         color: Theme.surface
         radius: Theme.radiusLarge
@@ -25,11 +24,9 @@ Dialog {
     }
 
     contentItem: ColumnLayout {
-        spacing: 16
-
+        spacing: Theme.spacingWide
         RowLayout {
-            spacing: 10
-
+            spacing: Theme.spacing
             Icon {
                 symbol: "exclamationmark.triangle.fill"
                 color: Theme.orange
@@ -47,8 +44,7 @@ Dialog {
         }
         RowLayout {
             Layout.alignment: Qt.AlignRight
-            spacing: 10
-
+            spacing: Theme.spacing
             Button {
                 objectName: "quitCancelButton"
                 text: "取消"

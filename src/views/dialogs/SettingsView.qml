@@ -51,8 +51,7 @@ Rectangle {
         signal redetectClicked
 
         Layout.fillWidth: true
-        spacing: 8
-
+        spacing: Theme.spacingMedium
         Icon {
             symbol: statusRow.symbol
             color: statusRow.tint
@@ -80,11 +79,9 @@ Rectangle {
     ColumnLayout {
         anchors.fill: parent
         spacing: 0
-
         RowLayout {
             Layout.fillWidth: true
-            Layout.margins: 16
-
+            Layout.margins: Theme.spacingWide
             Text {
                 text: "设置"
                 color: Theme.text
@@ -119,8 +116,7 @@ Rectangle {
                 objectName: "settingsGroups"
                 x: 16
                 width: scroll.availableWidth - 32
-                spacing: 16
-
+                spacing: Theme.spacingWide
                 Item {
                     implicitHeight: 0
                 }
@@ -161,12 +157,10 @@ Rectangle {
                         objectName: "installProgress"
                         Layout.fillWidth: true
                         visible: root.keeper.busy || root.keeper.statusText.length > 0
-                        spacing: 4
-
+                        spacing: Theme.spacingTiny
                         RowLayout {
                             Layout.fillWidth: true
-                            spacing: 8
-
+                            spacing: Theme.spacingMedium
                             Text {
                                 objectName: "installStatusText"
                                 Layout.fillWidth: true
@@ -206,8 +200,7 @@ Rectangle {
                     }
                     RowLayout {
                         Layout.fillWidth: true
-                        spacing: 8
-
+                        spacing: Theme.spacingMedium
                         TextInputField {
                             objectName: "pathField"
                             Layout.fillWidth: true
@@ -239,8 +232,7 @@ Rectangle {
                         elide: Text.ElideMiddle
                     }
                     RowLayout {
-                        spacing: 8
-
+                        spacing: Theme.spacingMedium
                         BorderedButton {
                             objectName: "usePathButton"
                             text: "使用此路径"
@@ -359,8 +351,7 @@ Rectangle {
                     RowLayout {
                         objectName: "runtimeInstallRow"
                         visible: !runtimeGroup.found
-                        spacing: 8
-
+                        spacing: Theme.spacingMedium
                         BorderedButton {
                             objectName: "installDenoButton"
                             symbol: "arrow.up.right.square"
@@ -435,7 +426,6 @@ Rectangle {
                         objectName: "ffmpegBrewHint"
                         visible: !ffmpegGroup.found
                         spacing: 0
-
                         Text {
                             text: "推荐通过 Homebrew 安装："
                             color: Theme.secondaryText
@@ -463,8 +453,7 @@ Rectangle {
                     }
                     RowLayout {
                         Layout.fillWidth: true
-                        spacing: 8
-
+                        spacing: Theme.spacingMedium
                         TextInputField {
                             objectName: "outputDirField"
                             Layout.fillWidth: true
@@ -480,8 +469,7 @@ Rectangle {
                     }
                     RowLayout {
                         Layout.fillWidth: true
-                        spacing: 8
-
+                        spacing: Theme.spacingMedium
                         Text {
                             Layout.fillWidth: true
                             text: "同时下载数"

@@ -20,9 +20,8 @@ Rectangle {
 
     ColumnLayout {
         anchors.fill: parent
-        anchors.margins: 20
-        spacing: 16
-
+        anchors.margins: Theme.spacingPage
+        spacing: Theme.spacingWide
         Text {
             objectName: "videoTitle"
             Layout.fillWidth: true
@@ -38,8 +37,7 @@ Rectangle {
 
         ColumnLayout {
             Layout.fillWidth: true
-            spacing: 10
-
+            spacing: Theme.spacing
             InfoRow {
                 objectName: "durationRow"
                 Layout.fillWidth: true

@@ -25,7 +25,7 @@ Rectangle {
         required property string source
 
         checked: option.source === "browser" ? root.browserChosen : AppState.cookieSource === option.source
-        spacing: 8
+        spacing: Theme.spacingMedium
         font.pixelSize: Theme.body
 
         contentItem: Text {
@@ -92,14 +92,12 @@ Rectangle {
 
         ColumnLayout {
             width: parent.width
-            spacing: 20
-
+            spacing: Theme.spacingPage
             ColumnLayout {
                 Layout.fillWidth: true
-                Layout.margins: 20
+                Layout.margins: Theme.spacingPage
                 Layout.bottomMargin: 0
-                spacing: 4
-
+                spacing: Theme.spacingTiny
                 Text {
                     text: "Cookie 管理"
                     color: Theme.text
@@ -117,8 +115,8 @@ Rectangle {
 
             SettingsGroup {
                 Layout.fillWidth: true
-                Layout.leftMargin: 20
-                Layout.rightMargin: 20
+                Layout.leftMargin: Theme.spacingPage
+                Layout.rightMargin: Theme.spacingPage
                 title: "下载使用的 Cookie"
                 symbol: "key.fill"
 
@@ -134,8 +132,7 @@ Rectangle {
                 }
                 RowLayout {
                     Layout.fillWidth: true
-                    spacing: 10
-
+                    spacing: Theme.spacing
                     SourceOption {
                         objectName: "sourceBrowser"
                         source: "browser"
@@ -164,8 +161,7 @@ Rectangle {
                 }
                 RowLayout {
                     Layout.fillWidth: true
-                    spacing: 10
-
+                    spacing: Theme.spacing
                     SourceOption {
                         objectName: "sourceFile"
                         source: "file"
@@ -197,8 +193,7 @@ Rectangle {
                 }
                 RowLayout {
                     Layout.fillWidth: true
-                    spacing: 10
-
+                    spacing: Theme.spacing
                     BorderedButton {
                         objectName: "checkButton"
                         symbol: "checkmark.circle"
@@ -251,8 +246,8 @@ Rectangle {
 
             SettingsGroup {
                 Layout.fillWidth: true
-                Layout.leftMargin: 20
-                Layout.rightMargin: 20
+                Layout.leftMargin: Theme.spacingPage
+                Layout.rightMargin: Theme.spacingPage
                 title: "导出 Chrome Cookie"
                 symbol: "arrow.down.to.line"
 
@@ -264,8 +259,7 @@ Rectangle {
                     wrapMode: Text.Wrap
                 }
                 RowLayout {
-                    spacing: 10
-
+                    spacing: Theme.spacing
                     BorderedButton {
                         objectName: "exportButton"
                         prominent: true
@@ -315,9 +309,9 @@ Rectangle {
 
             SettingsGroup {
                 Layout.fillWidth: true
-                Layout.leftMargin: 20
-                Layout.rightMargin: 20
-                Layout.bottomMargin: 20
+                Layout.leftMargin: Theme.spacingPage
+                Layout.rightMargin: Theme.spacingPage
+                Layout.bottomMargin: Theme.spacingPage
                 title: "当前 Cookie 文件"
                 symbol: "list.bullet"
 
@@ -371,8 +365,7 @@ Rectangle {
 
                         objectName: "domainRow"
                         Layout.fillWidth: true
-                        spacing: 8
-
+                        spacing: Theme.spacingMedium
                         Text {
                             Layout.preferredWidth: 200
                             text: domainRow.modelData.domain

@@ -64,9 +64,8 @@ Rectangle {
                 id: form
 
                 anchors.fill: parent
-                anchors.margins: 20
-                spacing: 18
-
+                anchors.margins: Theme.spacingPage
+                spacing: Theme.spacingSection
                 Text {
                     text: "添加下载任务"
                     color: Theme.text
@@ -94,8 +93,7 @@ Rectangle {
                     visible: active
 
                     sourceComponent: ColumnLayout {
-                        spacing: 8
-
+                        spacing: Theme.spacingMedium
                         SectionHeader {
                             text: "自定义参数"
                         }
@@ -110,7 +108,7 @@ Rectangle {
                             placeholderTextColor: Theme.gray
                             color: Theme.text
                             font.family: Theme.fixedFont.family
-                            padding: 10
+                            padding: Theme.spacing
                             background: Rectangle {
                                 radius: Theme.radius
                                 color: Theme.raised
@@ -127,8 +125,7 @@ Rectangle {
                 // Switches
                 RowLayout {
                     Layout.fillWidth: true
-                    spacing: 24
-
+                    spacing: Theme.spacingHuge
                     ToggleSwitch {
                         objectName: "playlistSwitch"
                         text: "播放列表"
@@ -153,12 +150,10 @@ Rectangle {
                 // Actions
                 ColumnLayout {
                     Layout.fillWidth: true
-                    spacing: 10
-
+                    spacing: Theme.spacing
                     RowLayout {
                         Layout.fillWidth: true
-                        spacing: 10
-
+                        spacing: Theme.spacing
                         TextButton {
                             objectName: "listFormatsButton"
                             Layout.fillWidth: true
@@ -170,7 +165,7 @@ Rectangle {
                             fill: Theme.border
                             cornerRadius: Theme.radius
                             fontSize: Theme.bodyLarge
-                            spacing: 8
+                            spacing: Theme.spacingMedium
                             contentOpacity: 1
                             onClicked: inputPresenter.listFormats()
                             trailing: Icon {
@@ -201,7 +196,7 @@ Rectangle {
                             fill: Theme.border
                             cornerRadius: Theme.radius
                             fontSize: Theme.bodyLarge
-                            spacing: 8
+                            spacing: Theme.spacingMedium
                             contentOpacity: 1
                             onClicked: {
                                 root.videoInfoPresenter.fetchFirstLink()
@@ -243,12 +238,11 @@ Rectangle {
             id: footerColumn
 
             anchors.fill: parent
-            anchors.leftMargin: 20
-            anchors.rightMargin: 20
-            anchors.topMargin: 8
-            anchors.bottomMargin: 20
-            spacing: 10
-
+            anchors.leftMargin: Theme.spacingPage
+            anchors.rightMargin: Theme.spacingPage
+            anchors.topMargin: Theme.spacingMedium
+            anchors.bottomMargin: Theme.spacingPage
+            spacing: Theme.spacing
             // Said where downloads start: the toolchain would make sites such as YouTube fail.
             VerdictRow {
                 objectName: "toolchainNotice"
@@ -268,7 +262,7 @@ Rectangle {
                 cornerRadius: Theme.radiusLarge
                 fontSize: Theme.headline
                 fontWeight: Font.DemiBold
-                spacing: 8
+                spacing: Theme.spacingMedium
                 contentOpacity: 1
                 fillOpacity: down ? 0.85 : 1
                 onClicked: inputPresenter.startDownload()

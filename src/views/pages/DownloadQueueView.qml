@@ -21,12 +21,10 @@ Rectangle {
     ColumnLayout {
         anchors.fill: parent
         spacing: 0
-
         RowLayout {
             Layout.fillWidth: true
-            Layout.margins: 16
-            Layout.bottomMargin: 4
-
+            Layout.margins: Theme.spacingWide
+            Layout.bottomMargin: Theme.spacingTiny
             Text {
                 text: "下载队列"
                 color: Theme.text
@@ -67,8 +65,7 @@ Rectangle {
                 objectName: "emptyState"
                 anchors.centerIn: parent
                 visible: DownloadManager.tasks.count === 0
-                spacing: 10
-
+                spacing: Theme.spacing
                 Icon {
                     anchors.horizontalCenter: parent.horizontalCenter
                     symbol: "tray"
@@ -94,10 +91,10 @@ Rectangle {
 
                 objectName: "taskList"
                 anchors.fill: parent
-                anchors.margins: 12
+                anchors.margins: Theme.spacingLarge
                 visible: count > 0
                 clip: true
-                spacing: 8
+                spacing: Theme.spacingMedium
                 reuseItems: true
                 boundsBehavior: Flickable.StopAtBounds
                 model: DownloadManager.tasks

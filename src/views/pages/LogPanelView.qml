@@ -60,14 +60,12 @@ Rectangle {
         anchors.fill: parent
         anchors.margins: 1
         spacing: 0
-
         RowLayout {
             Layout.fillWidth: true
-            Layout.leftMargin: 12
-            Layout.rightMargin: 8
+            Layout.leftMargin: Theme.spacingLarge
+            Layout.rightMargin: Theme.spacingMedium
             Layout.preferredHeight: 38
-            spacing: 8
-
+            spacing: Theme.spacingMedium
             Icon {
                 symbol: "terminal"
                 color: Theme.green
@@ -111,9 +109,9 @@ Rectangle {
 
                 objectName: "logList"
                 anchors.fill: parent
-                anchors.margins: 8
+                anchors.margins: Theme.spacingMedium
                 clip: true
-                spacing: 4
+                spacing: Theme.spacingTiny
                 reuseItems: true
                 boundsBehavior: Flickable.StopAtBounds
                 model: AppState.logEntries
@@ -128,8 +126,8 @@ Rectangle {
 
         RowLayout {
             Layout.fillWidth: true
-            Layout.leftMargin: 12
-            Layout.rightMargin: 8
+            Layout.leftMargin: Theme.spacingLarge
+            Layout.rightMargin: Theme.spacingMedium
             Layout.preferredHeight: 38
 
             ToggleSwitch {
@@ -143,9 +141,9 @@ Rectangle {
             }
             TextButton {
                 objectName: "newestButton"
-                padding: 6
-                leftPadding: 10
-                rightPadding: 10
+                padding: Theme.spacingSmall
+                leftPadding: Theme.spacing
+                rightPadding: Theme.spacing
                 text: "最新"
                 symbol: "arrow.down.to.line"
                 tint: Theme.text

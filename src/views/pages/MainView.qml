@@ -50,7 +50,6 @@ Item {
     RowLayout {
         anchors.fill: parent
         spacing: 0
-
         SidebarView {
             objectName: "sidebar"
             Layout.preferredWidth: 220
@@ -62,7 +61,6 @@ Item {
             Layout.fillWidth: true
             Layout.fillHeight: true
             spacing: 0
-
             SplitView {
                 id: panes
 
@@ -156,7 +154,7 @@ Item {
                         LogPanelView {
                             objectName: "logPanel"
                             anchors.fill: parent
-                            anchors.margins: 8
+                            anchors.margins: Theme.spacingMedium
                         }
                     }
                 }

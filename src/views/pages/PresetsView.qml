@@ -69,13 +69,11 @@ Rectangle {
         ColumnLayout {
             x: 20
             width: scroll.availableWidth - 40
-            spacing: 20
-
+            spacing: Theme.spacingPage
             ColumnLayout {
                 Layout.fillWidth: true
-                Layout.topMargin: 20
-                spacing: 4
-
+                Layout.topMargin: Theme.spacingPage
+                spacing: Theme.spacingTiny
                 Text {
                     text: "参数预设"
                     color: Theme.text
@@ -136,20 +134,17 @@ Rectangle {
 
                         objectName: "savedRow"
                         Layout.fillWidth: true
-                        spacing: 8
-
+                        spacing: Theme.spacingMedium
                         Divider {
                             visible: savedRow.index > 0
                         }
                         RowLayout {
                             Layout.fillWidth: true
                             visible: !savedRow.editing
-                            spacing: 10
-
+                            spacing: Theme.spacing
                             ColumnLayout {
                                 Layout.fillWidth: true
-                                spacing: 2
-
+                                spacing: Theme.spacingHair
                                 Text {
                                     objectName: "savedName"
                                     Layout.fillWidth: true
@@ -191,9 +186,8 @@ Rectangle {
                             Layout.fillWidth: true
                             visible: savedRow.editing
                             columns: 2
-                            columnSpacing: 10
-                            rowSpacing: 8
-
+                            columnSpacing: Theme.spacing
+                            rowSpacing: Theme.spacingMedium
                             Text {
                                 text: "名称"
                                 color: Theme.gray
@@ -225,8 +219,7 @@ Rectangle {
                                 implicitWidth: 1
                             }
                             RowLayout {
-                                spacing: 10
-
+                                spacing: Theme.spacing
                                 BorderedButton {
                                     objectName: "saveEditButton"
                                     prominent: true
@@ -263,9 +256,8 @@ Rectangle {
                 GridLayout {
                     Layout.fillWidth: true
                     columns: 2
-                    columnSpacing: 10
-                    rowSpacing: 8
-
+                    columnSpacing: Theme.spacing
+                    rowSpacing: Theme.spacingMedium
                     Text {
                         text: "名称"
                         color: Theme.gray
@@ -296,8 +288,7 @@ Rectangle {
                 }
                 RowLayout {
                     Layout.fillWidth: true
-                    spacing: 10
-
+                    spacing: Theme.spacing
                     BorderedButton {
                         id: addButton
 
@@ -324,7 +315,7 @@ Rectangle {
 
             SettingsGroup {
                 Layout.fillWidth: true
-                Layout.bottomMargin: 20
+                Layout.bottomMargin: Theme.spacingPage
                 title: "内置预设"
                 symbol: "list.bullet.rectangle"
 
@@ -348,15 +339,13 @@ Rectangle {
 
                         objectName: "builtInRow"
                         Layout.fillWidth: true
-                        spacing: 8
-
+                        spacing: Theme.spacingMedium
                         Divider {
                             visible: builtInRow.index > 0
                         }
                         RowLayout {
                             Layout.fillWidth: true
-                            spacing: 12
-
+                            spacing: Theme.spacingLarge
                             Icon {
                                 Layout.alignment: Qt.AlignTop
                                 symbol: builtInRow.symbol
@@ -365,8 +354,7 @@ Rectangle {
                             }
                             ColumnLayout {
                                 Layout.fillWidth: true
-                                spacing: 2
-
+                                spacing: Theme.spacingHair
                                 Text {
                                     text: builtInRow.name
                                     textFormat: Text.PlainText

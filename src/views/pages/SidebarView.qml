@@ -20,13 +20,11 @@ Rectangle {
     ColumnLayout {
         anchors.fill: parent
         spacing: 0
-
         Column {
             Layout.fillWidth: true
-            topPadding: 20
-            bottomPadding: 20
-            spacing: 6
-
+            topPadding: Theme.spacingPage
+            bottomPadding: Theme.spacingPage
+            spacing: Theme.spacingSmall
             Icon {
                 anchors.horizontalCenter: parent.horizontalCenter
                 symbol: "arrow.down.circle.fill"
@@ -53,9 +51,8 @@ Rectangle {
 
         RowLayout {
             Layout.fillWidth: true
-            Layout.margins: 12
-            spacing: 10
-
+            Layout.margins: Theme.spacingLarge
+            spacing: Theme.spacing
             StatCard {
                 objectName: "totalCard"
                 Layout.fillWidth: true
@@ -80,9 +77,8 @@ Rectangle {
 
         ColumnLayout {
             Layout.fillWidth: true
-            Layout.margins: 10
-            spacing: 4
-
+            Layout.margins: Theme.spacing
+            spacing: Theme.spacingTiny
             Repeater {
                 model: [
                     { title: "下载管理", symbol: "arrow.down.circle" },
@@ -114,10 +110,10 @@ Rectangle {
             objectName: "logButton"
             Layout.fillWidth: true
             implicitHeight: 40
-            leftPadding: 20
-            rightPadding: 20
+            leftPadding: Theme.spacingPage
+            rightPadding: Theme.spacingPage
             leading: true
-            spacing: 10
+            spacing: Theme.spacing
             text: "下载日志"
             symbol: AppState.showLogPanel ? "terminal.fill" : "terminal"
             tint: AppState.showLogPanel ? Theme.accent : Theme.gray
@@ -130,10 +126,10 @@ Rectangle {
             trailing: Label {
                 objectName: "logBadge"
                 visible: AppState.logEntries.count > 0
-                leftPadding: 6
-                rightPadding: 6
-                topPadding: 2
-                bottomPadding: 2
+                leftPadding: Theme.spacingSmall
+                rightPadding: Theme.spacingSmall
+                topPadding: Theme.spacingHair
+                bottomPadding: Theme.spacingHair
                 text: String(AppState.logEntries.count)
                 textFormat: Text.PlainText
                 color: Theme.text
@@ -149,12 +145,12 @@ Rectangle {
         TextButton {
             objectName: "settingsButton"
             Layout.fillWidth: true
-            Layout.bottomMargin: 10
+            Layout.bottomMargin: Theme.spacing
             implicitHeight: 40
-            leftPadding: 20
-            rightPadding: 20
+            leftPadding: Theme.spacingPage
+            rightPadding: Theme.spacingPage
             leading: true
-            spacing: 10
+            spacing: Theme.spacing
             text: "设置"
             symbol: "gearshape"
             fontSize: Theme.bodyLarge
