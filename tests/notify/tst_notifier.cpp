@@ -8,10 +8,6 @@
 
 using namespace Qt::StringLiterals;
 
-namespace {
-constexpr auto ServiceName = "org.freedesktop.Notifications";
-}
-
 // Stands in for the desktop's notification service and records what it is asked to show.
 class NotificationService : public QObject
 {
@@ -77,17 +73,12 @@ void TestNotifier::initTestCase()
     QVERIFY(standin.isConnected());
     QVERIFY(standin.registerObject(u"/org/freedesktop/Notifications"_s, &m_service, QDBusConnection::ExportAllSlots));
 
-    const QString scenarios = m_dir.filePath(u"scenarios"_s);
-    QDir().mkpath(scenarios);
-    for (const auto &[name, content] :
-        { std::pair { "ok", R"({"steps": [{"out": "[download] 100% of 1.00MiB\n"}]})" },
-            std::pair { "fail",
-                R"({"steps": [{"err": "ERROR: Unable to download webpage: HTTP Error 404: Not Found\n"}], "exit": 1})" } }) {
-        QFile scenario(scenarios + u'/' + QLatin1String(name) + u".json"_s);
-        QVERIFY(scenario.open(QIODevice::WriteOnly));
-        scenario.write(content);
-    }
-    qputenv("FAKE_YTDLP_SCENARIO_DIR", scenarios.toUtf8());
+    // Links ending in "/fail" fail, the others download.
+    QFile scenario(m_dir.filePath(u"fail.json"_s));
+    QVERIFY(scenario.open(QIODevice::WriteOnly));
+    scenario.write(
+        R"({"steps": [{"err": "ERROR: Unable to download webpage: HTTP Error 404: Not Found\n"}], "exit": 1})");
+    qputenv("FAKE_YTDLP_SCENARIO_DIR", m_dir.path().toUtf8());
 }
 
 void TestNotifier::cleanupTestCase()
@@ -118,9 +109,9 @@ void TestNotifier::finishedDownloads()
     QFETCH(bool, announced);
     QDBusConnection standin(u"standin"_s);
     if (service)
-        QVERIFY(standin.registerService(QLatin1String(ServiceName)));
+        QVERIFY(standin.registerService(u"org.freedesktop.Notifications"_s));
     else
-        standin.unregisterService(QLatin1String(ServiceName));
+        standin.unregisterService(u"org.freedesktop.Notifications"_s);
     m_service.calls.clear();
 
     const auto engine = SandboxEngine::start();

@@ -6,15 +6,13 @@
 class MediaServer : public LocalServer
 {
 public:
-    static constexpr int Patience = 120000;
-
     MediaServer(const QString &testsDir, const QString &root, const QStringList &extraArguments = {},
         const QProcessEnvironment &environment = QProcessEnvironment::systemEnvironment())
         : LocalServer(QStringLiteral("media server"),
             QStringList { testsDir + QStringLiteral("/support/mediaserver.py"), QStringLiteral("--root"), root,
-                QStringLiteral("--port"), QStringLiteral("0"), QStringLiteral("--generate") }
+                QStringLiteral("--generate") }
                 + extraArguments,
-            Patience, environment)
+            120000, environment)
     {
     }
 };

@@ -21,19 +21,11 @@ import sys
 import tempfile
 import threading
 
+import testserver
+
 HERE = os.path.dirname(os.path.abspath(__file__))
 YTDLP = "/usr/bin/yt-dlp"
 FFMPEG = "/usr/bin/ffmpeg"
-
-
-def start_server(root):
-    server = subprocess.Popen([sys.executable, os.path.join(HERE, "mediaserver.py"), "--root", root,
-                               "--generate"], stdin=subprocess.PIPE, stdout=subprocess.PIPE,
-                              text=True)
-    line = server.stdout.readline().strip()
-    if not line.startswith("READY "):
-        sys.exit("media server did not start: " + line)
-    return server, line.split(" ", 1)[1]
 
 
 def closed_port():
@@ -89,7 +81,7 @@ def main():
     with open(os.path.join(media, "page.html"), "w") as f:
         f.write("<html><head><title>No video here</title></head><body>text</body></html>\n")
     out = os.path.join(work, "out")
-    server, base = start_server(media)
+    server, base = testserver.start("mediaserver.py", "--root", media, "--generate")
     listener, silent_port = silent_listener()
     audio_only = ["-x", "--audio-format", "mp3"]
     # A cookie file that is not in the Netscape format; a browser with no profile under HOME.

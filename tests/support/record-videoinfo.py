@@ -25,6 +25,8 @@ import subprocess
 import sys
 import tempfile
 
+import testserver
+
 HERE = os.path.dirname(os.path.abspath(__file__))
 YTDLP = "/usr/bin/yt-dlp"
 FFMPEG = "/usr/bin/ffmpeg"
@@ -69,14 +71,8 @@ def main():
                "-movflags", "+faststart", os.path.join(root, "clip.mp4"))
         ffmpeg("-f", "lavfi", "-i", "testsrc=size=160x90", "-frames:v", "1",
                os.path.join(root, "thumb.jpg"))
-        server = subprocess.Popen([sys.executable, os.path.join(HERE, "mediaserver.py"), "--root",
-                                   root, "--generate", "--duration", "3"],
-                                  stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True)
+        server, base = testserver.start("mediaserver.py", "--root", root, "--generate", "--duration", "3")
         try:
-            line = server.stdout.readline().strip()
-            if not line.startswith("READY "):
-                sys.exit("media server did not start: " + line)
-            base = line.split(" ", 1)[1]
             host = base.split("//", 1)[1].rstrip("/")
             with open(os.path.join(root, "page.html"), "w", encoding="utf-8") as f:
                 f.write(PAGE.format(base=base))
@@ -94,7 +90,6 @@ def main():
                 print(f"{name}.json: {len(result.stdout)} characters")
         finally:
             server.stdin.close()
-            server.terminate()
             server.wait(timeout=10)
 
 

@@ -27,20 +27,34 @@ Q_IMPORT_QML_PLUGIN(QuillboxPlugin)
 
 using namespace Qt::StringLiterals;
 
+namespace {
+// Writes `text` to `path`, folders made as needed, as a program if `executable`.
+bool writeTextFile(const QString &path, const QString &text, bool executable = false)
+{
+    QDir().mkpath(QFileInfo(path).path());
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate) || file.write(text.toUtf8()) != text.toUtf8().size())
+        return false;
+    file.close();
+    return !executable || file.setPermissions(file.permissions() | QFileDevice::ExeOwner);
+}
+} // namespace
+
 // What the QML tests need to arrange that the views themselves never do.
 class TestHelper : public QObject
 {
     Q_OBJECT
 
 public:
-    explicit TestHelper(QString root)
+    TestHelper(QString root, QString baseUrl)
         : m_root(std::move(root))
+        , m_baseUrl(std::move(baseUrl))
     {
     }
 
     Q_INVOKABLE QString tempDir() const { return m_root; }
     Q_INVOKABLE QString baseUrl() const { return m_baseUrl; }
-    Q_INVOKABLE QString testsDir() const { return QString::fromLocal8Bit(qgetenv("QUILLBOX_TESTS_DIR")); }
+    Q_INVOKABLE QString testsDir() const { return qEnvironmentVariable("QUILLBOX_TESTS_DIR"); }
 
     // A record from its JSON form (camel-case keys); undefined when it does not decode.
     Q_INVOKABLE QVariant videoInfo(const QString &json) const
@@ -48,7 +62,6 @@ public:
         const auto info = VideoInfo::fromJson(json.toUtf8());
         return info ? QVariant::fromValue(*info) : QVariant();
     }
-    void setBaseUrl(const QString &url) { m_baseUrl = url; }
 
     // The kinds of stream ("video", "audio") in a media file, as ffprobe reads them.
     Q_INVOKABLE QStringList streamsOf(const QString &path) const
@@ -56,8 +69,7 @@ public:
         QProcess probe;
         probe.start(u"ffprobe"_s,
             { u"-v"_s, u"error"_s, u"-show_entries"_s, u"stream=codec_type"_s, u"-of"_s, u"csv=p=0"_s, path });
-        if (!probe.waitForFinished(30000))
-            return {};
+        probe.waitForFinished(30000);
         return QString::fromUtf8(probe.readAllStandardOutput()).split(u'\n', Qt::SkipEmptyParts);
     }
 
@@ -72,6 +84,14 @@ public:
             AppState::instance()->addLog(u"%1 %2"_s.arg(prefix).arg(i), LogEntry::LogType(type));
     }
 
+    // A log entry stamped with the given time of today, straight into the real log.
+    Q_INVOKABLE void addLogAt(int hour, int minute, int second, const QString &message) const
+    {
+        LogEntry entry = LogEntry::make(message, LogEntry::LogType::Info);
+        entry.timestamp = QDateTime(QDate::currentDate(), QTime(hour, minute, second));
+        AppState::instance()->logModel()->append({ entry });
+    }
+
     Q_INVOKABLE void setEnv(const QString &name, const QString &value) const
     {
         if (value.isEmpty())
@@ -83,42 +103,26 @@ public:
     // The steps the stand-in replays for downloads started from now on, and its exit status.
     Q_INVOKABLE void setScenario(const QString &steps, int exitCode) const
     {
-        QFile file(m_root + u"/scenario.json"_s);
-        if (file.open(QIODevice::WriteOnly | QIODevice::Truncate))
-            file.write(steps.toUtf8());
-        qputenv("FAKE_YTDLP_SCENARIO", file.fileName().toUtf8());
+        writeTextFile(m_root + u"/scenario.json"_s, steps);
+        qputenv("FAKE_YTDLP_SCENARIO", (m_root + u"/scenario.json"_s).toUtf8());
         qputenv("FAKE_YTDLP_EXIT", QByteArray::number(exitCode));
     }
 
+    // Each task's link, or its status as the row names it.
     Q_INVOKABLE QStringList taskUrls() const
     {
-        QStringList urls;
-        for (const DownloadTask &task : DownloadManager::instance()->tasks())
-            urls << task.url;
-        return urls;
+        return tasks([](const DownloadTask &task) { return task.url; });
     }
-
     Q_INVOKABLE QStringList taskStatuses() const
     {
-        QStringList statuses;
-        for (const DownloadTask &task : DownloadManager::instance()->tasks())
-            statuses << rawValue(task.status);
-        return statuses;
-    }
-
-    // A log entry stamped with the given time of today, straight into the real log.
-    Q_INVOKABLE void addLogAt(int hour, int minute, int second, const QString &message) const
-    {
-        LogEntry entry = LogEntry::make(message, LogEntry::LogType::Info);
-        entry.timestamp = QDateTime(QDate::currentDate(), QTime(hour, minute, second));
-        AppState::instance()->logModel()->append({ entry });
+        return tasks([](const DownloadTask &task) { return rawValue(task.status); });
     }
 
     // A task list of its own, with one task in each of the given states at the given progress,
     // for rows the engine never produces on cue (paused) or only for an instant (preparing).
     // Each may be given a phase and the file it ends in.
-    Q_INVOKABLE TaskModel *sampleTasks(const QStringList &statuses, double progress, const QString &notice = {},
-        const QString &phase = {}, const QString &outputPath = {})
+    Q_INVOKABLE TaskModel *sampleTasks(const QStringList &statuses, double progress, const QString &notice,
+        const QString &phase, const QString &outputPath)
     {
         auto *model = new TaskModel(this);
         for (const QString &status : statuses) {
@@ -139,60 +143,40 @@ public:
     Q_INVOKABLE void replaceOpener() const
     {
         const QString bin = m_root + u"/opener"_s;
-        QDir().mkpath(bin);
-        for (const QString &name : { u"xdg-open"_s, u"open"_s }) {
-            QFile file(bin + u'/' + name);
-            if (file.open(QIODevice::WriteOnly | QIODevice::Truncate))
-                file.write("#!/bin/sh\necho \"$*\" >> '" + m_root.toUtf8() + "/opened.txt'\n");
-            file.close();
-            file.setPermissions(file.permissions() | QFileDevice::ExeOwner);
-        }
-        if (!qEnvironmentVariable("PATH").startsWith(bin))
-            qputenv("PATH", (bin + u':' + qEnvironmentVariable("PATH")).toUtf8());
+        for (const QString &name : { u"xdg-open"_s, u"open"_s })
+            writeTextFile(bin + u'/' + name, u"#!/bin/sh\necho \"$*\" >> '%1/opened.txt'\n"_s.arg(m_root), true);
+        qputenv("PATH", (bin + u':' + qEnvironmentVariable("PATH")).toUtf8());
     }
     Q_INVOKABLE QStringList openedWith() const
     {
-        QFile file(m_root + u"/opened.txt"_s);
-        return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()).split(u'\n', Qt::SkipEmptyParts)
-                                              : QStringList();
+        return readFile(m_root + u"/opened.txt"_s).split(u'\n', Qt::SkipEmptyParts);
     }
 
     Q_INVOKABLE QVariant setting(const QString &key) const { return QSettings().value(key); }
-    Q_INVOKABLE void setSetting(const QString &key, const QVariant &value) const { QSettings().setValue(key, value); }
 
-    // A shell script at `path` (folders made as needed) that prints `output`.
-    Q_INVOKABLE bool writeExecutable(const QString &path, const QString &output) const
+    Q_INVOKABLE bool writeFile(const QString &path, const QString &text, bool executable = false) const
     {
-        QDir().mkpath(QFileInfo(path).path());
+        return writeTextFile(path, text, executable);
+    }
+    static QString readFile(const QString &path)
+    {
         QFile file(path);
-        if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate))
-            return false;
-        file.write("#!/bin/sh\necho '" + output.toUtf8() + "'\n");
-        file.close();
-        return file.setPermissions(file.permissions() | QFileDevice::ExeOwner);
+        return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
     }
     Q_INVOKABLE bool removeFile(const QString &path) const { return QFile::remove(path); }
-    // The arguments of the stand-in's last run for `url`.
-    Q_INVOKABLE QStringList argvFor(const QString &url) const
+
+    // The arguments of the stand-in's last run that had `word` among them.
+    Q_INVOKABLE QStringList argvFor(const QString &word) const
     {
-        QFile file(m_root + u"/argv.jsonl"_s);
-        if (!file.open(QIODevice::ReadOnly))
-            return {};
         QStringList found;
-        for (const QByteArray &line : file.readAll().split('\n')) {
-            const QStringList argv = QJsonDocument::fromJson(line).toVariant().toStringList();
-            if (argv.contains(url))
+        for (const QString &line : readFile(m_root + u"/argv.jsonl"_s).split(u'\n')) {
+            const QStringList argv = QJsonDocument::fromJson(line.toUtf8()).toVariant().toStringList();
+            if (argv.contains(word))
                 found = argv;
         }
         return found;
     }
-    Q_INVOKABLE bool writeTextFile(const QString &path, const QString &text) const
-    {
-        QDir().mkpath(QFileInfo(path).path());
-        QFile file(path);
-        return file.open(QIODevice::WriteOnly | QIODevice::Truncate)
-            && file.write(text.toUtf8()) == text.toUtf8().size();
-    }
+
     // A Chrome cookie database at `path` with one cookie whose value is encrypted as Chromium
     // does without a keyring.
     Q_INVOKABLE bool writeChromeDatabase(
@@ -203,18 +187,14 @@ public:
     }
 
     // What the next start would read: a new application state and engine on the stored settings.
-    Q_INVOKABLE QString freshOutputDirectory() const
+    Q_INVOKABLE QVariantMap freshSettings() const
     {
         AppState state;
         state.loadPreferences();
-        return state.outputDirectory();
-    }
-    Q_INVOKABLE int freshMaxConcurrentDownloads() const
-    {
-        AppState state;
         const DownloadManager engine(
             &state, ToolLocations::standard(m_root), nullptr, DownloadManager::Discovery::WaitForStart);
-        return engine.maxConcurrentDownloads();
+        return { { u"outputDirectory"_s, state.outputDirectory() },
+            { u"maxConcurrentDownloads"_s, engine.maxConcurrentDownloads() } };
     }
 
     // The presets in the application's store file as "name=arguments", read on a connection of its own.
@@ -230,30 +210,18 @@ public:
     }
 
 private:
+    template <typename Field>
+    static QStringList tasks(Field field)
+    {
+        QStringList values;
+        for (const DownloadTask &task : DownloadManager::instance()->tasks())
+            values << field(task);
+        return values;
+    }
+
     QString m_root;
     QString m_baseUrl;
 };
-
-#ifdef QUILLBOX_REAL_YTDLP
-// A page that names its video the way sites do (a schema.org VideoObject: title, length,
-// picture), with the served DASH manifest as its content and a picture beside it.
-void writeVideoPage(const QString &media, const QString &base)
-{
-    QProcess::execute(u"/usr/bin/ffmpeg"_s,
-        { u"-hide_banner"_s, u"-loglevel"_s, u"error"_s, u"-y"_s, u"-f"_s, u"lavfi"_s, u"-i"_s,
-            u"color=c=teal:s=160x90"_s, u"-frames:v"_s, u"1"_s, media + u"/thumb.jpg"_s });
-    QFile page(media + u"/page.html"_s);
-    if (!page.open(QIODevice::WriteOnly))
-        qFatal("cannot write the video page");
-    const QString html = u"<!DOCTYPE html>\n<html><head><meta charset=\"utf-8\"><title>页面</title>\n"
-                         "<script type=\"application/ld+json\">\n"
-                         "{\"@context\": \"https://schema.org\", \"@type\": \"VideoObject\", "
-                         "\"name\": \"端到端 测试视频\", \"thumbnailUrl\": \"%1thumb.jpg\", "
-                         "\"duration\": \"PT1M5S\", \"contentUrl\": \"%1dash/manifest.mpd\"}\n"
-                         "</script></head><body></body></html>\n"_s;
-    page.write(html.arg(base).toUtf8());
-}
-#endif
 
 class Setup : public QObject
 {
@@ -270,7 +238,17 @@ public Q_SLOTS:
             tests, m_env->root() + u"/media"_s, QStringList { u"--duration"_s, u"3"_s });
         if (m_server->base().isEmpty())
             qFatal("%s", qPrintable(m_server->error()));
-        writeVideoPage(m_env->root() + u"/media"_s, m_server->base());
+        // A page that names its video the way sites do (a schema.org VideoObject: title, length,
+        // picture), with the served DASH manifest as its content and a picture beside it.
+        const QString media = m_env->root() + u"/media"_s;
+        QProcess::execute(u"/usr/bin/ffmpeg"_s,
+            { u"-loglevel"_s, u"error"_s, u"-f"_s, u"lavfi"_s, u"-i"_s, u"color=c=teal:s=160x90"_s, u"-frames:v"_s,
+                u"1"_s, media + u"/thumb.jpg"_s });
+        writeTextFile(media + u"/page.html"_s,
+            u"<!DOCTYPE html>\n<html><head><meta charset=\"utf-8\"><title>页面</title>\n"
+            "<script type=\"application/ld+json\">\n{\"@context\": \"https://schema.org\", \"@type\": \"VideoObject\", "
+            "\"name\": \"端到端 测试视频\", \"thumbnailUrl\": \"%1thumb.jpg\", \"duration\": \"PT1M5S\", "
+            "\"contentUrl\": \"%1dash/manifest.mpd\"}\n</script></head><body></body></html>\n"_s.arg(m_server->base()));
 #else
         QSettings().setValue(QLatin1String(DownloadManager::CustomYtDlpPathKey), QString(tests + u"/fakes/yt-dlp"_s));
         // Deno in the sandboxed home is the only JavaScript runtime, so a test decides whether one
@@ -287,8 +265,7 @@ public Q_SLOTS:
         qputenv("TMPDIR", (m_env->root() + u"/tmp"_s).toUtf8());
         qputenv("FAKE_YTDLP_ARGV_FILE", (m_env->root() + u"/argv.jsonl"_s).toUtf8());
         QQuickStyle::setStyle(u"Basic"_s);
-        m_helper = new TestHelper(m_env->root());
-        m_helper->setBaseUrl(m_server ? m_server->base() : QString());
+        m_helper = new TestHelper(m_env->root(), m_server ? m_server->base() : QString());
         qmlRegisterSingletonInstance("QuillboxTest", 1, 0, "TestHelper", m_helper);
     }
 

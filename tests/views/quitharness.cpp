@@ -1,9 +1,9 @@
 // Quitting stops downloads: runs the real application set-up with the stand-in yt-dlp, starts a
-// download whose process leaves a child behind, then quits as the mode says: closing the window
-// (no mode; the question asked first is cancelled once, then answered "退出"), "退出 Quillbox"
-// clicked in the menu bar (--menu), its key equivalent (--key), each answering "退出", or
-// SIGTERM (--sigterm). Once the event loop has ended it checks that none of those processes still
-// runs, and that the queue was kept as it stood, the download still running. Exits 0 when so.
+// download whose process leaves a child behind, then quits as the mode says: "quit" closes the
+// window (the question asked first is cancelled once, then answered "退出"), "menu_quit" clicks
+// "退出 Quillbox" in the menu bar, "quit_key" presses its key equivalent, each answering "退出",
+// and "sigterm" sends SIGTERM. Once the event loop has ended it checks that none of those
+// processes still runs, and that the queue was kept as it stood, the download still running.
 
 #include "app/applifecycle.h"
 #include "app/qmlsetup.h"
@@ -12,8 +12,6 @@
 
 #include "testsupport.h"
 
-#include <QFile>
-#include <QFileInfo>
 #include <QGuiApplication>
 #include <QQmlApplicationEngine>
 #include <QQuickItem>
@@ -72,10 +70,22 @@ QQuickItem *findItem(QQuickItem *root, const std::function<bool(QQuickItem *)> &
     return nullptr;
 }
 
-void clickCentre(QQuickWindow *window, QQuickItem *item)
+// The shown item named `name`, once there is one (null if none comes).
+QQuickItem *waitForItem(QQuickWindow *window, const QString &name)
 {
-    const QPointF centre = item->mapToScene(QPointF(item->width() / 2, item->height() / 2));
-    QTest::mouseClick(window, Qt::LeftButton, Qt::NoModifier, centre.toPoint());
+    QQuickItem *item = nullptr;
+    const bool shown = QTest::qWaitFor([&] {
+        item = findItem(window->contentItem(),
+            [&name](QQuickItem *candidate) { return candidate->objectName() == name && candidate->height() > 0; });
+        return item != nullptr;
+    });
+    return shown ? item : nullptr;
+}
+
+void click(QQuickWindow *window, const QQuickItem *item)
+{
+    QTest::mouseClick(window, Qt::LeftButton, Qt::NoModifier,
+        item->mapToScene(QPointF(item->width() / 2, item->height() / 2)).toPoint());
 }
 
 // Opens the application menu of the in-window menu bar and clicks its quit item, as a user would.
@@ -86,37 +96,27 @@ bool quitFromMenu(QQuickWindow *window)
     });
     if (!menuTitle)
         return false;
-    clickCentre(window, menuTitle);
-    QQuickItem *quitItem = nullptr;
-    const bool shown = QTest::qWaitFor([&] {
-        quitItem = findItem(window->contentItem(),
-            [](QQuickItem *item) { return item->objectName() == u"menuItem_退出 Quillbox"_s && item->height() > 0; });
-        return quitItem != nullptr;
-    });
-    if (!shown)
-        return false;
+    click(window, menuTitle);
+    QQuickItem *quitItem = waitForItem(window, u"menuItem_退出 Quillbox"_s);
     QTest::qWait(300); // the menu's opening transition
-    clickCentre(window, quitItem);
-    return true;
+    if (quitItem)
+        click(window, quitItem);
+    return quitItem;
 }
+
 // Waits for the question asked before quitting with a download running, checks it, and answers
 // with the button named `answer`.
 bool answerQuitQuestion(QQuickWindow *window, const QString &answer)
 {
-    QQuickItem *button = nullptr;
-    const bool asked = QTest::qWaitFor([&] {
-        button = findItem(window->contentItem(),
-            [&answer](QQuickItem *item) { return item->objectName() == answer && item->height() > 0; });
-        return button != nullptr;
-    });
+    QQuickItem *button = waitForItem(window, answer);
     const QQuickItem *message
         = findItem(window->contentItem(), [](QQuickItem *item) { return item->objectName() == u"quitMessage"_s; });
-    if (!asked || !message || message->property("text").toString() != u"有 1 个下载正在进行，退出将停止它们。"_s) {
+    if (!button || !message || message->property("text").toString() != u"有 1 个下载正在进行，退出将停止它们。"_s) {
         std::fputs("quitting with a download running did not ask first\n", stderr);
         return false;
     }
     QTest::qWait(300); // the dialog's opening transition
-    clickCentre(window, button);
+    click(window, button);
     return true;
 }
 } // namespace
@@ -126,25 +126,23 @@ int main(int argc, char *argv[])
     qputenv("QT_QPA_PLATFORM", "offscreen");
     QGuiApplication app(argc, argv);
     IsolatedEnvironment env;
-    const QString fake = QString::fromLocal8Bit(qgetenv("QUILLBOX_TESTS_DIR")) + u"/fakes/yt-dlp"_s;
+    const QString fake = qEnvironmentVariable("QUILLBOX_TESTS_DIR") + u"/fakes/yt-dlp"_s;
     if (!QFileInfo(fake).isExecutable()) {
         std::fputs("no stand-in yt-dlp: set QUILLBOX_TESTS_DIR to the tests folder\n", stderr);
         return 2;
     }
     QSettings().setValue(QLatin1String(DownloadManager::CustomYtDlpPathKey), fake);
     const QString pidFile = env.root() + u"/pids.txt"_s;
-    const QString scenario = env.root() + u"/scenario.json"_s;
-    QFile steps(scenario);
+    QFile steps(env.root() + u"/scenario.json"_s);
     if (!steps.open(QIODevice::WriteOnly))
         return 2;
     steps.write(R"([{"spawn_child_sleep": 60}, {"sleep": 60}])");
     steps.close();
-    qputenv("FAKE_YTDLP_SCENARIO", scenario.toUtf8());
+    qputenv("FAKE_YTDLP_SCENARIO", steps.fileName().toUtf8());
     qputenv("FAKE_YTDLP_PIDFILE", pidFile.toUtf8());
     QQuickStyle::setStyle(u"Basic"_s);
     AppLifecycle::quitOnTerminationSignals();
-    const QStringList arguments = app.arguments();
-    const QString mode = arguments.size() > 1 ? arguments.at(1) : QString();
+    const QString mode = app.arguments().value(1);
 
     AppLifecycle lifecycle(DownloadManager::instance());
     QQmlApplicationEngine engine;
@@ -159,39 +157,41 @@ int main(int argc, char *argv[])
     DownloadManager::instance()->startDownload(
         u"https://quit.example/v"_s, DownloadPreset::Default, QString(), env.root() + u"/out"_s, true, false);
 
-    // Once the download and its child run, close the window as the user would.
+    // Once the download and its child run, quit as the user would.
     QTimer poll;
     poll.setInterval(50);
     QObject::connect(&poll, &QTimer::timeout, window, [&] {
-        if (pidsIn(pidFile).size() >= 2) {
-            poll.stop();
-            if (mode == u"--sigterm") {
-                ::kill(::getpid(), SIGTERM);
-            } else if (mode == u"--menu") {
-                if (!quitFromMenu(window)) {
-                    std::fputs("no \"退出 Quillbox\" in the menu bar\n", stderr);
-                    QCoreApplication::exit(4);
-                }
-            } else if (mode == u"--key") {
-                // Shortcuts go to the active window.
-                if (!QTest::qWaitForWindowActive(window))
-                    std::fputs("the window never became active\n", stderr);
-                QTest::keyClick(window, Qt::Key_Q, Qt::ControlModifier);
-            } else {
-                // Asked, the user first thinks better of it: nothing stops.
-                window->close();
-                if (!answerQuitQuestion(window, u"quitCancelButton"_s))
-                    QCoreApplication::exit(5);
-                QTest::qWait(500);
-                if (!window->isVisible() || DownloadManager::instance()->runningCount() != 1) {
-                    std::fputs("cancelling the question did not keep the window and its download\n", stderr);
-                    QCoreApplication::exit(5);
-                }
-                window->close();
-            }
-            if (mode != u"--sigterm" && !answerQuitQuestion(window, u"quitConfirmButton"_s))
-                QCoreApplication::exit(5);
+        if (pidsIn(pidFile).size() < 2)
+            return;
+        poll.stop();
+        if (mode == u"sigterm") {
+            ::kill(::getpid(), SIGTERM);
+            return;
         }
+        if (mode == u"menu_quit" && !quitFromMenu(window)) {
+            std::fputs("no \"退出 Quillbox\" in the menu bar\n", stderr);
+            return QCoreApplication::exit(4);
+        }
+        if (mode == u"quit_key") {
+            // Shortcuts go to the active window.
+            if (!QTest::qWaitForWindowActive(window))
+                std::fputs("the window never became active\n", stderr);
+            QTest::keyClick(window, Qt::Key_Q, Qt::ControlModifier);
+        }
+        if (mode == u"quit") {
+            // Asked, the user first thinks better of it: nothing stops.
+            window->close();
+            if (!answerQuitQuestion(window, u"quitCancelButton"_s))
+                return QCoreApplication::exit(5);
+            QTest::qWait(500);
+            if (!window->isVisible() || DownloadManager::instance()->runningCount() != 1) {
+                std::fputs("cancelling the question did not keep the window and its download\n", stderr);
+                return QCoreApplication::exit(5);
+            }
+            window->close();
+        }
+        if (!answerQuitQuestion(window, u"quitConfirmButton"_s))
+            QCoreApplication::exit(5);
     });
     poll.start();
     QTimer::singleShot(30000, &app, [] {

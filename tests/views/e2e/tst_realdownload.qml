@@ -2,14 +2,14 @@ import QtQuick
 import QtTest
 import Quillbox
 import QuillboxTest
+import "../qml"
 
 // The whole way through the real window with Debian's yt-dlp: paste a link served on
 // 127.0.0.1, press "开始下载", and watch the row reach "已完成" with the file in the folder.
-TestCase {
+ViewTestCase {
     id: testCase
 
     name: "RealDownload"
-    when: windowShown
 
     Component {
         id: windowComponent
@@ -19,68 +19,62 @@ TestCase {
         }
     }
 
-    function test_pasteStartAndComplete() {
+    // The application's window, active, its main view `view` once its installation check is done.
+    function showWindow() {
         const window = createTemporaryObject(windowComponent, testCase)
         verify(window)
         window.requestActivate()
         tryVerify(() => window.active)
         waitForRendering(window.contentItem)
-        const view = findChild(window.contentItem, "mainView")
+        view = findChild(window.contentItem, "mainView")
         verify(view)
         tryCompare(view, "installationCheck", 0, 30000)
+    }
 
+    function test_pasteStartAndComplete() {
+        showWindow()
         const folder = TestHelper.tempDir() + "/真实 下载"
-        AppState.outputDirectory = folder
-        AppState.useCookies = false
-        AppState.urlInput = ""
+        resetForm("真实 下载")
         Desktop.setClipboardText(TestHelper.baseUrl() + "video.mp4")
-        mouseClick(findChild(view, "pasteButton"))
+        mouseClick(child("pasteButton"))
         compare(AppState.urlInput, TestHelper.baseUrl() + "video.mp4")
 
-        AppState.showLogPanel = false
-        const start = findChild(view, "startButton")
+        const start = child("startButton")
         tryVerify(() => findChild(view, "logPanel") === null)
         verify(start.mapToItem(view, 0, start.height).y <= view.height)
         const before = DownloadManager.tasks.count
         mouseClick(start)
         compare(DownloadManager.tasks.count, before + 1)
 
-        const list = findChild(view, "taskList")
-        let row = null
-        tryVerify(() => (row = list.itemAtIndex(before)) !== null, 10000)
-        tryCompare(findChild(row, "statusText"), "text", "已完成", 60000)
-        compare(findChild(row, "progressRow").visible, false)
-        compare(findChild(row, "errorText").visible, false)
+        const row = rowAt(before)
+        tryCompare(child("statusText", row), "text", "已完成", 60000)
+        compare(child("progressRow", row).visible, false)
+        compare(child("errorText", row).visible, false)
         compare(TestHelper.filesIn(folder), ["video.mp4"])
-        compare(findChild(view, "completedCard").value, String(DownloadManager.tasks.completedCount))
+        compare(child("completedCard").value, String(DownloadManager.tasks.completedCount))
 
         // The downloaded file, opened and shown in its folder through the desktop's opener.
         TestHelper.replaceOpener()
-        compare(findChild(row, "fileNameText").text, "video.mp4")
-        mouseMove(row, 20, 20)
-        tryCompare(findChild(row, "rowActions"), "opacity", 1)
-        mouseClick(findChild(row, "openAction"))
-        mouseClick(findChild(row, "revealAction"))
+        compare(child("fileNameText", row).text, "video.mp4")
+        clickRowAction(row, "openAction")
+        mouseClick(child("revealAction", row))
         tryVerify(() => TestHelper.openedWith().length === 2)
         compare(TestHelper.openedWith(), [folder + "/video.mp4", folder])
     }
 
     // A page that names its video: the row takes the title, the length and the picture from it.
     function test_rowShowsTheVideo() {
-        const view = findChild(createTemporaryObject(windowComponent, testCase).contentItem, "mainView")
-        tryCompare(view, "installationCheck", 0, 30000)
-        AppState.outputDirectory = TestHelper.tempDir() + "/page"
-        AppState.useCookies = false
+        showWindow()
+        resetForm("page")
         AppState.selectedPreset = Download.BestVideoAudio
         const before = DownloadManager.tasks.count
         AppState.urlInput = TestHelper.baseUrl() + "page.html"
-        mouseClick(findChild(view, "startButton"))
-        let row = null
-        tryVerify(() => (row = findChild(view, "taskList").itemAtIndex(before)) !== null, 10000)
-        tryCompare(findChild(row, "titleText"), "text", "端到端 测试视频", 60000)
-        compare(findChild(row, "durationText").text, "1:05")
-        tryCompare(findChild(row, "rowThumbnail"), "loaded", true, 30000)
-        tryCompare(findChild(row, "statusText"), "text", "已完成", 60000)
-        compare(findChild(row, "fileNameText").text, "端到端 测试视频.mp4")
+        mouseClick(child("startButton"))
+        const row = rowAt(before)
+        tryCompare(child("titleText", row), "text", "端到端 测试视频", 60000)
+        compare(child("durationText", row).text, "1:05")
+        tryCompare(child("rowThumbnail", row), "loaded", true, 30000)
+        tryCompare(child("statusText", row), "text", "已完成", 60000)
+        compare(child("fileNameText", row).text, "端到端 测试视频.mp4")
     }
 }

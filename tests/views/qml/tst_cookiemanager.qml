@@ -3,34 +3,18 @@ import QtTest
 import Quillbox
 import QuillboxTest
 
-TestCase {
-    id: testCase
-
-    readonly property string home: TestHelper.tempDir() + "/home"
-    readonly property string chromeDatabase: home + "/.config/google-chrome/Default/Cookies"
+ViewTestCase {
+    readonly property string chromeDatabase: TestHelper.tempDir() + "/home/.config/google-chrome/Default/Cookies"
 
     name: "CookieManager"
-    width: 1200
     height: 900
-    visible: true
-    when: windowShown
-
-    Component {
-        id: mainViewComponent
-
-        MainView {
-            width: testCase.width
-            height: testCase.height
-        }
-    }
 
     function makePage() {
         AppState.selectedTab = 2
-        const view = createTemporaryObject(mainViewComponent, testCase)
-        verify(view)
-        const loader = findChild(view, "cookieManagerLoader")
+        showMainView({}, true)
+        const loader = child("cookieManagerLoader")
         tryVerify(() => loader.item !== null)
-        verify(!findChild(view, "downloadInput").visible)
+        verify(!child("downloadInput").visible)
         return loader.item
     }
 
@@ -65,15 +49,15 @@ TestCase {
 
     function test_sourceChangesTheCommand(data) {
         const file = TestHelper.tempDir() + "/my cookies.txt"
-        verify(TestHelper.writeTextFile(file, "# Netscape HTTP Cookie File\n.a.example\tTRUE\t/\tFALSE\t0\tk\tv\n"))
+        verify(TestHelper.writeFile(file, "# Netscape HTTP Cookie File\n.a.example\tTRUE\t/\tFALSE\t0\tk\tv\n"))
         verify(TestHelper.writeChromeDatabase(chromeDatabase, ".a.example", "k", "v"))
         AppState.cookieSource = data.tag === "none" ? "file" : "none"
         const page = makePage()
-        mouseClick(findChild(page, "rereadButton"))
-        const field = findChild(page, "cookieFileField")
+        mouseClick(child("rereadButton", page))
+        const field = child("cookieFileField", page)
         field.text = file
         field.editingFinished()
-        compare(findChild(page, "browserChoice").currentText, "Chrome")
+        compare(child("browserChoice", page).currentText, "Chrome")
 
         mouseClick(findChild(page, data.option))
         compare(AppState.cookieSource, data.tag === "browser" ? "chrome" : data.tag)
@@ -91,17 +75,17 @@ TestCase {
     function test_missingBrowserGivesNoWords() {
         const page = makePage()
         // Chrome is not there: it stays chosen, said to be missing, and downloads go without cookies.
-        compare(findChild(page, "browserChoice").currentText, "Chrome（未找到）")
-        verify(findChild(page, "sourceBrowser").checked)
+        compare(child("browserChoice", page).currentText, "Chrome（未找到）")
+        verify(child("sourceBrowser", page).checked)
         const argv = downloadArgv("https://cookie.example/missing")
         verify(argv.indexOf("--cookies-from-browser") < 0, argv.join(" "))
     }
 
     function test_export() {
         const page = makePage()
-        const button = findChild(page, "exportButton")
-        const error = findChild(page, "exportError")
-        const result = findChild(page, "exportResult")
+        const button = child("exportButton", page)
+        const error = child("exportError", page)
+        const result = child("exportResult", page)
 
         mouseClick(button)
         compare(button.text, "正在导出...")
@@ -121,11 +105,11 @@ TestCase {
         verify(result.text.includes("已导出 1 个 Cookie，来自 1 个网站"), result.text)
         verify(result.text.includes(".video.example"), result.text)
 
-        mouseClick(findChild(page, "useExportButton"))
+        mouseClick(child("useExportButton", page))
         compare(AppState.cookiePath, CookieService.extractedCookiesPath)
         compare(AppState.cookieSource, "file")
-        verify(findChild(page, "sourceFile").checked)
-        const row = findChild(page, "domainList").itemAt(0)
+        verify(child("sourceFile", page).checked)
+        const row = child("domainList", page).itemAt(0)
         verify(row)
         compare(row.modelData.domain, ".video.example")
         const argv = downloadArgv("https://cookie.example/exported")
@@ -134,12 +118,12 @@ TestCase {
 
     function test_expiredCookiesMarked() {
         const file = TestHelper.tempDir() + "/expiring.txt"
-        verify(TestHelper.writeTextFile(file, "# Netscape HTTP Cookie File\n\n"
+        verify(TestHelper.writeFile(file, "# Netscape HTTP Cookie File\n\n"
                                         + ".old.example\tTRUE\t/\tFALSE\t1600000000\tsid\tx\n"
                                         + ".new.example\tTRUE\t/\tTRUE\t4102444800\tsid\ty\n"))
         const page = makePage()
         AppState.cookiePath = file
-        const list = findChild(page, "domainList")
+        const list = child("domainList", page)
         tryCompare(list, "count", 2)
         const fresh = list.itemAt(0)
         const old = list.itemAt(1)
@@ -149,12 +133,12 @@ TestCase {
         compare(old.modelData.domain, ".old.example")
         verify(findChild(old, "expiredBadge").visible)
         verify(findChild(old, "domainDetail").text.includes("已于 2020-09-1"), findChild(old, "domainDetail").text)
-        const summary = findChild(page, "expiredSummary")
+        const summary = child("expiredSummary", page)
         verify(summary.visible)
         compare(summary.text, "1 个网站的 Cookie 已过期，请重新登录后再导出。")
-        verify(!findChild(page, "switchOffHint").visible)
+        verify(!child("switchOffHint", page).visible)
         AppState.useCookies = false
-        verify(findChild(page, "switchOffHint").visible)
+        verify(child("switchOffHint", page).visible)
     }
 
     function test_checkCookies_data() {
@@ -169,16 +153,16 @@ TestCase {
 
     function test_checkCookies(data) {
         const file = TestHelper.tempDir() + "/signed in.txt"
-        verify(TestHelper.writeTextFile(file, "# Netscape HTTP Cookie File\n"
+        verify(TestHelper.writeFile(file, "# Netscape HTTP Cookie File\n"
                                         + ".youtube.com\tTRUE\t/\tTRUE\t4102444800\tSID\tx\n"
                                         + ".youtube.com\tTRUE\t/\tFALSE\t0\tPREF\ty\n"))
         AppState.cookieSource = "none"
         const page = makePage()
-        const button = findChild(page, "checkButton")
-        const result = findChild(page, "checkResult")
+        const button = child("checkButton", page)
+        const result = child("checkResult", page)
         verify(!button.enabled)
         AppState.cookiePath = file
-        mouseClick(findChild(page, "sourceFile"))
+        mouseClick(child("sourceFile", page))
         verify(button.enabled)
         verify(!result.visible)
 
@@ -193,7 +177,7 @@ TestCase {
         const argv = TestHelper.argvFor("--cookies")
         verify(argv.indexOf("--cookies") >= 0 && argv.indexOf(file) < 0, argv.join(" "))
         // Another source makes the result stale.
-        mouseClick(findChild(page, "sourceBrowser"))
+        mouseClick(child("sourceBrowser", page))
         verify(!result.visible)
     }
 }

@@ -3,69 +3,19 @@ import QtTest
 import Quillbox
 import QuillboxTest
 
-TestCase {
-    id: testCase
-
+ViewTestCase {
     name: "InputAndQueue"
-    width: 1200
-    height: 800
-    visible: true
-    when: windowShown
-
-    Component {
-        id: mainViewComponent
-
-        MainView {
-            width: testCase.width
-            height: testCase.height
-        }
-    }
-
-    property var view: null
 
     function init() {
-        AppState.urlInput = ""
-        AppState.customArguments = ""
-        AppState.selectedPreset = Download.Default
-        AppState.useCookies = false
-        AppState.showLogPanel = false
-        AppState.outputDirectory = TestHelper.tempDir() + "/out"
-        TestHelper.setScenario("[]", 0)
-        TestHelper.setEnv("FAKE_YTDLP_FORMATS", "")
-        TestHelper.setEnv("FAKE_YTDLP_FORMATS_EXIT", "")
-        TestHelper.setEnv("FAKE_YTDLP_FORMATS_STDERR", "")
-        view = createTemporaryObject(mainViewComponent, testCase)
-        verify(view)
-        // The view's own installation check must not race a test's clicks.
-        tryCompare(view, "installationCheck", 0, 20000)
+        resetForm("out")
+        for (const name of ["FAKE_YTDLP_FORMATS", "FAKE_YTDLP_FORMATS_EXIT", "FAKE_YTDLP_FORMATS_STDERR",
+                            "FAKE_YTDLP_INFO", "FAKE_YTDLP_INFO_EXIT", "FAKE_YTDLP_INFO_STDERR"])
+            TestHelper.setEnv(name, "")
+        showMainView()
     }
 
     function cleanup() {
-        DownloadManager.cancelAllDownloads()
-        tryCompare(DownloadManager, "runningCount", 0, 20000)
-    }
-
-    function child(name) {
-        const item = findChild(view, name)
-        verify(item, name)
-        return item
-    }
-
-    // Presses "开始下载" as a person would: scrolled into view first if the form is taller than
-    // the pane.
-    function pressStart() {
-        waitForRendering(view)
-        const start = child("startButton")
-        const flickable = child("inputScroller").contentItem
-        const bottom = start.mapToItem(flickable.contentItem, 0, start.height).y
-        if (bottom > flickable.contentY + flickable.height)
-            flickable.contentY = bottom - flickable.height
-        waitForRendering(view)
-        mouseClick(start)
-    }
-
-    function newTasks(before) {
-        return TestHelper.taskUrls().slice(before)
+        stopDownloads()
     }
 
     // Without a JavaScript runtime YouTube would fail: the download page says so, and "修复"
@@ -76,13 +26,13 @@ TestCase {
         DownloadManager.detectJSRuntime()
         const notice = child("toolchainNotice")
         tryVerify(() => notice.visible, 20000)
-        compare(findChild(notice, "verdictText").text, "没有可用的 JS 运行时，YouTube 等需要 JS 运行时的网站会下载失败。")
+        compare(child("verdictText", notice).text, "没有可用的 JS 运行时，YouTube 等需要 JS 运行时的网站会下载失败。")
         AppState.showSettings = false
-        mouseClick(findChild(notice, "verdictActionButton"))
+        mouseClick(child("verdictActionButton", notice))
         verify(AppState.showSettings)
         AppState.showSettings = false
 
-        verify(TestHelper.writeExecutable(deno, "deno 2.5.0"))
+        verify(TestHelper.writeFile(deno, "#!/bin/sh\necho 'deno 2.5.0'\n", true))
         DownloadManager.detectJSRuntime()
         tryVerify(() => !notice.visible, 20000)
     }
@@ -102,22 +52,21 @@ TestCase {
         compare(notice.visible, false)
         compare(marks.visible, false)
         pressStart()
-        compare(newTasks(before), ["https://a.example/1"])
+        compare(TestHelper.taskUrls().slice(before), ["https://a.example/1"])
         compare(child("taskList").count, before + 1)
         verify(marks.visible)
         compare(marks.text, "不是有效的链接：hello world")
     }
 
     // Tab walks the pane top to bottom, each focused control ringed in the accent; Ctrl+Tab
-    // types a tab into the links; Enter presses the focused button.
-    function test_keyboard() {
+    // types a tab into the links; Enter presses the focused button. "清空" empties the links and
+    // leaves the focus in them, where the edit menu's undo goes.
+    function test_keyboardAndClear() {
         const before = DownloadManager.tasks.count
         const editor = child("linksEditor")
         mouseClick(editor)
-        keySequence("a")
-        keySequence(".")
-        keySequence("b")
-        keySequence("c")
+        for (const key of "a.bc")
+            keySequence(key)
         keyClick(Qt.Key_Tab, Qt.ControlModifier)
         compare(AppState.urlInput, "a.bc\t")
         keyClick(Qt.Key_Backtab, Qt.ShiftModifier)
@@ -143,14 +92,11 @@ TestCase {
             }
         }
         keyClick(Qt.Key_Return)
-        compare(newTasks(before), ["a.bc"])
-    }
+        compare(TestHelper.taskUrls().slice(before), ["a.bc"])
 
-    function test_clear() {
-        AppState.urlInput = "https://p.example/1"
         mouseClick(child("clearButton"))
         compare(AppState.urlInput, "")
-        verify(child("linksEditor").activeFocus) // where the edit menu's undo goes
+        verify(editor.activeFocus)
     }
 
     function test_customArgumentsOnlyUnderCustom() {
@@ -160,9 +106,7 @@ TestCase {
         compare(AppState.selectedPreset, Download.Custom)
         tryCompare(custom, "visible", true)
         mouseClick(child("customField"))
-        keySequence("-")
-        keySequence("-")
-        for (const key of "limit-rate 500k")
+        for (const key of "--limit-rate 500k")
             keySequence(key === " " ? "Space" : key)
         compare(AppState.customArguments, "--limit-rate 500k")
 
@@ -178,22 +122,48 @@ TestCase {
         mouseClick(child("listFormatsButton"))
         const sheet = child("formatsSheet")
         tryCompare(sheet, "opened", true, 20000)
-        compare(findChild(sheet, "formatsText").text, "ID  EXT  RESOLUTION\n18  mp4  640x360\n")
+        compare(child("formatsText", sheet).text, "ID  EXT  RESOLUTION\n18  mp4  640x360\n")
         compare(child("listingIndicator").visible, false)
-
-        const copy = findChild(sheet, "copyButton")
-        mouseClick(copy)
+        mouseClick(child("copyButton", sheet))
         compare(Desktop.clipboardText(), "ID  EXT  RESOLUTION\n18  mp4  640x360\n")
-        mouseClick(findChild(sheet, "closeFormatsButton"))
+        mouseClick(child("closeFormatsButton", sheet))
         tryCompare(sheet, "opened", false)
 
         // The sheet is made once; listing again shows it again, with the new table.
         TestHelper.setEnv("FAKE_YTDLP_FORMATS", "ID  EXT\n22  webm")
         mouseClick(child("listFormatsButton"))
         tryCompare(sheet, "opened", true, 20000)
-        tryCompare(findChild(sheet, "formatsText"), "text", "ID  EXT\n22  webm\n")
+        tryCompare(child("formatsText", sheet), "text", "ID  EXT\n22  webm\n")
         keyClick(Qt.Key_Escape)
         tryCompare(sheet, "opened", false)
+    }
+
+    // When yt-dlp cannot read the link, what it said is shown in an alert (for the information,
+    // its error line, not its warnings), and nothing else opens.
+    function test_toolFailureAlert_data() {
+        return [
+            { tag: "formats", button: "listFormatsButton", alert: "formatsErrorAlert", sheet: "formatsSheet",
+              exit: "FAKE_YTDLP_FORMATS_EXIT", stderr: "FAKE_YTDLP_FORMATS_STDERR", printed: "ERROR: Unsupported URL: nope",
+              says: "ERROR: Unsupported URL: nope\n" },
+            { tag: "information", button: "videoInfoButton", alert: "videoInfoErrorAlert", sheet: "videoInfoSheet",
+              exit: "FAKE_YTDLP_INFO_EXIT", stderr: "FAKE_YTDLP_INFO_STDERR", says: "ERROR: Unsupported URL: nope",
+              printed: "WARNING: slow\nERROR: Unsupported URL: nope" },
+        ]
+    }
+
+    function test_toolFailureAlert(data) {
+        TestHelper.setEnv(data.exit, "1")
+        TestHelper.setEnv(data.stderr, data.printed)
+        AppState.urlInput = "nope"
+        mouseClick(child(data.button))
+        const alert = child(data.alert)
+        tryCompare(alert, "opened", true, 20000)
+        compare(child("alertHeading", alert).text, "错误")
+        compare(child("alertMessage", alert).text, data.says)
+        compare(child(data.sheet).opened, false)
+        compare(child("videoInfoIndicator").visible, false)
+        mouseClick(child("alertOkButton", alert))
+        tryCompare(alert, "opened", false)
     }
 
     function test_folderButtonChoosesTheOutputFolder() {
@@ -208,67 +178,15 @@ TestCase {
         compare(AppState.outputDirectory, chosen)
     }
 
-    function test_formatsFailureShowsTheAlert() {
-        TestHelper.setEnv("FAKE_YTDLP_FORMATS_EXIT", "1")
-        TestHelper.setEnv("FAKE_YTDLP_FORMATS_STDERR", "ERROR: Unsupported URL: nope")
-        AppState.urlInput = "nope"
-        mouseClick(child("listFormatsButton"))
-        const alert = child("formatsErrorAlert")
-        tryCompare(alert, "opened", true, 20000)
-        compare(findChild(alert, "alertHeading").text, "错误")
-        compare(findChild(alert, "alertMessage").text, "ERROR: Unsupported URL: nope\n")
-        compare(child("formatsSheet").opened, false)
-        mouseClick(findChild(alert, "alertOkButton"))
-        tryCompare(alert, "opened", false)
-    }
-
-    function test_rowsAndTheStopButton() {
-        const before = DownloadManager.tasks.count
-        TestHelper.setScenario('[{"out": "\\r[download]  42.9% of 10.00MiB at 1.50MiB/s ETA 00:05"}, {"sleep": 30}]', 0)
-        const stop = child("stopButton")
-        compare(stop.visible, false)
-        compare(child("emptyState").visible, before === 0)
-        AppState.urlInput = "https://s.example/1\nhttps://s.example/2"
-        pressStart()
-        tryCompare(stop, "visible", true, 20000)
-        compare(child("emptyState").visible, false)
-
-        const list = child("taskList")
-        list.positionViewAtEnd()
-        let row = null
-        tryVerify(() => {
-            row = list.itemAtIndex(before)
-            return row !== null && findChild(row, "percentText").text === "42%"
-        }, 20000)
-        verify(findChild(row, "progressRow").visible)
-        compare(findChild(row, "statusText").text, "下载中")
-        compare(findChild(row, "speedText").text, "1.50MiB/s")
-        compare(findChild(row, "sizeText").text, "10.00MiB")
-        verify(findChild(row, "progressFill").width > 0)
-
-        // Selection follows the task.
-        mouseClick(row)
-        verify(row.isSelected)
-
-        mouseClick(stop)
-        compare(TestHelper.taskStatuses().slice(before), ["已取消", "已取消"])
-        tryCompare(DownloadManager, "runningCount", 0, 20000)
-        tryCompare(stop, "visible", false)
-        compare(findChild(row, "progressRow").visible, false)
-    }
-
     function test_failedRowExplainsFirst() {
         const before = DownloadManager.tasks.count
         TestHelper.setScenario('[{"err": "ERROR: HTTP Error 404: Not Found\\n"}]', 1)
         AppState.urlInput = "https://e.example/missing"
         pressStart()
-        const list = child("taskList")
         tryVerify(() => TestHelper.taskStatuses()[before] === "失败", 20000)
-        list.positionViewAtEnd()
-        let row = null
-        tryVerify(() => (row = list.itemAtIndex(before)) !== null)
-        const explanation = findChild(row, "explanationText")
-        const error = findChild(row, "errorText")
+        const row = rowAt(before)
+        const explanation = child("explanationText", row)
+        const error = child("errorText", row)
         tryCompare(explanation, "visible", true)
         verify(explanation.text.startsWith("链接不存在或已删除"))
         verify(Qt.colorEqual(explanation.color, Theme.red))
@@ -276,7 +194,8 @@ TestCase {
 
         // The tool's own line, one click away, under the explanation; and copied as it is.
         // The row grew with its explanation: bring its buttons into view before clicking.
-        const toggle = findChild(row, "toolOutputButton")
+        const list = child("taskList")
+        const toggle = child("toolOutputButton", row)
         list.positionViewAtEnd()
         tryVerify(() => {
             const at = toggle.mapToItem(list, 0, 0)
@@ -287,7 +206,7 @@ TestCase {
         compare(error.text, "ERROR: HTTP Error 404: Not Found")
         tryVerify(() => error.mapToItem(row, 0, 0).y > explanation.mapToItem(row, 0, 0).y)
         Desktop.setClipboardText("")
-        mouseClick(findChild(row, "copyErrorButton"))
+        mouseClick(child("copyErrorButton", row))
         compare(Desktop.clipboardText(), "ERROR: HTTP Error 404: Not Found")
     }
 }

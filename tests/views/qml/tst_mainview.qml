@@ -3,23 +3,8 @@ import QtTest
 import Quillbox
 import QuillboxTest
 
-TestCase {
-    id: testCase
-
+ViewTestCase {
     name: "MainView"
-    width: 1200
-    height: 800
-    visible: true
-    when: windowShown
-
-    Component {
-        id: mainViewComponent
-
-        MainView {
-            width: testCase.width
-            height: testCase.height
-        }
-    }
 
     SignalSpy {
         id: urlSpy
@@ -35,14 +20,10 @@ TestCase {
         signalName: "installationChecked"
     }
 
-    function makeView() {
-        const view = createTemporaryObject(mainViewComponent, testCase)
-        verify(view)
-        return view
-    }
+    SignalSpy {
+        id: scrollSpy
 
-    function panelOf(view) {
-        return findChild(view, "logPanel")
+        signalName: "scrolledToNewest"
     }
 
     function init() {
@@ -54,58 +35,58 @@ TestCase {
         checkSpy.clear()
     }
 
-    function test_logButtonTogglesThePanel() {
-        const view = makeView()
-        verify(panelOf(view))
-        compare(findChild(view, "logButtonIcon").symbol, "terminal.fill")
-        mouseClick(findChild(view, "logButton"))
-        compare(AppState.showLogPanel, false)
-        tryVerify(() => panelOf(view) === null)
-        compare(findChild(view, "logButtonIcon").symbol, "terminal")
-        mouseClick(findChild(view, "logButton"))
-        compare(AppState.showLogPanel, true)
-        tryVerify(() => panelOf(view) !== null)
-
-        // Two quick toggles leave the state of the last one.
-        mouseClick(findChild(view, "logButton"))
-        mouseClick(findChild(view, "logButton"))
-        compare(AppState.showLogPanel, true)
-        wait(400)
-        verify(panelOf(view))
+    function panel() {
+        return findChild(view, "logPanel")
     }
 
-    // The badge counts the entries; the trash empties the log, the close button hides the panel.
-    function test_badgeTrashAndClose() {
-        const view = makeView()
-        const panel = panelOf(view)
-        const badge = findChild(view, "logBadge")
+    // The log button shows and hides the panel, its icon filled while it shows; two quick toggles
+    // leave the state of the last one. The badge counts the entries; the trash empties the log,
+    // the close button hides the panel.
+    function test_logPanel() {
+        showMainView()
+        const button = child("logButton")
+        compare(child("logButtonIcon").symbol, "terminal.fill")
+        mouseClick(button)
+        compare(AppState.showLogPanel, false)
+        tryVerify(() => panel() === null)
+        compare(child("logButtonIcon").symbol, "terminal")
+        mouseClick(button)
+        compare(AppState.showLogPanel, true)
+        tryVerify(() => panel() !== null)
+        mouseClick(button)
+        mouseClick(button)
+        compare(AppState.showLogPanel, true)
+        wait(400)
+        verify(panel())
+
+        const badge = child("logBadge")
+        const count = child("logCount", panel())
         tryCompare(AppState.logEntries, "count", 0)
         compare(badge.visible, false)
         TestHelper.addLogs(5, "line", 3)
         tryCompare(badge, "visible", true)
         compare(badge.text, "5")
-        tryCompare(findChild(panel, "logCount"), "text", "5 条")
-        mouseClick(findChild(panel, "clearLogButton"))
+        tryCompare(count, "text", "5 条")
+        mouseClick(child("clearLogButton", panel()))
         compare(AppState.logEntries.count, 0)
-        compare(findChild(panel, "logCount").text, "0 条")
+        compare(count.text, "0 条")
         compare(badge.visible, false)
-
-        mouseClick(findChild(panel, "closeLogButton"))
+        mouseClick(child("closeLogButton", panel()))
         compare(AppState.showLogPanel, false)
-        tryVerify(() => panelOf(view) === null)
+        tryVerify(() => panel() === null)
     }
 
     // Errors in red; the time on a 24-hour clock.
     function test_entries() {
-        const view = makeView()
-        const list = findChild(panelOf(view), "logList")
+        showMainView()
+        const list = child("logList", panel())
         TestHelper.addLogs(1, "boom", 2)
         tryCompare(list, "count", 1) // added on the next turn of the event loop
         TestHelper.addLogAt(0, 0, 7, "midnight")
         TestHelper.addLogAt(13, 5, 9, "afternoon")
         tryCompare(list, "count", 3)
         tryVerify(() => list.itemAtIndex(2) !== null)
-        const text = (i, name) => findChild(list.itemAtIndex(i), name)
+        const text = (i, name) => child(name, list.itemAtIndex(i))
         compare(text(0, "messageText").text, "boom 0")
         verify(Qt.colorEqual(text(0, "messageText").color, Theme.red))
         verify(Qt.colorEqual(text(1, "messageText").color, "white"))
@@ -113,74 +94,61 @@ TestCase {
         compare(text(2, "timeText").text, "13:05:09")
     }
 
-    SignalSpy {
-        id: scrollSpy
-
-        signalName: "scrolledToNewest"
-    }
-
     function test_autoScroll() {
-        const view = makeView()
-        const panel = panelOf(view)
-        scrollSpy.target = panel
+        showMainView()
+        scrollSpy.target = panel()
         scrollSpy.clear()
         // "最新" on an empty log does nothing.
-        mouseClick(findChild(panel, "newestButton"))
+        mouseClick(child("newestButton", panel()))
         wait(50)
         compare(scrollSpy.count, 0)
         TestHelper.addLogs(1, "first", 0)
         tryCompare(scrollSpy, "count", 1)
 
         // With auto-scroll off nothing moves.
-        findChild(panel, "autoScrollSwitch").toggle()
-        findChild(panel, "autoScrollSwitch").toggled()
-        compare(panel.autoScroll, false)
+        child("autoScrollSwitch", panel()).toggle()
+        child("autoScrollSwitch", panel()).toggled()
+        compare(panel().autoScroll, false)
         TestHelper.addLogs(1, "second", 0)
         tryCompare(AppState.logEntries, "count", 2)
         wait(50)
         compare(scrollSpy.count, 1)
 
         // "最新" switches it back on and shows the newest entry.
-        mouseClick(findChild(panel, "newestButton"))
-        tryCompare(panel, "autoScroll", true)
+        mouseClick(child("newestButton", panel()))
+        tryCompare(panel(), "autoScroll", true)
         tryCompare(scrollSpy, "count", 2)
-    }
 
-    function test_noScrollWhenTheCapReplacesTheOldest() {
-        const view = makeView()
-        const panel = panelOf(view)
-        TestHelper.addLogs(500, "fill", 3)
+        // Nor when the cap replaces the oldest entry.
+        TestHelper.addLogs(498, "fill", 3)
         tryCompare(AppState.logEntries, "count", 500)
-        scrollSpy.target = panel
         wait(50)
         scrollSpy.clear()
         TestHelper.addLogs(1, "newest", 0)
-        const list = findChild(panel, "logList")
-        tryVerify(() => AppState.logEntries.count === 500 && list.count === 500)
+        tryVerify(() => AppState.logEntries.count === 500 && child("logList", panel()).count === 500)
         wait(100)
         compare(scrollSpy.count, 0)
-        compare(findChild(panel, "logCount").text, "500 条")
+        compare(child("logCount", panel()).text, "500 条")
     }
 
     function test_settingsButtonOpensTheSheet() {
-        const view = makeView()
-        mouseClick(findChild(view, "settingsButton"))
+        showMainView()
+        mouseClick(child("settingsButton"))
         compare(AppState.showSettings, true)
-        const sheet = findChild(view, "settingsSheet")
+        const sheet = child("settingsSheet")
         tryCompare(sheet, "opened", true)
         // Its own close button is the only way out; a reopened sheet starts afresh.
         keyClick(Qt.Key_Escape)
         wait(50)
         verify(sheet.opened)
-        const field = findChild(sheet.contentItem, "pathField")
-        field.text = "/typed/yt-dlp"
-        mouseClick(findChild(sheet.contentItem, "closeSettingsButton"))
+        child("pathField", sheet.contentItem).text = "/typed/yt-dlp"
+        mouseClick(child("closeSettingsButton", sheet.contentItem))
         tryCompare(sheet, "opened", false)
         compare(AppState.showSettings, false)
-        mouseClick(findChild(view, "settingsButton"))
+        mouseClick(child("settingsButton"))
         tryCompare(sheet, "opened", true)
         tryVerify(() => findChild(sheet.contentItem, "pathField") !== null)
-        compare(findChild(sheet.contentItem, "pathField").text, "")
+        compare(child("pathField", sheet.contentItem).text, "")
     }
 
     // Either answer closes the alert; only "打开安装说明" opens the instructions.
@@ -191,10 +159,10 @@ TestCase {
 
     function test_alertAnswers(data) {
         TestHelper.setEnv("FAKE_YTDLP_VERSION_EXIT", "1")
-        const view = makeView()
-        const alert = findChild(view, "installationAlert")
+        showMainView({}, true)
+        const alert = child("installationAlert")
         tryCompare(alert, "opened", true, 20000)
-        mouseClick(findChild(alert, data.button))
+        mouseClick(child(data.button, alert))
         compare(urlSpy.count, data.opened)
         if (data.opened)
             compare(String(urlSpy.signalArguments[0][0]), "https://github.com/yt-dlp/yt-dlp#installation")

@@ -7,23 +7,10 @@ import QuillboxTest
 // and never make the window fetch anything. The stand-in yt-dlp's record (FAKE_YTDLP_INFO, made
 // by tests/support/countingserver.py) has texts with a picture on that server, which counts
 // every request.
-TestCase {
+ViewTestCase {
     id: testCase
 
     name: "PlainText"
-    width: 1200
-    height: 800
-    visible: true
-    when: windowShown
-
-    Component {
-        id: mainViewComponent
-
-        MainView {
-            width: testCase.width
-            height: testCase.height
-        }
-    }
 
     Component {
         id: rowComponent
@@ -55,13 +42,6 @@ TestCase {
     property string base
     property int controls: 0
     property int questions: 0
-    property var view: null
-
-    function showMainView() {
-        view = createTemporaryObject(mainViewComponent, testCase)
-        verify(view)
-        tryCompare(view, "installationCheck", 0, 20000)
-    }
 
     function initTestCase() {
         TestHelper.setScenario("[]", 0)
@@ -79,14 +59,11 @@ TestCase {
     }
 
     function init() {
-        AppState.showLogPanel = false
-        AppState.outputDirectory = TestHelper.tempDir() + "/plain"
-        TestHelper.setScenario("[]", 0)
+        resetForm("plain")
     }
 
     function cleanup() {
-        DownloadManager.cancelAllDownloads()
-        tryCompare(DownloadManager, "runningCount", 0, 20000)
+        stopDownloads()
         for (const name of ["FAKE_YTDLP_INFO_EXIT", "FAKE_YTDLP_INFO_STDERR", "FAKE_YTDLP_FORMATS"])
             TestHelper.setEnv(name, "")
         compare(fetchedPaths(), [])
@@ -178,18 +155,9 @@ TestCase {
         TestHelper.setScenario(JSON.stringify([{ err: line + "\n" }]), 1)
         const before = DownloadManager.tasks.count
         AppState.urlInput = "http://127.0.0.1:9/fails"
-        const start = findChild(view, "startButton")
-        const scroller = findChild(view, "inputScroller").contentItem
-        scroller.contentY = Math.max(0, start.mapToItem(scroller.contentItem, 0, start.height).y - scroller.height)
-        waitForRendering(view)
-        mouseClick(start)
+        pressStart()
         AppState.showLogPanel = true
-        const list = findChild(view, "taskList")
-        let row = null
-        tryVerify(() => {
-            list.positionViewAtEnd()
-            return (row = list.itemAtIndex(before)) !== null
-        }, 20000)
+        const row = rowAt(before)
         tryCompare(row, "status", Download.Failed, 20000)
         tryCompare(findChild(row, "titleText"), "text", title, 20000)
         showsAsWritten(findChild(row, "titleText"), title, "the row's title")
@@ -208,9 +176,7 @@ TestCase {
         }, 20000, "the tool's line is in the log")
         showsAsWritten(findChild(logged, "messageText"), line, "the log's line")
 
-        mouseMove(row, 20, 20)
-        tryCompare(findChild(row, "rowActions"), "opacity", 1)
-        mouseClick(findChild(row, "videoInfoAction"))
+        clickRowAction(row, "videoInfoAction")
         tryCompare(findChild(view, "videoInfoSheet"), "opened", true, 20000)
         const sheet = findChild(view, "videoInfoView")
         showsAsWritten(findChild(sheet, "videoTitle"), title, "the sheet's title")

@@ -3,37 +3,23 @@ import QtTest
 import Quillbox
 import QuillboxTest
 
-TestCase {
-    id: testCase
-
+ViewTestCase {
     name: "PresetsView"
-    width: 1200
     height: 900
-    visible: true
-    when: windowShown
 
-    Component {
-        id: mainViewComponent
-
-        MainView {
-            width: testCase.width
-            height: testCase.height
-        }
-    }
-
-    // The window with the presets page opened from the sidebar, once the stored presets are read.
-    function openPage(view) {
-        mouseClick(findChild(view, "navigation1"))
+    // The presets page opened from the sidebar, once the stored presets are read.
+    function openPage() {
+        mouseClick(child("navigation1"))
         compare(AppState.selectedTab, 1)
-        const loader = findChild(view, "presetsLoader")
+        const loader = child("presetsLoader")
         tryVerify(() => loader.item !== null)
-        verify(!findChild(view, "panes").visible)
-        tryVerify(() => findChild(loader.item, "addButton").enabled)
+        verify(!child("panes").visible)
+        tryVerify(() => child("addButton", loader.item).enabled)
         return loader.item
     }
 
     function savedRow(page, index) {
-        return findChild(page, "savedList").itemAt(index)
+        return child("savedList", page).itemAt(index)
     }
 
     function lastLog() {
@@ -51,36 +37,34 @@ TestCase {
         AppState.selectedTab = 0
     }
 
-    function test_builtInPresets_data() {
-        return [
-            { tag: "默认", row: 0, words: "", note: "参数：无，由 yt-dlp 自行选择" },
-            { tag: "最佳画质", row: 1, words: "-f 'bv*+ba/b'" },
-            { tag: "最佳音质", row: 2, words: "-x --audio-format mp3 --audio-quality 0" },
-            { tag: "最佳视频+音频", row: 3, words: "-f 'bv*+ba/b'" },
-            { tag: "仅音频", row: 4, words: "-x --audio-format mp3" },
-            { tag: "自定义", row: 5, words: "", note: "参数：下载页“自定义参数”中填写的内容" },
+    // Each built-in preset with the words it adds, or a note where it adds none.
+    function test_builtInPresets() {
+        const rows = [
+            ["默认", "", "参数：无，由 yt-dlp 自行选择"],
+            ["最佳画质", "-f 'bv*+ba/b'"],
+            ["最佳音质", "-x --audio-format mp3 --audio-quality 0"],
+            ["最佳视频+音频", "-f 'bv*+ba/b'"],
+            ["仅音频", "-x --audio-format mp3"],
+            ["自定义", "", "参数：下载页“自定义参数”中填写的内容"],
         ]
-    }
-
-    function test_builtInPresets(data) {
-        const page = openPage(createTemporaryObject(mainViewComponent, testCase))
-        const list = findChild(page, "builtInList")
-        compare(list.count, 6)
-        const row = list.itemAt(data.row)
-        compare(row.name, data.tag)
-        verify(row.description.length > 0)
-        const words = findChild(row, "builtInWords")
-        const note = findChild(row, "builtInNote")
-        compare(words.visible, data.words.length > 0)
-        compare(words.text, data.words)
-        compare(note.visible, data.words.length === 0)
-        if (data.note)
-            compare(note.text, data.note)
+        showMainView()
+        const list = child("builtInList", openPage())
+        compare(list.count, rows.length)
+        rows.forEach(([name, words, note], i) => {
+            const row = list.itemAt(i)
+            compare(row.name, name)
+            verify(row.description.length > 0, name)
+            compare(child("builtInWords", row).visible, words.length > 0, name)
+            compare(child("builtInWords", row).text, words, name)
+            compare(child("builtInNote", row).visible, words.length === 0, name)
+            if (note)
+                compare(child("builtInNote", row).text, note)
+        })
     }
 
     function test_savedPresetLifecycle() {
-        const view = createTemporaryObject(mainViewComponent, testCase)
-        let page = openPage(view)
+        showMainView()
+        let page = openPage()
         const name = findChild(page, "newNameField")
         const args = findChild(page, "newArgumentsField")
         const add = findChild(page, "addButton")
@@ -147,12 +131,12 @@ TestCase {
         compare(AppState.selectedPreset, Download.Custom)
         compare(AppState.customArguments, "--write-subs --sub-langs zh-Hans")
         compare(AppState.selectedTab, 0)
-        verify(findChild(view, "panes").visible)
-        tryVerify(() => testCase.lastLog() === "已选用预设: 中文字幕", 5000, testCase.lastLog())
-        compare(findChild(view, "customField").text, "--write-subs --sub-langs zh-Hans")
+        verify(child("panes").visible)
+        tryVerify(() => lastLog() === "已选用预设: 中文字幕", 5000, lastLog())
+        compare(child("customField").text, "--write-subs --sub-langs zh-Hans")
 
         // A fresh page reads it back from the store; deleting asks first.
-        page = openPage(view)
+        page = openPage()
         compare(findChild(page, "savedList").count, 1)
         row = savedRow(page, 0)
         compare(row.name, "中文字幕")

@@ -5,20 +5,10 @@ import QuillboxTest
 
 // What a person can do to a queue row: the actions each status allows, on the row and in its
 // menu; what they do to the engine's tasks and the desktop; and the queue at the smallest window.
-TestCase {
+ViewTestCase {
     id: testCase
 
     name: "QueueRows"
-    width: 1200
-    height: 800
-    visible: true
-    when: windowShown
-
-    Component {
-        id: mainViewComponent
-
-        MainView {}
-    }
 
     Component {
         id: sampleList
@@ -33,32 +23,12 @@ TestCase {
         }
     }
 
-    property var view: null
-
     function init() {
-        AppState.urlInput = ""
-        AppState.selectedPreset = Download.Default
-        AppState.useCookies = false
-        AppState.showLogPanel = false
-        AppState.outputDirectory = TestHelper.tempDir() + "/rows"
-        TestHelper.setScenario("[]", 0)
+        resetForm("rows")
     }
 
     function cleanup() {
-        DownloadManager.cancelAllDownloads()
-        tryCompare(DownloadManager, "runningCount", 0, 20000)
-    }
-
-    function showMainView(width, height) {
-        view = createTemporaryObject(mainViewComponent, testCase, { width: width, height: height })
-        verify(view)
-        tryCompare(view, "installationCheck", 0, 20000)
-    }
-
-    function child(name) {
-        const item = findChild(view, name)
-        verify(item, name)
-        return item
+        stopDownloads()
     }
 
     function start(links) {
@@ -66,29 +36,23 @@ TestCase {
         mouseClick(child("startButton"))
     }
 
-    // The row of the task `index` in the real queue, once it is laid out.
-    function rowAt(index) {
-        const list = child("taskList")
-        list.positionViewAtIndex(index, ListView.Contain)
-        let row = null
-        tryVerify(() => (row = list.itemAtIndex(index)) !== null, 20000)
-        return row
+    // Rows of tasks the engine never produces on cue (paused) or only for an instant (preparing).
+    function sampleRows(statuses, progress, notice, phase, outputPath) {
+        const list = createTemporaryObject(sampleList, testCase,
+            { model: TestHelper.sampleTasks(statuses, progress, notice || "", phase || "", outputPath || "") })
+        tryVerify(() => list.itemAtIndex(statuses.length - 1) !== null)
+        return list
     }
 
     function shownActions(row) {
         return ["stopAction", "retryAction", "openAction", "revealAction", "videoInfoAction", "copyLinkAction",
-                "removeAction"]
-            .filter(name => findChild(row, name).visible)
+                "removeAction"].filter(name => findChild(row, name).visible)
     }
 
     function test_actionsPerStatus() {
         const statuses = ["等待中", "准备中", "下载中", "已完成", "失败", "已取消", "已暂停"]
         const expected = [["stopAction"], ["stopAction"], ["stopAction"], [], ["retryAction"], ["retryAction"], []]
-        const list = createTemporaryObject(sampleList, testCase,
-            { model: TestHelper.sampleTasks(statuses, 0.5, "", "", "") })
-        const withFile = createTemporaryObject(sampleList, testCase,
-            { model: TestHelper.sampleTasks(["已完成"], 1, "", "", "/videos/a clip.mp4") })
-        tryVerify(() => list.itemAtIndex(6) !== null && withFile.itemAtIndex(0) !== null)
+        const list = sampleRows(statuses, 0.5)
         for (let i = 0; i < statuses.length; ++i) {
             const row = list.itemAtIndex(i)
             compare(shownActions(row), expected[i].concat(["videoInfoAction", "copyLinkAction", "removeAction"]),
@@ -101,7 +65,7 @@ TestCase {
             // The bar only while preparing or downloading.
             compare(findChild(row, "progressRow").visible, i === 1 || i === 2, statuses[i])
         }
-        const done = withFile.itemAtIndex(0)
+        const done = sampleRows(["已完成"], 1, "", "", "/videos/a clip.mp4").itemAtIndex(0)
         compare(shownActions(done), ["openAction", "revealAction", "videoInfoAction", "copyLinkAction",
                                      "removeAction"])
         compare(findChild(done, "fileNameText").text, "a clip.mp4")
@@ -114,28 +78,20 @@ TestCase {
         tryCompare(findChild(quiet, "rowActions"), "opacity", 1)
     }
 
-    // After the download, the step under way replaces "下载中 100%", over a bar that sweeps.
-    function test_phaseInsteadOfPercent() {
-        const list = createTemporaryObject(sampleList, testCase,
-            { model: TestHelper.sampleTasks(["下载中"], 1, "", "合并中", "") })
-        tryVerify(() => list.itemAtIndex(0) !== null)
-        const row = list.itemAtIndex(0)
+    // After the download, the step under way replaces "下载中 100%", over a bar that sweeps. A
+    // progress past the end is drawn full; a quiet download shows its notice; nothing but the
+    // status on the details line while speed and size are unknown.
+    function test_progressLine() {
+        let row = sampleRows(["下载中"], 1, "", "合并中").itemAtIndex(0)
         compare(findChild(row, "statusText").text, "合并中")
         compare(findChild(row, "percentText").visible, false)
-        const fill = findChild(row, "progressFill")
+        let fill = findChild(row, "progressFill")
         verify(fill.indeterminate)
         verify(fill.width < fill.parent.width)
-    }
 
-    // A progress past the end is drawn full; a quiet download shows its notice; nothing but the
-    // status on the details line while speed and size are unknown.
-    function test_quietRowPastTheEnd() {
-        const list = createTemporaryObject(sampleList, testCase,
-            { model: TestHelper.sampleTasks(["下载中"], 1e18, "60 秒无响应") })
-        tryVerify(() => list.itemAtIndex(0) !== null)
-        const row = list.itemAtIndex(0)
+        row = sampleRows(["下载中"], 1e18, "60 秒无响应").itemAtIndex(0)
         compare(findChild(row, "percentText").text, "100%")
-        const fill = findChild(row, "progressFill")
+        fill = findChild(row, "progressFill")
         compare(fill.width, fill.parent.width)
         verify(findChild(row, "noticeText").visible)
         compare(findChild(row, "noticeText").text, "60 秒无响应")
@@ -143,64 +99,74 @@ TestCase {
         compare(findChild(row, "sizeText").visible, false)
     }
 
+    // A running row's progress, then its actions and what they do to the engine's tasks; the
+    // stop button stops what is left.
     function test_actionsDriveTheQueue() {
-        showMainView(1200, 800)
+        showMainView()
         const before = DownloadManager.tasks.count
-        TestHelper.setScenario('[{"out": "[download]  10.0% of 1.00MiB at 1.00KiB/s ETA 10:00\\n"}, {"sleep": 30}]', 0)
-        start(["https://act.example/1", "https://act.example/2"])
+        const stop = child("stopButton")
+        compare(stop.visible, false)
+        compare(child("emptyState").visible, before === 0)
+        TestHelper.setScenario('[{"out": "\\r[download]  42.9% of 10.00MiB at 1.50MiB/s ETA 10:00"}, {"sleep": 30}]', 0)
+        start(["https://act.example/1", "https://act.example/2", "https://act.example/3"])
+        tryCompare(stop, "visible", true, 20000)
+        compare(child("emptyState").visible, false)
         tryVerify(() => TestHelper.taskStatuses().slice(before).every(s => s === "下载中"), 20000)
         const first = rowAt(before)
-        tryCompare(findChild(first, "etaText"), "text", "剩余 10:00", 20000)
+        tryCompare(child("percentText", first), "text", "42%", 20000)
+        verify(child("progressRow", first).visible)
+        compare(child("statusText", first).text, "下载中")
+        compare(child("speedText", first).text, "1.50MiB/s")
+        compare(child("sizeText", first).text, "10.00MiB")
+        compare(child("etaText", first).text, "剩余 10:00")
+        verify(child("progressFill", first).width > 0)
         // The stand-in's information, asked for beside the download, names the row.
-        tryCompare(findChild(first, "titleText"), "text", "fake", 20000)
-        compare(findChild(first, "durationText").text, "1:05")
+        tryCompare(child("titleText", first), "text", "fake", 20000)
+        compare(child("durationText", first).text, "1:05")
+        // Selection follows the task.
+        mouseClick(first)
+        verify(first.isSelected)
 
-        mouseMove(first, 20, 20)
-        tryCompare(findChild(first, "rowActions"), "opacity", 1)
-        mouseClick(findChild(first, "videoInfoAction"))
+        clickRowAction(first, "videoInfoAction")
         tryCompare(view, "showVideoInfo", true, 20000)
         compare(view.videoInfo.title, "fake")
         view.showVideoInfo = false
 
-        mouseMove(first, 20, 20)
-        const stop = findChild(first, "stopAction")
-        tryCompare(findChild(first, "rowActions"), "opacity", 1)
-        mouseClick(stop)
-        compare(TestHelper.taskStatuses().slice(before), ["已取消", "下载中"])
-        tryCompare(DownloadManager, "runningCount", 1, 20000)
+        clickRowAction(first, "stopAction")
+        compare(TestHelper.taskStatuses().slice(before), ["已取消", "下载中", "下载中"])
+        tryCompare(DownloadManager, "runningCount", 2, 20000)
+        compare(child("progressRow", first).visible, false)
 
         // Retried in place, from its menu this time.
+        const menu = child("rowMenu", first)
         mouseClick(first, 20, 20, Qt.RightButton)
-        const menu = findChild(first, "rowMenu")
         tryCompare(menu, "opened", true)
-        mouseClick(findChild(menu, "retryMenuItem"))
-        tryCompare(DownloadManager, "runningCount", 2, 20000)
-        compare(TestHelper.taskUrls().slice(before), ["https://act.example/1", "https://act.example/2"])
+        mouseClick(child("retryMenuItem", menu))
+        tryCompare(DownloadManager, "runningCount", 3, 20000)
+        compare(TestHelper.taskUrls().slice(before), ["https://act.example/1", "https://act.example/2",
+                                                      "https://act.example/3"])
 
         Desktop.setClipboardText("")
         mouseClick(first, 20, 20, Qt.RightButton)
         tryCompare(menu, "opened", true)
-        mouseClick(findChild(menu, "copyLinkMenuItem"))
+        mouseClick(child("copyLinkMenuItem", menu))
         compare(Desktop.clipboardText(), "https://act.example/1")
 
-        mouseMove(first, 20, 20)
-        tryCompare(findChild(first, "rowActions"), "opacity", 1)
-        mouseClick(findChild(first, "removeAction"))
-        compare(TestHelper.taskUrls().slice(before), ["https://act.example/2"])
-        tryCompare(DownloadManager, "runningCount", 1, 20000)
+        clickRowAction(first, "removeAction")
+        compare(TestHelper.taskUrls().slice(before), ["https://act.example/2", "https://act.example/3"])
+        tryCompare(DownloadManager, "runningCount", 2, 20000)
+        mouseClick(stop)
+        compare(TestHelper.taskStatuses().slice(before), ["已取消", "已取消"])
+        tryCompare(DownloadManager, "runningCount", 0, 20000)
+        tryCompare(stop, "visible", false)
     }
 
-    function inside(item) {
-        const at = item.mapToItem(view, 0, 0)
-        return item.visible && at.x >= 0 && at.y >= 0 && at.x + item.width <= view.width
-            && at.y + item.height <= view.height
-    }
-
-    // The smallest window shows the whole queue pane: the stop button and a row's actions.
+    // The smallest window shows the whole queue pane: the stop button and a row's actions; with
+    // the log open, "开始下载" is still on screen.
     function test_smallestWindow() {
-        showMainView(900, 600)
+        showMainView({ width: 900, height: 600 })
         const before = DownloadManager.tasks.count
-        TestHelper.setScenario('[{"out": "[download]  10.0% of 1.00MiB at 1.00KiB/s ETA 10:00\n"}, {"sleep": 30}]', 0)
+        TestHelper.setScenario('[{"out": "[download]  10.0% of 1.00MiB at 1.00KiB/s ETA 10:00\\n"}, {"sleep": 30}]', 0)
         verify(inside(child("startButton")))
         start(["https://small.example/1"])
         tryCompare(child("stopButton"), "visible", true, 20000)
@@ -208,14 +174,11 @@ TestCase {
         verify(inside(child("stopButton")))
         const row = rowAt(before)
         mouseMove(row, 20, 20)
-        tryCompare(findChild(row, "rowActions"), "opacity", 1)
-        verify(inside(findChild(row, "stopAction")))
-        verify(inside(findChild(row, "removeAction")))
-    }
+        tryCompare(child("rowActions", row), "opacity", 1)
+        verify(inside(child("stopAction", row)))
+        verify(inside(child("removeAction", row)))
 
-    // With the log open, "开始下载" is still on screen.
-    function test_startInSightWithTheLogOpen() {
-        showMainView(1200, 800)
+        showMainView()
         AppState.selectedPreset = Download.Custom
         AppState.showLogPanel = true
         tryVerify(() => findChild(view, "logPanel") !== null)
@@ -225,7 +188,7 @@ TestCase {
 
     // "清除已完成" takes the completed rows away and leaves a running one.
     function test_clearCompleted() {
-        showMainView(1200, 800)
+        showMainView()
         start(["https://done.example/1"])
         tryVerify(() => TestHelper.taskStatuses().includes("已完成"), 20000)
         TestHelper.setScenario('[{"sleep": 30}]', 0)
@@ -248,14 +211,14 @@ TestCase {
 
     function test_toolFixOpensSettings(data) {
         AppState.showSettings = false
-        showMainView(1200, 800)
+        showMainView()
         const before = DownloadManager.tasks.count
         TestHelper.setScenario(data.steps, 1)
         start(["https://fix.example/" + before])
         tryVerify(() => TestHelper.taskStatuses()[before] === "失败", 20000)
         const row = rowAt(before)
-        const fix = findChild(row, "toolFixButton")
-        tryCompare(findChild(row, "explanationText"), "visible", true)
+        const fix = child("toolFixButton", row)
+        tryCompare(child("explanationText", row), "visible", true)
         compare(fix.visible, data.fix)
         if (!data.fix)
             return

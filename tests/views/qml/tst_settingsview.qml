@@ -4,14 +4,14 @@ import Quillbox
 import QuillboxTest
 
 // The settings sheet against the real engine, whose yt-dlp is the stand-in.
-TestCase {
+ViewTestCase {
     id: testCase
+
+    readonly property string denoPath: TestHelper.tempDir() + "/home/.deno/bin/deno"
 
     name: "Settings"
     width: 550
     height: 720
-    visible: true
-    when: windowShown
 
     Component {
         id: sheetComponent
@@ -28,14 +28,15 @@ TestCase {
         signalName: "urlOpened"
     }
 
-    readonly property string denoPath: TestHelper.tempDir() + "/home/.deno/bin/deno"
-
-    function makeSheet() {
-        const sheet = createTemporaryObject(sheetComponent, testCase)
-        verify(sheet)
-        return sheet
+    function init() {
+        TestHelper.setEnv("FAKE_YTDLP_UPDATE_OUTPUT", "")
+        TestHelper.setEnv("FAKE_YTDLP_UPDATE_EXIT", "")
+        urlSpy.clear()
+        view = createTemporaryObject(sheetComponent, testCase)
+        verify(view)
     }
 
+    // The texts a person reads in `item`, top to bottom.
     function texts(item) {
         const found = []
         const walk = node => {
@@ -50,48 +51,35 @@ TestCase {
         return found
     }
 
-    function button(sheet, name) {
-        const found = findChild(sheet, name)
-        verify(found, name)
-        return found
+    function typeInto(field, text) {
+        field.forceActiveFocus()
+        field.selectAll()
+        for (const character of text)
+            keyClick(character)
     }
 
-    function init() {
-        TestHelper.setEnv("FAKE_YTDLP_UPDATE_OUTPUT", "")
-        TestHelper.setEnv("FAKE_YTDLP_UPDATE_EXIT", "")
-        urlSpy.clear()
-    }
-
-    function test_groupsAndWhatTheEngineFound() {
-        const sheet = makeSheet()
+    function test_whatTheEngineFound() {
         tryVerify(() => DownloadManager.ytDlpVersion.length > 0, 20000)
-        const groups = ["ytDlpGroup", "runtimeGroup", "ffmpegGroup", "downloadGroup"].map(name => button(sheet, name))
+        const groups = ["ytDlpGroup", "runtimeGroup", "ffmpegGroup", "downloadGroup"].map(name => child(name))
         for (let i = 1; i < groups.length; ++i)
             verify(groups[i].y > groups[i - 1].y, "group " + i + " below the one before")
-        // The texts a person reads, group by group, top to bottom.
         compare(texts(groups[0]).slice(0, 3), ["yt-dlp 配置", "yt-dlp 状态", "已安装 (v" + DownloadManager.ytDlpVersion + ")"])
         // Then the verdict on it: the stand-in is an official build of 2025.11.12, over 90 days old.
         tryVerify(() => texts(groups[0])[3].startsWith("yt-dlp 2025.11.12（"), 20000, texts(groups[0])[3])
         verify(texts(groups[0])[3].includes("已超过 90 天"), texts(groups[0])[3])
-        compare(findChild(button(sheet, "ytDlpVerdict"), "verdictActionButton").text, "更新 yt-dlp")
-        verify(texts(groups[0]).includes("可执行文件路径"))
-        compare(groups.map(group => findChild(group, "groupTitle").text),
-            ["yt-dlp 配置", "JS 运行时（YouTube EJS）", "FFmpeg（音频转码）", "下载设置"])
-        compare(texts(groups[3]), ["下载设置", "默认输出目录", "浏览...", "同时下载数", "完成时通知"])
-        // What the engine found, as it found it.
+        compare(child("verdictActionButton", child("ytDlpVerdict")).text, "更新 yt-dlp")
         verify(texts(groups[0]).includes("自动检测路径: " + DownloadManager.ytDlpPath + "（使用中，自选路径）"))
         // Nothing has been updated in a sheet just made.
-        verify(!button(sheet, "updateResultText").visible)
-        compare(button(sheet, "outputDirField").text, AppState.outputDirectory)
+        verify(!child("updateResultText").visible)
+        compare(child("outputDirField").text, AppState.outputDirectory)
 
         // Only "使用此路径" is ever disabled, and only while the field is empty.
-        const usePath = button(sheet, "usePathButton")
-        const field = button(sheet, "pathField")
-        compare(field.text, "")
+        const usePath = child("usePathButton")
+        compare(child("pathField").text, "")
         verify(!usePath.enabled)
         for (const name of ["resetPathButton", "updateButton", "probeButton", "browseYtDlpButton", "browseOutputButton"])
-            verify(button(sheet, name).enabled, name)
-        field.forceActiveFocus()
+            verify(child(name).enabled, name)
+        child("pathField").forceActiveFocus()
         keyClick(Qt.Key_A)
         verify(usePath.enabled)
         keyClick(Qt.Key_Backspace)
@@ -111,9 +99,8 @@ TestCase {
     function test_updateResultColour(data) {
         TestHelper.setEnv("FAKE_YTDLP_UPDATE_OUTPUT", data.output)
         TestHelper.setEnv("FAKE_YTDLP_UPDATE_EXIT", String(data.exit))
-        const sheet = makeSheet()
-        const update = button(sheet, "updateButton")
-        const result = button(sheet, "updateResultText")
+        const update = child("updateButton")
+        const result = child("updateResultText")
         mouseClick(update)
         // Running: the busy label, the orange "正在" message, and the button still pressable.
         compare(result.text, "正在更新...")
@@ -127,144 +114,127 @@ TestCase {
 
     function test_redetectFindsANewRuntime() {
         TestHelper.removeFile(denoPath)
-        const sheet = makeSheet()
-        const status = findChild(button(sheet, "runtimeStatus"), "statusText")
-        const install = button(sheet, "installDenoButton")
+        const status = child("statusText", child("runtimeStatus"))
+        const install = child("installDenoButton")
         DownloadManager.detectJSRuntime()
         tryCompare(status, "text", "未检测到 JS 运行时", 20000)
         verify(install.visible)
-        verify(button(sheet, "runtimeBrewHint").visible)
-        verify(!button(sheet, "runtimePathText").visible)
+        verify(child("runtimeBrewHint").visible)
+        verify(!child("runtimePathText").visible)
         mouseClick(install)
         compare(urlSpy.count, 1)
         verify(String(urlSpy.signalArguments[0][0]).startsWith("https://docs.deno.com/"))
 
-        const verdict = findChild(button(sheet, "runtimeVerdict"), "verdictText")
-        const repair = findChild(button(sheet, "runtimeVerdict"), "verdictActionButton")
+        const verdict = child("verdictText", child("runtimeVerdict"))
+        const repair = child("verdictActionButton", child("runtimeVerdict"))
         compare(verdict.text, "未检测到 JS 运行时，YouTube 等需要 JS 运行时的网站会下载失败。点“安装 Deno”即可解决。")
         verify(repair.visible)
         compare(repair.text, "安装 Deno")
 
         // Too old for yt-dlp: named with its version, and not used.
-        verify(TestHelper.writeExecutable(denoPath, "deno 2.1.4"))
-        mouseClick(findChild(button(sheet, "runtimeStatus"), "redetectButton"))
+        verify(TestHelper.writeFile(denoPath, "#!/bin/sh\necho 'deno 2.1.4'\n", true))
+        mouseClick(child("redetectButton", child("runtimeStatus")))
         tryVerify(() => verdict.text.startsWith("deno 2.1.4 版本过旧（需要 ≥ 2.3.0），不会使用。"), 20000, verdict.text)
         compare(status.text, "未检测到 JS 运行时")
         verify(repair.visible)
 
-        verify(TestHelper.writeExecutable(denoPath, "deno 2.5.0"))
-        mouseClick(findChild(button(sheet, "runtimeStatus"), "redetectButton"))
+        verify(TestHelper.writeFile(denoPath, "#!/bin/sh\necho 'deno 2.5.0'\n", true))
+        mouseClick(child("redetectButton", child("runtimeStatus")))
         tryCompare(status, "text", "deno 已就绪", 20000)
         tryCompare(verdict, "text", "使用 deno 2.5.0，可以解析 YouTube 视频。")
         verify(!repair.visible)
         verify(!install.visible)
-        verify(!button(sheet, "runtimeBrewHint").visible)
-        compare(button(sheet, "runtimePathText").text, denoPath)
+        verify(!child("runtimeBrewHint").visible)
+        compare(child("runtimePathText").text, denoPath)
         TestHelper.removeFile(denoPath)
     }
 
     // Offline (the release server is a closed port here): the install says so and changes nothing.
     function test_installWhileOffline() {
         const before = DownloadManager.ytDlpPath
-        const sheet = makeSheet()
-        const install = button(sheet, "installYtDlpButton")
+        const install = child("installYtDlpButton")
         verify(install.visible && install.enabled)
         mouseClick(install)
-        const status = button(sheet, "installStatusText")
         tryVerify(() => !DownloadManager.keeper.busy, 30000)
-        verify(button(sheet, "installProgress").visible)
-        verify(status.text.startsWith("无法连接"), status.text)
+        verify(child("installProgress").visible)
+        verify(child("installStatusText").text.startsWith("无法连接"), child("installStatusText").text)
         verify(install.enabled)
         compare(DownloadManager.ytDlpPath, before)
     }
 
     function test_pickerOnlyFillsTheField() {
         const stored = TestHelper.setting("customYtDlpPath")
-        const sheet = makeSheet()
-        const picker = button(sheet, "filePicker")
-        mouseClick(button(sheet, "browseYtDlpButton"))
+        const picker = child("filePicker")
+        mouseClick(child("browseYtDlpButton"))
         tryCompare(picker, "opened", true)
-        mouseClick(button(picker.contentItem, "pickerCancelButton"))
+        mouseClick(child("pickerCancelButton", picker.contentItem))
         tryCompare(picker, "visible", false)
-        compare(button(sheet, "pathField").text, "")
+        compare(child("pathField").text, "")
 
-        mouseClick(button(sheet, "browseYtDlpButton"))
+        mouseClick(child("browseYtDlpButton"))
         tryCompare(picker, "opened", true)
-        const entries = button(picker.contentItem, "pickerEntries")
+        const entries = child("pickerEntries", picker.contentItem).children
         const labels = []
-        for (let i = 0; i < entries.children.length; ++i)
-            labels.push(entries.children[i].text)
+        for (let i = 0; i < entries.length; ++i)
+            labels.push(entries[i].text)
         compare(labels.filter(label => label !== undefined),
             ["✅ /opt/homebrew/bin/yt-dlp", "✅ /usr/local/bin/yt-dlp", "📁 手动选择..."])
-        const local = entries.children[labels.indexOf("✅ /usr/local/bin/yt-dlp")]
-        mouseClick(local)
+        mouseClick(entries[labels.indexOf("✅ /usr/local/bin/yt-dlp")])
         tryCompare(picker, "visible", false)
-        compare(button(sheet, "pathField").text, "/usr/local/bin/yt-dlp")
-        verify(button(sheet, "usePathButton").enabled)
+        compare(child("pathField").text, "/usr/local/bin/yt-dlp")
+        verify(child("usePathButton").enabled)
         compare(TestHelper.setting("customYtDlpPath"), stored)
     }
 
     function test_resetRemovesTheStoredPath() {
         const stored = TestHelper.setting("customYtDlpPath")
         verify(stored.length > 0)
-        const sheet = makeSheet()
-        const field = button(sheet, "pathField")
+        const field = child("pathField")
         field.forceActiveFocus()
         keyClick("/")
         keyClick("x")
         compare(DownloadManager.ytDlpPath, stored)
-        mouseClick(button(sheet, "resetPathButton"))
+        mouseClick(child("resetPathButton"))
         compare(field.text, "")
         compare(TestHelper.setting("customYtDlpPath"), undefined)
         // What is found is used at once, and the line says it was found.
         tryVerify(() => DownloadManager.ytDlpPath !== stored, 20000)
-        tryVerify(() => button(sheet, "autoPathText").text.endsWith("（使用中，自动找到）"), 20000)
+        tryVerify(() => child("autoPathText").text.endsWith("（使用中，自动找到）"), 20000)
         // "使用此路径" takes the stand-in back, also at once.
-        field.forceActiveFocus()
-        field.selectAll()
-        keyClick(Qt.Key_Backspace)
-        for (const character of stored)
-            keyClick(character)
-        mouseClick(button(sheet, "usePathButton"))
+        typeInto(field, stored)
+        mouseClick(child("usePathButton"))
         compare(DownloadManager.ytDlpPath, stored)
         compare(TestHelper.setting("customYtDlpPath"), stored)
-        compare(button(sheet, "autoPathText").text, "自动检测路径: " + stored + "（使用中，自选路径）")
+        compare(child("autoPathText").text, "自动检测路径: " + stored + "（使用中，自选路径）")
         tryCompare(DownloadManager, "ytDlpVersion", "2025.11.12", 20000)
     }
 
     function test_downloadSettingsSurviveARestart() {
-        const sheet = makeSheet()
         const folder = TestHelper.tempDir() + "/chosen"
-        const field = button(sheet, "outputDirField")
-        field.forceActiveFocus()
-        field.selectAll()
-        for (const character of folder)
-            keyClick(character)
+        typeInto(child("outputDirField"), folder)
         compare(AppState.outputDirectory, folder)
-        compare(TestHelper.freshOutputDirectory(), folder)
+        compare(TestHelper.freshSettings().outputDirectory, folder)
 
-        const spin = button(sheet, "concurrencySpin")
         const before = DownloadManager.maxConcurrentDownloads
-        spin.forceActiveFocus()
+        child("concurrencySpin").forceActiveFocus()
         keyClick(Qt.Key_Up)
         compare(DownloadManager.maxConcurrentDownloads, before + 1)
-        compare(TestHelper.freshMaxConcurrentDownloads(), before + 1)
+        compare(TestHelper.freshSettings().maxConcurrentDownloads, before + 1)
         keyClick(Qt.Key_Down)
-        compare(TestHelper.freshMaxConcurrentDownloads(), before)
+        compare(TestHelper.freshSettings().maxConcurrentDownloads, before)
 
         // Announcing finished downloads is on until switched off, and stays off. The switch is at
         // the bottom: scrolled to first, as a person would.
-        const notify = button(sheet, "notifySwitch")
+        const notify = child("notifySwitch")
         verify(AppState.notifyOnFinish)
         verify(notify.checked)
-        const flickable = button(sheet, "settingsScroll").contentItem
+        const flickable = child("settingsScroll").contentItem
         flickable.contentY = Math.max(0, flickable.contentHeight - flickable.height)
-        waitForRendering(sheet)
-        mouseClick(notify)
-        verify(!AppState.notifyOnFinish)
-        compare(String(TestHelper.setting("notifyOnFinish")), "false")
-        mouseClick(notify)
-        verify(AppState.notifyOnFinish)
-        compare(String(TestHelper.setting("notifyOnFinish")), "true")
+        waitForRendering(view)
+        for (const on of [false, true]) {
+            mouseClick(notify)
+            compare(AppState.notifyOnFinish, on)
+            compare(String(TestHelper.setting("notifyOnFinish")), String(on))
+        }
     }
 }

@@ -1,0 +1,93 @@
+import QtQuick
+import QtTest
+import Quillbox
+import QuillboxTest
+
+// What the view tests share: the main view made afresh, its items found by name, the download
+// form as a person first finds it, and the queue's rows.
+TestCase {
+    id: testCase
+
+    property var view: null
+
+    width: 1200
+    height: 800
+    visible: true
+    when: windowShown
+
+    Component {
+        id: mainViewComponent
+
+        MainView {}
+    }
+
+    // A window-sized main view (`properties` may say otherwise), by default once its own
+    // installation check has ended, so that it does not race a test's clicks.
+    function showMainView(properties, unsettled) {
+        view = createTemporaryObject(mainViewComponent, testCase,
+                                     Object.assign({ width: width, height: height }, properties || {}))
+        verify(view)
+        if (!unsettled)
+            tryCompare(view, "installationCheck", 0, 30000)
+        return view
+    }
+
+    function child(name, parentItem) {
+        const item = findChild(parentItem || view, name)
+        verify(item, name)
+        return item
+    }
+
+    // Downloads go to `folder` in the sandbox with the stand-in's plain success.
+    function resetForm(folder) {
+        AppState.urlInput = ""
+        AppState.customArguments = ""
+        AppState.selectedPreset = Download.Default
+        AppState.useCookies = false
+        AppState.showLogPanel = false
+        AppState.outputDirectory = TestHelper.tempDir() + "/" + folder
+        TestHelper.setScenario("[]", 0)
+    }
+
+    function stopDownloads() {
+        DownloadManager.cancelAllDownloads()
+        tryCompare(DownloadManager, "runningCount", 0, 20000)
+    }
+
+    // Presses "开始下载" as a person would: scrolled into view first if the form is taller than
+    // the pane.
+    function pressStart() {
+        waitForRendering(view)
+        const start = child("startButton")
+        const flickable = child("inputScroller").contentItem
+        const bottom = start.mapToItem(flickable.contentItem, 0, start.height).y
+        if (bottom > flickable.contentY + flickable.height)
+            flickable.contentY = bottom - flickable.height
+        waitForRendering(view)
+        mouseClick(start)
+    }
+
+    // The row of the queue's task `index`, once it is laid out.
+    function rowAt(index) {
+        const list = child("taskList")
+        let row = null
+        tryVerify(() => {
+            list.positionViewAtIndex(index, ListView.Contain)
+            return (row = list.itemAtIndex(index)) !== null
+        }, 20000)
+        return row
+    }
+
+    // Hovers `row` until its actions show, and clicks the one named `action`.
+    function clickRowAction(row, action) {
+        mouseMove(row, 20, 20)
+        tryCompare(findChild(row, "rowActions"), "opacity", 1)
+        mouseClick(findChild(row, action))
+    }
+
+    function inside(item) {
+        const at = item.mapToItem(view, 0, 0)
+        return item.visible && at.x >= 0 && at.y >= 0 && at.x + item.width <= view.width
+            && at.y + item.height <= view.height
+    }
+}

@@ -1,0 +1,320 @@
+// What the views' C++ helpers do on their own: the palette's hex colours, the format picker, the
+// saved presets against a real store on its own thread, and the input pane's presenter against
+// the real engine (whose yt-dlp is the stand-in).
+
+#include "views/colors.h"
+#include "views/presenters/formatpicker.h"
+#include "views/presenters/inputpresenter.h"
+#include "views/presenters/savedpresetmodel.h"
+
+#include "store/queuememory.h"
+
+#include "engine/enginefixture.h"
+
+#include <QAbstractItemModelTester>
+#include <QSignalSpy>
+#include <QtTest>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+VideoFormat format(const QString &id, const char *vcodec, const char *acodec)
+{
+    VideoFormat f;
+    f.formatId = id;
+    f.ext = u"mp4"_s;
+    if (vcodec)
+        f.vcodec = QString::fromLatin1(vcodec);
+    if (acodec)
+        f.acodec = QString::fromLatin1(acodec);
+    return f;
+}
+
+// The stand-in as yt-dlp, downloading into the sandbox without cookies; nothing waited for.
+std::unique_ptr<SandboxEngine> makeEngine()
+{
+    auto engine = SandboxEngine::start({}, {});
+    engine->state.setOutputDirectory(engine->fixture.path(u"out"_s));
+    engine->state.setUseCookies(false);
+    engine->fake.setScenario("[]");
+    return engine;
+}
+} // namespace
+
+class TestViewModels : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void hexColor_data();
+    void hexColor();
+    void formatChoice_data();
+    void formatChoice();
+    void formatCells_data();
+    void formatCells();
+    void presetInsertIsAwaited();
+    void presetStoreThatCannotSave();
+    void pasteAndDrop();
+    void startQueuesEveryLink();
+    void blankInputQueuesNothing();
+    void listFormats();
+
+private:
+    IsolatedEnvironment m_env;
+};
+
+void TestViewModels::hexColor_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QRgb>("rgb");
+    QTest::newRow("no hash") << u"00D4FF"_s << QRgb(0x00D4FF);
+    QTest::newRow("trimmed, lower case") << u" #00d4ff\n"_s << QRgb(0x00D4FF);
+    QTest::newRow("unreadable is black") << u"zz"_s << QRgb(0x000000);
+    QTest::newRow("three digits not expanded") << u"#FFF"_s << QRgb(0x000FFF);
+    QTest::newRow("alpha byte dropped") << u"#80FF0000"_s << QRgb(0xFF0000);
+    QTest::newRow("longest hex prefix") << u"#12G456"_s << QRgb(0x000012);
+    QTest::newRow("only one hash removed") << u"##FF0000"_s << QRgb(0x000000);
+    QTest::newRow("scanner skips a space after the hash") << u"# FF6B35"_s << QRgb(0xFF6B35);
+    QTest::newRow("0x prefix") << u"0xff0054"_s << QRgb(0xFF0054);
+    QTest::newRow("overflow saturates") << u"FFFFFFFFFFFFFFFFFF"_s << QRgb(0xFFFFFF);
+    QTest::newRow("sixteen digits keep low bits") << u"0123456789ABCDEF"_s << QRgb(0xABCDEF);
+}
+
+void TestViewModels::hexColor()
+{
+    QFETCH(QString, text);
+    const QColor color = colorFromHex(text);
+    QTEST(color.rgb() & 0xFFFFFF, "rgb");
+    QCOMPARE(color.alphaF(), 1.0f);
+}
+
+// Rows: 0, 1 audio only; 2, 3 video only; 4 combined; 5 a storyboard (neither); 6 codecs unknown;
+// 7 combined, with an id that needs quoting. What the clicks choose is what "apply" puts in the
+// custom arguments; with nothing chosen it changes nothing.
+void TestViewModels::formatChoice_data()
+{
+    QTest::addColumn<QList<int>>("clicks");
+    QTest::addColumn<QString>("arguments");
+    QTest::newRow("video and audio") << QList<int> { 3, 0 } << u"-f 5+1"_s;
+    QTest::newRow("audio first still reads video+audio") << QList<int> { 0, 3 } << u"-f 5+1"_s;
+    QTest::newRow("another audio replaces the audio") << QList<int> { 3, 0, 1 } << u"-f 5+2"_s;
+    QTest::newRow("a combined format replaces both") << QList<int> { 3, 0, 4 } << u"-f 18"_s;
+    QTest::newRow("a video replaces the combined one") << QList<int> { 4, 2 } << u"-f 3"_s;
+    QTest::newRow("audio alone") << QList<int> { 1 } << u"-f 2"_s;
+    QTest::newRow("a second click unchooses") << QList<int> { 3, 0, 3 } << u"-f 1"_s;
+    QTest::newRow("nothing chosen") << QList<int> {} << QString();
+    QTest::newRow("a storyboard cannot be chosen") << QList<int> { 5 } << QString();
+    QTest::newRow("unknown codecs count as combined") << QList<int> { 3, 6 } << u"-f mp4"_s;
+    QTest::newRow("an id with a space is quoted") << QList<int> { 7 } << u"-f 'a b'"_s;
+}
+
+void TestViewModels::formatChoice()
+{
+    QFETCH(QList<int>, clicks);
+    QFETCH(QString, arguments);
+    AppState state;
+    state.setSelectedPreset(DownloadPreset::Default);
+    state.setCustomArguments(u"--limit-rate 1M"_s);
+    FormatPicker picker(&state, nullptr);
+    QAbstractItemModelTester tester(&picker);
+    picker.setFormats({ format(u"1"_s, "none", "mp4a.40.2"), format(u"2"_s, "none", "opus"),
+        format(u"3"_s, "avc1", "none"), format(u"5"_s, "vp9", "none"), format(u"18"_s, "avc1.42001E", "mp4a.40.2"),
+        format(u"sb0"_s, "none", "none"), format(u"mp4"_s, nullptr, nullptr), format(u"a b"_s, "avc1", "mp4a") });
+    for (int row : clicks)
+        picker.toggle(row);
+    QCOMPARE(picker.arguments(), arguments);
+    QCOMPARE(picker.apply(), !arguments.isEmpty());
+    QCOMPARE(state.customArguments(), arguments.isEmpty() ? u"--limit-rate 1M"_s : arguments);
+    QCOMPARE(state.selectedPreset() == DownloadPreset::Custom, !arguments.isEmpty());
+}
+
+void TestViewModels::formatCells_data()
+{
+    QTest::addColumn<int>("role");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("size in binary units") << int(FormatPicker::SizeRole) << u"1.18MiB"_s;
+    QTest::newRow("fps without trailing zeros") << int(FormatPicker::FpsRole) << u"29.97"_s;
+    QTest::newRow("codecs that are there") << int(FormatPicker::CodecsRole) << u"avc1.4d401f"_s;
+    QTest::newRow("resolution") << int(FormatPicker::ResolutionRole) << u"1280x720"_s;
+}
+
+void TestViewModels::formatCells()
+{
+    QFETCH(int, role);
+    VideoFormat video = format(u"5"_s, "avc1.4d401f", "none");
+    video.filesize = 1234567;
+    video.fps = 29.97;
+    video.resolution = u"1280x720"_s;
+    FormatPicker picker(nullptr, nullptr);
+    picker.setFormats({ video, format(u"x"_s, nullptr, nullptr) });
+    QTEST(picker.index(0).data(role).toString(), "text");
+    QCOMPARE(picker.index(1).data(role).toString(), QString()); // nothing known, nothing shown
+    QCOMPARE(FormatPicker::sizeText(512), u"512B"_s);
+    QCOMPARE(FormatPicker::sizeText(3LL << 30), u"3.00GiB"_s);
+}
+
+// A preset whose first write is still out cannot be changed (it would be stored twice).
+void TestViewModels::presetInsertIsAwaited()
+{
+    auto engine = makeEngine();
+    QueueMemory memory(engine->manager.get(), &engine->state, engine->fixture.path(u"data/quillbox.sqlite"_s));
+    SavedPresetModel model(&memory, &engine->state);
+    QAbstractItemModelTester tester(&model);
+    QTRY_VERIFY(model.isLoaded());
+
+    QCOMPARE(model.add(u"字幕"_s, u"--write-subs"_s), QString());
+    const QModelIndex row = model.index(0);
+    QVERIFY(row.data(SavedPresetModel::SavingRole).toBool());
+    QCOMPARE(model.rename(0, u"新字幕"_s), u"“字幕”正在保存，请稍后再改"_s);
+    QCOMPARE(model.remove(0), u"“字幕”正在保存，请稍后再改"_s);
+    QTRY_VERIFY(!row.data(SavedPresetModel::SavingRole).toBool());
+    const qint64 id = row.data(SavedPresetModel::PresetIdRole).toLongLong();
+    QVERIFY(id > 0);
+
+    // Updates go by the id, in order, while earlier ones are still out.
+    QCOMPARE(model.rename(0, u"新字幕"_s), QString());
+    QCOMPARE(model.setArguments(0, u"--write-subs --embed-subs"_s), QString());
+    SavedPresetModel reread(&memory, &engine->state);
+    QTRY_COMPARE(reread.rowCount(), 1);
+    QCOMPARE(reread.index(0).data(SavedPresetModel::PresetIdRole).toLongLong(), id);
+    QCOMPARE(reread.index(0).data(SavedPresetModel::NameRole).toString(), u"新字幕"_s);
+    QCOMPARE(reread.index(0).data(SavedPresetModel::ArgumentsRole).toString(), u"--write-subs --embed-subs"_s);
+    QCOMPARE(model.storeError(), QString());
+    memory.close();
+}
+
+// A preset the store cannot keep stays for the run, is named in storeError, and is tried again
+// when it changes.
+void TestViewModels::presetStoreThatCannotSave()
+{
+    auto engine = makeEngine();
+    // The store's folder is a file: nothing can be opened there.
+    const QString blocked = engine->fixture.path(u"blocked"_s);
+    QFile file(blocked);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.close();
+    QueueMemory memory(engine->manager.get(), &engine->state, blocked + u"/quillbox.sqlite"_s);
+    SavedPresetModel model(&memory, &engine->state);
+    QAbstractItemModelTester tester(&model);
+    QTRY_VERIFY(model.isLoaded());
+
+    QCOMPARE(model.add(u"音频"_s, u"-x"_s), QString());
+    QCOMPARE(model.add(u"视频"_s, u"-f best"_s), QString());
+    const QString both = u"未能保存到磁盘：“音频”、“视频”。本次运行中仍可使用，退出后不会保留。"_s;
+    QTRY_COMPARE(model.storeError(), both);
+    QCOMPARE(model.rowCount(), 2);
+    QCOMPARE(model.index(0).data(SavedPresetModel::PresetIdRole).toLongLong(), 0);
+
+    // A change is written again, and fails again; a removed one is no longer named.
+    QCOMPARE(model.setArguments(0, u"-x --audio-format mp3"_s), QString());
+    QVERIFY(model.index(0).data(SavedPresetModel::SavingRole).toBool());
+    QTRY_VERIFY(!model.index(0).data(SavedPresetModel::SavingRole).toBool());
+    QCOMPARE(model.storeError(), both);
+    QCOMPARE(model.remove(1), QString());
+    QCOMPARE(model.storeError(), u"未能保存到磁盘：“音频”。本次运行中仍可使用，退出后不会保留。"_s);
+    QCOMPARE(model.remove(0), QString());
+    QCOMPARE(model.storeError(), QString());
+    memory.close();
+}
+
+void TestViewModels::pasteAndDrop()
+{
+    auto engine = makeEngine();
+    InputPresenter presenter(&engine->state, engine->manager.get());
+    QVERIFY(!presenter.paste(QString()));
+    QCOMPARE(engine->state.urlInput(), QString());
+    QVERIFY(presenter.paste(u"https://one"_s));
+    QVERIFY(presenter.paste(u"https://two"_s));
+    QCOMPARE(engine->state.urlInput(), u"https://one\nhttps://two"_s);
+
+    engine->state.setUrlInput(u"x"_s);
+    QVERIFY(presenter.dropLinks({ QUrl(u"https://a.example/1"_s), QUrl(u"https://a.example/2"_s) }, QString()));
+    QCOMPARE(engine->state.urlInput(), u"x\nhttps://a.example/1\nhttps://a.example/2"_s);
+    QVERIFY(presenter.dropLinks({}, u"  https://b.example/3\n"_s));
+    QCOMPARE(engine->state.urlInput(), u"x\nhttps://a.example/1\nhttps://a.example/2\nhttps://b.example/3"_s);
+    QVERIFY(!presenter.dropLinks({}, u"  "_s));
+}
+
+// Every link is queued with the form's preset, switches and folder; the custom arguments only
+// under "自定义", and kept when another preset is chosen.
+void TestViewModels::startQueuesEveryLink()
+{
+    auto engine = makeEngine();
+    InputPresenter presenter(&engine->state, engine->manager.get());
+    QSignalSpy loading(&presenter, &InputPresenter::isLoadingChanged);
+    const QString input = u"  a.example/1  \n\nhello world\n\thttps://b.example/2\n   "_s;
+    engine->state.setUrlInput(input);
+    engine->state.setSelectedPreset(DownloadPreset::AudioOnly);
+    engine->state.setCustomArguments(u"--limit-rate 1M"_s);
+    engine->state.setDownloadPlaylist(false);
+    presenter.startDownload();
+    QCOMPARE(loading.count(), 2);
+    QVERIFY(!presenter.isLoading());
+    const auto tasks = engine->manager->tasks();
+    QCOMPARE(tasks.size(), 2);
+    QCOMPARE(tasks.at(0).url, u"a.example/1"_s);
+    QCOMPARE(tasks.at(1).url, u"https://b.example/2"_s);
+    QCOMPARE(engine->state.urlInput(), input); // the editor keeps its text
+    QCOMPARE(presenter.rejectedLines(), QStringList { u"hello world"_s });
+    QCOMPARE(presenter.startNotice(), QString());
+    engine->state.setUrlInput(input + u"x"_s); // an edit clears the marks
+    QCOMPARE(presenter.rejectedLines(), QStringList());
+
+    engine->state.setSelectedPreset(DownloadPreset::Custom);
+    engine->state.setUrlInput(u"https://c.example/custom"_s);
+    presenter.startDownload();
+    QTRY_COMPARE_WITH_TIMEOUT(engine->fake.runs().size(), 3, 20000);
+    for (const QStringList &argv : engine->fake.runs()) {
+        const bool custom = argv.constLast() == u"https://c.example/custom"_s;
+        QVERIFY(argv.contains(u"--no-playlist"_s));
+        QCOMPARE(argv.contains(u"--audio-format"_s), !custom);
+        QCOMPARE(argv.contains(u"--limit-rate"_s), custom);
+        QVERIFY(
+            argv.contains(u"-o"_s) && argv.at(argv.indexOf(u"-o"_s) + 1).startsWith(engine->fixture.path(u"out/"_s)));
+    }
+    QCOMPARE(engine->state.customArguments(), u"--limit-rate 1M"_s);
+}
+
+void TestViewModels::blankInputQueuesNothing()
+{
+    auto engine = makeEngine();
+    InputPresenter presenter(&engine->state, engine->manager.get());
+    QSignalSpy loading(&presenter, &InputPresenter::isLoadingChanged);
+    presenter.startDownload(); // empty: nothing but the notice
+    QCOMPARE(loading.count(), 0);
+    QCOMPARE(presenter.startNotice(), u"请先输入视频链接"_s);
+    engine->state.setUrlInput(u" \n\t\nhello\n"_s);
+    QCOMPARE(presenter.startNotice(), QString());
+    presenter.startDownload(); // no link: busy for a moment, nothing queued
+    QCOMPARE(loading.count(), 2);
+    QCOMPARE(engine->manager->tasks().size(), 0);
+    QCOMPARE(presenter.startNotice(), u"没有可以下载的链接"_s);
+    QCOMPARE(presenter.rejectedLines(), QStringList { u"hello"_s });
+}
+
+void TestViewModels::listFormats()
+{
+    auto engine = makeEngine();
+    InputPresenter presenter(&engine->state, engine->manager.get());
+    QSignalSpy listed(&presenter, &InputPresenter::formatsListed);
+    engine->state.setUrlInput(u"  https://f.example/1\nhttps://f.example/2"_s);
+    qputenv("FAKE_YTDLP_FORMATS", "ID EXT\n18 mp4");
+    presenter.listFormats();
+    QVERIFY(presenter.isListingFormats());
+    presenter.listFormats(); // one at a time: a second press while listing does nothing
+    QTRY_COMPARE_WITH_TIMEOUT(listed.count(), 1, 20000);
+    // The picker fetches the same link's formats alongside.
+    QTRY_COMPARE_WITH_TIMEOUT(presenter.formatPicker()->count(), 5, 20000);
+    QTest::qWait(200);
+    QCOMPARE(listed.count(), 1);
+    QVERIFY(!presenter.isListingFormats());
+    QCOMPARE(listed.at(0).at(0).toString(), u"ID EXT\n18 mp4\n"_s);
+    const QList<QStringList> runs = engine->fake.runs(true);
+    QCOMPARE(runs.size(), 2);
+    for (const QStringList &argv : runs) // the first line, untrimmed
+        QCOMPARE(argv.constLast(), u"  https://f.example/1"_s);
+    QCOMPARE(runs.at(0).contains(u"-J"_s) + runs.at(1).contains(u"-J"_s), 1);
+}
+
+QTEST_MAIN(TestViewModels)
+#include "tst_viewmodels.moc"
