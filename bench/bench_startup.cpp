@@ -24,6 +24,7 @@
 #include <ctime>
 #include <memory>
 #include <numeric>
+#include <tuple>
 
 #include <sys/prctl.h>
 #include <sys/stat.h>
@@ -642,37 +643,30 @@ int main(int argc, char **argv)
         QList<std::pair<QString, QString>> fields {
             { u"pairs"_s, QString::number(pairs) },
             { u"display"_s, display ? u"xvfb"_s : u"offscreen"_s },
-            { u"app_ms"_s, number(median(realMs)) },
-            { u"app_ms_min"_s, number(minimum(realMs)) },
-            { u"app_ms_max"_s, number(maximum(realMs)) },
-            { u"bare_ms"_s, number(median(bareMs)) },
-            { u"bare_ms_min"_s, number(minimum(bareMs)) },
-            { u"bare_ms_max"_s, number(maximum(bareMs)) },
-            { u"ratio"_s, number(ratio, 3) },
-            { u"ratio_pair_median"_s, number(median(ratios), 3) },
-            { u"ratio_min"_s, number(minimum(ratios), 3) },
-            { u"ratio_max"_s, number(maximum(ratios), 3) },
-            { u"app_rss_mib"_s, number(median(realRss)) },
-            { u"bare_rss_mib"_s, number(median(bareRss)) },
-            { u"app_cpu_at_frame_ms"_s, number(median(valuesOf(real, &Sample::cpuAtFrameMs)), 0) },
-            { u"bare_cpu_at_frame_ms"_s, number(median(valuesOf(yardstick, &Sample::cpuAtFrameMs)), 0) },
-            { u"chinese_ms"_s, number(median(chineseMs)) },
-            { u"chinese_ms_min"_s, number(minimum(chineseMs)) },
-            { u"chinese_ms_max"_s, number(maximum(chineseMs)) },
-            { u"ratio_chinese"_s, number(chineseRatio, 3) },
-            { u"ratio_chinese_pair_median"_s, number(median(chineseRatios), 3) },
-            { u"ratio_chinese_min"_s, number(minimum(chineseRatios), 3) },
-            { u"ratio_chinese_max"_s, number(maximum(chineseRatios), 3) },
-            { u"chinese_rss_mib"_s, number(median(chineseRss)) },
-            { u"chinese_cpu_at_frame_ms"_s, number(median(valuesOf(chineseYardstick, &Sample::cpuAtFrameMs)), 0) },
-            { u"rss_ratio"_s, number(rssRatio, 3) },
-            { u"rss_ratio_chinese"_s, number(chineseRssRatio, 3) },
-            { u"app_fonts_mib"_s, number(median(mibOf(real, &Sample::fontsTotalKiB))) },
-            { u"bare_fonts_mib"_s, number(median(mibOf(yardstick, &Sample::fontsTotalKiB))) },
-            { u"chinese_fonts_mib"_s, number(median(mibOf(chineseYardstick, &Sample::fontsTotalKiB))) },
-            { u"left_behind"_s, QString::number(leftBehind.size()) },
-            { u"stolen_pct"_s, number(machineAfter.stolenPercentSince(machineBefore), 0) },
         };
+        for (const auto &[prefix, samples] : { std::pair { u"app"_s, &real }, std::pair { u"bare"_s, &yardstick },
+                 std::pair { u"chinese"_s, &chineseYardstick } }) {
+            const QList<double> ms = valuesOf(*samples, &Sample::firstFrameMs);
+            fields.append({ prefix + u"_ms"_s, number(median(ms)) });
+            fields.append({ prefix + u"_ms_min"_s, number(minimum(ms)) });
+            fields.append({ prefix + u"_ms_max"_s, number(maximum(ms)) });
+            fields.append({ prefix + u"_rss_mib"_s, number(median(mibOf(*samples, &Sample::rssKiB))) });
+            fields.append(
+                { prefix + u"_cpu_at_frame_ms"_s, number(median(valuesOf(*samples, &Sample::cpuAtFrameMs)), 0) });
+            fields.append({ prefix + u"_fonts_mib"_s, number(median(mibOf(*samples, &Sample::fontsTotalKiB))) });
+        }
+        // "ratio…": against the bare window; "ratio_chinese…": against the Chinese one.
+        for (const auto &[suffix, ofMedians, perRound, ofRssMedians] :
+            { std::tuple { QString(), ratio, &ratios, rssRatio },
+                std::tuple { u"_chinese"_s, chineseRatio, &chineseRatios, chineseRssRatio } }) {
+            fields.append({ u"ratio"_s + suffix, number(ofMedians, 3) });
+            fields.append({ u"ratio"_s + suffix + u"_pair_median"_s, number(median(*perRound), 3) });
+            fields.append({ u"ratio"_s + suffix + u"_min"_s, number(minimum(*perRound), 3) });
+            fields.append({ u"ratio"_s + suffix + u"_max"_s, number(maximum(*perRound), 3) });
+            fields.append({ u"rss_ratio"_s + suffix, number(ofRssMedians, 3) });
+        }
+        fields.append({ u"left_behind"_s, QString::number(leftBehind.size()) });
+        fields.append({ u"stolen_pct"_s, number(machineAfter.stolenPercentSince(machineBefore), 0) });
         if (storedRows > 0) {
             fields.append({ u"stored_rows"_s, QString::number(storedRows) });
             fields.append({ u"stored_ms"_s, number(median(valuesOf(stored, &Sample::firstFrameMs))) });
