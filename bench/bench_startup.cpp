@@ -1,7 +1,10 @@
 // Start-up: from starting the executable to the first frame of its window, for the application
-// (src/quillbox) against a bare Qt Quick window (bench_barewindow) started the same way,
-// alternating; and each one's resident memory 3 s after that frame. Both draw on a private Xvfb
-// (software OpenGL), so the frames are really rendered.
+// (src/quillbox) against two yardsticks started the same way: a bare Qt Quick window
+// (bench_barewindow) and the same window with a line of Chinese in each weight
+// (bench_barewindow --chinese), the floor of any Chinese interface. One start of each per round,
+// in an order that rotates from round to round; each one's resident memory 3 s after that frame,
+// and how much of it is font files. All draw on a private Xvfb (software OpenGL), so the frames
+// are really rendered.
 //
 // The clock: this process reads CLOCK_MONOTONIC just before it starts the child; the child, run
 // with QUILLBOX_REPORT_FIRST_FRAME=FILE, appends CLOCK_MONOTONIC to FILE when its window's first
@@ -15,9 +18,13 @@
 #include <QProcess>
 #include <QProcessEnvironment>
 
+#include <algorithm>
+#include <array>
 #include <csignal>
 #include <ctime>
 #include <memory>
+#include <numeric>
+#include <tuple>
 
 #include <sys/prctl.h>
 #include <sys/stat.h>
@@ -63,6 +70,30 @@ QList<QByteArray> statFields(qint64 pid)
     const QByteArray stat = readProcFile(pid, "stat");
     const qsizetype close = stat.lastIndexOf(')');
     return close < 0 ? QList<QByteArray>() : stat.mid(close + 2).split(' ');
+}
+
+// The resident part of every font file process `pid` has mapped, in KiB, by file name
+// (/proc/PID/smaps): a file mapped in pieces is summed.
+QMap<QString, qint64> fontFilesKiB(qint64 pid)
+{
+    QMap<QString, qint64> found;
+    QString current;
+    const QList<QByteArray> lines = readProcFile(pid, "smaps").split('\n');
+    for (const QByteArray &line : lines) {
+        // A mapping's first line starts with its address range ("7f…-7f… r--s 00000000 08:01 …
+        // PATH"), each of its fields' lines with the field's name and a colon.
+        const QList<QByteArray> words = line.simplified().split(' ');
+        if (words.size() >= 5 && words.at(0).contains('-') && !words.at(0).endsWith(':')) {
+            const QString path = QString::fromLocal8Bit(words.mid(5).join(' '));
+            const QString lower = path.toLower();
+            current = lower.endsWith(u".ttc"_s) || lower.endsWith(u".ttf"_s) || lower.endsWith(u".otf"_s)
+                ? QFileInfo(path).fileName()
+                : QString();
+        } else if (!current.isEmpty() && words.value(0) == "Rss:") {
+            found[current] += words.value(1).toLongLong();
+        }
+    }
+    return found;
 }
 
 // User + system CPU time of process `pid` so far, in milliseconds (to the clock tick).
@@ -183,8 +214,18 @@ struct Sample
     double cpuAtSampleMs = 0;
     qint64 rssKiB = 0;
     qint64 peakRssKiB = 0;
+    QMap<QString, qint64> fontsKiB; // resident part of each font file mapped, at the RSS sample
+    qint64 fontsTotalKiB = 0;
     int threads = 0;
     QStringList leftBehind;
+};
+
+// What is started: a program and its arguments, and the name its logs and lines go by.
+struct Contender
+{
+    QString name;
+    QString program;
+    QStringList arguments;
 };
 
 // The last lines of `file`, for a failure message.
@@ -212,12 +253,14 @@ public:
 
     // With `storedRows`, also waits for the application to say it has put that many stored rows
     // back in its queue, and times it.
-    Sample run(const QString &program, const QString &what, int storedRows = 0)
+    Sample run(const Contender &contender, const QString &what, int storedRows = 0)
     {
+        const QString &program = contender.program;
         QFile::remove(report());
         const QString log = m_sandbox.path(u"logs/%1-%2.log"_s.arg(what).arg(++m_runs));
         QProcess process;
         process.setProgram(program);
+        process.setArguments(contender.arguments);
         process.setProcessEnvironment(m_environment);
         process.setWorkingDirectory(m_sandbox.home());
         process.setStandardInputFile(QProcess::nullDevice());
@@ -278,6 +321,8 @@ public:
         sample.peakRssKiB = statusKiB(pid, "VmHWM");
         sample.threads = int(statusKiB(pid, "Threads"));
         sample.cpuAtSampleMs = cpuMsOf(pid);
+        sample.fontsKiB = fontFilesKiB(pid);
+        sample.fontsTotalKiB = std::accumulate(sample.fontsKiB.cbegin(), sample.fontsKiB.cend(), qint64(0));
 
         stop(process);
         sample.leftBehind = endLeftovers(m_displayPid);
@@ -334,6 +379,52 @@ QList<double> valuesOf(const QList<Sample> &samples, double Sample::*field)
     return values;
 }
 
+// Per round, the first sample's `field` over the second's.
+template <typename Value>
+QList<double> ratiosOf(const QList<Sample> &over, const QList<Sample> &under, Value Sample::*field)
+{
+    QList<double> ratios;
+    for (qsizetype i = 0; i < std::min(over.size(), under.size()); ++i)
+        ratios << double(over.at(i).*field) / double(under.at(i).*field);
+    return ratios;
+}
+
+// The resident part of each font file over `samples`, "NAME 12.1 MiB + … = 23.5 MiB" (medians,
+// a file a start did not map counting 0 there), or "none".
+QString describeFonts(const QList<Sample> &samples)
+{
+    QStringList files;
+    for (const Sample &sample : samples) {
+        for (auto it = sample.fontsKiB.cbegin(); it != sample.fontsKiB.cend(); ++it) {
+            if (!files.contains(it.key()))
+                files << it.key();
+        }
+    }
+    if (files.isEmpty())
+        return u"none"_s;
+    std::sort(files.begin(), files.end());
+    QStringList parts;
+    for (const QString &file : std::as_const(files)) {
+        QList<double> values;
+        for (const Sample &sample : samples)
+            values << mib(sample.fontsKiB.value(file));
+        parts << u"%1 %2 MiB"_s.arg(file, number(median(values)));
+    }
+    return parts.join(u" + "_s)
+        + (parts.size() > 1 ? u" = %1 MiB"_s.arg(number(median(mibOf(samples, &Sample::fontsTotalKiB)))) : QString());
+}
+
+// One kind of start over all rounds: "first frame … ms; CPU by then …" as median (min–max).
+QString describe(const QList<Sample> &samples)
+{
+    return u"first frame %1 ms; CPU by then %2 ms; RSS %3 s later %4 MiB (peak %5 MiB), CPU by then %6 ms, %7 "
+           "threads; font files resident: %8"_s.arg(spread(valuesOf(samples, &Sample::firstFrameMs)),
+               spread(valuesOf(samples, &Sample::cpuAtFrameMs), 0), QString::number(SampleAfterMs / 1000),
+               spread(mibOf(samples, &Sample::rssKiB)), spread(mibOf(samples, &Sample::peakRssKiB)),
+               spread(valuesOf(samples, &Sample::cpuAtSampleMs), 0), QString::number(samples.constLast().threads),
+               describeFonts(samples));
+}
+
 // A history of `rows` finished downloads, in the store the application reads from `dataHome`.
 void fillStore(const QString &dataHome, int rows)
 {
@@ -357,13 +448,15 @@ int main(int argc, char **argv)
     QCoreApplication app(argc, argv);
     return run("bench_startup", [&] {
         const bool quick = shortMode(argc, argv);
+        // Rounds of one start of each (--pairs: the name from the days of one yardstick).
         const int pairs = std::max(1, intOption(argc, argv, "pairs", quick ? 2 : 10));
         const bool offscreenAsked = QCoreApplication::arguments().contains(u"--offscreen"_s);
         const bool lateDiscovery = QCoreApplication::arguments().contains(u"--late-discovery"_s);
         const int storedRows = std::max(0, intOption(argc, argv, "stored-rows", 10000));
-        const QString application = QStringLiteral(QUILLBOX_APP_EXECUTABLE);
-        const QString bare = QStringLiteral(QUILLBOX_BARE_WINDOW_EXECUTABLE);
-        for (const QString &program : { application, bare }) {
+        const Contender application { u"application"_s, QStringLiteral(QUILLBOX_APP_EXECUTABLE), {} };
+        const Contender bare { u"bare"_s, QStringLiteral(QUILLBOX_BARE_WINDOW_EXECUTABLE), {} };
+        const Contender chinese { u"chinese"_s, bare.program, { u"--chinese"_s } };
+        for (const QString &program : { application.program, bare.program }) {
             if (!QFileInfo(program).isExecutable())
                 fail(u"%1 is not built (cmake --build build-bench --target quillbox bench_barewindow)"_s.arg(program));
         }
@@ -415,9 +508,10 @@ int main(int argc, char **argv)
             platform = u"QT_QPA_PLATFORM=offscreen (no X server: the figures are not those of a real display)"_s;
         }
 
-        say(u"bench_startup: %1 pairs (application, then bare window), %2, memory sampled %3 s after the "
-            "first frame, load average %4%5"_s.arg(QString::number(pairs), platform,
-                QString::number(SampleAfterMs / 1000), loadAverage(), quick ? u", short mode"_s : QString()));
+        say(u"bench_startup: %1 rounds (application, bare window, Chinese bare window; each round starts with "
+            "the next of them), %2, memory sampled %3 s after the first frame, load average %4%5"_s.arg(
+                QString::number(pairs), platform, QString::number(SampleAfterMs / 1000), loadAverage(),
+                quick ? u", short mode"_s : QString()));
 
         // --late-discovery: a third start per round, with the application's tool discovery (its
         // shell commands: yt-dlp --version, ffmpeg -version, which) held back 2 s by a shell that
@@ -453,20 +547,26 @@ int main(int argc, char **argv)
         // One untimed run of each: the first start in a new home fills the shader and font caches.
         runner.run(application, u"warm-up-application"_s);
         runner.run(bare, u"warm-up-bare"_s);
+        runner.run(chinese, u"warm-up-chinese"_s);
         if (storedRows > 0)
             storedRunner.run(application, u"warm-up-stored"_s, storedRows);
 
         const MachineTimes machineBefore = MachineTimes::now();
-        QList<Sample> real, yardstick, held, stored;
-        QList<double> ratios;
+        QList<Sample> real, yardstick, chineseYardstick, held, stored;
         QStringList leftBehind;
+        const std::array<const Contender *, 3> contenders { &application, &bare, &chinese };
+        const std::array<QList<Sample> *, 3> samplesOf { &real, &yardstick, &chineseYardstick };
         for (int i = 1; i <= pairs; ++i) {
-            const Sample a = runner.run(application, u"application"_s);
-            const Sample b = runner.run(bare, u"bare"_s);
-            real << a;
-            yardstick << b;
-            ratios << a.firstFrameMs / b.firstFrameMs;
-            leftBehind << a.leftBehind << b.leftBehind;
+            // Each round starts one further along the three than the round before, so none of
+            // them always goes first or always follows the same one.
+            for (int k = 0; k < 3; ++k) {
+                const int which = (i - 1 + k) % 3;
+                samplesOf.at(which)->append(runner.run(*contenders.at(which), contenders.at(which)->name));
+                leftBehind << samplesOf.at(which)->constLast().leftBehind;
+            }
+            const Sample &a = real.constLast();
+            const Sample &b = yardstick.constLast();
+            const Sample &c = chineseYardstick.constLast();
             QString late;
             if (lateDiscovery) {
                 // What it leaves behind is its held-back shells, still waiting: not counted.
@@ -479,33 +579,47 @@ int main(int argc, char **argv)
                     QString::number(storedRows), number(stored.constLast().firstFrameMs),
                     number(stored.constLast().restoredMs), number(mib(stored.constLast().rssKiB)));
             }
-            say(u"  pair %1: application %2 ms, bare %3 ms, ratio %4; RSS %5 vs %6 MiB; CPU at the first frame "
-                "%7 vs %8 ms%9"_s.arg(QString::number(i), number(a.firstFrameMs), number(b.firstFrameMs),
-                    number(ratios.last(), 2), number(mib(a.rssKiB)), number(mib(b.rssKiB)), number(a.cpuAtFrameMs, 0),
-                    number(b.cpuAtFrameMs, 0), late));
+            say(u"  round %1: application / bare / Chinese bare: first frame %2 / %3 / %4 ms, ratios %5 / %6; RSS "
+                "%7 / %8 / %9 MiB, ratios %10 / %11; CPU at the first frame %12 / %13 / %14 ms%15"_s
+                    .arg(QString::number(i), number(a.firstFrameMs), number(b.firstFrameMs), number(c.firstFrameMs),
+                        number(a.firstFrameMs / b.firstFrameMs, 2), number(a.firstFrameMs / c.firstFrameMs, 2),
+                        number(mib(a.rssKiB)), number(mib(b.rssKiB)), number(mib(c.rssKiB)))
+                    .arg(number(double(a.rssKiB) / double(b.rssKiB), 2), number(double(a.rssKiB) / double(c.rssKiB), 2),
+                        number(a.cpuAtFrameMs, 0), number(b.cpuAtFrameMs, 0), number(c.cpuAtFrameMs, 0), late));
         }
 
         const MachineTimes machineAfter = MachineTimes::now();
         const QList<double> realMs = valuesOf(real, &Sample::firstFrameMs);
         const QList<double> bareMs = valuesOf(yardstick, &Sample::firstFrameMs);
+        const QList<double> chineseMs = valuesOf(chineseYardstick, &Sample::firstFrameMs);
         const QList<double> realRss = mibOf(real, &Sample::rssKiB);
         const QList<double> bareRss = mibOf(yardstick, &Sample::rssKiB);
+        const QList<double> chineseRss = mibOf(chineseYardstick, &Sample::rssKiB);
+        const QList<double> ratios = ratiosOf(real, yardstick, &Sample::firstFrameMs);
+        const QList<double> chineseRatios = ratiosOf(real, chineseYardstick, &Sample::firstFrameMs);
+        const QList<double> rssRatios = ratiosOf(real, yardstick, &Sample::rssKiB);
+        const QList<double> chineseRssRatios = ratiosOf(real, chineseYardstick, &Sample::rssKiB);
         const double ratio = median(realMs) / median(bareMs);
+        const double chineseRatio = median(realMs) / median(chineseMs);
         const double rssRatio = median(realRss) / median(bareRss);
-        say(u"  application: first frame %1 ms, median (min–max); CPU by then %2 ms; RSS %3 s later %4 MiB "
-            "(peak %5 MiB), CPU by then %6 ms, %7 threads"_s.arg(spread(realMs),
-                spread(valuesOf(real, &Sample::cpuAtFrameMs), 0), QString::number(SampleAfterMs / 1000),
-                spread(realRss), spread(mibOf(real, &Sample::peakRssKiB)),
-                spread(valuesOf(real, &Sample::cpuAtSampleMs), 0), QString::number(real.constLast().threads)));
-        say(u"  bare window: first frame %1 ms; CPU by then %2 ms; RSS %3 s later %4 MiB (peak %5 MiB), CPU by "
-            "then %6 ms, %7 threads"_s.arg(spread(bareMs), spread(valuesOf(yardstick, &Sample::cpuAtFrameMs), 0),
-                QString::number(SampleAfterMs / 1000), spread(bareRss), spread(mibOf(yardstick, &Sample::peakRssKiB)),
-                spread(valuesOf(yardstick, &Sample::cpuAtSampleMs), 0),
-                QString::number(yardstick.constLast().threads)));
-        say(u"  ratio application/bare: %1 of the medians; per pair %2 (target ≤ 1.3)"_s.arg(
+        const double chineseRssRatio = median(realRss) / median(chineseRss);
+        say(u"  each as median (min–max)"_s);
+        say(u"  application: "_s + describe(real));
+        say(u"  bare window: "_s + describe(yardstick));
+        say(u"  Chinese bare window: "_s + describe(chineseYardstick));
+        say(u"  first frame, application/bare: %1 of the medians; per round %2 (target ≤ 1.3)"_s.arg(
             number(ratio, 2), spread(ratios, 2)));
-        say(u"  RSS application/bare: %1 of the medians (+%2 MiB)"_s.arg(
-            number(rssRatio, 2), number(median(realRss) - median(bareRss))));
+        say(u"  first frame, application/Chinese bare: %1 of the medians; per round %2"_s.arg(
+            number(chineseRatio, 2), spread(chineseRatios, 2)));
+        say(u"  RSS, application/bare: %1 of the medians (+%2 MiB); per round %3"_s.arg(
+            number(rssRatio, 2), number(median(realRss) - median(bareRss)), spread(rssRatios, 2)));
+        say(u"  RSS, application/Chinese bare: %1 of the medians (+%2 MiB); per round %3"_s.arg(
+            number(chineseRssRatio, 2), number(median(realRss) - median(chineseRss)), spread(chineseRssRatios, 2)));
+        // The second yardstick is only one if its text really was drawn with fonts of its own.
+        if (std::any_of(chineseYardstick.cbegin(), chineseYardstick.cend(),
+                [](const Sample &sample) { return sample.fontsTotalKiB == 0; }))
+            fail(u"the Chinese bare window had no font file mapped 3 s after its first frame: its text was not "
+                 "drawn"_s);
         if (lateDiscovery) {
             const QList<double> heldMs = valuesOf(held, &Sample::firstFrameMs);
             say(u"  application with discovery held back 2 s: first frame %1 ms; CPU by then %2 ms; the "
@@ -529,23 +643,30 @@ int main(int argc, char **argv)
         QList<std::pair<QString, QString>> fields {
             { u"pairs"_s, QString::number(pairs) },
             { u"display"_s, display ? u"xvfb"_s : u"offscreen"_s },
-            { u"app_ms"_s, number(median(realMs)) },
-            { u"app_ms_min"_s, number(minimum(realMs)) },
-            { u"app_ms_max"_s, number(maximum(realMs)) },
-            { u"bare_ms"_s, number(median(bareMs)) },
-            { u"bare_ms_min"_s, number(minimum(bareMs)) },
-            { u"bare_ms_max"_s, number(maximum(bareMs)) },
-            { u"ratio"_s, number(ratio, 3) },
-            { u"ratio_pair_median"_s, number(median(ratios), 3) },
-            { u"ratio_min"_s, number(minimum(ratios), 3) },
-            { u"ratio_max"_s, number(maximum(ratios), 3) },
-            { u"app_rss_mib"_s, number(median(realRss)) },
-            { u"bare_rss_mib"_s, number(median(bareRss)) },
-            { u"app_cpu_at_frame_ms"_s, number(median(valuesOf(real, &Sample::cpuAtFrameMs)), 0) },
-            { u"bare_cpu_at_frame_ms"_s, number(median(valuesOf(yardstick, &Sample::cpuAtFrameMs)), 0) },
-            { u"left_behind"_s, QString::number(leftBehind.size()) },
-            { u"stolen_pct"_s, number(machineAfter.stolenPercentSince(machineBefore), 0) },
         };
+        for (const auto &[prefix, samples] : { std::pair { u"app"_s, &real }, std::pair { u"bare"_s, &yardstick },
+                 std::pair { u"chinese"_s, &chineseYardstick } }) {
+            const QList<double> ms = valuesOf(*samples, &Sample::firstFrameMs);
+            fields.append({ prefix + u"_ms"_s, number(median(ms)) });
+            fields.append({ prefix + u"_ms_min"_s, number(minimum(ms)) });
+            fields.append({ prefix + u"_ms_max"_s, number(maximum(ms)) });
+            fields.append({ prefix + u"_rss_mib"_s, number(median(mibOf(*samples, &Sample::rssKiB))) });
+            fields.append(
+                { prefix + u"_cpu_at_frame_ms"_s, number(median(valuesOf(*samples, &Sample::cpuAtFrameMs)), 0) });
+            fields.append({ prefix + u"_fonts_mib"_s, number(median(mibOf(*samples, &Sample::fontsTotalKiB))) });
+        }
+        // "ratio…": against the bare window; "ratio_chinese…": against the Chinese one.
+        for (const auto &[suffix, ofMedians, perRound, ofRssMedians] :
+            { std::tuple { QString(), ratio, &ratios, rssRatio },
+                std::tuple { u"_chinese"_s, chineseRatio, &chineseRatios, chineseRssRatio } }) {
+            fields.append({ u"ratio"_s + suffix, number(ofMedians, 3) });
+            fields.append({ u"ratio"_s + suffix + u"_pair_median"_s, number(median(*perRound), 3) });
+            fields.append({ u"ratio"_s + suffix + u"_min"_s, number(minimum(*perRound), 3) });
+            fields.append({ u"ratio"_s + suffix + u"_max"_s, number(maximum(*perRound), 3) });
+            fields.append({ u"rss_ratio"_s + suffix, number(ofRssMedians, 3) });
+        }
+        fields.append({ u"left_behind"_s, QString::number(leftBehind.size()) });
+        fields.append({ u"stolen_pct"_s, number(machineAfter.stolenPercentSince(machineBefore), 0) });
         if (storedRows > 0) {
             fields.append({ u"stored_rows"_s, QString::number(storedRows) });
             fields.append({ u"stored_ms"_s, number(median(valuesOf(stored, &Sample::firstFrameMs))) });
