@@ -401,7 +401,7 @@ AbstractButton {
             onObjectAdded: (index, item) => {
                 menu.addItem(item)
                 if (item.action.endsGroup)
-                    menu.addItem(menuSeparator.createObject())
+                    menu.addItem(menuSeparator.createObject(menu))
             }
         }
     }

@@ -1,3 +1,4 @@
+import QtQuick
 import QtQuick.Controls.Basic
 import Quillbox
 

@@ -128,11 +128,11 @@ ViewTestCase {
         const given = name => data.shows.includes(name) ? texts[name] : ""
         const row = createTemporaryObject(rowComponent, testCase, {
             taskId: data.tag, url: "http://127.0.0.1:9/" + data.tag, status: data.status, title: title,
-            phase: given("statusText"), notice: given("noticeText"), fileName: given("fileNameText"),
+            phase: given("statusText"), statusText: given("statusText") || data.tag, notice: given("noticeText"), fileName: given("fileNameText"),
             outputPath: given("fileNameText").length > 0 ? "/videos/" + texts.fileNameText : "",
             explanation: given("explanationText"), hasError: given("errorText").length > 0,
-            errorMessage: given("errorText"), eta: "", duration: "1:05", thumbnail: "", statusLabel: data.tag,
-            statusSymbol: "arrow.down.circle", statusTint: 0, speed: "", size: "", progress: 0.5,
+            errorMessage: given("errorText"), details: "1:05", thumbnail: "",
+            statusSymbol: "arrow.down.circle", statusTint: 0, progress: 0.5,
             showsProgress: false, percentText: "50%", needsToolFix: false
         })
         verify(row)

@@ -95,8 +95,7 @@ ViewTestCase {
         compare(fill.width, fill.parent.width)
         verify(findChild(row, "noticeText").visible)
         compare(findChild(row, "noticeText").text, "60 秒无响应")
-        compare(findChild(row, "speedText").visible, false)
-        compare(findChild(row, "sizeText").visible, false)
+        compare(findChild(row, "detailsText").text.includes("MiB"), false)
     }
 
     // A running row's progress, then its actions and what they do to the engine's tasks; the
@@ -116,13 +115,12 @@ ViewTestCase {
         tryCompare(child("percentText", first), "text", "42%", 20000)
         verify(child("progressRow", first).visible)
         compare(child("statusText", first).text, "下载中")
-        compare(child("speedText", first).text, "1.50MiB/s")
-        compare(child("sizeText", first).text, "10.00MiB")
-        compare(child("etaText", first).text, "剩余 10:00")
+        // The video's length joins them in front once its information is in.
+        verify(child("detailsText", first).text.endsWith("1.50MiB/s • 10.00MiB • 剩余 10:00"))
         verify(child("progressFill", first).width > 0)
         // The stand-in's information, asked for beside the download, names the row.
         tryCompare(child("titleText", first), "text", "fake", 20000)
-        compare(child("durationText", first).text, "1:05")
+        compare(child("detailsText", first).text, "1:05 • 1.50MiB/s • 10.00MiB • 剩余 10:00")
         // Selection follows the task.
         mouseClick(first)
         verify(first.isSelected)
