@@ -26,18 +26,15 @@ void TestShellRunner::decodeStrictUtf8_data()
 {
     QTest::addColumn<QByteArray>("bytes");
     QTest::addColumn<QString>("text");
-    QTest::newRow("ASCII") << QByteArray("2025.12.01\n") << u"2025.12.01\n"_s;
-    QTest::newRow("Chinese and emoji") << u"视频🎬"_s.toUtf8() << u"视频🎬"_s;
+    QTest::newRow("valid") << u"yt-dlp 视频🎬\n"_s.toUtf8() << u"yt-dlp 视频🎬\n"_s;
     QTest::newRow("a stray byte") << QByteArray("ok\xff") << QString();
     QTest::newRow("cut short at the end") << QByteArray("ok\xe9\xa2") << QString();
-    QTest::newRow("overlong") << QByteArray("\xc0\xaf") << QString();
 }
 
 void TestShellRunner::decodeStrictUtf8()
 {
     QFETCH(QByteArray, bytes);
-    QFETCH(QString, text);
-    QCOMPARE(decodeUtf8OrEmpty(bytes), text);
+    QTEST(decodeUtf8OrEmpty(bytes), "text");
 }
 
 namespace {
