@@ -260,12 +260,11 @@ bool CookieCheck::start(const QString &source, const QString &cookieFile, const 
             const QString ytDlp = m_tools->ytDlpPath();
             // No link: yt-dlp stops with "You must provide at least one URL" before any request, and
             // on the way out loads the cookies and saves them to the --cookies file.
-            QStringList words { quoteIfNeeded(ytDlp), u"--ignore-config"_s, u"--no-update"_s };
+            ShellCommand command(ytDlp, { u"--ignore-config"_s, u"--no-update"_s });
             if (!fromFile)
-                words << u"--cookies-from-browser"_s << quoteIfNeeded(source);
-            words << u"--cookies"_s << quoteIfNeeded(out);
-            const QString command = words.join(u' ');
-            qCInfo(lcCookies, "[CookieCheck] %ls", qUtf16Printable(command));
+                command << u"--cookies-from-browser"_s << source;
+            command << u"--cookies"_s << out;
+            qCInfo(lcCookies, "[CookieCheck] %ls", qUtf16Printable(command.text()));
             runShellCommand(
                 command, PipeMode::Split, this,
                 [this, folder, out, ytDlp, early, done](const ShellResult &run) {

@@ -2,6 +2,7 @@
 
 #include "cookies/chromecookies.h"
 #include "cookies/chromedecryptor.h"
+#include "engine/tooltext.h"
 #include "model/logcategories.h"
 
 #include <QDir>
@@ -11,7 +12,6 @@
 #include <QPointer>
 #include <QProcess>
 #include <QSet>
-#include <QStringDecoder>
 #include <QTemporaryFile>
 #include <QThreadPool>
 #include <QUuid>
@@ -124,13 +124,6 @@ EOF
 void logLine(const QString &message)
 {
     qCInfo(lcCookies, "[CookieService] %ls", qUtf16Printable(message));
-}
-
-QString decodeUtf8OrEmpty(const QByteArray &bytes)
-{
-    QStringDecoder decoder(QStringDecoder::Utf8);
-    const QString text = decoder(bytes);
-    return decoder.hasError() ? QString() : text;
 }
 
 // Writes `data` to `path` owner-only, atomically: a private temporary file beside it is renamed

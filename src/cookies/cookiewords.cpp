@@ -1,7 +1,6 @@
 #include "cookies/cookiewords.h"
 
 #include "cookies/chromecookies.h"
-#include "engine/shellrunner.h"
 
 #include <QFileInfo>
 
@@ -31,7 +30,7 @@ CookieWords cookieWords(const QString &source, const QString &cookieFile, const 
         } else if (!QFileInfo(path).isFile()) {
             result.warning = u"⚠️ Cookie 文件不存在: "_s + path + u"，本次不使用 Cookie"_s;
         } else {
-            result.words = QStringList { u"--cookies"_s, quoteIfNeeded(path) };
+            result.words = QStringList { u"--cookies"_s, path };
             result.notice = u"使用 Cookie 文件: "_s + path;
         }
         return result;

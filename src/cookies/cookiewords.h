@@ -17,7 +17,7 @@ bool isKnownCookieSource(const QString &source);
 // What a download's command gets from the chosen cookie source.
 struct CookieWords
 {
-    QStringList words; // ready for the command line: {"--cookies-from-browser", "chrome"}, {"--cookies", 'FILE'}, {}
+    QStringList words; // raw: {"--cookies-from-browser", "chrome"}, {"--cookies", "FILE"}, {}
     QString notice; // for the in-app log when words are given ("使用 Chrome 浏览器 Cookie")
     QString warning; // for the in-app log when the source cannot be used, so no words are given
 };

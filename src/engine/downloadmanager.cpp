@@ -125,27 +125,17 @@ LogEntry::LogType typeOfStderrLine(const QString &line)
 QString DownloadManager::buildDownloadCommand(const QString &ytDlpPath, const DownloadRequest &request,
     const QStringList &jsRuntimeArgs, const QStringList &ffmpegArgs, const QStringList &cookieArgs)
 {
-    QStringList args;
-    args += jsRuntimeArgs;
-    args += ffmpegArgs;
-    args += cookieArgs;
+    ShellCommand command(ytDlpPath, jsRuntimeArgs);
+    command << ffmpegArgs << cookieArgs;
     if (!request.downloadPlaylist)
-        args << u"--no-playlist"_s;
-    QString folder = request.outputDir;
-    folder.replace(u'\'', u"'\\''"_s);
-    args << u"-o"_s << u'\'' + folder + u"/%(title)s.%(ext)s'"_s;
-    if (request.preset != DownloadPreset::Custom) {
-        for (const QString &word : presetArguments(request.preset))
-            args << quoteIfNeeded(word);
-    }
+        command << u"--no-playlist"_s;
+    command << u"-o"_s << request.outputDir + u"/%(title)s.%(ext)s"_s;
+    command << presetArguments(request.preset); // none for the custom preset
     // Split here rather than by the shell, so the text is only ever words: an odd quote cannot
     // reach the link, and nothing in it runs. executeDownload refuses a text that does not split.
-    for (const QString &word : splitShellWords(request.customArgs).words)
-        args << quoteIfNeeded(word);
-    args << u"--progress"_s;
-    // After "--" the link is never read as an option, whatever it starts with.
-    args << u"--"_s << shellQuote(request.url);
-    return quoteIfNeeded(ytDlpPath) + u' ' + args.join(u' ');
+    command << splitShellWords(request.customArgs).words;
+    command << u"--progress"_s;
+    return command.link(request.url).text();
 }
 
 void DownloadManager::startDownload(const QString &url, DownloadPreset preset, const QString &customArgs,

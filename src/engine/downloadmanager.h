@@ -166,7 +166,7 @@ public:
     // "重试" resumes their ".part" file.
     void restoreTasks(const QList<StoredTask> &rows);
 
-    // The command text for one download, given the discovered tool words.
+    // The command text for one download (its ShellCommand rendered), given the raw tool words.
     static QString buildDownloadCommand(const QString &ytDlpPath, const DownloadRequest &request,
         const QStringList &jsRuntimeArgs, const QStringList &ffmpegArgs, const QStringList &cookieArgs);
 

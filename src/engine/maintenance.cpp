@@ -2,6 +2,7 @@
 
 #include "engine/shellrunner.h"
 #include "engine/tooldiscovery.h"
+#include "engine/tooltext.h"
 #include "engine/videoinfofetch.h"
 #include "model/appstate.h"
 #include "model/logcategories.h"
@@ -17,16 +18,6 @@ const QString managerDomain = u"DownloadManager"_s;
 EngineError launchError(const ShellResult &result)
 {
     return EngineError { u"QProcess"_s, -1, result.errorString };
-}
-
-// The first `count` characters: an emoji is one character, and a pair of surrogates is never
-// cut in two.
-QString leftCharacters(const QString &text, qsizetype count)
-{
-    qsizetype end = 0;
-    for (; end < text.size() && count > 0; --count)
-        end += text.at(end).isHighSurrogate() && end + 1 < text.size() && text.at(end + 1).isLowSurrogate() ? 2 : 1;
-    return text.left(end);
 }
 } // namespace
 
@@ -48,9 +39,11 @@ void Maintenance::updateYtDlp(std::function<void(const UpdateResult &)> completi
     m_tools->whenYtDlpPathKnown([this, completion = std::move(completion)] {
         qCInfo(lcEngine, "[Quillbox] [updateYtDlp] 开始更新 yt-dlp...");
         info(u"正在更新 yt-dlp..."_s);
-        const QString command = u"source ~/.zprofile 2>/dev/null; source ~/.zshrc 2>/dev/null; "_s
-            + u"which brew >/dev/null 2>&1 && brew upgrade yt-dlp 2>&1 || "_s + quoteIfNeeded(m_tools->ytDlpPath())
-            + u" -U 2>&1"_s;
+        ShellCommand command;
+        command.syntax(u"source ~/.zprofile 2>/dev/null; source ~/.zshrc 2>/dev/null; "
+                       u"which brew >/dev/null 2>&1 && brew upgrade yt-dlp 2>&1 ||"_s);
+        command << m_tools->ytDlpPath() << u"-U"_s;
+        command.syntax(u"2>&1"_s);
         const UpdateRoute route = m_tools->ytDlpUpdateRoute();
         // The tool's own words stay in the designed line; the advice follows as a line of its own.
         const auto failed = [this, completion, route](const QString &text, const QString &output) {
@@ -93,17 +86,17 @@ void Maintenance::listFormats(
 {
     m_tools->whenYtDlpPathKnown([this, url, useCookies, completion = std::move(completion)] {
         info(u"正在获取可用格式..."_s);
-        QStringList words { quoteIfNeeded(m_tools->ytDlpPath()), u"--list-formats"_s };
-        words += m_tools->jsRuntimeArgs();
+        ShellCommand command(m_tools->ytDlpPath(), { u"--list-formats"_s });
+        command << m_tools->jsRuntimeArgs();
         if (useCookies)
-            words += m_tools->cookieArgs().words;
-        words << u"--"_s << shellQuote(url);
-        const QString command = words.join(u' ');
+            command << m_tools->cookieArgs().words;
+        command.link(url);
+        const QString shown = command.text();
 
         qCInfo(lcEngine, "%s", separatorLine);
-        qCInfo(lcEngine, "[Quillbox] [listFormats] 命令: %ls", qUtf16Printable(command));
+        qCInfo(lcEngine, "[Quillbox] [listFormats] 命令: %ls", qUtf16Printable(shown));
         qCInfo(lcEngine, "%s", separatorLine);
-        info(u"执行命令: "_s + command);
+        info(u"执行命令: "_s + shown);
 
         runShellCommand(
             command, PipeMode::Split, this,
@@ -141,13 +134,11 @@ VideoInfoFetch *Maintenance::fetchVideoInfo(
     m_tools->whenYtDlpPathKnown([this, fetch = QPointer<VideoInfoFetch>(fetch), url, useCookies] {
         if (!fetch)
             return;
-        QStringList words { quoteIfNeeded(m_tools->ytDlpPath()), u"-J"_s, u"--no-playlist"_s };
-        words += m_tools->jsRuntimeArgs();
-        words += m_tools->ffmpegArgs();
+        ShellCommand command(m_tools->ytDlpPath(), { u"-J"_s, u"--no-playlist"_s });
+        command << m_tools->jsRuntimeArgs() << m_tools->ffmpegArgs();
         if (useCookies)
-            words += m_tools->cookieArgs().words;
-        words << u"--"_s << shellQuote(url);
-        fetch->run(words.join(u' '));
+            command << m_tools->cookieArgs().words;
+        fetch->run(command.link(url));
     });
     return fetch;
 }

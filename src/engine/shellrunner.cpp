@@ -1,9 +1,10 @@
 #include "engine/shellrunner.h"
 
+#include "engine/tooltext.h"
+
 #include <QFile>
 #include <QFileInfo>
 #include <QProcess>
-#include <QStringDecoder>
 #include <QThread>
 #include <QTimer>
 
@@ -38,22 +39,6 @@ QString shellProgram()
             return candidate;
     }
     return u"/bin/sh"_s;
-}
-
-QString shellQuote(const QString &word)
-{
-    QString escaped = word;
-    escaped.replace(u'\'', u"'\\''"_s);
-    return u'\'' + escaped + u'\'';
-}
-
-QString quoteIfNeeded(const QString &word)
-{
-    static const QString safePunctuation = u"/._-+:@%"_s;
-    const bool plain = !word.isEmpty() && std::all_of(word.cbegin(), word.cend(), [](QChar c) {
-        return (c.unicode() < 128 && c.isLetterOrNumber()) || safePunctuation.contains(c);
-    });
-    return plain ? word : shellQuote(word);
 }
 
 namespace {
@@ -292,20 +277,13 @@ int endLeftoverGroups(const QList<std::pair<qint64, qint64>> &groupsAndStartTime
     return int(running.size());
 }
 
-QString decodeUtf8OrEmpty(const QByteArray &bytes)
-{
-    QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
-    QString text = decoder.decode(bytes);
-    return decoder.hasError() ? QString() : text;
-}
-
-void runShellCommand(const QString &command, PipeMode mode, QObject *context,
+void runShellCommand(const ShellCommand &command, PipeMode mode, QObject *context,
     std::function<void(const ShellResult &)> done, int timeoutMs, bool guarded)
 {
     auto *process = new GroupProcess(context);
     process->setGuarded(guarded);
     process->setProgram(shellProgram());
-    process->setArguments({ u"-c"_s, command });
+    process->setArguments({ u"-c"_s, command.text() });
     process->setProcessChannelMode(mode == PipeMode::Shared ? QProcess::MergedChannels : QProcess::SeparateChannels);
     process->setStandardInputFile(QProcess::nullDevice());
 

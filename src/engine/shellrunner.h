@@ -1,5 +1,7 @@
 #pragma once
 
+#include "engine/shellcommand.h"
+
 #include <QDeadlineTimer>
 #include <QList>
 #include <QObject>
@@ -11,14 +13,6 @@
 // Every outside program runs through the user's shell as `SHELL -c COMMAND`. The shell is
 // $QUILLBOX_SHELL when set, else /bin/zsh, /bin/bash or /bin/sh, whichever exists first.
 QString shellProgram();
-
-// Single-quotes `word` for the shell, each embedded ' becoming '\''.
-QString shellQuote(const QString &word);
-
-// `word` as it is when it holds only letters, digits and /._-+:@%; otherwise shellQuote(word).
-// Ordinary tool paths and option words stay readable, and a space, quote or glob character
-// (zsh refuses an unmatched "bv*+ba/b") cannot change what the child receives.
-QString quoteIfNeeded(const QString &word);
 
 // A child in a process group of its own, so the shell and everything it starts (yt-dlp, ffmpeg)
 // are signalled together. Destroying it while the group runs kills the whole group.
@@ -70,9 +64,6 @@ qint64 processStartTime(qint64 pid);
 // many were running. Blocks for at most two seconds.
 int endLeftoverGroups(const QList<std::pair<qint64, qint64>> &groupsAndStartTimes);
 
-// Decodes strict UTF-8; output that is not valid UTF-8 decodes to an empty text.
-QString decodeUtf8OrEmpty(const QByteArray &bytes);
-
 struct ShellResult
 {
     bool launched = false;
@@ -96,5 +87,5 @@ enum class PipeMode {
 // Nothing is called if `context` is destroyed first (the child is then killed). A positive
 // `timeoutMs` stops the whole process group after that long and reports a launch failure.
 // With `guarded`, the group does not outlive this application (GroupGuard).
-void runShellCommand(const QString &command, PipeMode mode, QObject *context,
+void runShellCommand(const ShellCommand &command, PipeMode mode, QObject *context,
     std::function<void(const ShellResult &)> done, int timeoutMs = 0, bool guarded = false);

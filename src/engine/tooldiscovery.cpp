@@ -21,12 +21,23 @@ bool fileExists(const QString &path)
     return info.exists() && !info.isDir();
 }
 
-const QString ytDlpFallback
-    = u"source ~/.zshrc 2>/dev/null; source ~/.zprofile 2>/dev/null; which yt-dlp 2>/dev/null || echo ''"_s;
-
-QString whichCommand(const QString &name)
+ShellCommand ytDlpFallback()
 {
-    return u"source ~/.zprofile 2>/dev/null; source ~/.zshrc 2>/dev/null; which "_s + name + u" 2>/dev/null"_s;
+    return ShellCommand().syntax(
+        u"source ~/.zshrc 2>/dev/null; source ~/.zprofile 2>/dev/null; which yt-dlp 2>/dev/null || echo ''"_s);
+}
+
+ShellCommand whichCommand(const QString &name)
+{
+    ShellCommand command;
+    command.syntax(u"source ~/.zprofile 2>/dev/null; source ~/.zshrc 2>/dev/null; which"_s);
+    return (command << name).syntax(u"2>/dev/null"_s);
+}
+
+// `path` asked for its version, everything it prints on one pipe.
+ShellCommand versionCommand(const QString &path, const QString &option = u"--version"_s)
+{
+    return ShellCommand(path, { option }).syntax(u"2>&1"_s);
 }
 } // namespace
 
@@ -122,7 +133,8 @@ void ToolDiscovery::findYtDlp(int candidate, std::function<void(const QString &)
 
     if (candidate < m_locations.ytDlp.size()) {
         const QString path = m_locations.ytDlp.at(candidate);
-        const QString command = quoteIfNeeded(path) + u" --version > /dev/null 2>&1 && echo "_s + shellQuote(path);
+        ShellCommand command(path, { u"--version"_s });
+        command.syntax(u"> /dev/null 2>&1 && echo"_s).quoted(path);
         runShellCommand(
             command, PipeMode::Shared, this,
             [this, candidate, found = std::move(found)](const ShellResult &result) mutable {
@@ -138,7 +150,7 @@ void ToolDiscovery::findYtDlp(int candidate, std::function<void(const QString &)
 
     if (candidate == m_locations.ytDlp.size()) {
         runShellCommand(
-            ytDlpFallback, PipeMode::Shared, this,
+            ytDlpFallback(), PipeMode::Shared, this,
             [found = std::move(found)](const ShellResult &result) {
                 const QString printed = result.trimmedOutput();
                 found(result.launched && fileExists(printed) ? printed : u"yt-dlp"_s);
@@ -270,15 +282,15 @@ void ToolDiscovery::runReport()
         applyReport({});
         return;
     }
-    QString command = quoteIfNeeded(m_ytDlpPath) + u" -v --no-update --ignore-config"_s;
+    ShellCommand command(m_ytDlpPath, { u"-v"_s, u"--no-update"_s, u"--ignore-config"_s });
     if (supportsJsRuntimes(m_ytDlpVersion)) {
-        command += u" --no-js-runtimes"_s;
+        command << u"--no-js-runtimes"_s;
         for (const JsRuntimeInfo &runtime : std::as_const(m_jsRuntimes))
-            command += u" --js-runtimes "_s + quoteIfNeeded(runtime.name + u':' + runtime.path);
+            command << u"--js-runtimes"_s << runtime.name + u':' + runtime.path;
     }
     probeStarted();
     runShellCommand(
-        command + u" 2>&1"_s, PipeMode::Shared, this,
+        command.syntax(u"2>&1"_s), PipeMode::Shared, this,
         [this, generation](const ShellResult &result) {
             probeEnded();
             // A detection restarted meanwhile asks again when it has found its runtimes.
@@ -354,7 +366,7 @@ void ToolDiscovery::checkYtDlpInstallation(std::function<void(bool, const QStrin
 {
     whenYtDlpPathKnown([this, completion = std::move(completion)] {
         runShellCommand(
-            quoteIfNeeded(m_ytDlpPath) + u" --version 2>&1"_s, PipeMode::Shared, this,
+            versionCommand(m_ytDlpPath), PipeMode::Shared, this,
             [completion](const ShellResult &result) {
                 if (!result.launched)
                     completion(false, result.errorString);
@@ -452,7 +464,7 @@ void ToolDiscovery::probeRuntimeVersions(int generation, int index)
     }
     const JsRuntimeInfo runtime = m_jsRuntimes.at(index);
     runShellCommand(
-        quoteIfNeeded(runtime.path) + u" --version 2>&1"_s, PipeMode::Shared, this,
+        versionCommand(runtime.path), PipeMode::Shared, this,
         [this, generation, index](const ShellResult &result) {
             if (generation != m_runtimeGeneration)
                 return;
@@ -484,7 +496,7 @@ QStringList ToolDiscovery::jsRuntimeArgs() const
 {
     if (m_detectedJSRuntime.isEmpty() || m_detectedJSRuntimePath.isEmpty() || !supportsJsRuntimes(m_ytDlpVersion))
         return {};
-    return { u"--js-runtimes"_s, quoteIfNeeded(m_detectedJSRuntime + u':' + m_detectedJSRuntimePath) };
+    return { u"--js-runtimes"_s, m_detectedJSRuntime + u':' + m_detectedJSRuntimePath };
 }
 
 // --- ffmpeg
@@ -519,7 +531,7 @@ void ToolDiscovery::detectFfmpeg()
 void ToolDiscovery::getFfmpegVersion(int generation, const QString &path)
 {
     runShellCommand(
-        quoteIfNeeded(path) + u" -version 2>&1 | head -1"_s, PipeMode::Shared, this,
+        versionCommand(path, u"-version"_s).syntax(u"| head -1"_s), PipeMode::Shared, this,
         [this, generation, path](const ShellResult &result) {
             if (generation != m_ffmpegGeneration)
                 return;
@@ -562,7 +574,7 @@ QStringList ToolDiscovery::ffmpegArgs() const
 {
     if (m_detectedFfmpeg.isEmpty())
         return {};
-    return { u"--ffmpeg-location"_s, quoteIfNeeded(m_detectedFfmpeg) };
+    return { u"--ffmpeg-location"_s, m_detectedFfmpeg };
 }
 
 // --- Cookies

@@ -111,8 +111,8 @@ public:
     void detectJSRuntime();
     void detectFfmpeg();
 
-    // "--js-runtimes NAME:PATH" when a runtime was found and yt-dlp is recent enough to know the
-    // option; "--ffmpeg-location PATH" when ffmpeg was found.
+    // Raw words (ShellCommand quotes them): "--js-runtimes NAME:PATH" when a runtime was found and
+    // yt-dlp is recent enough to know the option; "--ffmpeg-location PATH" when ffmpeg was found.
     QStringList jsRuntimeArgs() const;
     QStringList ffmpegArgs() const;
     // True for versions from the first yt-dlp release that has --js-runtimes on.

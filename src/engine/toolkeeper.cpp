@@ -87,9 +87,9 @@ void ToolKeeper::brewInstall(const QString &formula, std::function<void()> then)
 {
     if (isBusy())
         return;
-    const QString brew = quoteIfNeeded(m_brew);
-    const QString command
-        = brew + u" install "_s + formula + u" 2>&1 || "_s + brew + u" upgrade "_s + formula + u" 2>&1"_s;
+    ShellCommand command(m_brew, { u"install"_s, formula });
+    command.syntax(u"2>&1 ||"_s) << m_brew << u"upgrade"_s << formula;
+    command.syntax(u"2>&1"_s);
     m_brewing = true;
     m_brewStatus = u"正在通过 Homebrew 安装 "_s + formula + u"…"_s;
     Q_EMIT stateChanged();

@@ -1,6 +1,7 @@
 #include "engine/videoinfofetch.h"
 
 #include "engine/shellrunner.h"
+#include "engine/tooltext.h"
 #include "model/appstate.h"
 #include "model/logcategories.h"
 
@@ -12,15 +13,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 const QString managerDomain = u"DownloadManager"_s;
-
-// At most `count` characters, never cutting a surrogate pair in two.
-QString leftCharacters(const QString &text, qsizetype count)
-{
-    qsizetype end = 0;
-    for (; end < text.size() && count > 0; --count)
-        end += text.at(end).isHighSurrogate() && end + 1 < text.size() && text.at(end + 1).isLowSurrogate() ? 2 : 1;
-    return text.left(end);
-}
 
 bool isPlaylist(const QByteArray &json)
 {
@@ -36,13 +28,14 @@ VideoInfoFetch::VideoInfoFetch(const QString &url, AppState *log, Completion com
 {
 }
 
-void VideoInfoFetch::run(const QString &command, int timeoutMs)
+void VideoInfoFetch::run(const ShellCommand &command, int timeoutMs)
 {
     if (m_answered || m_started)
         return;
     info(u"正在获取视频信息..."_s);
-    qCInfo(lcEngine, "[Quillbox] [fetchVideoInfo] 命令: %ls", qUtf16Printable(command));
-    info(u"执行命令: "_s + command);
+    const QString shown = command.text();
+    qCInfo(lcEngine, "[Quillbox] [fetchVideoInfo] 命令: %ls", qUtf16Printable(shown));
+    info(u"执行命令: "_s + shown);
     m_started = true;
     runShellCommand(
         command, PipeMode::Split, this, [this](const ShellResult &result) { handle(result); }, timeoutMs, true);

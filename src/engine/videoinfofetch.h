@@ -1,6 +1,7 @@
 #pragma once
 
 #include "engine/engineerror.h"
+#include "engine/shellcommand.h"
 #include "model/videoinfo.h"
 
 #include <QObject>
@@ -40,7 +41,7 @@ public:
     QString url() const { return m_url; }
 
     // Runs `command` (the caller builds it once the tool is known; until then the fetch waits).
-    void run(const QString &command, int timeoutMs = TimeoutMs);
+    void run(const ShellCommand &command, int timeoutMs = TimeoutMs);
     // Stops the child, if one runs, and answers at once with `cancelled`.
     void cancel();
 

@@ -1,6 +1,6 @@
 #include "model/presetlistmodel.h"
 
-#include "engine/shellrunner.h"
+#include "engine/shellcommand.h"
 #include "model/rawvalue.h"
 
 int PresetListModel::rowCount(const QModelIndex &parent) const
@@ -67,8 +67,5 @@ QString PresetListModel::descriptionFor(DownloadPreset preset)
 
 QString PresetListModel::argumentsFor(DownloadPreset preset)
 {
-    QStringList words;
-    for (const QString &word : presetArguments(preset))
-        words << quoteIfNeeded(word);
-    return words.join(u' ');
+    return (ShellCommand() << presetArguments(preset)).text();
 }

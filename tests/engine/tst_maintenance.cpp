@@ -328,7 +328,7 @@ void TestMaintenance::fetchVideoInfoStops()
     auto *timed = new VideoInfoFetch(u"u"_s, &engine->state, [&result](const VideoInfoResult &r) { result = r; });
     QElapsedTimer clock;
     clock.start();
-    timed->run(shellQuote(engine->fake.path()) + u" -J -- u"_s, 1000);
+    timed->run(ShellCommand(engine->fake.path(), { u"-J"_s }).link(u"u"_s), 1000);
     QTRY_VERIFY_WITH_TIMEOUT(result, 20000);
     QVERIFY(clock.elapsed() < 20000);
     QCOMPARE(result->error.localizedDescription, u"命令在 1 秒内没有结束，已停止"_s);

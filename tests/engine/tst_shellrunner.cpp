@@ -1,6 +1,7 @@
 #include "engine/downloadmanager.h"
 #include "engine/shellrunner.h"
 #include "engine/shellwords.h"
+#include "engine/tooltext.h"
 
 #include "shellrecords.h"
 
@@ -15,25 +16,25 @@ class TestShellRunner : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void quotePath_data();
-    void quotePath();
+    void decodeStrictUtf8_data();
+    void decodeStrictUtf8();
     void roundTrip_data();
     void roundTrip();
 };
 
-void TestShellRunner::quotePath_data()
+void TestShellRunner::decodeStrictUtf8_data()
 {
-    QTest::addColumn<QString>("path");
-    QTest::addColumn<QString>("word");
-    QTest::newRow("all safe punctuation") << u"/a_b/c-d+e:f@g%h.i"_s << u"/a_b/c-d+e:f@g%h.i"_s;
-    QTest::newRow("empty") << QString() << u"''"_s;
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("valid") << u"yt-dlp 视频🎬\n"_s.toUtf8() << u"yt-dlp 视频🎬\n"_s;
+    QTest::newRow("a stray byte") << QByteArray("ok\xff") << QString();
+    QTest::newRow("cut short at the end") << QByteArray("ok\xe9\xa2") << QString();
 }
 
-void TestShellRunner::quotePath()
+void TestShellRunner::decodeStrictUtf8()
 {
-    QFETCH(QString, path);
-    QFETCH(QString, word);
-    QCOMPARE(quoteIfNeeded(path), word);
+    QFETCH(QByteArray, bytes);
+    QTEST(decodeUtf8OrEmpty(bytes), "text");
 }
 
 namespace {

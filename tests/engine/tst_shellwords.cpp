@@ -1,3 +1,4 @@
+#include "engine/shellcommand.h"
 #include "engine/shellwords.h"
 
 #include "shellrecords.h"
@@ -19,6 +20,8 @@ private Q_SLOTS:
     void refused_data();
     void refused();
     void agreesWithAShell();
+    void rendered_data();
+    void rendered();
 };
 
 void TestShellWords::initTestCase()
@@ -120,6 +123,34 @@ void TestShellWords::agreesWithAShell()
         }
     }
     QCOMPARE(compared, 1000);
+}
+
+void TestShellWords::rendered_data()
+{
+    QTest::addColumn<QStringList>("words");
+    QTest::addColumn<QString>("link");
+    QTest::addColumn<QString>("text"); // after the program
+    QTest::newRow("plain") << QStringList { u"-f"_s, u"/a_b/c-d+e:f@g%h.i"_s } << u"u"_s
+                           << u"-f /a_b/c-d+e:f@g%h.i -- 'u'"_s;
+    QTest::newRow("blanks, quotes") << QStringList { u"a b\tc\nd"_s, u"it's \"$HOME`id`\\;|&>~"_s } << u"-x"_s
+                                    << u"'a b\tc\nd' 'it'\\''s \"$HOME`id`\\;|&>~' -- '-x'"_s;
+    QTest::newRow("glob, empty, non-ASCII")
+        << QStringList { u"bv*+ba/b"_s, QString(), u"视频🎬"_s } << u"https://e.test/?a&b"_s
+        << u"'bv*+ba/b' '' '视频🎬' -- 'https://e.test/?a&b'"_s;
+}
+
+void TestShellWords::rendered()
+{
+    // A real shell hands the program exactly the raw words, and the link after "--".
+    QFETCH(QStringList, words);
+    QFETCH(QString, link);
+    const QString dumper = QCoreApplication::applicationDirPath() + u"/argvdump"_s;
+    const QString text = ShellCommand(dumper, words).link(link).text();
+    QTEST(text.mid(ShellCommand(dumper).text().size() + 1), "text");
+    QByteArrayList argv;
+    for (const QString &word : words + QStringList { u"--"_s, link })
+        argv << word.toUtf8();
+    QCOMPARE(recordedArgvs(u"/bin/sh"_s, { text }), QList<QByteArrayList> { argv });
 }
 
 QTEST_GUILESS_MAIN(TestShellWords)

@@ -110,8 +110,7 @@ void TestToolDiscovery::pathWithSpaces()
     QCOMPARE(manager.ytDlpPath(), locations.ytDlp.constFirst());
     QTRY_COMPARE(manager.ytDlpVersion(), u"2025.12.01"_s);
     QTRY_COMPARE(manager.detectedFfmpegVersion(), u"ffmpeg version 9 spaced"_s);
-    QCOMPARE(
-        manager.ffmpegArgs(), QStringList({ u"--ffmpeg-location"_s, u"'"_s + locations.ffmpeg.constFirst() + u"'"_s }));
+    QCOMPARE(manager.ffmpegArgs(), QStringList({ u"--ffmpeg-location"_s, locations.ffmpeg.constFirst() }));
 }
 
 void TestToolDiscovery::runtimeOrder()
@@ -260,7 +259,7 @@ void TestToolDiscovery::realRuntimesJudgedByCurrentYtDlp()
 
     QCOMPARE(manager.ytDlpVersion(), u"2026.08.19"_s);
     QCOMPARE(manager.ytDlpVariant(), u"zip"_s);
-    QCOMPARE(manager.jsRuntimeArgs(), QStringList({ u"--js-runtimes"_s, quoteIfNeeded(u"deno:"_s + deno) }));
+    QCOMPARE(manager.jsRuntimeArgs(), QStringList({ u"--js-runtimes"_s, u"deno:"_s + deno }));
     const QList<JsRuntimeInfo> runtimes = manager.jsRuntimes();
     QCOMPARE(runtimes.size(), 2);
     QVERIFY(runtimes[0].supported && runtimes[0].judgedByYtDlp);

@@ -1,7 +1,7 @@
 #include "views/presenters/formatpicker.h"
 
 #include "engine/downloadmanager.h"
-#include "engine/shellrunner.h"
+#include "engine/shellcommand.h"
 #include "engine/videoinfofetch.h"
 #include "model/appstate.h"
 
@@ -77,7 +77,8 @@ QString FormatPicker::arguments() const
     QStringList ids;
     for (int row : m_selected)
         ids << m_formats.at(row).formatId;
-    return u"-f "_s + quoteIfNeeded(ids.join(u'+'));
+    // The custom arguments are shell words: the choice is written as a command would show it.
+    return (ShellCommand() << u"-f"_s << ids.join(u'+')).text();
 }
 
 void FormatPicker::fetch(const QString &url)

@@ -23,7 +23,7 @@ void SettingsPresenter::verifyPath(const QString &path)
     if (++m_checks == 1)
         Q_EMIT isCheckingChanged();
     runShellCommand(
-        quoteIfNeeded(path) + u" --version 2>&1"_s, PipeMode::Shared, this,
+        ShellCommand(path, { u"--version"_s }).syntax(u"2>&1"_s), PipeMode::Shared, this,
         [this](const ShellResult &) {
             if (--m_checks == 0)
                 Q_EMIT isCheckingChanged();
