@@ -17,6 +17,8 @@ class TestAppState : public QObject
 private Q_SLOTS:
     void init() { IsolatedEnvironment::clearSettings(); }
     void formIsRemembered();
+    void presetLabelBecomesKey_data();
+    void presetLabelBecomesKey();
     void settingsAreOwnerOnly_data();
     void settingsAreOwnerOnly();
     void logCapKeepsNewest();
@@ -52,6 +54,7 @@ void TestAppState::formIsRemembered()
         first.setCookieSource(u"firefox"_s);
         first.setCookieSource(u"no such browser"_s); // refused
     }
+    QCOMPARE(QSettings().value(u"selectedPreset"_s).toString(), u"audioOnly"_s);
     QSettings().setValue(u"cookiePath"_s, u"/tmp/c.txt"_s);
     AppState next;
     QCOMPARE(next.selectedPreset(), DownloadPreset::AudioOnly);
@@ -72,6 +75,40 @@ void TestAppState::formIsRemembered()
     QCOMPARE(garbled.useCookies(), false);
     QCOMPARE(garbled.outputDirectory(), QString());
     QCOMPARE(garbled.cookieSource(), u"chrome"_s);
+}
+
+// A preset an earlier version kept by its label is read, and kept by its key from then on.
+void TestAppState::presetLabelBecomesKey_data()
+{
+    QTest::addColumn<QString>("stored"); // empty: the settings file the previous version wrote
+    QTest::addColumn<DownloadPreset>("preset");
+    QTest::addColumn<QString>("key");
+    QTest::newRow("previous version's file") << QString() << DownloadPreset::BestAudio << u"bestAudio"_s;
+    QTest::newRow("默认, the default") << u"默认"_s << DownloadPreset::Default << u"default"_s;
+    QTest::newRow("最佳画质") << u"最佳画质"_s << DownloadPreset::BestQuality << u"bestQuality"_s;
+    QTest::newRow("最佳视频+音频") << u"最佳视频+音频"_s << DownloadPreset::BestVideoAudio << u"bestVideoAudio"_s;
+    QTest::newRow("仅音频") << u"仅音频"_s << DownloadPreset::AudioOnly << u"audioOnly"_s;
+    QTest::newRow("自定义") << u"自定义"_s << DownloadPreset::Custom << u"custom"_s;
+}
+
+void TestAppState::presetLabelBecomesKey()
+{
+    QFETCH(QString, stored);
+    QFETCH(DownloadPreset, preset);
+    QFETCH(QString, key);
+    const QString file = QSettings().fileName();
+    if (stored.isEmpty()) {
+        QFile::remove(file);
+        QVERIFY(QFile::copy(qEnvironmentVariable("QUILLBOX_TESTS_DIR") + u"/data/store/Quillbox-v3.conf"_s, file));
+        QVERIFY(QFile::setPermissions(file, QFile::ReadOwner | QFile::WriteOwner));
+    } else {
+        QSettings().setValue(u"selectedPreset"_s, stored);
+    }
+    AppState state;
+    QCOMPARE(state.selectedPreset(), preset);
+    QCOMPARE(QSettings().value(u"selectedPreset"_s).toString(), key);
+    if (stored.isEmpty())
+        QVERIFY(!state.downloadPlaylist() && state.cookieSource() == u"firefox"_s);
 }
 
 // The log keeps the newest 500 lines, whether they trickle in or come in one batch, and tells its

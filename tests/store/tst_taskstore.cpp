@@ -8,7 +8,9 @@
 #include "testsupport.h"
 
 #include <QSqlDatabase>
+#include <QSqlError>
 #include <QSqlQuery>
+#include <QSqlRecord>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -44,6 +46,27 @@ StoredTask sampleRow(DownloadStatus status, qint64 ordinal)
         row.task.explanation = u"链接指向的视频不存在"_s;
     }
     return row;
+}
+
+// Each row `sql` gives, by column name, read over a connection of its own.
+QList<QVariantMap> sqlRows(const QString &path, const QString &sql)
+{
+    QList<QVariantMap> rows;
+    {
+        QSqlDatabase db = QSqlDatabase::addDatabase(u"QSQLITE"_s, u"raw"_s);
+        db.setDatabaseName(path);
+        QSqlQuery query(db);
+        if (!db.open() || !query.exec(sql))
+            qFatal("%s: %s", qPrintable(sql), qPrintable(query.lastError().text()));
+        while (query.next()) {
+            QVariantMap row;
+            for (int column = 0; column < query.record().count(); ++column)
+                row.insert(query.record().fieldName(column), query.value(column));
+            rows.append(row);
+        }
+    }
+    QSqlDatabase::removeDatabase(u"raw"_s);
+    return rows;
 }
 
 // The file's bytes, to see that what was moved aside is what was there.
@@ -90,51 +113,72 @@ private Q_SLOTS:
             QCOMPARE(loaded.at(i).request, expected.request);
             QCOMPARE(loaded.at(i).ordinal, expected.ordinal);
         }
+        // Kept by key, not by the label shown.
+        QList<QVariantMap> keys;
+        for (auto row = rows.crbegin(); row != rows.crend(); ++row)
+            keys.append({ { u"status"_s, storageKey(row->task.status) }, { u"preset"_s, u"custom"_s } });
+        QCOMPARE(sqlRows(path, u"SELECT status, preset FROM tasks ORDER BY ordinal"_s), keys);
     }
 
-    void previousSchemaMigrates()
+    // Stores the previous versions wrote (tests/data/store/README), the first version's made from
+    // the second's: every row comes back, its status and preset now kept by key and shown by the
+    // same label, every other value as it was.
+    void earlierStoresMigrate_data()
     {
-        const QString path = m_dir.filePath(u"v1.sqlite"_s);
-        const StoredTask old = sampleRow(DownloadStatus::Completed, 7);
-        {
-            // The queue as the first version of the store kept it.
-            QSqlDatabase db = QSqlDatabase::addDatabase(u"QSQLITE"_s, u"v1"_s);
-            db.setDatabaseName(path);
-            QVERIFY(db.open());
-            QSqlQuery query(db);
-            QVERIFY(query.exec(u"CREATE TABLE tasks (id TEXT PRIMARY KEY, ordinal INTEGER NOT NULL, url TEXT NOT "
-                               u"NULL, title TEXT NOT NULL, status TEXT NOT NULL, progress REAL NOT NULL DEFAULT 0, "
-                               u"speed TEXT NOT NULL DEFAULT '', size TEXT NOT NULL DEFAULT '', error_message TEXT, "
-                               u"start_time INTEGER, end_time INTEGER, output_path TEXT, preset TEXT NOT NULL, "
-                               u"custom_args TEXT NOT NULL DEFAULT '', output_dir TEXT NOT NULL, playlist INTEGER "
-                               u"NOT NULL, cookies INTEGER NOT NULL)"_s));
-            QVERIFY(query.prepare(u"INSERT INTO tasks VALUES (?, 7, ?, ?, ?, 1.0, '', '10.00MiB', NULL, ?, ?, ?, "
-                                  u"?, ?, ?, 0, 1)"_s));
-            const QVariantList values = { old.task.id.toString(QUuid::WithoutBraces), old.task.url, old.task.title,
-                rawValue(DownloadStatus::Completed), old.task.startTime.toMSecsSinceEpoch(),
-                old.task.endTime->toMSecsSinceEpoch(), *old.task.outputPath, rawValue(DownloadPreset::Custom),
-                old.request.customArgs, old.request.outputDir };
-            for (int i = 0; i < values.size(); ++i)
-                query.bindValue(i, values.at(i));
-            QVERIFY(query.exec());
-            QVERIFY(query.exec(u"PRAGMA user_version = 1"_s));
-        }
-        QSqlDatabase::removeDatabase(u"v1"_s);
+        QTest::addColumn<QString>("file");
+        QTest::addColumn<QStringList>("windBack"); // SQL that turns the file into an older one
+        QTest::addColumn<int>("savedPresets");
+        QTest::addColumn<int>("processGroups");
+        QTest::newRow("version 3") << u"quillbox-v3.sqlite"_s << QStringList() << 2 << 1;
+        QTest::newRow("version 2") << u"quillbox-v2.sqlite"_s << QStringList() << 2 << 0;
+        QTest::newRow("version 1") << u"quillbox-v2.sqlite"_s
+                                   << QStringList { u"DROP TABLE presets"_s,
+                                          u"ALTER TABLE tasks DROP COLUMN explanation"_s,
+                                          u"ALTER TABLE tasks DROP COLUMN duration"_s,
+                                          u"ALTER TABLE tasks DROP COLUMN thumbnail"_s, u"PRAGMA user_version = 1"_s }
+                                   << 0 << 0;
+    }
+    void earlierStoresMigrate()
+    {
+        QFETCH(QString, file);
+        QFETCH(QStringList, windBack);
+        QFETCH(int, savedPresets);
+        QFETCH(int, processGroups);
+        const QString path = m_dir.filePath(QString::fromUtf8(QTest::currentDataTag()) + u".sqlite"_s);
+        QVERIFY(QFile::copy(qEnvironmentVariable("QUILLBOX_TESTS_DIR") + u"/data/store/"_s + file, path));
+        QVERIFY(QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner));
+        for (const QString &sql : std::as_const(windBack))
+            sqlRows(path, sql);
+        const QList<QVariantMap> before = sqlRows(path, u"SELECT * FROM tasks ORDER BY ordinal"_s);
+        QCOMPARE(before.size(), 7);
 
         TaskStore store(path);
         QCOMPARE(store.open().state, TaskStore::OpenState::Opened);
         const QList<StoredTask> loaded = store.loadTasks();
-        QCOMPARE(loaded.size(), 1);
-        QCOMPARE(loaded.first().task.title, old.task.title);
-        QCOMPARE(loaded.first().task.status, DownloadStatus::Completed);
-        QCOMPARE(loaded.first().task.endTime, old.task.endTime);
-        QCOMPARE(loaded.first().request, old.request);
-        QVERIFY(!loaded.first().task.explanation);
+        QCOMPARE(store.loadPresets().size(), savedPresets);
+        QCOMPARE(store.loadProcessGroups().size(), processGroups);
+        const QList<QVariantMap> after = sqlRows(path, u"SELECT * FROM tasks ORDER BY ordinal"_s);
+        QCOMPARE(sqlRows(path, u"PRAGMA user_version"_s).first().first().toInt(), TaskStore::SchemaVersion);
+        const QStringList statusKeys = { u"pending"_s, u"preparing"_s, u"downloading"_s, u"completed"_s, u"failed"_s,
+            u"cancelled"_s, u"paused"_s };
+        const QStringList presetKeys = { u"default"_s, u"bestQuality"_s, u"bestAudio"_s, u"bestVideoAudio"_s,
+            u"audioOnly"_s, u"custom"_s, u"bestQuality"_s };
+        QCOMPARE(loaded.size(), before.size());
+        for (qsizetype i = 0; i < before.size(); ++i) {
+            QVariantMap was = before.at(i);
+            QVariantMap is = after.at(i);
+            QCOMPARE(is.take(u"status"_s).toString(), statusKeys.at(i));
+            QCOMPARE(is.take(u"preset"_s).toString(), presetKeys.at(i));
+            QCOMPARE(rawValue(loaded.at(i).task.status), was.take(u"status"_s).toString());
+            QCOMPARE(rawValue(loaded.at(i).request.preset), was.take(u"preset"_s).toString());
+            for (auto column = was.cbegin(); column != was.cend(); ++column)
+                QCOMPARE(is.value(column.key()), column.value());
+        }
         // What the new version adds works on the migrated file.
         QVERIFY(store.savePreset({ 0, u"字幕"_s, u"--write-subs"_s }) > 0);
-        StoredTask failed = sampleRow(DownloadStatus::Failed, 8);
+        StoredTask failed = sampleRow(DownloadStatus::Failed, 2000);
         QVERIFY(store.apply({ { failed }, {} }));
-        QCOMPARE(store.loadTasks().last().task.explanation, failed.task.explanation);
+        QCOMPARE(store.loadTasks().last().task, failed.task);
     }
 
     void unreadableFileIsMovedAside_data()
