@@ -17,8 +17,7 @@ class TestAppState : public QObject
 private Q_SLOTS:
     void init() { IsolatedEnvironment::clearSettings(); }
     void formIsRemembered();
-    void presetLabelBecomesKey_data();
-    void presetLabelBecomesKey();
+    void previousSettingsAreRead();
     void settingsAreOwnerOnly_data();
     void settingsAreOwnerOnly();
     void logCapKeepsNewest();
@@ -77,38 +76,16 @@ void TestAppState::formIsRemembered()
     QCOMPARE(garbled.cookieSource(), u"chrome"_s);
 }
 
-// A preset an earlier version kept by its label is read, and kept by its key from then on.
-void TestAppState::presetLabelBecomesKey_data()
+// The settings the previous version wrote, its preset by label: read, and kept by key from then on.
+void TestAppState::previousSettingsAreRead()
 {
-    QTest::addColumn<QString>("stored"); // empty: the settings file the previous version wrote
-    QTest::addColumn<DownloadPreset>("preset");
-    QTest::addColumn<QString>("key");
-    QTest::newRow("previous version's file") << QString() << DownloadPreset::BestAudio << u"bestAudio"_s;
-    QTest::newRow("默认, the default") << u"默认"_s << DownloadPreset::Default << u"default"_s;
-    QTest::newRow("最佳画质") << u"最佳画质"_s << DownloadPreset::BestQuality << u"bestQuality"_s;
-    QTest::newRow("最佳视频+音频") << u"最佳视频+音频"_s << DownloadPreset::BestVideoAudio << u"bestVideoAudio"_s;
-    QTest::newRow("仅音频") << u"仅音频"_s << DownloadPreset::AudioOnly << u"audioOnly"_s;
-    QTest::newRow("自定义") << u"自定义"_s << DownloadPreset::Custom << u"custom"_s;
-}
-
-void TestAppState::presetLabelBecomesKey()
-{
-    QFETCH(QString, stored);
-    QFETCH(DownloadPreset, preset);
-    QFETCH(QString, key);
     const QString file = QSettings().fileName();
-    if (stored.isEmpty()) {
-        QFile::remove(file);
-        QVERIFY(QFile::copy(qEnvironmentVariable("QUILLBOX_TESTS_DIR") + u"/data/store/Quillbox-v3.conf"_s, file));
-        QVERIFY(QFile::setPermissions(file, QFile::ReadOwner | QFile::WriteOwner));
-    } else {
-        QSettings().setValue(u"selectedPreset"_s, stored);
-    }
+    QFile::remove(file);
+    QVERIFY(QFile::copy(qEnvironmentVariable("QUILLBOX_TESTS_DIR") + u"/data/store/Quillbox-v3.conf"_s, file));
     AppState state;
-    QCOMPARE(state.selectedPreset(), preset);
-    QCOMPARE(QSettings().value(u"selectedPreset"_s).toString(), key);
-    if (stored.isEmpty())
-        QVERIFY(!state.downloadPlaylist() && state.cookieSource() == u"firefox"_s);
+    QCOMPARE(state.selectedPreset(), DownloadPreset::BestAudio);
+    QVERIFY(!state.downloadPlaylist() && state.cookieSource() == u"firefox"_s);
+    QCOMPARE(QSettings().value(u"selectedPreset"_s).toString(), u"bestAudio"_s);
 }
 
 // The log keeps the newest 500 lines, whether they trickle in or come in one batch, and tells its
