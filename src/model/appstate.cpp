@@ -39,8 +39,14 @@ void AppState::loadPreferences()
     if (cookiePath.isValid())
         setCookiePath(cookiePath.toString());
     setCookieSource(settings.value(QLatin1String(CookieSourceKey)).toString());
-    if (const auto preset = downloadPresetFromRawValue(settings.value(QLatin1String(SelectedPresetKey)).toString()))
+    const QString storedPreset = settings.value(QLatin1String(SelectedPresetKey)).toString();
+    if (const auto preset = downloadPresetFromStorageKey(storedPreset)) {
         setSelectedPreset(*preset);
+    } else if (const auto earlier = downloadPresetFromEarlierLabel(storedPreset)) {
+        // Written by a version that kept the label: kept by its key from now on.
+        setSelectedPreset(*earlier);
+        QSettings().setValue(QLatin1String(SelectedPresetKey), storageKey(*earlier));
+    }
     // A switch stored by hand as anything but true or false is left at its default.
     const auto readSwitch = [&settings](const char *key) -> std::optional<bool> {
         const QString text = settings.value(QLatin1String(key)).toString().toLower();
@@ -174,7 +180,7 @@ void AppState::setDownloadQueue(const QList<DownloadTask> &value)
 void AppState::setSelectedPreset(DownloadPreset value)
 {
     if (assign(this, m_selectedPreset, value, &AppState::selectedPresetChanged))
-        remember(SelectedPresetKey, rawValue(value));
+        remember(SelectedPresetKey, storageKey(value));
 }
 
 void AppState::setCustomArguments(const QString &value)

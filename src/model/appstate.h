@@ -40,6 +40,7 @@ public:
     // Characters of one log message that are kept; the rest is replaced by a note of how many.
     static constexpr int MaxLogMessageChars = 4096;
     // The form's choices kept in the settings store: read at start, written when they change.
+    // The preset is kept by its key (storageKey()).
     static constexpr auto OutputDirectoryKey = "outputDirectory";
     static constexpr auto CookiePathKey = "cookiePath";
     static constexpr auto SelectedPresetKey = "selectedPreset";
@@ -58,8 +59,9 @@ public:
 
     // Reads the output folder, the cookie path, the preset and the playlist, cookie and
     // notification switches from the settings store; an absent or unreadable key keeps the
-    // current value, a stored empty folder replaces it. From then on, a change of the preset, the folder or a switch is
-    // written back at once, so the next start opens as this one was left.
+    // current value, a stored empty folder replaces it, and a preset an earlier version kept by its
+    // label is written back by its key. From then on, a change of the preset, the folder or a
+    // switch is written back at once, so the next start opens as this one was left.
     void loadPreferences();
 
     // Callable from any thread; returns at once. The entry is appended on this object's thread,

@@ -3,7 +3,18 @@
 #include "model/rawvalue.h"
 
 namespace {
-constexpr std::array<RawValuePair<DownloadPreset>, 6> presetNames { {
+constexpr std::array<StoredEnumName<DownloadPreset>, 6> presetNames { {
+    { DownloadPreset::Default, "default", u"默认" },
+    { DownloadPreset::BestQuality, "bestQuality", u"最佳画质" },
+    { DownloadPreset::BestAudio, "bestAudio", u"最佳音质" },
+    { DownloadPreset::BestVideoAudio, "bestVideoAudio", u"最佳视频+音频" },
+    { DownloadPreset::AudioOnly, "audioOnly", u"仅音频" },
+    { DownloadPreset::Custom, "custom", u"自定义" },
+} };
+
+// What the store and the settings kept before they kept keys: the labels of that time, which
+// stay readable here whatever the labels above become.
+constexpr std::array<RawValuePair<DownloadPreset>, 6> labelsStoredBeforeKeys { {
     { DownloadPreset::Default, u"默认" },
     { DownloadPreset::BestQuality, u"最佳画质" },
     { DownloadPreset::BestAudio, u"最佳音质" },
@@ -21,6 +32,21 @@ QString rawValue(DownloadPreset preset)
 std::optional<DownloadPreset> downloadPresetFromRawValue(QStringView raw)
 {
     return fromRawValueIn(presetNames, raw);
+}
+
+QString storageKey(DownloadPreset preset)
+{
+    return keyIn(presetNames, preset);
+}
+
+std::optional<DownloadPreset> downloadPresetFromStorageKey(QStringView key)
+{
+    return fromKeyIn(presetNames, key);
+}
+
+std::optional<DownloadPreset> downloadPresetFromEarlierLabel(QStringView label)
+{
+    return fromRawValueIn(labelsStoredBeforeKeys, label);
 }
 
 const QStringList &presetArguments(DownloadPreset preset)

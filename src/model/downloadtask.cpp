@@ -3,7 +3,19 @@
 #include "model/rawvalue.h"
 
 namespace {
-constexpr std::array<RawValuePair<DownloadStatus>, 7> statusNames { {
+constexpr std::array<StoredEnumName<DownloadStatus>, 7> statusNames { {
+    { DownloadStatus::Pending, "pending", u"等待中" },
+    { DownloadStatus::Preparing, "preparing", u"准备中" },
+    { DownloadStatus::Downloading, "downloading", u"下载中" },
+    { DownloadStatus::Completed, "completed", u"已完成" },
+    { DownloadStatus::Failed, "failed", u"失败" },
+    { DownloadStatus::Cancelled, "cancelled", u"已取消" },
+    { DownloadStatus::Paused, "paused", u"已暂停" },
+} };
+
+// What stores kept before they kept keys: the labels of that time, which stay readable here
+// whatever the labels above become.
+constexpr std::array<RawValuePair<DownloadStatus>, 7> labelsStoredBeforeKeys { {
     { DownloadStatus::Pending, u"等待中" },
     { DownloadStatus::Preparing, u"准备中" },
     { DownloadStatus::Downloading, u"下载中" },
@@ -22,6 +34,21 @@ QString rawValue(DownloadStatus status)
 std::optional<DownloadStatus> downloadStatusFromRawValue(QStringView raw)
 {
     return fromRawValueIn(statusNames, raw);
+}
+
+QString storageKey(DownloadStatus status)
+{
+    return keyIn(statusNames, status);
+}
+
+std::optional<DownloadStatus> downloadStatusFromStorageKey(QStringView key)
+{
+    return fromKeyIn(statusNames, key);
+}
+
+std::optional<DownloadStatus> downloadStatusFromEarlierLabel(QStringView label)
+{
+    return fromRawValueIn(labelsStoredBeforeKeys, label);
 }
 
 DownloadTask DownloadTask::create(const QString &url)

@@ -23,22 +23,52 @@ struct RawValuePair
     const char16_t *raw;
 };
 
-template <typename Enum, std::size_t N>
-QString rawValueIn(const std::array<RawValuePair<Enum>, N> &table, Enum value)
+// An enumeration that is stored: each case has a key, plain ASCII that never changes once a
+// release has written it, and its raw value, the label the interface shows, which may change.
+template <typename Enum>
+struct StoredEnumName
 {
-    for (const auto &pair : table) {
-        if (pair.value == value)
-            return QString::fromUtf16(pair.raw);
+    Enum value;
+    const char *key;
+    const char16_t *raw;
+};
+
+template <typename Table, typename Enum>
+QString rawValueIn(const Table &table, Enum value)
+{
+    for (const auto &entry : table) {
+        if (entry.value == value)
+            return QString::fromUtf16(entry.raw);
+    }
+    return QString();
+}
+
+template <typename Table>
+auto fromRawValueIn(const Table &table, QStringView raw) -> std::optional<decltype(table.front().value)>
+{
+    for (const auto &entry : table) {
+        if (raw == QStringView(entry.raw))
+            return entry.value;
+    }
+    return std::nullopt;
+}
+
+template <typename Enum, std::size_t N>
+QString keyIn(const std::array<StoredEnumName<Enum>, N> &table, Enum value)
+{
+    for (const auto &entry : table) {
+        if (entry.value == value)
+            return QLatin1String(entry.key);
     }
     return QString();
 }
 
 template <typename Enum, std::size_t N>
-std::optional<Enum> fromRawValueIn(const std::array<RawValuePair<Enum>, N> &table, QStringView raw)
+std::optional<Enum> fromKeyIn(const std::array<StoredEnumName<Enum>, N> &table, QStringView key)
 {
-    for (const auto &pair : table) {
-        if (raw == QStringView(pair.raw))
-            return pair.value;
+    for (const auto &entry : table) {
+        if (key == QLatin1String(entry.key))
+            return entry.value;
     }
     return std::nullopt;
 }

@@ -15,6 +15,9 @@
 #include <QStandardPaths>
 #include <QVariant>
 
+#include <algorithm>
+#include <functional>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -47,8 +50,8 @@ QDateTime timeFrom(const QVariant &value)
 // The statuses of rows that are done with: history, bounded by HistoryLimit.
 QString finishedStatuses()
 {
-    return u"'%1', '%2', '%3'"_s.arg(
-        rawValue(DownloadStatus::Completed), rawValue(DownloadStatus::Failed), rawValue(DownloadStatus::Cancelled));
+    return u"'%1', '%2', '%3'"_s.arg(storageKey(DownloadStatus::Completed), storageKey(DownloadStatus::Failed),
+        storageKey(DownloadStatus::Cancelled));
 }
 } // namespace
 
@@ -151,9 +154,13 @@ QString TaskStore::checkAndMigrate(int &version)
 
 bool TaskStore::migrate(int from)
 {
+    const auto statements = [this](const QStringList &sql) {
+        return
+            [this, sql] { return std::all_of(sql.cbegin(), sql.cend(), [this](const QString &s) { return exec(s); }); };
+    };
     // Each step is one transaction that ends by recording its version.
-    const QList<QStringList> steps = {
-        {
+    const QList<std::function<bool()>> steps = {
+        statements({
             u"CREATE TABLE tasks (id TEXT PRIMARY KEY, ordinal INTEGER NOT NULL, url TEXT NOT NULL, "
             u"title TEXT NOT NULL, status TEXT NOT NULL, progress REAL NOT NULL DEFAULT 0, "
             u"speed TEXT NOT NULL DEFAULT '', size TEXT NOT NULL DEFAULT '', error_message TEXT, "
@@ -161,29 +168,27 @@ bool TaskStore::migrate(int from)
             u"custom_args TEXT NOT NULL DEFAULT '', output_dir TEXT NOT NULL, playlist INTEGER NOT NULL, "
             u"cookies INTEGER NOT NULL)"_s,
             u"CREATE INDEX tasks_by_ordinal ON tasks (ordinal)"_s,
-        },
-        {
+        }),
+        statements({
             u"ALTER TABLE tasks ADD COLUMN explanation TEXT"_s,
             u"ALTER TABLE tasks ADD COLUMN duration TEXT NOT NULL DEFAULT ''"_s,
             u"ALTER TABLE tasks ADD COLUMN thumbnail TEXT NOT NULL DEFAULT ''"_s,
             u"CREATE TABLE presets (id INTEGER PRIMARY KEY AUTOINCREMENT, name TEXT NOT NULL, "
             u"arguments TEXT NOT NULL)"_s,
-        },
-        {
+        }),
+        statements({
             u"CREATE TABLE process_groups (id INTEGER PRIMARY KEY, started INTEGER NOT NULL)"_s,
-        },
+        }),
+        [this] { return labelsToKeys(); },
     };
-    static_assert(SchemaVersion == 3, "one migration step per schema version");
+    static_assert(SchemaVersion == 4, "one migration step per schema version");
     QSqlDatabase db = QSqlDatabase::database(m_connection, false);
     for (int version = from; version < SchemaVersion; ++version) {
         if (!db.transaction()) {
             m_lastError = db.lastError().text();
             return false;
         }
-        bool ok = true;
-        for (const QString &sql : steps.at(version))
-            ok = ok && exec(sql);
-        ok = ok && exec(u"PRAGMA user_version = %1"_s.arg(version + 1));
+        const bool ok = steps.at(version)() && exec(u"PRAGMA user_version = %1"_s.arg(version + 1));
         if (!ok || !db.commit()) {
             if (ok)
                 m_lastError = db.lastError().text();
@@ -193,6 +198,44 @@ bool TaskStore::migrate(int from)
         qCInfo(lcEngine, "[Quillbox] 队列数据库已升级到第 %d 版", version + 1);
     }
     return true;
+}
+
+// Versions 1 to 3 kept a row's status and preset by the label the interface showed; each label
+// becomes its key. A text that is neither stays as it is, and reads as it always did (a status
+// as cancelled, a preset as the default).
+bool TaskStore::labelsToKeys()
+{
+    const auto relabel = [this](const QString &column, const std::function<QString(QStringView)> &keyOf) {
+        QSqlDatabase db = QSqlDatabase::database(m_connection, false);
+        QSqlQuery query(db);
+        if (!query.exec(u"SELECT DISTINCT %1 FROM tasks"_s.arg(column))) {
+            m_lastError = query.lastError().text();
+            return false;
+        }
+        QList<std::pair<QString, QString>> changes;
+        while (query.next()) {
+            const QString label = query.value(0).toString();
+            if (const QString key = keyOf(label); !key.isEmpty())
+                changes.append({ label, key });
+        }
+        QSqlQuery update(db);
+        bool ok = update.prepare(u"UPDATE tasks SET %1 = ? WHERE %1 = ?"_s.arg(column));
+        for (qsizetype i = 0; ok && i < changes.size(); ++i) {
+            update.bindValue(0, changes.at(i).second);
+            update.bindValue(1, changes.at(i).first);
+            ok = update.exec();
+        }
+        if (!ok)
+            m_lastError = update.lastError().text();
+        return ok;
+    };
+    return relabel(u"status"_s, [](QStringView label) {
+        const auto status = downloadStatusFromEarlierLabel(label);
+        return status ? storageKey(*status) : QString();
+    }) && relabel(u"preset"_s, [](QStringView label) {
+        const auto preset = downloadPresetFromEarlierLabel(label);
+        return preset ? storageKey(*preset) : QString();
+    });
 }
 
 // SQLite creates a database 0644 whatever the umask, and gives its -wal and -shm the database's
@@ -266,7 +309,7 @@ QList<StoredTask> TaskStore::loadTasks()
         row.ordinal = query.value(1).toLongLong();
         task.url = query.value(2).toString();
         task.title = query.value(3).toString();
-        task.status = downloadStatusFromRawValue(query.value(4).toString()).value_or(DownloadStatus::Cancelled);
+        task.status = downloadStatusFromStorageKey(query.value(4).toString()).value_or(DownloadStatus::Cancelled);
         task.progress = query.value(5).toDouble();
         task.speed = query.value(6).toString();
         task.size = query.value(7).toString();
@@ -280,7 +323,7 @@ QList<StoredTask> TaskStore::loadTasks()
         task.thumbnail = query.value(14).toString();
         DownloadRequest &request = row.request;
         request.url = task.url;
-        request.preset = downloadPresetFromRawValue(query.value(15).toString()).value_or(DownloadPreset::Default);
+        request.preset = downloadPresetFromStorageKey(query.value(15).toString()).value_or(DownloadPreset::Default);
         request.customArgs = query.value(16).toString();
         request.outputDir = query.value(17).toString();
         request.downloadPlaylist = query.value(18).toBool();
@@ -312,10 +355,10 @@ bool TaskStore::apply(const StoreBatch &batch)
             const StoredTask &row = batch.upserts.at(i);
             const DownloadTask &task = row.task;
             const QVariantList values = { task.id.toString(QUuid::WithoutBraces), row.ordinal, task.url, task.title,
-                rawValue(task.status), task.progress, task.speed, task.size, optionalText(task.errorMessage),
+                storageKey(task.status), task.progress, task.speed, task.size, optionalText(task.errorMessage),
                 optionalText(task.explanation), timeValue(task.startTime),
                 timeValue(task.endTime.value_or(QDateTime())), optionalText(task.outputPath), task.duration,
-                task.thumbnail, rawValue(row.request.preset), row.request.customArgs, row.request.outputDir,
+                task.thumbnail, storageKey(row.request.preset), row.request.customArgs, row.request.outputDir,
                 int(row.request.downloadPlaylist), int(row.request.useCookies) };
             for (int column = 0; column < values.size(); ++column)
                 write.bindValue(column, values.at(column));

@@ -44,8 +44,9 @@ class TaskStore
 public:
     // Version 1 kept the queue alone. Version 2 adds the failure's explanation, the video's
     // length and picture, and the saved presets. Version 3 adds the process groups of running
-    // downloads, so that a run that died can have its leftovers ended at the next start.
-    static constexpr int SchemaVersion = 3;
+    // downloads, so that a run that died can have its leftovers ended at the next start. Version
+    // 4 keeps a row's status and preset by key ("completed", "bestAudio") instead of by label.
+    static constexpr int SchemaVersion = 4;
     // Finished rows beyond this many, oldest first, are dropped when the store is opened.
     static constexpr int HistoryLimit = 10000;
 
@@ -111,6 +112,7 @@ private:
     // Empty when the file is usable; else why not.
     QString checkAndMigrate(int &version);
     bool migrate(int from);
+    bool labelsToKeys();
     bool exec(const QString &sql);
 
     QString m_path;

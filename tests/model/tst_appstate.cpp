@@ -17,6 +17,7 @@ class TestAppState : public QObject
 private Q_SLOTS:
     void init() { IsolatedEnvironment::clearSettings(); }
     void formIsRemembered();
+    void previousSettingsAreRead();
     void settingsAreOwnerOnly_data();
     void settingsAreOwnerOnly();
     void logCapKeepsNewest();
@@ -52,6 +53,7 @@ void TestAppState::formIsRemembered()
         first.setCookieSource(u"firefox"_s);
         first.setCookieSource(u"no such browser"_s); // refused
     }
+    QCOMPARE(QSettings().value(u"selectedPreset"_s).toString(), u"audioOnly"_s);
     QSettings().setValue(u"cookiePath"_s, u"/tmp/c.txt"_s);
     AppState next;
     QCOMPARE(next.selectedPreset(), DownloadPreset::AudioOnly);
@@ -72,6 +74,18 @@ void TestAppState::formIsRemembered()
     QCOMPARE(garbled.useCookies(), false);
     QCOMPARE(garbled.outputDirectory(), QString());
     QCOMPARE(garbled.cookieSource(), u"chrome"_s);
+}
+
+// The settings the previous version wrote, its preset by label: read, and kept by key from then on.
+void TestAppState::previousSettingsAreRead()
+{
+    const QString file = QSettings().fileName();
+    QFile::remove(file);
+    QVERIFY(QFile::copy(qEnvironmentVariable("QUILLBOX_TESTS_DIR") + u"/data/store/Quillbox-v3.conf"_s, file));
+    AppState state;
+    QCOMPARE(state.selectedPreset(), DownloadPreset::BestAudio);
+    QVERIFY(!state.downloadPlaylist() && state.cookieSource() == u"firefox"_s);
+    QCOMPARE(QSettings().value(u"selectedPreset"_s).toString(), u"bestAudio"_s);
 }
 
 // The log keeps the newest 500 lines, whether they trickle in or come in one batch, and tells its

@@ -200,6 +200,8 @@ private Q_SLOTS:
         memory.start();
         QTRY_COMPARE(downloads.tasks().size(), 3);
         QVERIFY(std::none_of(started.cbegin(), started.cend(), running));
+        // The line about them is posted to the log just before the rows come back.
+        QCoreApplication::sendPostedEvents();
         const QStringList ended = EngineFixture::messages(state).filter(u"已结束上次运行遗留的"_s);
         QCOMPARE(ended,
             guardianKilled

@@ -8,7 +8,9 @@
 #include "testsupport.h"
 
 #include <QSqlDatabase>
+#include <QSqlError>
 #include <QSqlQuery>
+#include <QSqlRecord>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -44,6 +46,27 @@ StoredTask sampleRow(DownloadStatus status, qint64 ordinal)
         row.task.explanation = u"链接指向的视频不存在"_s;
     }
     return row;
+}
+
+// The rows `sql` gives, by column name, over a connection of its own.
+QList<QVariantMap> sqlRows(const QString &path, const QString &sql)
+{
+    QList<QVariantMap> rows;
+    {
+        QSqlDatabase db = QSqlDatabase::addDatabase(u"QSQLITE"_s, u"raw"_s);
+        db.setDatabaseName(path);
+        QSqlQuery query(db);
+        db.open();
+        query.exec(sql);
+        while (query.next()) {
+            QVariantMap row;
+            for (int column = 0; column < query.record().count(); ++column)
+                row.insert(query.record().fieldName(column), query.value(column));
+            rows.append(row);
+        }
+    }
+    QSqlDatabase::removeDatabase(u"raw"_s);
+    return rows;
 }
 
 // The file's bytes, to see that what was moved aside is what was there.
@@ -92,49 +115,56 @@ private Q_SLOTS:
         }
     }
 
-    void previousSchemaMigrates()
+    // Stores the previous versions wrote (tests/data/README.md), the first version's made from the
+    // second's: every row and value comes back, the status and preset by key, shown by the same label.
+    void earlierStoresMigrate_data()
     {
-        const QString path = m_dir.filePath(u"v1.sqlite"_s);
-        const StoredTask old = sampleRow(DownloadStatus::Completed, 7);
-        {
-            // The queue as the first version of the store kept it.
-            QSqlDatabase db = QSqlDatabase::addDatabase(u"QSQLITE"_s, u"v1"_s);
-            db.setDatabaseName(path);
-            QVERIFY(db.open());
-            QSqlQuery query(db);
-            QVERIFY(query.exec(u"CREATE TABLE tasks (id TEXT PRIMARY KEY, ordinal INTEGER NOT NULL, url TEXT NOT "
-                               u"NULL, title TEXT NOT NULL, status TEXT NOT NULL, progress REAL NOT NULL DEFAULT 0, "
-                               u"speed TEXT NOT NULL DEFAULT '', size TEXT NOT NULL DEFAULT '', error_message TEXT, "
-                               u"start_time INTEGER, end_time INTEGER, output_path TEXT, preset TEXT NOT NULL, "
-                               u"custom_args TEXT NOT NULL DEFAULT '', output_dir TEXT NOT NULL, playlist INTEGER "
-                               u"NOT NULL, cookies INTEGER NOT NULL)"_s));
-            QVERIFY(query.prepare(u"INSERT INTO tasks VALUES (?, 7, ?, ?, ?, 1.0, '', '10.00MiB', NULL, ?, ?, ?, "
-                                  u"?, ?, ?, 0, 1)"_s));
-            const QVariantList values = { old.task.id.toString(QUuid::WithoutBraces), old.task.url, old.task.title,
-                rawValue(DownloadStatus::Completed), old.task.startTime.toMSecsSinceEpoch(),
-                old.task.endTime->toMSecsSinceEpoch(), *old.task.outputPath, rawValue(DownloadPreset::Custom),
-                old.request.customArgs, old.request.outputDir };
-            for (int i = 0; i < values.size(); ++i)
-                query.bindValue(i, values.at(i));
-            QVERIFY(query.exec());
-            QVERIFY(query.exec(u"PRAGMA user_version = 1"_s));
-        }
-        QSqlDatabase::removeDatabase(u"v1"_s);
-
+        QTest::addColumn<QString>("file");
+        QTest::addColumn<QStringList>("windBack"); // SQL that makes it an older version's file
+        QTest::addColumn<int>("presets");
+        QTest::addColumn<int>("groups");
+        QTest::newRow("version 3") << u"quillbox-v3.sqlite"_s << QStringList() << 2 << 1;
+        QTest::newRow("version 2") << u"quillbox-v2.sqlite"_s << QStringList() << 2 << 0;
+        QTest::newRow("version 1") << u"quillbox-v2.sqlite"_s
+                                   << QStringList { u"DROP TABLE presets"_s, u"ALTER TABLE tasks DROP explanation"_s,
+                                          u"ALTER TABLE tasks DROP duration"_s, u"ALTER TABLE tasks DROP thumbnail"_s,
+                                          u"PRAGMA user_version = 1"_s }
+                                   << 0 << 0;
+    }
+    void earlierStoresMigrate()
+    {
+        QFETCH(QString, file);
+        QFETCH(QStringList, windBack);
+        QFETCH(int, presets);
+        QFETCH(int, groups);
+        const QString path = m_dir.filePath(QString::fromUtf8(QTest::currentDataTag()));
+        QVERIFY(QFile::copy(qEnvironmentVariable("QUILLBOX_TESTS_DIR") + u"/data/store/"_s + file, path));
+        for (const QString &sql : std::as_const(windBack))
+            sqlRows(path, sql);
+        const QList<QVariantMap> before = sqlRows(path, u"SELECT * FROM tasks ORDER BY ordinal"_s);
         TaskStore store(path);
         QCOMPARE(store.open().state, TaskStore::OpenState::Opened);
         const QList<StoredTask> loaded = store.loadTasks();
-        QCOMPARE(loaded.size(), 1);
-        QCOMPARE(loaded.first().task.title, old.task.title);
-        QCOMPARE(loaded.first().task.status, DownloadStatus::Completed);
-        QCOMPARE(loaded.first().task.endTime, old.task.endTime);
-        QCOMPARE(loaded.first().request, old.request);
-        QVERIFY(!loaded.first().task.explanation);
+        const QList<QVariantMap> after = sqlRows(path, u"SELECT * FROM tasks ORDER BY ordinal"_s);
+        const QStringList keys = { u"pending default"_s, u"preparing bestQuality"_s, u"downloading bestAudio"_s,
+            u"completed bestVideoAudio"_s, u"failed audioOnly"_s, u"cancelled custom"_s, u"paused bestQuality"_s };
+        QCOMPARE(loaded.size(), keys.size());
+        QVERIFY(before.size() == keys.size() && after.size() == keys.size());
+        for (qsizetype i = 0; i < keys.size(); ++i) {
+            QVariantMap was = before.at(i);
+            QVariantMap is = after.at(i);
+            QCOMPARE(is.take(u"status"_s).toString() + u' ' + is.take(u"preset"_s).toString(), keys.at(i));
+            QCOMPARE(rawValue(loaded.at(i).task.status), was.take(u"status"_s).toString());
+            QCOMPARE(rawValue(loaded.at(i).request.preset), was.take(u"preset"_s).toString());
+            for (auto column = was.cbegin(); column != was.cend(); ++column)
+                QCOMPARE(is.value(column.key()), column.value());
+        }
+        QCOMPARE(store.loadPresets().size(), presets);
+        QCOMPARE(store.loadProcessGroups().size(), groups);
         // What the new version adds works on the migrated file.
         QVERIFY(store.savePreset({ 0, u"字幕"_s, u"--write-subs"_s }) > 0);
-        StoredTask failed = sampleRow(DownloadStatus::Failed, 8);
-        QVERIFY(store.apply({ { failed }, {} }));
-        QCOMPARE(store.loadTasks().last().task.explanation, failed.task.explanation);
+        QVERIFY(store.apply({ { sampleRow(DownloadStatus::Failed, 2000) }, {} }));
+        QCOMPARE(store.loadTasks().last().task.status, DownloadStatus::Failed);
     }
 
     void unreadableFileIsMovedAside_data()
