@@ -1,6 +1,6 @@
 #include "app/thumbnailcache.h"
 
-#include "store/privatefiles.h"
+#include "engine/privatefiles.h"
 
 #include <QDateTime>
 #include <QNetworkAccessManager>

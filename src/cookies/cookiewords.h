@@ -4,7 +4,7 @@
 #include <QStringList>
 
 // Where downloads take their cookies from, as the "cookieSource" setting stores it: "none", "file"
-// (the cookie file of AppState's cookiePath) or the name of a browser yt-dlp reads ("chrome", …).
+// (the cookie file of the cookie settings' path) or the name of a browser yt-dlp reads ("chrome", …).
 namespace CookieSourceNames {
 inline constexpr auto None = "none";
 inline constexpr auto File = "file";

@@ -5,7 +5,7 @@
 #include "engine/shellrunner.h"
 #include "engine/shellwords.h"
 #include "engine/videoinfofetch.h"
-#include "model/appstate.h"
+#include "model/enginehost.h"
 #include "model/logcategories.h"
 
 #include <QDeadlineTimer>
@@ -27,7 +27,7 @@ std::optional<ToolLocations> chosenLocations;
 DownloadManager *DownloadManager::instance()
 {
     static DownloadManager *const shared
-        = new DownloadManager(AppState::instance(), chosenLocations.value_or(ToolLocations::standard(QDir::homePath())),
+        = new DownloadManager(EngineHost::processWide(), chosenLocations.value_or(ToolLocations::standard(QDir::homePath())),
             nullptr, discoveryDeferred ? Discovery::WaitForStart : Discovery::StartNow);
     return shared;
 }
@@ -42,14 +42,14 @@ void DownloadManager::deferDiscovery()
     discoveryDeferred = true;
 }
 
-DownloadManager::DownloadManager(AppState *appState, ToolLocations locations, QObject *parent, Discovery discovery)
+DownloadManager::DownloadManager(EngineHost host, ToolLocations locations, QObject *parent, Discovery discovery)
     : QObject(parent)
-    , m_appState(appState)
+    , m_log(host.log)
     , m_tasks(new TaskModel(this))
-    , m_tools(new ToolDiscovery(appState, std::move(locations), this))
-    , m_maintenance(new Maintenance(appState, m_tools, this))
+    , m_tools(new ToolDiscovery(host, std::move(locations), this))
+    , m_maintenance(new Maintenance(host.log, m_tools, this))
     , m_keeper(new ToolKeeper(
-          appState, m_tools, new ToolInstaller(ReleaseLocations::standard(), this), [this] { return m_jobs.isEmpty(); },
+          host.log, m_tools, new ToolInstaller(ReleaseLocations::standard(), this), [this] { return m_jobs.isEmpty(); },
           this))
 {
     // Queued: a download that ends lets the next waiting one start before the queue counts as idle.
@@ -60,10 +60,6 @@ DownloadManager::DownloadManager(AppState *appState, ToolLocations locations, QO
                 m_keeper->downloadsIdle();
         },
         Qt::QueuedConnection);
-    connect(m_tools, &ToolDiscovery::ytDlpPathChanged, this, &DownloadManager::ytDlpPathChanged);
-    connect(m_tools, &ToolDiscovery::ytDlpVersionChanged, this, &DownloadManager::ytDlpVersionChanged);
-    connect(m_tools, &ToolDiscovery::detectedJSRuntimeChanged, this, &DownloadManager::detectedJSRuntimeChanged);
-    connect(m_tools, &ToolDiscovery::detectedFfmpegChanged, this, &DownloadManager::detectedFfmpegChanged);
     connect(m_tools, &ToolDiscovery::ready, this, &DownloadManager::pumpQueue);
     const int stored
         = QSettings().value(QLatin1String(MaxConcurrentDownloadsKey), DefaultMaxConcurrentDownloads).toInt();
@@ -79,8 +75,8 @@ DownloadManager::~DownloadManager()
 
 void DownloadManager::addLog(const QString &message, LogEntry::LogType type) const
 {
-    if (m_appState)
-        m_appState->addLog(message, type);
+    if (m_log)
+        m_log->addLog(message, type);
 }
 
 void DownloadManager::info(const QString &message) const
@@ -409,8 +405,8 @@ void DownloadManager::logOutputLine(const QUuid &taskId, const QString &line, Lo
     auto entry = m_progressEntry.find(taskId);
     if (entry == m_progressEntry.end())
         entry = m_progressEntry.insert(taskId, QUuid::createUuid());
-    if (m_appState)
-        m_appState->addLog(line, type, *entry);
+    if (m_log)
+        m_log->addLog(line, type, *entry);
 }
 
 void DownloadManager::applyProgress(const QUuid &taskId, const ProgressUpdate &update)

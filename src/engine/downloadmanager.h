@@ -10,7 +10,8 @@
 #include "model/downloadtask.h"
 #include "model/logentry.h"
 #include "model/taskmodel.h"
-#include "store/taskstore.h"
+#include "model/enginehost.h"
+#include "model/storedtask.h"
 
 #include <QHash>
 #include <QList>
@@ -23,7 +24,6 @@
 #include <functional>
 #include <memory>
 
-class AppState;
 class VideoInfoFetch;
 struct VideoInfoResult;
 
@@ -37,13 +37,6 @@ class DownloadManager : public QObject
     Q_PROPERTY(TaskModel *tasks READ taskModel CONSTANT)
     Q_PROPERTY(ToolDiscovery *tools READ tools CONSTANT)
     Q_PROPERTY(ToolKeeper *keeper READ keeper CONSTANT)
-    Q_PROPERTY(QString ytDlpPath READ ytDlpPath NOTIFY ytDlpPathChanged)
-    Q_PROPERTY(QString ytDlpVersion READ ytDlpVersion NOTIFY ytDlpVersionChanged)
-    Q_PROPERTY(bool isCheckingYtDlp READ isCheckingYtDlp NOTIFY isCheckingYtDlpChanged)
-    Q_PROPERTY(QString detectedJSRuntime READ detectedJSRuntime NOTIFY detectedJSRuntimeChanged)
-    Q_PROPERTY(QString detectedJSRuntimePath READ detectedJSRuntimePath NOTIFY detectedJSRuntimeChanged)
-    Q_PROPERTY(QString detectedFfmpeg READ detectedFfmpeg NOTIFY detectedFfmpegChanged)
-    Q_PROPERTY(QString detectedFfmpegVersion READ detectedFfmpegVersion NOTIFY detectedFfmpegChanged)
     Q_PROPERTY(int maxConcurrentDownloads READ maxConcurrentDownloads WRITE setMaxConcurrentDownloads NOTIFY
             maxConcurrentDownloadsChanged)
     Q_PROPERTY(int runningCount READ runningCount NOTIFY runningCountChanged)
@@ -58,7 +51,8 @@ public:
     static constexpr int StallNoticeMs = 60000;
     static constexpr int ProbeTimeoutMs = ToolDiscovery::ProbeTimeoutMs;
 
-    // The process-wide engine, bound to AppState::instance() and the real tool locations.
+    // The process-wide engine, bound to the application (EngineHost::processWide()) and the real
+    // tool locations.
     static DownloadManager *instance();
     // Call before instance(): the process-wide engine then waits for startDiscovery(), so that
     // the application can draw its first frame before the tool lookups compete for the CPU.
@@ -71,7 +65,7 @@ public:
 
     // Starts choosing the yt-dlp path and the runtime and ffmpeg detections (unless told to wait
     // for startDiscovery()), and returns at once.
-    DownloadManager(AppState *appState, ToolLocations locations, QObject *parent = nullptr,
+    DownloadManager(EngineHost host, ToolLocations locations, QObject *parent = nullptr,
         Discovery discovery = Discovery::StartNow);
     ~DownloadManager() override;
 
@@ -172,11 +166,6 @@ public:
 
 Q_SIGNALS:
     void installationChecked(int request, bool installed, const QString &output);
-    void ytDlpPathChanged();
-    void ytDlpVersionChanged();
-    void isCheckingYtDlpChanged();
-    void detectedJSRuntimeChanged();
-    void detectedFfmpegChanged();
     void maxConcurrentDownloadsChanged();
     void runningCountChanged();
     // A download's process group started, or its download ended: the store keeps the running
@@ -212,7 +201,7 @@ private:
     // length and picture on the row.
     void fetchInfoFor(const QUuid &taskId, const DownloadRequest &request);
 
-    AppState *m_appState;
+    LogSink *m_log;
     TaskModel *m_tasks;
     ToolDiscovery *m_tools;
     Maintenance *m_maintenance;

@@ -1,10 +1,11 @@
 #include "engine/maintenance.h"
 
+#include "model/enginehost.h"
+
 #include "engine/shellrunner.h"
 #include "engine/tooldiscovery.h"
 #include "engine/tooltext.h"
 #include "engine/videoinfofetch.h"
-#include "model/appstate.h"
 #include "model/logcategories.h"
 
 #include <QPointer>
@@ -21,17 +22,17 @@ EngineError launchError(const ShellResult &result)
 }
 } // namespace
 
-Maintenance::Maintenance(AppState *appState, ToolDiscovery *tools, QObject *parent)
+Maintenance::Maintenance(LogSink *log, ToolDiscovery *tools, QObject *parent)
     : QObject(parent)
-    , m_appState(appState)
+    , m_log(log)
     , m_tools(tools)
 {
 }
 
 void Maintenance::addLog(const QString &message, LogEntry::LogType type) const
 {
-    if (m_appState)
-        m_appState->addLog(message, type);
+    if (m_log)
+        m_log->addLog(message, type);
 }
 
 void Maintenance::updateYtDlp(std::function<void(const UpdateResult &)> completion)
@@ -77,7 +78,7 @@ void Maintenance::updateYtDlp(std::function<void(const UpdateResult &)> completi
                     completion({ text, {} });
                 });
             },
-            UpdateTimeoutMs);
+            UpdateTimeoutMs, /*guarded=*/false);
     });
 }
 
@@ -130,7 +131,7 @@ void Maintenance::listFormats(
 VideoInfoFetch *Maintenance::fetchVideoInfo(
     const QString &url, bool useCookies, std::function<void(const VideoInfoResult &)> completion, bool logged)
 {
-    auto *fetch = new VideoInfoFetch(url, logged ? m_appState : nullptr, std::move(completion), this);
+    auto *fetch = new VideoInfoFetch(url, logged ? m_log : nullptr, std::move(completion), this);
     m_tools->whenYtDlpPathKnown([this, fetch = QPointer<VideoInfoFetch>(fetch), url, useCookies] {
         if (!fetch)
             return;

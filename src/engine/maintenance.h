@@ -7,7 +7,7 @@
 
 #include <functional>
 
-class AppState;
+class LogSink;
 class ToolDiscovery;
 class VideoInfoFetch;
 struct VideoInfoResult;
@@ -35,7 +35,7 @@ public:
     static constexpr int ListFormatsTimeoutMs = 180000;
     static constexpr int UpdateTimeoutMs = 600000;
 
-    Maintenance(AppState *appState, ToolDiscovery *tools, QObject *parent = nullptr);
+    Maintenance(LogSink *log, ToolDiscovery *tools, QObject *parent = nullptr);
 
     // Homebrew's upgrade when brew is there, else "yt-dlp -U"; `completion` gets the text for
     // the user ("✅ …" or "❌ …") and, for a failure, advice on it; the version is probed again
@@ -52,6 +52,6 @@ private:
     void addLog(const QString &message, LogEntry::LogType type) const;
     void info(const QString &message) const { addLog(message, LogEntry::LogType::Info); }
 
-    AppState *m_appState;
+    LogSink *m_log;
     ToolDiscovery *m_tools;
 };

@@ -86,6 +86,8 @@ enum class PipeMode {
 // Runs `command` asynchronously and calls `done` once, on `context`'s thread, with the result.
 // Nothing is called if `context` is destroyed first (the child is then killed). A positive
 // `timeoutMs` stops the whole process group after that long and reports a launch failure.
-// With `guarded`, the group does not outlive this application (GroupGuard).
+// A `guarded` group does not outlive this application (GroupGuard): a probe or a listing left
+// running when it quits, however it quits, is ended with it. Only an installation that should
+// finish on its own (an update, Homebrew) runs unguarded.
 void runShellCommand(const ShellCommand &command, PipeMode mode, QObject *context,
-    std::function<void(const ShellResult &)> done, int timeoutMs = 0, bool guarded = false);
+    std::function<void(const ShellResult &)> done, int timeoutMs = 0, bool guarded = true);

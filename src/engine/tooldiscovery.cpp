@@ -2,7 +2,7 @@
 
 #include "engine/shellrunner.h"
 #include "engine/toolinstaller.h"
-#include "model/appstate.h"
+#include "model/enginehost.h"
 #include "model/logcategories.h"
 
 #include <QDir>
@@ -73,9 +73,10 @@ ToolLocations ToolLocations::standard(const QString &home)
     return locations;
 }
 
-ToolDiscovery::ToolDiscovery(AppState *appState, ToolLocations locations, QObject *parent)
+ToolDiscovery::ToolDiscovery(EngineHost host, ToolLocations locations, QObject *parent)
     : QObject(parent)
-    , m_appState(appState)
+    , m_log(host.log)
+    , m_cookies(host.cookies)
     , m_locations(std::move(locations))
     , m_homebrew(!homebrewExecutable().isEmpty())
 {
@@ -93,8 +94,8 @@ void ToolDiscovery::start()
 
 void ToolDiscovery::addLog(const QString &message, LogEntry::LogType type) const
 {
-    if (m_appState)
-        m_appState->addLog(message, type);
+    if (m_log)
+        m_log->addLog(message, type);
 }
 
 void ToolDiscovery::announceIfReady()
@@ -581,8 +582,8 @@ QStringList ToolDiscovery::ffmpegArgs() const
 
 CookieWords ToolDiscovery::cookieArgs() const
 {
-    const CookieWords cookies = m_appState
-        ? cookieWords(m_appState->cookieSource(), m_appState->cookiePath(), m_locations.home)
+    const CookieWords cookies = m_cookies
+        ? cookieWords(m_cookies->cookieSource(), m_cookies->cookiePath(), m_locations.home)
         : cookieWords(QLatin1String(CookieSourceNames::DefaultBrowser), QString(), m_locations.home);
     if (!cookies.warning.isEmpty() && cookies.warning != m_lastCookieWarning)
         addLog(cookies.warning, LogEntry::LogType::Warning);

@@ -2,6 +2,7 @@
 
 #include "cookies/cookiewords.h"
 #include "engine/toolchain.h"
+#include "model/enginehost.h"
 #include "model/logentry.h"
 
 #include <QList>
@@ -11,7 +12,6 @@
 
 #include <functional>
 
-class AppState;
 
 // Where tool discovery looks. standard() is the real machine; a test points it elsewhere.
 struct ToolLocations
@@ -42,6 +42,10 @@ class ToolDiscovery : public QObject
     Q_PROPERTY(QString ytDlpPath READ ytDlpPath NOTIFY ytDlpPathChanged)
     Q_PROPERTY(bool isYtDlpPathChosen READ isYtDlpPathChosen NOTIFY ytDlpPathChanged)
     Q_PROPERTY(QString ytDlpVersion READ ytDlpVersion NOTIFY ytDlpVersionChanged)
+    Q_PROPERTY(QString detectedJSRuntime READ detectedJSRuntime NOTIFY detectedJSRuntimeChanged)
+    Q_PROPERTY(QString detectedJSRuntimePath READ detectedJSRuntimePath NOTIFY detectedJSRuntimeChanged)
+    Q_PROPERTY(QString detectedFfmpeg READ detectedFfmpeg NOTIFY detectedFfmpegChanged)
+    Q_PROPERTY(QString detectedFfmpegVersion READ detectedFfmpegVersion NOTIFY detectedFfmpegChanged)
     Q_PROPERTY(bool isYtDlpKept READ isYtDlpKept NOTIFY verdictsChanged)
     Q_PROPERTY(QString latestYtDlpVersion READ latestYtDlpVersion NOTIFY verdictsChanged)
     Q_PROPERTY(QString detectedFfprobe READ detectedFfprobe NOTIFY detectedFfmpegChanged)
@@ -56,7 +60,7 @@ public:
     static constexpr auto CustomYtDlpPathKey = "customYtDlpPath";
     static constexpr int ProbeTimeoutMs = 30000;
 
-    ToolDiscovery(AppState *appState, ToolLocations locations, QObject *parent = nullptr);
+    ToolDiscovery(EngineHost host, ToolLocations locations, QObject *parent = nullptr);
 
     // Starts choosing the yt-dlp path and the runtime and ffmpeg detections, once.
     void start();
@@ -118,7 +122,7 @@ public:
     // True for versions from the first yt-dlp release that has --js-runtimes on.
     static bool supportsJsRuntimes(const QString &ytDlpVersion);
 
-    // The cookie words of AppState's cookie source; a source that cannot be used gives none,
+    // The cookie words of the cookie settings' source; a source that cannot be used gives none,
     // and the in-app log says so once.
     CookieWords cookieArgs() const;
 
@@ -150,7 +154,8 @@ private:
     void warnIfYtDlpTooOld();
     void announceIfReady();
 
-    AppState *m_appState;
+    LogSink *m_log;
+    const CookieSettings *m_cookies;
     ToolLocations m_locations;
     bool m_homebrew; // looked for once: the verdicts are judged again on every change
     bool m_started = false;

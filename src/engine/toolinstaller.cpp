@@ -2,7 +2,7 @@
 
 #include "engine/zipextract.h"
 #include "model/logcategories.h"
-#include "store/privatefiles.h"
+#include "engine/privatefiles.h"
 
 #include <QCryptographicHash>
 #include <QDir>

@@ -1,8 +1,9 @@
 #include "engine/toolkeeper.h"
 
+#include "model/enginehost.h"
+
 #include "engine/shellrunner.h"
 #include "engine/tooldiscovery.h"
-#include "model/appstate.h"
 #include "model/logcategories.h"
 
 #include <QSettings>
@@ -10,9 +11,9 @@
 using namespace Qt::StringLiterals;
 
 ToolKeeper::ToolKeeper(
-    AppState *appState, ToolDiscovery *tools, ToolInstaller *installer, std::function<bool()> isIdle, QObject *parent)
+    LogSink *log, ToolDiscovery *tools, ToolInstaller *installer, std::function<bool()> isIdle, QObject *parent)
     : QObject(parent)
-    , m_appState(appState)
+    , m_log(log)
     , m_tools(tools)
     , m_installer(installer)
     , m_isIdle(std::move(isIdle))
@@ -41,8 +42,8 @@ ToolKeeper::ToolKeeper(
 
 void ToolKeeper::addLog(const QString &message, LogEntry::LogType type) const
 {
-    if (m_appState)
-        m_appState->addLog(message, type);
+    if (m_log)
+        m_log->addLog(message, type);
 }
 
 void ToolKeeper::setAutoUpdate(bool value)
@@ -110,7 +111,7 @@ void ToolKeeper::brewInstall(const QString &formula, std::function<void()> then)
             }
             Q_EMIT stateChanged();
         },
-        30 * 60 * 1000);
+        30 * 60 * 1000, /*guarded=*/false);
 }
 
 void ToolKeeper::onFinished(

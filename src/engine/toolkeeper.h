@@ -9,7 +9,7 @@
 
 #include <functional>
 
-class AppState;
+class LogSink;
 class ToolDiscovery;
 
 // Keeps the toolchain current: installs Quillbox's own yt-dlp or Deno when asked and puts them
@@ -34,7 +34,7 @@ public:
     static constexpr auto CheckedAtKey = "latestYtDlpCheckedAt";
 
     // `isIdle` says whether no download runs; call downloadsIdle() when that becomes true.
-    ToolKeeper(AppState *appState, ToolDiscovery *tools, ToolInstaller *installer, std::function<bool()> isIdle,
+    ToolKeeper(LogSink *log, ToolDiscovery *tools, ToolInstaller *installer, std::function<bool()> isIdle,
         QObject *parent = nullptr);
 
     ToolInstaller *installer() const { return m_installer; }
@@ -70,7 +70,7 @@ private:
     void rememberLatestRelease(const QString &tag);
     void brewInstall(const QString &formula, std::function<void()> then);
 
-    AppState *m_appState;
+    LogSink *m_log;
     ToolDiscovery *m_tools;
     ToolInstaller *m_installer;
     std::function<bool()> m_isIdle;

@@ -2,7 +2,7 @@
 
 #include "engine/shellrunner.h"
 #include "engine/tooltext.h"
-#include "model/appstate.h"
+#include "model/enginehost.h"
 #include "model/logcategories.h"
 
 #include <QJsonDocument>
@@ -20,7 +20,7 @@ bool isPlaylist(const QByteArray &json)
 }
 } // namespace
 
-VideoInfoFetch::VideoInfoFetch(const QString &url, AppState *log, Completion completion, QObject *parent)
+VideoInfoFetch::VideoInfoFetch(const QString &url, LogSink *log, Completion completion, QObject *parent)
     : QObject(parent)
     , m_url(url)
     , m_log(log)

@@ -10,7 +10,7 @@
 
 #include <functional>
 
-class AppState;
+class LogSink;
 struct ShellResult;
 
 // The answer to one request for a video's information.
@@ -36,7 +36,7 @@ public:
     static constexpr int TimeoutMs = 180000;
     using Completion = std::function<void(const VideoInfoResult &)>;
 
-    VideoInfoFetch(const QString &url, AppState *log, Completion completion, QObject *parent = nullptr);
+    VideoInfoFetch(const QString &url, LogSink *log, Completion completion, QObject *parent = nullptr);
 
     QString url() const { return m_url; }
 
@@ -56,7 +56,7 @@ private:
     void info(const QString &message) const;
 
     QString m_url;
-    QPointer<AppState> m_log;
+    QPointer<LogSink> m_log;
     Completion m_completion;
     bool m_started = false;
     bool m_answered = false;

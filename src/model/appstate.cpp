@@ -1,6 +1,6 @@
 #include "model/appstate.h"
 
-#include "store/privatefiles.h"
+#include "engine/privatefiles.h"
 
 #include <QDir>
 #include <QMetaObject>
@@ -10,7 +10,7 @@
 using namespace Qt::StringLiterals;
 
 AppState::AppState(QObject *parent)
-    : QObject(parent)
+    : LogSink(parent)
     , m_outputDirectory(QDir(QDir::homePath()).filePath(QStringLiteral("Downloads")))
     , m_log(new LogModel(MaxLogEntries, this))
 {
@@ -26,6 +26,11 @@ AppState *AppState::instance()
 {
     static AppState *const shared = new AppState;
     return shared;
+}
+
+EngineHost EngineHost::processWide()
+{
+    return AppState::instance();
 }
 
 void AppState::loadPreferences()

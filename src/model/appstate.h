@@ -3,6 +3,7 @@
 #include "cookies/cookiewords.h"
 #include "model/downloadpreset.h"
 #include "model/downloadtask.h"
+#include "model/enginehost.h"
 #include "model/logentry.h"
 #include "model/logmodel.h"
 
@@ -14,7 +15,7 @@
 
 // What the user has entered and chosen, the flags of the sheets and panels, and the in-app log.
 // One instance per process (instance()); a test builds its own.
-class AppState : public QObject
+class AppState : public LogSink, public CookieSettings
 {
     Q_OBJECT
     Q_PROPERTY(QString urlInput READ urlInput WRITE setUrlInput NOTIFY urlInputChanged)
@@ -66,10 +67,10 @@ public:
 
     // Callable from any thread; returns at once. The entry is appended on this object's thread,
     // after every entry of an earlier call. A message longer than MaxLogMessageChars is cut.
-    void addLog(const QString &message, LogEntry::LogType type);
+    void addLog(const QString &message, LogEntry::LogType type) override;
     // The same, for a line that redraws an earlier one: while the entry last logged with
     // `redraws` is still in the log, its text and time are replaced instead of a line added.
-    void addLog(const QString &message, LogEntry::LogType type, const QUuid &redraws);
+    void addLog(const QString &message, LogEntry::LogType type, const QUuid &redraws) override;
 
     // Empties the in-app log.
     Q_INVOKABLE void clearLog();
@@ -88,11 +89,11 @@ public:
     void setOutputDirectory(const QString &value);
     bool useCookies() const { return m_useCookies; }
     void setUseCookies(bool value);
-    QString cookiePath() const { return m_cookiePath; }
+    QString cookiePath() const override { return m_cookiePath; }
     void setCookiePath(const QString &value);
     // Where downloads take cookies from while the cookie switch is on: "none", "file" (cookiePath)
     // or a browser's name ("chrome", "firefox", …). Anything else is refused.
-    QString cookieSource() const { return m_cookieSource; }
+    QString cookieSource() const override { return m_cookieSource; }
     void setCookieSource(const QString &value);
     bool downloadPlaylist() const { return m_downloadPlaylist; }
     void setDownloadPlaylist(bool value);

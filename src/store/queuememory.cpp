@@ -3,10 +3,10 @@
 #include "engine/shellrunner.h"
 
 #include "engine/downloadmanager.h"
-#include "model/appstate.h"
+#include "model/enginehost.h"
 #include "model/logcategories.h"
 #include "model/taskmodel.h"
-#include "store/privatefiles.h"
+#include "engine/privatefiles.h"
 
 #include <QDateTime>
 #include <QFileInfo>
@@ -65,14 +65,14 @@ private:
 QueueMemory *QueueMemory::instance()
 {
     static QueueMemory *const memory
-        = new QueueMemory(DownloadManager::instance(), AppState::instance(), TaskStore::defaultPath());
+        = new QueueMemory(DownloadManager::instance(), EngineHost::processWide().log, TaskStore::defaultPath());
     return memory;
 }
 
-QueueMemory::QueueMemory(DownloadManager *downloads, AppState *appState, QString path, QObject *parent)
+QueueMemory::QueueMemory(DownloadManager *downloads, LogSink *log, QString path, QObject *parent)
     : QObject(parent)
     , m_downloads(downloads)
-    , m_appState(appState)
+    , m_log(log)
     , m_path(std::move(path))
     , m_thread(new QThread(this))
     , m_worker(new Worker(m_path))
@@ -125,17 +125,17 @@ void QueueMemory::reportOpen(const TaskStore::OpenResult &result, const QString 
     case TaskStore::OpenState::Opened:
         return;
     case TaskStore::OpenState::Replaced:
-        m_appState->addLog(u"⚠️ 队列数据库已损坏，已移到 %1，并新建了一个"_s.arg(result.detail),
+        m_log->addLog(u"⚠️ 队列数据库已损坏，已移到 %1，并新建了一个"_s.arg(result.detail),
             LogEntry::LogType::Warning);
         return;
     case TaskStore::OpenState::Newer:
-        m_appState->addLog(
+        m_log->addLog(
             u"⚠️ 队列数据库来自更新版本的 Quillbox，本次不会保存队列: %1"_s.arg(m_path),
             LogEntry::LogType::Warning);
         setStoreNotice(u"队列数据库来自更新版本的 Quillbox，只读取、不改动：本次的队列只在内存中，退出后不会保留。"_s);
         return;
     case TaskStore::OpenState::Failed:
-        m_appState->addLog(
+        m_log->addLog(
             u"⚠️ 无法打开队列数据库 %1，本次不会保存队列: %2"_s.arg(m_path, result.detail),
             LogEntry::LogType::Warning);
         setStoreNotice(u"无法打开队列数据库（%1）：本次的队列只在内存中，退出后不会保留。"_s.arg(result.detail));
@@ -159,7 +159,7 @@ void QueueMemory::reportWriteError(const QString &error)
     if (std::exchange(m_writeErrorShown, true))
         return;
     qCWarning(lcEngine, "[Quillbox] 队列写入失败: %ls", qUtf16Printable(error));
-    m_appState->addLog(u"⚠️ 无法保存队列: "_s + error, LogEntry::LogType::Warning);
+    m_log->addLog(u"⚠️ 无法保存队列: "_s + error, LogEntry::LogType::Warning);
 }
 
 void QueueMemory::start()
@@ -201,7 +201,7 @@ void QueueMemory::endLeftovers(const QList<TaskStore::ProcessGroup> &groups)
     const int ended = endLeftoverGroups(recorded);
     if (ended > 0) {
         qCInfo(lcEngine, "[Quillbox] 已结束上次运行遗留的 %d 个下载进程组", ended);
-        m_appState->addLog(
+        m_log->addLog(
             u"⏹ 已结束上次运行遗留的 %1 个下载进程，它们的任务可以用“重试”继续"_s.arg(
                 ended),
             LogEntry::LogType::Warning);

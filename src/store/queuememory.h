@@ -10,7 +10,7 @@
 
 #include <functional>
 
-class AppState;
+class LogSink;
 class DownloadManager;
 class QThread;
 class QTimer;
@@ -33,7 +33,7 @@ public:
     // The process-wide memory, bound to DownloadManager::instance() and the default store path.
     static QueueMemory *instance();
 
-    QueueMemory(DownloadManager *downloads, AppState *appState, QString path, QObject *parent = nullptr);
+    QueueMemory(DownloadManager *downloads, LogSink *log, QString path, QObject *parent = nullptr);
     ~QueueMemory() override;
 
     QString path() const { return m_path; }
@@ -73,7 +73,7 @@ private:
     void write();
 
     QPointer<DownloadManager> m_downloads;
-    AppState *m_appState;
+    LogSink *m_log;
     QString m_path;
     QThread *m_thread;
     Worker *m_worker;

@@ -2,7 +2,7 @@
 
 #include "model/downloadpreset.h"
 #include "model/logcategories.h"
-#include "store/privatefiles.h"
+#include "engine/privatefiles.h"
 
 #include <QAtomicInt>
 #include <QDateTime>

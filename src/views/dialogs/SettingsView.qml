@@ -130,7 +130,7 @@ Rectangle {
                     StatusRow {
                         id: ytDlpStatus
 
-                        readonly property bool found: DownloadManager.ytDlpVersion.length > 0
+                        readonly property bool found: DownloadManager.tools.ytDlpVersion.length > 0
 
                         objectName: "ytDlpStatus"
                         symbol: ytDlpStatus.found ? "checkmark.circle.fill" : "xmark.circle.fill"
@@ -140,7 +140,7 @@ Rectangle {
 
                         Text {
                             objectName: "ytDlpVersionText"
-                            text: ytDlpStatus.found ? "已安装 (v" + DownloadManager.ytDlpVersion + ")" : "未找到"
+                            text: ytDlpStatus.found ? "已安装 (v" + DownloadManager.tools.ytDlpVersion + ")" : "未找到"
                             textFormat: Text.PlainText
                             color: ytDlpStatus.tint
                             font.pixelSize: Theme.caption
@@ -224,7 +224,7 @@ Rectangle {
                     Text {
                         objectName: "autoPathText"
                         Layout.fillWidth: true
-                        text: "自动检测路径: " + DownloadManager.ytDlpPath
+                        text: "自动检测路径: " + DownloadManager.tools.ytDlpPath
                               + (DownloadManager.tools.isYtDlpPathChosen ? "（使用中，自选路径）" : "（使用中，自动找到）")
                         textFormat: Text.PlainText
                         color: Theme.gray
@@ -312,7 +312,7 @@ Rectangle {
                 SettingsGroup {
                     id: runtimeGroup
 
-                    readonly property bool found: DownloadManager.detectedJSRuntime.length > 0
+                    readonly property bool found: DownloadManager.tools.detectedJSRuntime.length > 0
 
                     objectName: "runtimeGroup"
                     Layout.fillWidth: true
@@ -323,7 +323,7 @@ Rectangle {
                         objectName: "runtimeStatus"
                         symbol: runtimeGroup.found ? "checkmark.circle.fill" : "exclamationmark.triangle.fill"
                         tint: runtimeGroup.found ? Theme.green : Theme.orange
-                        label: runtimeGroup.found ? DownloadManager.detectedJSRuntime + " 已就绪" : "未检测到 JS 运行时"
+                        label: runtimeGroup.found ? DownloadManager.tools.detectedJSRuntime + " 已就绪" : "未检测到 JS 运行时"
                         redetect: true
                         onRedetectClicked: DownloadManager.detectJSRuntime()
                     }
@@ -337,8 +337,8 @@ Rectangle {
                     Text {
                         objectName: "runtimePathText"
                         Layout.fillWidth: true
-                        visible: DownloadManager.detectedJSRuntimePath.length > 0
-                        text: DownloadManager.detectedJSRuntimePath
+                        visible: DownloadManager.tools.detectedJSRuntimePath.length > 0
+                        text: DownloadManager.tools.detectedJSRuntimePath
                         textFormat: Text.PlainText
                         color: Theme.secondaryText
                         font.pixelSize: Theme.caption2
@@ -377,7 +377,7 @@ Rectangle {
                 SettingsGroup {
                     id: ffmpegGroup
 
-                    readonly property bool found: DownloadManager.detectedFfmpeg.length > 0
+                    readonly property bool found: DownloadManager.tools.detectedFfmpeg.length > 0
 
                     objectName: "ffmpegGroup"
                     Layout.fillWidth: true
@@ -402,8 +402,8 @@ Rectangle {
                     Text {
                         objectName: "ffmpegVersionText"
                         Layout.fillWidth: true
-                        visible: DownloadManager.detectedFfmpegVersion.length > 0
-                        text: DownloadManager.detectedFfmpegVersion
+                        visible: DownloadManager.tools.detectedFfmpegVersion.length > 0
+                        text: DownloadManager.tools.detectedFfmpegVersion
                         textFormat: Text.PlainText
                         color: Theme.secondaryText
                         font.pixelSize: Theme.caption2

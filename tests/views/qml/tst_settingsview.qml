@@ -59,16 +59,16 @@ ViewTestCase {
     }
 
     function test_whatTheEngineFound() {
-        tryVerify(() => DownloadManager.ytDlpVersion.length > 0, 20000)
+        tryVerify(() => DownloadManager.tools.ytDlpVersion.length > 0, 20000)
         const groups = ["ytDlpGroup", "runtimeGroup", "ffmpegGroup", "downloadGroup"].map(name => child(name))
         for (let i = 1; i < groups.length; ++i)
             verify(groups[i].y > groups[i - 1].y, "group " + i + " below the one before")
-        compare(texts(groups[0]).slice(0, 3), ["yt-dlp 配置", "yt-dlp 状态", "已安装 (v" + DownloadManager.ytDlpVersion + ")"])
+        compare(texts(groups[0]).slice(0, 3), ["yt-dlp 配置", "yt-dlp 状态", "已安装 (v" + DownloadManager.tools.ytDlpVersion + ")"])
         // Then the verdict on it: the stand-in is an official build of 2025.11.12, over 90 days old.
         tryVerify(() => texts(groups[0])[3].startsWith("yt-dlp 2025.11.12（"), 20000, texts(groups[0])[3])
         verify(texts(groups[0])[3].includes("已超过 90 天"), texts(groups[0])[3])
         compare(child("verdictActionButton", child("ytDlpVerdict")).text, "更新 yt-dlp")
-        verify(texts(groups[0]).includes("自动检测路径: " + DownloadManager.ytDlpPath + "（使用中，自选路径）"))
+        verify(texts(groups[0]).includes("自动检测路径: " + DownloadManager.tools.ytDlpPath + "（使用中，自选路径）"))
         // Nothing has been updated in a sheet just made.
         verify(!child("updateResultText").visible)
         compare(child("outputDirField").text, AppState.outputDirectory)
@@ -151,7 +151,7 @@ ViewTestCase {
 
     // Offline (the release server is a closed port here): the install says so and changes nothing.
     function test_installWhileOffline() {
-        const before = DownloadManager.ytDlpPath
+        const before = DownloadManager.tools.ytDlpPath
         const install = child("installYtDlpButton")
         verify(install.visible && install.enabled)
         mouseClick(install)
@@ -159,7 +159,7 @@ ViewTestCase {
         verify(child("installProgress").visible)
         verify(child("installStatusText").text.startsWith("无法连接"), child("installStatusText").text)
         verify(install.enabled)
-        compare(DownloadManager.ytDlpPath, before)
+        compare(DownloadManager.tools.ytDlpPath, before)
     }
 
     function test_pickerOnlyFillsTheField() {
@@ -193,17 +193,17 @@ ViewTestCase {
         field.forceActiveFocus()
         keyClick("/")
         keyClick("x")
-        compare(DownloadManager.ytDlpPath, stored)
+        compare(DownloadManager.tools.ytDlpPath, stored)
         mouseClick(child("resetPathButton"))
         compare(field.text, "")
         compare(TestHelper.setting("customYtDlpPath"), undefined)
         // What is found is used at once, and the line says it was found.
-        tryVerify(() => DownloadManager.ytDlpPath !== stored, 20000)
+        tryVerify(() => DownloadManager.tools.ytDlpPath !== stored, 20000)
         tryVerify(() => child("autoPathText").text.endsWith("（使用中，自动找到）"), 20000)
         // "使用此路径" takes the stand-in back, also at once.
         typeInto(field, stored)
         mouseClick(child("usePathButton"))
-        compare(DownloadManager.ytDlpPath, stored)
+        compare(DownloadManager.tools.ytDlpPath, stored)
         compare(TestHelper.setting("customYtDlpPath"), stored)
         compare(child("autoPathText").text, "自动检测路径: " + stored + "（使用中，自选路径）")
         tryCompare(DownloadManager, "ytDlpVersion", "2025.11.12", 20000)

@@ -1,4 +1,4 @@
-#include "store/privatefiles.h"
+#include "engine/privatefiles.h"
 
 #include "model/logcategories.h"
 
