@@ -1,16 +1,10 @@
-#include "engine/downloadmanager.h"
 #include "engine/downloadoutput.h"
-#include "model/appstate.h"
-#include "model/taskmodel.h"
 #include "store/queuememory.h"
 
 #include "enginefixture.h"
 #include "support/mediaserver.h"
 
-#include <QFileInfo>
 #include <QProcess>
-#include <QTemporaryDir>
-#include <QtTest>
 
 #include <algorithm>
 #include <optional>

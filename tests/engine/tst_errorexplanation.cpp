@@ -3,7 +3,6 @@
 #include "enginefixture.h"
 
 #include <QJsonObject>
-#include <QtTest>
 
 #include <csignal>
 

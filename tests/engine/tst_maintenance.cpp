@@ -1,12 +1,9 @@
-#include "engine/downloadmanager.h"
 #include "engine/shellrunner.h"
 #include "engine/videoinfofetch.h"
-#include "model/appstate.h"
 
 #include "enginefixture.h"
 
 #include <QElapsedTimer>
-#include <QtTest>
 
 using namespace Qt::StringLiterals;
 

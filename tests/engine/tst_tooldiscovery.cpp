@@ -1,13 +1,9 @@
-#include "engine/downloadmanager.h"
 #include "engine/shellrunner.h"
 #include "engine/tooldiscovery.h"
-#include "model/appstate.h"
 
 #include "enginefixture.h"
 
-#include <QSettings>
 #include <QTimer>
-#include <QtTest>
 
 using namespace Qt::StringLiterals;
 

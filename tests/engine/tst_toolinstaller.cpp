@@ -78,12 +78,6 @@ QString versionOf(const QString &program)
     return QString::fromUtf8(process.readAllStandardOutput()).trimmed();
 }
 
-struct Outcome
-{
-    bool ok = false;
-    QString path, version, message;
-};
-
 // A release folder to serve and an install folder holding an old yt-dlp.
 struct Release
 {
@@ -114,16 +108,6 @@ struct Release
     std::unique_ptr<ToolInstaller> installer(const ReleaseLocations &locations, const QString &denoFolder = {}) const
     {
         return std::make_unique<ToolInstaller>(locations, folder.path(), denoFolder);
-    }
-    static Outcome install(ToolInstaller &installer, Tool tool)
-    {
-        QSignalSpy finished(&installer, &ToolInstaller::finished);
-        installer.install(tool);
-        if (!finished.wait(Patience))
-            return { false, {}, {}, u"no finished() in time"_s };
-        const QList<QVariant> &arguments = finished.constFirst();
-        return { arguments.at(1).toBool(), arguments.at(2).toString(), arguments.at(3).toString(),
-            arguments.at(4).toString() };
     }
 };
 } // namespace
@@ -319,16 +303,19 @@ void TestToolInstaller::installsDeno()
     const QString home = m_environment.home() + u"/.deno/bin"_s;
     QDir(home).removeRecursively();
     const auto installer = release.installer(Release::locations(server.base()), home);
-    const Outcome outcome = Release::install(*installer, Tool::Deno);
-    QCOMPARE(outcome.ok, message.isEmpty());
-    QVERIFY2(outcome.message.contains(message), qPrintable(outcome.message));
-    QCOMPARE(entries(home), outcome.ok ? QStringList { u"deno"_s } : QStringList());
-    if (outcome.ok) {
-        QCOMPARE(outcome.version, u"v2.9.6"_s);
-        QCOMPARE(outcome.path, home + u"/deno"_s);
-        QVERIFY(readFile(outcome.path) == readFile(program));
-        QCOMPARE(QFile::permissions(outcome.path), mode0755);
-        QCOMPARE(versionOf(outcome.path), version);
+    QSignalSpy finished(installer.get(), &ToolInstaller::finished);
+    installer->install(Tool::Deno);
+    QVERIFY(finished.wait(Patience));
+    const QList<QVariant> outcome = finished.constFirst(); // tool, ok, path, version, message
+    QCOMPARE(outcome.at(1).toBool(), message.isEmpty());
+    QVERIFY2(outcome.at(4).toString().contains(message), qPrintable(outcome.at(4).toString()));
+    QCOMPARE(entries(home), message.isEmpty() ? QStringList { u"deno"_s } : QStringList());
+    if (message.isEmpty()) {
+        QCOMPARE(outcome.at(3).toString(), u"v2.9.6"_s);
+        QCOMPARE(outcome.at(2).toString(), home + u"/deno"_s);
+        QVERIFY(readFile(home + u"/deno"_s) == readFile(program));
+        QCOMPARE(QFile::permissions(home + u"/deno"_s), mode0755);
+        QCOMPARE(versionOf(home + u"/deno"_s), version);
     }
 }
 
