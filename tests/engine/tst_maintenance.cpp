@@ -37,39 +37,33 @@ std::unique_ptr<SandboxEngine> makeEngine(bool withRuntime = false)
         });
 }
 
-// Each asks, waits for the answer and checks it comes exactly once.
+// What `ask` hands its completion, which must come exactly once; `none` if nothing comes in time.
+template <typename Result>
+Result answer(const std::function<void(std::function<void(const Result &)>)> &ask, const Result &none)
+{
+    std::optional<Result> result;
+    ask([&result](const Result &r) {
+        QVERIFY(!result);
+        result = r;
+    });
+    return QTest::qWaitFor([&result] { return result.has_value(); }, 20000) ? *result : none;
+}
+
 QString runUpdate(DownloadManager &manager)
 {
-    std::optional<QString> answer;
-    manager.updateYtDlp([&answer](const UpdateResult &result) {
-        QVERIFY(!answer);
-        answer = result.text;
-    });
-    return QTest::qWaitFor([&answer] { return answer.has_value(); }, 20000) ? *answer : u"(no answer)"_s;
+    return answer<UpdateResult>([&](auto done) { manager.updateYtDlp(done); }, { u"(no answer)"_s, {} }).text;
 }
 
 FormatListResult listFormats(DownloadManager &manager, const QString &url, bool cookies = false)
 {
-    std::optional<FormatListResult> result;
-    manager.listFormats(url, cookies, [&result](const FormatListResult &r) {
-        QVERIFY(!result);
-        result = r;
-    });
-    if (!QTest::qWaitFor([&result] { return result.has_value(); }, 20000))
-        return FormatListResult { false, {}, { u"test"_s, -2, u"(no answer)"_s } };
-    return *result;
+    return answer<FormatListResult>([&](auto done) { manager.listFormats(url, cookies, done); },
+        { false, {}, { u"test"_s, -2, u"(no answer)"_s } });
 }
 
 VideoInfoResult fetchInfo(DownloadManager &manager, const QString &url, bool cookies = false)
 {
-    std::optional<VideoInfoResult> result;
-    manager.fetchVideoInfo(url, cookies, [&result](const VideoInfoResult &r) {
-        QVERIFY(!result);
-        result = r;
-    });
-    if (!QTest::qWaitFor([&result] { return result.has_value(); }, 20000))
-        return VideoInfoResult { false, {}, 0, false, { u"test"_s, -2, u"(no answer)"_s } };
-    return *result;
+    return answer<VideoInfoResult>([&](auto done) { manager.fetchVideoInfo(url, cookies, done); },
+        { false, {}, 0, false, { u"test"_s, -2, u"(no answer)"_s } });
 }
 } // namespace
 
