@@ -1,10 +1,13 @@
 #include "cookies/cookiedatabase.h"
 #include "cookies/cookieservice.h"
+#include "support/localserver.h"
 #include "testsupport.h"
 
 #include <QMutex>
 #include <QSignalSpy>
 #include <QtTest>
+
+#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 
@@ -43,6 +46,7 @@ private Q_SLOTS:
     void failures_data();
     void failures();
     void publishedState();
+    void chromiumToYtDlp();
 
 private:
     // A home and a temporary folder whose names hold quotes, a keyring that answers.
@@ -239,6 +243,75 @@ void TestCookieService::publishedState()
     QCOMPARE(service.lastError(), u"未找到 Chrome 浏览器。请确保已安装 Google Chrome。"_s);
     QCOMPARE(finished.last().value(1).toString(), service.lastError());
     QCOMPARE(service.extractedCookiesPath(), answer->path);
+}
+
+// Debian's Chromium stores cookies from a page on 127.0.0.1, the export decrypts them (both ways),
+// and Debian's yt-dlp sends them back from the exported file.
+void TestCookieService::chromiumToYtDlp()
+{
+    QString chromium = QStandardPaths::findExecutable(u"chromium"_s);
+    if (chromium.isEmpty())
+        chromium = QStandardPaths::findExecutable(u"chromium-browser"_s);
+    if (chromium.isEmpty())
+        QSKIP("Chromium is not installed (Debian: apt-get install chromium)");
+    const QString ytDlp = QStandardPaths::findExecutable(u"yt-dlp"_s);
+    QVERIFY2(!ytDlp.isEmpty(), "yt-dlp is not installed");
+
+    const QString record = m_dir->filePath(u"requests.txt"_s);
+    LocalServer server(u"cookie server"_s,
+        { qEnvironmentVariable("QUILLBOX_TESTS_DIR") + u"/support/cookieserver.py"_s, u"--record"_s, record }, 30000);
+    QVERIFY2(!server.base().isEmpty(), qPrintable(server.error()));
+
+    // The profile where the export looks for Chromium's on Linux; the cookies are encrypted with
+    // the fixed key, as with any Chromium that has no keyring.
+    CookieServiceSetup withoutKeyring = setup();
+    withoutKeyring.keyringTool = m_dir->filePath(u"no-keyring"_s);
+    QProcess browser;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(u"HOME"_s, withoutKeyring.home);
+    browser.setProcessEnvironment(environment);
+    browser.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    QStringList arguments { u"--headless=new"_s, u"--disable-gpu"_s, u"--no-first-run"_s, u"--password-store=basic"_s,
+        u"--user-data-dir="_s + withoutKeyring.home + u"/.config/chromium"_s, u"--dump-dom"_s,
+        server.base() + u"set"_s };
+    if (geteuid() == 0)
+        arguments.prepend(u"--no-sandbox"_s); // Chromium refuses to run as root otherwise
+    browser.start(chromium, arguments);
+    QVERIFY(browser.waitForFinished(120000));
+    QCOMPARE(browser.exitCode(), 0);
+    QVERIFY(browser.readAllStandardOutput().contains("ok"));
+
+    for (const bool python : { true, false }) {
+        CookieServiceSetup route = withoutKeyring;
+        if (!python)
+            route.python = m_dir->filePath(u"no-python"_s);
+        const CookieExportResult result = CookieService::runExport(route);
+        QVERIFY2(result.ok, qPrintable(result.error.localizedDescription()));
+        QCOMPARE(result.cookieCount, 2);
+        QCOMPARE(result.domains, QStringList { u"127.0.0.1"_s });
+        QFile file(result.path);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        const QByteArray text = file.readAll();
+        QVERIFY2(text.contains("\tsession\tabc123\n") && text.contains("\tpref\tdark\n"), text.constData());
+
+        QFile::remove(record);
+        QProcess download;
+        download.setWorkingDirectory(m_dir->path());
+        download.setProcessChannelMode(QProcess::MergedChannels);
+        download.start(ytDlp,
+            { u"--ignore-config"_s, u"--no-progress"_s, u"--cookies"_s, result.path, u"-o"_s,
+                m_dir->filePath(u"video-%(id)s.%(ext)s"_s), server.base() + u"video.mp4"_s });
+        QVERIFY(download.waitForFinished(120000));
+        const QByteArray output = download.readAll();
+        QVERIFY2(download.exitCode() == 0, output.constData());
+        QVERIFY2(!output.contains("WARNING: skipping cookie file entry"), output.constData());
+        QFile requests(record);
+        QVERIFY(requests.open(QIODevice::ReadOnly));
+        const QByteArray seen = requests.readAll();
+        QVERIFY2(seen.contains("/video.mp4\t") && seen.contains("session=abc123") && seen.contains("pref=dark"),
+            seen.constData());
+        QVERIFY2(!seen.contains("/video.mp4\t-"), seen.constData());
+    }
 }
 
 QTEST_GUILESS_MAIN(TestCookieService)

@@ -54,7 +54,6 @@ public:
 
     QString root() const { return m_env.root(); }
     QString home() const { return m_env.home(); }
-    QString bin() const { return m_bin; }
     QString path(const QString &relative) const { return m_env.root() + u'/' + relative; }
 
     // Writes an executable /bin/sh script at `relative` (under the sandbox) and returns its path.

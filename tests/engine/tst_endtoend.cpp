@@ -1,16 +1,10 @@
-#include "engine/downloadmanager.h"
 #include "engine/downloadoutput.h"
-#include "model/appstate.h"
-#include "model/taskmodel.h"
 #include "store/queuememory.h"
 
 #include "enginefixture.h"
 #include "support/mediaserver.h"
 
-#include <QFileInfo>
 #include <QProcess>
-#include <QTemporaryDir>
-#include <QtTest>
 
 #include <algorithm>
 #include <optional>
@@ -28,9 +22,8 @@ private Q_SLOTS:
     void initTestCase();
     void downloads_data();
     void downloads();
-    void cancelLeavesNothingRunning();
     void cancelledConversionLeavesNoPartFile();
-    void restartResumesThePartFile();
+    void stoppedDownloadResumesItsPartFile();
 
 private:
     QTemporaryDir m_media;
@@ -198,34 +191,6 @@ void TestEndToEnd::downloads()
     QTRY_VERIFY(engine->log().contains(u"✅ 下载完成！"_s));
 }
 
-void TestEndToEnd::cancelLeavesNothingRunning()
-{
-    const auto engine = makeEngine();
-    QVERIFY(engine);
-    DownloadManager &manager = *engine->manager;
-    const QString outputDir = engine->fixture.path(u"cancelled"_s);
-
-    manager.startDownload(
-        m_base + u"long.mp4"_s, DownloadPreset::Custom, u"--limit-rate 50K"_s, outputDir, false, false);
-    // Cancel once yt-dlp itself is fetching, not just the shell starting.
-    QTRY_VERIFY_WITH_TIMEOUT(
-        engine->only().status == DownloadStatus::Downloading && engine->only().progress > 0.0, Patience);
-    QVERIFY(!processesMentioning(outputDir).isEmpty());
-
-    manager.cancelAllDownloads();
-    QCOMPARE(engine->only().status, DownloadStatus::Cancelled);
-    QTRY_COMPARE_WITH_TIMEOUT(manager.runningCount(), 0, Patience);
-    QCoreApplication::processEvents();
-
-    const DownloadTask task = engine->only();
-    QCOMPARE(task.status, DownloadStatus::Cancelled);
-    QVERIFY(task.progress < 1.0);
-    QCOMPARE(processesMentioning(outputDir), QList<qint64>());
-    const QStringList messages = engine->log();
-    QVERIFY(messages.filter(u"下载失败"_s).isEmpty());
-    QVERIFY(!messages.contains(u"✅ 下载完成！"_s));
-}
-
 void TestEndToEnd::cancelledConversionLeavesNoPartFile()
 {
     // Ten minutes of noise: ffmpeg takes seconds to make an MP3 of it, time enough to stop it.
@@ -254,8 +219,9 @@ void TestEndToEnd::cancelledConversionLeavesNoPartFile()
 }
 
 // Quit in the middle of a download, start again: the row is back cancelled, and "重试" has
-// yt-dlp carry on from its ".part" file rather than start over.
-void TestEndToEnd::restartResumesThePartFile()
+// yt-dlp carry on from its ".part" file rather than start over. Stopped ("停止全部") during that
+// run, it leaves nothing running, fails nothing, and carries on again.
+void TestEndToEnd::stoppedDownloadResumesItsPartFile()
 {
     const auto engine = makeEngine();
     QVERIFY(engine);
@@ -274,6 +240,7 @@ void TestEndToEnd::restartResumesThePartFile()
     const QStringList parts = QDir(outputDir).entryList({ u"*.part"_s });
     QCOMPARE(parts.size(), 1);
     QVERIFY(QFileInfo(outputDir + u'/' + parts.first()).size() > 0);
+    QCOMPARE(processesMentioning(outputDir), QList<qint64>());
 
     ToolLocations locations = engine->fixture.emptyLocations();
     locations.ytDlp = { ytDlp };
@@ -283,7 +250,23 @@ void TestEndToEnd::restartResumesThePartFile()
     memory.start();
     QTRY_COMPARE(engine->manager->tasks().size(), 1);
     QCOMPARE(engine->only().status, DownloadStatus::Cancelled);
-    engine->manager->retryDownload(engine->only().id.toString(QUuid::WithoutBraces));
+    const QString id = engine->only().id.toString(QUuid::WithoutBraces);
+    engine->manager->retryDownload(id);
+    // Stopped once yt-dlp itself is fetching again, not just the shell starting.
+    QTRY_VERIFY_WITH_TIMEOUT(!engine->log().filter(u"Resuming download at byte"_s).isEmpty(), Patience);
+    QTRY_VERIFY_WITH_TIMEOUT(!processesMentioning(outputDir).isEmpty(), Patience);
+    engine->manager->cancelAllDownloads();
+    QCOMPARE(engine->only().status, DownloadStatus::Cancelled);
+    QTRY_COMPARE_WITH_TIMEOUT(engine->manager->runningCount(), 0, Patience);
+    QCoreApplication::processEvents();
+    QCOMPARE(engine->only().status, DownloadStatus::Cancelled);
+    QVERIFY(engine->only().progress < 1.0);
+    QCOMPARE(processesMentioning(outputDir), QList<qint64>());
+    QVERIFY(engine->log().filter(u"下载失败"_s).isEmpty());
+    QVERIFY(!engine->log().contains(u"✅ 下载完成！"_s));
+
+    engine->state.clearLog();
+    engine->manager->retryDownload(id);
     QTRY_COMPARE_WITH_TIMEOUT(engine->only().status, DownloadStatus::Completed, Patience);
     QVERIFY2(!engine->log().filter(u"Resuming download at byte"_s).isEmpty(), qPrintable(engine->log().join(u'\n')));
     QCOMPARE(QFileInfo(*engine->only().outputPath).size(), QFileInfo(m_media.filePath(u"long.mp4"_s)).size());

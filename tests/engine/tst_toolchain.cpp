@@ -76,9 +76,8 @@ void TestToolchain::runtimeVersions()
     QFETCH(QString, name);
     QFETCH(QString, output);
     QFETCH(QString, version);
-    QFETCH(bool, accepted);
     QCOMPARE(parseRuntimeVersion(name, output), version);
-    QCOMPARE(meetsRuntimeMinimum(name, version), accepted);
+    QTEST(meetsRuntimeMinimum(name, version), "accepted");
 }
 
 void TestToolchain::updateRoutes_data()
@@ -98,8 +97,7 @@ void TestToolchain::updateRoutes()
 {
     QFETCH(QString, variant);
     QFETCH(QString, path);
-    QFETCH(int, route);
-    QCOMPARE(int(updateRouteFor(variant, path, u"/data/bin/yt-dlp"_s)), route);
+    QTEST(int(updateRouteFor(variant, path, u"/data/bin/yt-dlp"_s)), "route");
 }
 
 void TestToolchain::updateFailures_data()
@@ -127,10 +125,7 @@ void TestToolchain::updateFailures()
     QFETCH(int, route);
     QFETCH(QString, says);
     const QString advice = explainUpdateFailure(output, UpdateRoute(route));
-    if (says.isEmpty())
-        QCOMPARE(advice, QString());
-    else
-        QVERIFY2(advice.contains(says), qPrintable(advice));
+    QVERIFY2(says.isEmpty() ? advice.isEmpty() : advice.contains(says), qPrintable(advice));
 }
 
 void TestToolchain::verdicts_data()

@@ -23,7 +23,6 @@ private Q_SLOTS:
     void addressesAndChecksums();
     void failuresLeaveTheOldCopy_data();
     void failuresLeaveTheOldCopy();
-    void cancelDuringDownloadLeavesTheOldCopy();
     void replaceWaitsForTheGate();
     void installsDeno_data();
     void installsDeno();
@@ -79,12 +78,6 @@ QString versionOf(const QString &program)
     return QString::fromUtf8(process.readAllStandardOutput()).trimmed();
 }
 
-struct Outcome
-{
-    bool ok = false;
-    QString path, version, message;
-};
-
 // A release folder to serve and an install folder holding an old yt-dlp.
 struct Release
 {
@@ -115,16 +108,6 @@ struct Release
     std::unique_ptr<ToolInstaller> installer(const ReleaseLocations &locations, const QString &denoFolder = {}) const
     {
         return std::make_unique<ToolInstaller>(locations, folder.path(), denoFolder);
-    }
-    static Outcome install(ToolInstaller &installer, Tool tool)
-    {
-        QSignalSpy finished(&installer, &ToolInstaller::finished);
-        installer.install(tool);
-        if (!finished.wait(Patience))
-            return { false, {}, {}, u"no finished() in time"_s };
-        const QList<QVariant> &arguments = finished.constFirst();
-        return { arguments.at(1).toBool(), arguments.at(2).toString(), arguments.at(3).toString(),
-            arguments.at(4).toString() };
     }
 };
 } // namespace
@@ -161,7 +144,8 @@ void TestToolInstaller::failuresLeaveTheOldCopy_data()
 {
     QTest::addColumn<QStringList>("serverArguments");
     QTest::addColumn<QString>("sumsName"); // the name SHA2-256SUMS lists the asset's digest under
-    // Replaces the API's address; "closed": a port nobody listens on; "folder": install under the old file
+    // Replaces the API's address; "closed": a port nobody listens on; "folder": install under the
+    // old file; "cancel": cancelled while it downloads
     QTest::addColumn<QString>("apiUrl");
     QTest::addColumn<QString>("message");
 
@@ -185,6 +169,8 @@ void TestToolInstaller::failuresLeaveTheOldCopy_data()
     QTest::newRow("nobody listening") << QStringList {} << sums << u"closed"_s
                                       << u"无法连接到下载服务器，请检查网络后重试。"_s;
     QTest::newRow("folder cannot be made") << QStringList {} << sums << u"folder"_s << u"无法写入文件夹"_s;
+    QTest::newRow("cancelled while downloading") << fault("slow:yt-dlp") + QStringList { u"--rate"_s, u"100000"_s }
+                                                 << sums << u"cancel"_s << u"已取消安装，原有文件未改动。"_s;
 }
 
 void TestToolInstaller::failuresLeaveTheOldCopy()
@@ -195,7 +181,7 @@ void TestToolInstaller::failuresLeaveTheOldCopy()
     QFETCH(QString, message);
 
     Release release;
-    QVERIFY(release.publishYtDlp(noise(300 * 1024), sumsName));
+    QVERIFY(release.publishYtDlp(noise(4 * 1024 * 1024), sumsName));
     START_SERVER(server, release.served.path(), serverArguments);
     ReleaseLocations locations = Release::locations(server.base());
     if (apiUrl == u"closed"_s) {
@@ -209,28 +195,20 @@ void TestToolInstaller::failuresLeaveTheOldCopy()
     const auto installer = apiUrl == u"folder"_s
         ? std::make_unique<ToolInstaller>(locations, release.installed() + u"/bin"_s, QString())
         : release.installer(locations);
-    const Outcome outcome = Release::install(*installer, Tool::YtDlp);
-    QVERIFY(!outcome.ok);
-    QVERIFY2(outcome.message.contains(message), qPrintable(outcome.message));
-    QCOMPARE(installer->statusText(), outcome.message);
-    QCOMPARE(readFile(release.installed()), oldCopy);
-    QCOMPARE(entries(release.folder.path()), QStringList { u"yt-dlp"_s });
-}
-
-void TestToolInstaller::cancelDuringDownloadLeavesTheOldCopy()
-{
-    Release release;
-    QVERIFY(release.publishYtDlp(noise(4 * 1024 * 1024)));
-    START_SERVER(server, release.served.path(), { u"--fault"_s, u"slow:yt-dlp"_s, u"--rate"_s, u"100000"_s });
-    const auto installer = release.installer(Release::locations(server.base()));
     QSignalSpy finished(installer.get(), &ToolInstaller::finished);
     installer->install(Tool::YtDlp);
-    QTRY_VERIFY_WITH_TIMEOUT(installer->progress() > 0, Patience);
-    QVERIFY2(installer->statusText().endsWith(u" / 4.0 MB"_s), qPrintable(installer->statusText()));
-    installer->cancel();
-    QCOMPARE(finished.size(), 1);
+    if (apiUrl == u"cancel"_s) {
+        QTRY_VERIFY_WITH_TIMEOUT(installer->progress() > 0, Patience);
+        QVERIFY2(installer->statusText().endsWith(u" / 4.0 MB"_s), qPrintable(installer->statusText()));
+        installer->cancel();
+        QCOMPARE(finished.size(), 1); // at once
+        QVERIFY(!installer->isBusy());
+    }
+    QTRY_COMPARE_WITH_TIMEOUT(finished.size(), 1, Patience);
     QCOMPARE(finished.constFirst().at(1).toBool(), false);
-    QVERIFY(!installer->isBusy());
+    const QString said = finished.constFirst().at(4).toString();
+    QVERIFY2(said.contains(message), qPrintable(said));
+    QCOMPARE(installer->statusText(), said);
     QCOMPARE(readFile(release.installed()), oldCopy);
     QCOMPARE(entries(release.folder.path()), QStringList { u"yt-dlp"_s });
 }
@@ -325,16 +303,19 @@ void TestToolInstaller::installsDeno()
     const QString home = m_environment.home() + u"/.deno/bin"_s;
     QDir(home).removeRecursively();
     const auto installer = release.installer(Release::locations(server.base()), home);
-    const Outcome outcome = Release::install(*installer, Tool::Deno);
-    QCOMPARE(outcome.ok, message.isEmpty());
-    QVERIFY2(outcome.message.contains(message), qPrintable(outcome.message));
-    QCOMPARE(entries(home), outcome.ok ? QStringList { u"deno"_s } : QStringList());
-    if (outcome.ok) {
-        QCOMPARE(outcome.version, u"v2.9.6"_s);
-        QCOMPARE(outcome.path, home + u"/deno"_s);
-        QVERIFY(readFile(outcome.path) == readFile(program));
-        QCOMPARE(QFile::permissions(outcome.path), mode0755);
-        QCOMPARE(versionOf(outcome.path), version);
+    QSignalSpy finished(installer.get(), &ToolInstaller::finished);
+    installer->install(Tool::Deno);
+    QVERIFY(finished.wait(Patience));
+    const QList<QVariant> outcome = finished.constFirst(); // tool, ok, path, version, message
+    QCOMPARE(outcome.at(1).toBool(), message.isEmpty());
+    QVERIFY2(outcome.at(4).toString().contains(message), qPrintable(outcome.at(4).toString()));
+    QCOMPARE(entries(home), message.isEmpty() ? QStringList { u"deno"_s } : QStringList());
+    if (message.isEmpty()) {
+        QCOMPARE(outcome.at(3).toString(), u"v2.9.6"_s);
+        QCOMPARE(outcome.at(2).toString(), home + u"/deno"_s);
+        QVERIFY(readFile(home + u"/deno"_s) == readFile(program));
+        QCOMPARE(QFile::permissions(home + u"/deno"_s), mode0755);
+        QCOMPARE(versionOf(home + u"/deno"_s), version);
     }
 }
 

@@ -1,12 +1,8 @@
-#include "engine/downloadmanager.h"
 #include "engine/toolkeeper.h"
 
 #include "enginefixture.h"
 #include "support/mediaserver.h"
 #include "support/releaseserver.h"
-
-#include <QSettings>
-#include <QtTest>
 
 using namespace Qt::StringLiterals;
 
@@ -29,28 +25,27 @@ private:
     QByteArray m_build;
 };
 
+namespace {
+QByteArray contents(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+} // namespace
+
 void TestToolKeeper::initTestCase()
 {
     const QString shared = sharedYtDlp();
     const QString asset = ReleaseLocations::standard().ytDlp.assetName;
     if (shared.isEmpty() || asset.isEmpty())
         return; // the tests that install say why they skip
-    QFile build(shared);
-    QVERIFY(build.open(QIODevice::ReadOnly));
-    m_build = build.readAll();
-    QFile sums(QFileInfo(shared).dir().filePath(u"SHA2-256SUMS"_s));
-    QVERIFY(sums.open(QIODevice::ReadOnly));
+    m_build = contents(shared);
     // The same bytes and digest, under the name this system's build has.
-    const QByteArray digest = sums.readAll().split(' ').constFirst();
-    const QString folder = m_releases.filePath(u"yt-dlp/yt-dlp/2026.08.19"_s);
-    QVERIFY(QDir().mkpath(folder));
-    QFile served(folder + u'/' + asset);
-    QVERIFY(served.open(QIODevice::WriteOnly) && served.write(m_build) == m_build.size());
-    served.setPermissions(served.permissions() | QFileDevice::ExeOwner);
-    served.close();
-    QFile list(folder + u"/SHA2-256SUMS"_s);
-    QVERIFY(list.open(QIODevice::WriteOnly));
-    list.write(digest + "  " + asset.toUtf8() + '\n');
+    const QByteArray digest = contents(QFileInfo(shared).dir().filePath(u"SHA2-256SUMS"_s)).split(' ').constFirst();
+    const QString folder = m_releases.filePath(u"yt-dlp/yt-dlp/2026.08.19/"_s);
+    QVERIFY(QDir().mkpath(folder) && QFile::copy(shared, folder + asset));
+    QFile list(folder + u"SHA2-256SUMS"_s);
+    QVERIFY(list.open(QIODevice::WriteOnly) && list.write(digest + "  " + asset.toUtf8() + '\n') > 0);
     list.close();
     m_server = std::make_unique<ReleaseServer>(qEnvironmentVariable("QUILLBOX_TESTS_DIR"), m_releases.path());
     QVERIFY2(m_server->error().isEmpty(), qPrintable(m_server->error()));
@@ -79,10 +74,8 @@ void TestToolKeeper::installedCopyIsUsedAtOnceAndDownloads()
     QCOMPARE(QSettings().value(u"customYtDlpPath"_s).toString(), kept);
     QTRY_COMPARE_WITH_TIMEOUT(manager.ytDlpVersion(), u"2026.08.19"_s, 60000);
     QTRY_VERIFY_WITH_TIMEOUT(manager.tools()->isYtDlpKept(), 60000);
-    QFile installed(kept);
-    QVERIFY(installed.open(QIODevice::ReadOnly));
-    QCOMPARE(installed.readAll(), m_build); // the verified file, whole, mode 0755
-    QCOMPARE(int(installed.permissions()), 0x7755);
+    QCOMPARE(contents(kept), m_build); // the verified file, whole, mode 0755
+    QCOMPARE(int(QFile::permissions(kept)), 0x7755);
     QVERIFY(engine->log().filter(u"✅ 已安装 yt-dlp 2026.08.19: "_s).size() == 1);
 
     // The next download runs the installed copy, and ends with the file.
@@ -91,12 +84,8 @@ void TestToolKeeper::installedCopyIsUsedAtOnceAndDownloads()
     withFfmpeg.insert(u"PATH"_s, u"/usr/bin:/bin"_s); // the server makes its media with ffmpeg
     MediaServer server(qEnvironmentVariable("QUILLBOX_TESTS_DIR"), media.path(), {}, withFfmpeg);
     QVERIFY2(server.error().isEmpty(), qPrintable(server.error()));
-    DownloadOptions options;
-    options.outputDir = engine->fixture.path(u"out"_s);
-    options.useCookies = false;
-    manager.startDownloads({ server.base() + u"video.mp4"_s }, options);
-    QTRY_VERIFY_WITH_TIMEOUT(
-        engine->only().status == DownloadStatus::Completed || engine->only().status == DownloadStatus::Failed, 120000);
+    engine->download(server.base() + u"video.mp4"_s);
+    QTRY_VERIFY_WITH_TIMEOUT(engine->settled(), 120000);
     QVERIFY2(engine->only().status == DownloadStatus::Completed, qPrintable(engine->log().join(u'\n')));
     QVERIFY(QFileInfo(engine->only().outputPath.value_or(QString())).size() > 0);
     QVERIFY(engine->fake.runs().isEmpty()); // the stand-in found first was not run for it
@@ -120,16 +109,10 @@ void TestToolKeeper::updatesWaitForTheRunningDownload()
     QTRY_VERIFY(manager.tools()->isReady() && !manager.tools()->isProbing());
     QVERIFY(manager.tools()->isYtDlpKept());
     const QString kept = manager.ytDlpPath();
-    QFile old(kept);
-    QVERIFY(old.open(QIODevice::ReadOnly));
-    const QByteArray before = old.readAll();
-    old.close();
+    const QByteArray before = contents(kept);
 
     engine->fake.setScenario(R"([{"out": "[download]  10.0% of 1.00MiB at 1.00MiB/s ETA 00:09\n"}, {"sleep": 30}])");
-    DownloadOptions options;
-    options.outputDir = engine->fixture.path(u"out"_s);
-    options.useCookies = false;
-    manager.startDownloads({ u"https://videos.example/watch?v=long"_s }, options);
+    engine->download(u"https://videos.example/watch?v=long"_s);
     QTRY_COMPARE_WITH_TIMEOUT(engine->only().status, DownloadStatus::Downloading, 20000);
 
     // The daily check learns of the release; the automatic update waits for the queue to be idle.
@@ -142,19 +125,15 @@ void TestToolKeeper::updatesWaitForTheRunningDownload()
     manager.keeper()->installYtDlp();
     QTRY_VERIFY_WITH_TIMEOUT(manager.keeper()->installer()->statusText().contains(u"等待"_s), 60000);
     QTest::qWait(500);
-    QVERIFY(old.open(QIODevice::ReadOnly));
-    QCOMPARE(old.readAll(), before); // untouched while the download runs
-    old.close();
+    QCOMPARE(contents(kept), before); // untouched while the download runs
 
     manager.stopDownload(engine->only().id.toString(QUuid::WithoutBraces));
     QTRY_VERIFY_WITH_TIMEOUT(!manager.keeper()->installer()->isBusy(), 60000);
-    QVERIFY(old.open(QIODevice::ReadOnly));
-    QCOMPARE(old.readAll(), m_build);
+    QCOMPARE(contents(kept), m_build);
     QTRY_COMPARE_WITH_TIMEOUT(manager.ytDlpVersion(), u"2026.08.19"_s, 60000);
 
     // Checked today: the next start does not ask again.
-    const QDateTime checked = QSettings().value(QLatin1String(ToolKeeper::CheckedAtKey)).toDateTime();
-    QVERIFY(checked.isValid());
+    QVERIFY(QSettings().value(QLatin1String(ToolKeeper::CheckedAtKey)).toDateTime().isValid());
 }
 
 void TestToolKeeper::homebrewInstallsWhereItIs()
