@@ -206,7 +206,7 @@ ViewTestCase {
         compare(DownloadManager.tools.ytDlpPath, stored)
         compare(TestHelper.setting("customYtDlpPath"), stored)
         compare(child("autoPathText").text, "自动检测路径: " + stored + "（使用中，自选路径）")
-        tryCompare(DownloadManager, "ytDlpVersion", "2025.11.12", 20000)
+        tryCompare(DownloadManager.tools, "ytDlpVersion", "2025.11.12", 20000)
     }
 
     function test_downloadSettingsSurviveARestart() {
