@@ -14,7 +14,6 @@
 #include <QQuickStyle>
 #include <QQuickWindow>
 
-
 int main(int argc, char *argv[])
 {
     QGuiApplication app(argc, argv);

@@ -31,7 +31,6 @@ public:
     // the queue as it stood before the downloads are stopped.
     void restoreQueueAfterFirstFrame(QQuickWindow *window, QueueMemory *memory);
 
-
     // Qt's own texts (dialog buttons, text-field menus) in Simplified Chinese, as the rest of the
     // interface is, whatever the system's language.
     static void loadQtTranslations();

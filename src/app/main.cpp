@@ -1,6 +1,6 @@
 #include "app/applifecycle.h"
-#include "app/cjkfont.h"
 #include "app/buildinfo.h"
+#include "app/cjkfont.h"
 #include "app/firstframe.h"
 #include "app/qmlsetup.h"
 #include "engine/downloadmanager.h"
