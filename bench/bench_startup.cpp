@@ -17,6 +17,7 @@
 
 #include <QProcess>
 #include <QProcessEnvironment>
+#include <QThread>
 
 #include <algorithm>
 #include <array>
@@ -134,6 +135,16 @@ QList<qint64> childrenOfThisProcess(qint64 except)
 // Returns the command names of what it found; everything found is killed and reaped.
 QStringList endLeftovers(qint64 except)
 {
+    // The application's process-group guardian outlives it by design, for at most a second: it
+    // stops the groups still listed, then leaves. It, and what it stops, are not left behind.
+    const QDeadlineTimer grace(1500);
+    while (!grace.hasExpired()) {
+        for (qint64 pid : childrenOfThisProcess(except))
+            ::waitpid(pid_t(pid), nullptr, WNOHANG);
+        if (childrenOfThisProcess(except).isEmpty())
+            break;
+        QThread::msleep(50);
+    }
     QStringList names;
     QDeadlineTimer deadline(5000);
     for (;;) {
