@@ -1,14 +1,10 @@
 #!/usr/bin/env python3
-"""Records how Debian's yt-dlp fails, for the failure-explanation tests.
+"""Records how Debian's yt-dlp fails into tests/data/failures (see its README), each case the
+way a download runs against servers on 127.0.0.1 or a name looked up without a network. The full
+disk and the read-only folder are tmpfs mounts that need root; without it they keep their old
+recordings.
 
     python3 tests/support/record-failures.py [--out tests/data/failures]
-
-Every case runs the real yt-dlp (and ffmpeg) the way a download does, against the media server
-in this folder on 127.0.0.1, a closed port, a listener that never answers, or a host name under
-.invalid looked up inside an empty network namespace, so nothing leaves the machine. The full
-disk and the read-only folder are tmpfs mounts and need root; without root they are skipped and
-their old recordings stay. Each case is written as NAME.json: the command, exit status, stdout
-and stderr.
 """
 
 import argparse

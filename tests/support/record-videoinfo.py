@@ -1,22 +1,9 @@
 #!/usr/bin/env python3
-"""Records what Debian's yt-dlp prints for -J, for the video-information decoding tests.
+"""Records what Debian's yt-dlp prints for -J (as the engine asks: -J --no-playlist, the link
+after "--") into tests/data/videoinfo (see its README): a bare MP4 link, a page whose schema.org
+VideoObject names the video, and a page with two videos. The server's port becomes 8000.
 
     python3 tests/support/record-videoinfo.py [--out tests/data/videoinfo]
-
-Serves three kinds of page from a temporary folder on 127.0.0.1 with the media server in this
-folder and runs the real yt-dlp on each, the way the engine asks for information
-(-J --no-playlist, the link after "--"):
-
-    direct.json    a bare MP4 link (ffmpeg wrote a title tag into the file, which yt-dlp's
-                   generic extractor does not read: the title is the file's name)
-    page.json      a page whose schema.org VideoObject names the title, author, duration,
-                   thumbnail, view and like counts, with a DASH manifest as its content (separate
-                   video and audio formats, float duration, approximate sizes)
-    playlist.json  a page with two videos, which yt-dlp reports as a playlist even with
-                   --no-playlist
-
-Each file holds yt-dlp's standard output as printed (one line of JSON). The address of the server
-(its port changes from run to run) is replaced by 127.0.0.1:8000.
 """
 
 import argparse

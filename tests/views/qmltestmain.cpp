@@ -54,7 +54,6 @@ public:
 
     Q_INVOKABLE QString tempDir() const { return m_root; }
     Q_INVOKABLE QString baseUrl() const { return m_baseUrl; }
-    Q_INVOKABLE QString testsDir() const { return qEnvironmentVariable("QUILLBOX_TESTS_DIR"); }
 
     // A record from its JSON form (camel-case keys); undefined when it does not decode.
     Q_INVOKABLE QVariant videoInfo(const QString &json) const
@@ -82,14 +81,6 @@ public:
     {
         for (int i = 0; i < count; ++i)
             AppState::instance()->addLog(u"%1 %2"_s.arg(prefix).arg(i), LogEntry::LogType(type));
-    }
-
-    // A log entry stamped with the given time of today, straight into the real log.
-    Q_INVOKABLE void addLogAt(int hour, int minute, int second, const QString &message) const
-    {
-        LogEntry entry = LogEntry::make(message, LogEntry::LogType::Info);
-        entry.timestamp = QDateTime(QDate::currentDate(), QTime(hour, minute, second));
-        AppState::instance()->logModel()->append({ entry });
     }
 
     Q_INVOKABLE void setEnv(const QString &name, const QString &value) const
@@ -184,17 +175,6 @@ public:
     {
         return writeChromeCookieDatabase(
             path, { { host, name, QString(), chromeEncrypt(value.toUtf8(), host.toUtf8(), "peanuts"), 0, false, {} } });
-    }
-
-    // What the next start would read: a new application state and engine on the stored settings.
-    Q_INVOKABLE QVariantMap freshSettings() const
-    {
-        AppState state;
-        state.loadPreferences();
-        const DownloadManager engine(
-            &state, ToolLocations::standard(m_root), nullptr, DownloadManager::Discovery::WaitForStart);
-        return { { u"outputDirectory"_s, state.outputDirectory() },
-            { u"maxConcurrentDownloads"_s, engine.maxConcurrentDownloads() } };
     }
 
     // The presets in the application's store file as "name=arguments", read on a connection of its own.
