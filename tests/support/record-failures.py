@@ -15,7 +15,6 @@ import socket
 import subprocess
 import sys
 import tempfile
-import threading
 
 import testserver
 
@@ -24,27 +23,14 @@ YTDLP = "/usr/bin/yt-dlp"
 FFMPEG = "/usr/bin/ffmpeg"
 
 
-def closed_port():
-    with socket.socket() as s:
-        s.bind(("127.0.0.1", 0))
-        return s.getsockname()[1]
-
-
-def silent_listener():
-    """A port that accepts connections and never answers."""
+def local_port(listen):
+    """A port of 127.0.0.1 and its socket: with `listen`, its connections are taken (the kernel
+    completes them into the backlog) and never answered; without, nobody listens there."""
     s = socket.socket()
     s.bind(("127.0.0.1", 0))
-    s.listen(8)
-    held = []
-
-    def accept():
-        while True:
-            try:
-                held.append(s.accept()[0])
-            except OSError:
-                return
-    threading.Thread(target=accept, daemon=True).start()
-    return s, s.getsockname()[1]
+    port = s.getsockname()[1]
+    s.listen(8) if listen else s.close()
+    return s, port
 
 
 def download_words(folder, preset=(), extra=()):
@@ -54,8 +40,8 @@ def download_words(folder, preset=(), extra=()):
             folder + "/%(title)s.%(ext)s", *preset, *extra, "--progress"]
 
 
-def run(words, shell=False, prefix=()):
-    command = words if shell else shlex.join(words)
+def run(words, prefix=()):
+    command = shlex.join(words)
     result = subprocess.run([*prefix, "/bin/sh", "-c", command], stdin=subprocess.DEVNULL,
                             capture_output=True, timeout=120)
     return command, result
@@ -78,7 +64,7 @@ def main():
         f.write("<html><head><title>No video here</title></head><body>text</body></html>\n")
     out = os.path.join(work, "out")
     server, base = testserver.start("mediaserver.py", "--root", media, "--generate")
-    listener, silent_port = silent_listener()
+    listener, silent_port = local_port(True)
     audio_only = ["-x", "--audio-format", "mp3"]
     # A cookie file that is not in the Netscape format; a browser with no profile under HOME.
     bad_cookies = os.path.join(work, "cookies.json")
@@ -92,7 +78,7 @@ def main():
         "http-403": download_words(out) + ["--", base + "status/403/video.mp4"],
         "http-429": download_words(out) + ["--", base + "status/429/video.mp4"],
         "connection-refused": download_words(out) + [
-            "--", f"http://127.0.0.1:{closed_port()}/video.mp4"],
+            "--", f"http://127.0.0.1:{local_port(False)[1]}/video.mp4"],
         "timeout": download_words(out, extra=["--socket-timeout", "2", "--retries", "0"]) + [
             "--", f"http://127.0.0.1:{silent_port}/video.mp4"],
         "unknown-option": download_words(out, extra=["--no-such-option"]) + [
@@ -143,14 +129,11 @@ def main():
     server.wait()
 
     for name, (command, result) in recorded.items():
-        record = {
-            "command": command.replace(base, "http://127.0.0.1:PORT/").replace(work, "/tmp/WORK"),
-            "exit": result.returncode,
-            "stdout": result.stdout.decode("utf-8", "replace").replace(work, "/tmp/WORK"),
-            "stderr": result.stderr.decode("utf-8", "replace").replace(work, "/tmp/WORK"),
-        }
-        for key in ("stdout", "stderr"):
-            record[key] = record[key].replace(base, "http://127.0.0.1:PORT/")
+        def clean(text):
+            return text.replace(work, "/tmp/WORK").replace(base, "http://127.0.0.1:PORT/")
+        record = {"command": clean(command), "exit": result.returncode,
+                  "stdout": clean(result.stdout.decode("utf-8", "replace")),
+                  "stderr": clean(result.stderr.decode("utf-8", "replace"))}
         with open(os.path.join(args.out, name + ".json"), "w", encoding="utf-8") as f:
             json.dump(record, f, ensure_ascii=False, indent=1)
             f.write("\n")

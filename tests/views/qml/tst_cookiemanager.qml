@@ -25,7 +25,8 @@ ViewTestCase {
         DownloadManager.startDownload(url, Download.Default, "", TestHelper.tempDir() + "/out", true, true)
         tryCompare(DownloadManager.tasks, "count", before + 1)
         tryVerify(() => TestHelper.taskStatuses()[before] === "已完成", 20000)
-        return TestHelper.argvFor(url)
+        return TestHelper.readFile(TestHelper.tempDir() + "/argv.jsonl").split("\n").filter(line => line)
+            .map(line => JSON.parse(line)).filter(argv => argv.includes(url)).pop()
     }
 
     function init() {

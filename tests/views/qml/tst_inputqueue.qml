@@ -31,20 +31,9 @@ ViewTestCase {
         AppState.showSettings = false
     }
 
-    // What the view shows of the input rules, which tst_viewmodels checks: the notice beside the
-    // button, the lines that are not links under the editor.
-    function test_startShowsTheNoticeAndTheMarks() {
-        pressStart()
-        verify(child("startNotice").visible)
-        AppState.urlInput = "https://a.example/1\nhello world"
-        pressStart()
-        compare(child("rejectedLinks").text, "不是有效的链接：hello world")
-    }
-
     // Tab walks the pane top to bottom, each focused control ringed in the accent; Ctrl+Tab
-    // types a tab into the links; Enter presses the focused button. "清空" empties the links and
-    // leaves the focus in them, where the edit menu's undo goes.
-    function test_keyboardAndClear() {
+    // types a tab into the links; Enter presses the focused button.
+    function test_keyboard() {
         const before = DownloadManager.tasks.count
         const editor = child("linksEditor")
         mouseClick(editor)
@@ -76,10 +65,6 @@ ViewTestCase {
         }
         keyClick(Qt.Key_Return)
         compare(TestHelper.taskUrls().slice(before), ["a.bc"])
-
-        mouseClick(child("clearButton"))
-        compare(AppState.urlInput, "")
-        verify(editor.activeFocus)
     }
 
     function test_customArgumentsOnlyUnderCustom() {

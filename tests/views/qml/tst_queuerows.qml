@@ -109,11 +109,6 @@ ViewTestCase {
         // The stand-in's information, asked for beside the download, names the row.
         tryCompare(child("titleText", first), "text", "fake", 20000)
         tryCompare(child("detailsText", first), "text", "1:05 • 1.50MiB/s • 10.00MiB • 剩余 10:00")
-        clickRowAction(first, "videoInfoAction")
-        tryCompare(view, "showVideoInfo", true, 20000)
-        compare(view.videoInfo.title, "fake")
-        view.showVideoInfo = false
-
         clickRowAction(first, "stopAction")
         compare(TestHelper.taskStatuses().slice(before), ["已取消", "下载中", "下载中"])
         tryCompare(DownloadManager, "runningCount", 2, 20000)
