@@ -5,7 +5,6 @@
 #include "store/queuememory.h"
 
 #include <QCoreApplication>
-#include <QFontDatabase>
 #include <QGuiApplication>
 #include <QLibraryInfo>
 #include <QLocale>
@@ -102,23 +101,6 @@ void onTerminationSignal(int)
     [[maybe_unused]] const ssize_t written = ::write(signalPipe[1], &byte, 1);
 }
 } // namespace
-
-void AppLifecycle::preferCjkFont()
-{
-#if defined(Q_OS_LINUX) || defined(Q_OS_FREEBSD)
-    // families() rather than hasFamily(): the latter also resolves the name as a fontconfig
-    // alias, a costly substitution pass the first frame would wait for.
-    const QStringList installed = QFontDatabase::families();
-    for (const QString &family : { QStringLiteral("Noto Sans CJK SC"), QStringLiteral("WenQuanYi Micro Hei") }) {
-        if (installed.contains(family)) {
-            QFont font = QGuiApplication::font();
-            font.setFamilies({ family, font.family() });
-            QGuiApplication::setFont(font);
-            return;
-        }
-    }
-#endif
-}
 
 void AppLifecycle::loadQtTranslations()
 {

@@ -31,10 +31,6 @@ public:
     // the queue as it stood before the downloads are stopped.
     void restoreQueueAfterFirstFrame(QQuickWindow *window, QueueMemory *memory);
 
-    // On Linux, names the installed CJK font first, so Chinese text does not search the font
-    // fallbacks on every layout. Elsewhere the system font covers Chinese already.
-    static void preferCjkFont();
-
     // Qt's own texts (dialog buttons, text-field menus) in Simplified Chinese, as the rest of the
     // interface is, whatever the system's language.
     static void loadQtTranslations();

@@ -1,5 +1,6 @@
 #include "app/applifecycle.h"
 #include "app/buildinfo.h"
+#include "app/cjkfont.h"
 #include "app/firstframe.h"
 #include "app/qmlsetup.h"
 #include "engine/downloadmanager.h"
@@ -41,7 +42,7 @@ int main(int argc, char *argv[])
     AppLifecycle lifecycle(DownloadManager::instance());
     QQmlApplicationEngine engine;
     // The installed fonts are read while the QML loads, before any text is laid out.
-    const std::unique_ptr<QQuickWindow> window = loadMainWindow(engine, &AppLifecycle::preferCjkFont);
+    const std::unique_ptr<QQuickWindow> window = loadMainWindow(engine, &preferCjkFont);
     if (!window)
         return 1;
     reportFirstFrame(window.get());

@@ -26,9 +26,9 @@ std::optional<ToolLocations> chosenLocations;
 
 DownloadManager *DownloadManager::instance()
 {
-    static DownloadManager *const shared
-        = new DownloadManager(EngineHost::processWide(), chosenLocations.value_or(ToolLocations::standard(QDir::homePath())),
-            nullptr, discoveryDeferred ? Discovery::WaitForStart : Discovery::StartNow);
+    static DownloadManager *const shared = new DownloadManager(EngineHost::processWide(),
+        chosenLocations.value_or(ToolLocations::standard(QDir::homePath())), nullptr,
+        discoveryDeferred ? Discovery::WaitForStart : Discovery::StartNow);
     return shared;
 }
 

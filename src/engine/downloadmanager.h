@@ -8,10 +8,10 @@
 #include "model/downloadpreset.h"
 #include "model/downloadrequest.h"
 #include "model/downloadtask.h"
-#include "model/logentry.h"
-#include "model/taskmodel.h"
 #include "model/enginehost.h"
+#include "model/logentry.h"
 #include "model/storedtask.h"
+#include "model/taskmodel.h"
 
 #include <QHash>
 #include <QList>
@@ -65,8 +65,8 @@ public:
 
     // Starts choosing the yt-dlp path and the runtime and ffmpeg detections (unless told to wait
     // for startDiscovery()), and returns at once.
-    DownloadManager(EngineHost host, ToolLocations locations, QObject *parent = nullptr,
-        Discovery discovery = Discovery::StartNow);
+    DownloadManager(
+        EngineHost host, ToolLocations locations, QObject *parent = nullptr, Discovery discovery = Discovery::StartNow);
     ~DownloadManager() override;
 
     // Starts discovery if it has not started yet. Whatever needs a tool waits for it meanwhile.

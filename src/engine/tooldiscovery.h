@@ -12,7 +12,6 @@
 
 #include <functional>
 
-
 // Where tool discovery looks. standard() is the real machine; a test points it elsewhere.
 struct ToolLocations
 {

@@ -1,8 +1,8 @@
 #include "engine/toolinstaller.h"
 
+#include "engine/privatefiles.h"
 #include "engine/zipextract.h"
 #include "model/logcategories.h"
-#include "engine/privatefiles.h"
 
 #include <QCryptographicHash>
 #include <QDir>

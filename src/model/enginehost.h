@@ -50,8 +50,7 @@ struct EngineHost
     }
     // Anything that is both, such as the application's state.
     template <typename Host>
-        requires std::derived_from<Host, LogSink> && std::derived_from<Host, CookieSettings>
-    EngineHost(Host *host)
+    requires std::derived_from<Host, LogSink> && std::derived_from<Host, CookieSettings> EngineHost(Host *host)
         : log(host)
         , cookies(host)
     {

@@ -3,10 +3,10 @@
 #include "engine/shellrunner.h"
 
 #include "engine/downloadmanager.h"
+#include "engine/privatefiles.h"
 #include "model/enginehost.h"
 #include "model/logcategories.h"
 #include "model/taskmodel.h"
-#include "engine/privatefiles.h"
 
 #include <QDateTime>
 #include <QFileInfo>

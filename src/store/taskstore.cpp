@@ -1,8 +1,8 @@
 #include "store/taskstore.h"
 
+#include "engine/privatefiles.h"
 #include "model/downloadpreset.h"
 #include "model/logcategories.h"
-#include "engine/privatefiles.h"
 
 #include <QAtomicInt>
 #include <QDateTime>

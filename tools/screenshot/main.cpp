@@ -8,6 +8,7 @@
 // 1 presets, 2 cookies).
 
 #include "app/applifecycle.h"
+#include "app/cjkfont.h"
 #include "app/qmlsetup.h"
 #include "engine/downloadmanager.h"
 #include "model/appstate.h"
@@ -71,7 +72,7 @@ int main(int argc, char *argv[])
     if (parser.isSet(ytDlp))
         QSettings().setValue(QLatin1String(DownloadManager::CustomYtDlpPathKey), parser.value(ytDlp));
     QQuickStyle::setStyle(u"Basic"_s);
-    AppLifecycle::preferCjkFont();
+    preferCjkFont();
 
     AppLifecycle lifecycle(DownloadManager::instance());
     QQmlApplicationEngine engine;
