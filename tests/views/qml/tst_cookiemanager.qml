@@ -40,24 +40,17 @@ ViewTestCase {
         AppState.selectedTab = 0
     }
 
-    // The source chosen on the page reaches the downloads (which words each source gives is
-    // tst_cookiewords's); a browser that is not there stays chosen and is said to be missing.
-    function test_sourceReachesTheDownloads() {
-        const file = TestHelper.tempDir() + "/my cookies.txt"
-        verify(TestHelper.writeFile(file, "# Netscape HTTP Cookie File\n.a.example\tTRUE\t/\tFALSE\t0\tk\tv\n"))
+    // A browser that is not there stays chosen, said to be missing; a source chosen on the page
+    // is the application's.
+    function test_sources() {
         const page = makePage()
         compare(child("browserChoice", page).currentText, "Chrome（未找到）")
-        const field = child("cookieFileField", page)
-        field.text = file
-        field.editingFinished()
-        mouseClick(child("sourceFile", page))
-        compare(AppState.cookieSource, "file")
-        const argv = downloadArgv("https://cookie.example/file")
-        compare(argv[argv.indexOf("--cookies") + 1], file)
+        verify(child("sourceBrowser", page).checked)
         mouseClick(child("sourceNone", page))
         compare(AppState.cookieSource, "none")
     }
 
+    // "用于下载" makes the exported file the one downloads use.
     function test_export() {
         const page = makePage()
         const button = child("exportButton", page)
@@ -99,9 +92,6 @@ ViewTestCase {
         verify(!findChild(fresh, "expiredBadge").visible)
         verify(findChild(old, "expiredBadge").visible)
         compare(child("expiredSummary", page).text, "1 个网站的 Cookie 已过期，请重新登录后再导出。")
-        verify(!child("switchOffHint", page).visible)
-        AppState.useCookies = false
-        verify(child("switchOffHint", page).visible)
     }
 
     // "检查 Cookie" runs yt-dlp on the chosen file and shows its verdict until the source changes.

@@ -3,13 +3,29 @@ import QtTest
 import Quillbox
 import QuillboxTest
 
+// The download pane: its keyboard, presets, folder and notices, and the formats and video
+// information it asks yt-dlp for.
 ViewTestCase {
-    name: "InputAndQueue"
+    id: testCase
+
+    name: "InputPane"
+
+    Component {
+        id: thumbnailComponent
+
+        Thumbnail {
+            Rectangle {
+                objectName: "statusIcon"
+                anchors.fill: parent
+            }
+        }
+    }
 
     function init() {
         resetForm("out")
         for (const name of ["FAKE_YTDLP_FORMATS", "FAKE_YTDLP_FORMATS_EXIT", "FAKE_YTDLP_FORMATS_STDERR",
-                            "FAKE_YTDLP_INFO", "FAKE_YTDLP_INFO_EXIT", "FAKE_YTDLP_INFO_STDERR"])
+                            "FAKE_YTDLP_INFO", "FAKE_YTDLP_INFO_EXIT", "FAKE_YTDLP_INFO_STDERR",
+                            "FAKE_YTDLP_INFO_DELAY"])
             TestHelper.setEnv(name, "")
         showMainView()
     }
@@ -103,27 +119,25 @@ ViewTestCase {
         tryCompare(child("formatsText", sheet), "text", "ID  EXT\n22  webm\n")
     }
 
-    // When yt-dlp cannot read the link, what it said is shown in an alert (for the information,
-    // its error line, not its warnings), and nothing else opens.
+    // When yt-dlp cannot read the link, what it said is shown in an alert, and nothing else opens
+    // or spins.
     function test_toolFailureAlert_data() {
         return [
             { tag: "formats", button: "listFormatsButton", alert: "formatsErrorAlert", sheet: "formatsSheet",
-              exit: "FAKE_YTDLP_FORMATS_EXIT", stderr: "FAKE_YTDLP_FORMATS_STDERR", printed: "ERROR: Unsupported URL: nope",
-              says: "ERROR: Unsupported URL: nope\n" },
+              variable: "FAKE_YTDLP_FORMATS", says: "ERROR: Unsupported URL: nope\n" },
             { tag: "information", button: "videoInfoButton", alert: "videoInfoErrorAlert", sheet: "videoInfoSheet",
-              exit: "FAKE_YTDLP_INFO_EXIT", stderr: "FAKE_YTDLP_INFO_STDERR", says: "ERROR: Unsupported URL: nope",
-              printed: "WARNING: slow\nERROR: Unsupported URL: nope" },
+              variable: "FAKE_YTDLP_INFO", says: "ERROR: Unsupported URL: nope" },
         ]
     }
 
     function test_toolFailureAlert(data) {
-        TestHelper.setEnv(data.exit, "1")
-        TestHelper.setEnv(data.stderr, data.printed)
+        TestHelper.setEnv(data.variable + "_EXIT", "1")
+        TestHelper.setEnv(data.variable + "_STDERR", "WARNING: slow\nERROR: Unsupported URL: nope")
         AppState.urlInput = "nope"
         mouseClick(child(data.button))
         const alert = child(data.alert)
         tryCompare(alert, "opened", true, 20000)
-        compare(child("alertMessage", alert).text, data.says)
+        verify(child("alertMessage", alert).text.endsWith(data.says), child("alertMessage", alert).text)
         compare(child(data.sheet).opened, false)
         compare(child("videoInfoIndicator").visible, false)
         mouseClick(child("alertOkButton", alert))
@@ -140,5 +154,64 @@ ViewTestCase {
         picker.item.accept()
         tryCompare(picker, "opened", false)
         compare(AppState.outputDirectory, chosen)
+    }
+
+    // The sheet once open, and its rows a person sees, as "label value".
+    function openedSheet() {
+        tryCompare(child("videoInfoSheet"), "opened", true, 20000)
+        return child("videoInfoView")
+    }
+
+    function shownRows(sheet) {
+        return ["durationRow", "uploaderRow", "viewCountRow", "likeCountRow"].map(name => child(name, sheet))
+            .filter(row => row.visible).map(row => child("infoTitle", row).text + " " + child("infoValue", row).text)
+    }
+
+    // A record's counts only where it has them, with all their digits; an empty uploader still
+    // has its row.
+    function test_records_data() {
+        return [
+            { tag: "without counts", title: "没有计数的视频", shows: ["时长 1:05", "作者 某人"],
+              json: '{"url": "u", "title": "没有计数的视频", "duration": 65, "uploader": "某人", "formats": []}' },
+            { tag: "all digits", title: "t", shows: ["时长 1:00:00", "作者 ", "播放量 12345678901", "点赞数 0"],
+              json: '{"url": "u", "title": "t", "duration": 3600, "uploader": "", "viewCount": 12345678901, '
+                    + '"likeCount": 0, "formats": []}' },
+        ]
+    }
+
+    function test_records(data) {
+        view.videoInfo = TestHelper.videoInfo(data.json)
+        view.showVideoInfo = true
+        const sheet = openedSheet()
+        compare(child("videoTitle", sheet).text, data.title)
+        compare(shownRows(sheet), data.shows)
+        mouseClick(child("closeVideoInfoButton", sheet))
+        compare(view.showVideoInfo, false)
+        tryCompare(child("videoInfoSheet"), "opened", false)
+    }
+
+    // "视频信息" asks for the first line, spins meanwhile, and shows what yt-dlp -J printed.
+    function test_openedFromTheInputPane() {
+        TestHelper.setEnv("FAKE_YTDLP_INFO", String(Qt.resolvedUrl("../../data/videoinfo/page.json")).slice(7))
+        TestHelper.setEnv("FAKE_YTDLP_INFO_DELAY", "1")
+        AppState.urlInput = "https://i.example/page\nhttps://i.example/other"
+        const button = child("videoInfoButton")
+        const indicator = child("videoInfoIndicator")
+        compare(indicator.visible, false)
+        mouseClick(button)
+        verify(indicator.visible)
+        verify(!button.enabled)
+        const sheet = openedSheet()
+        compare(child("videoTitle", sheet).text, "测试视频 Quillbox")
+        verify(button.enabled)
+        compare(view.videoInfo.url, "https://i.example/page")
+    }
+
+    // A thumbnail that cannot load leaves what stands in for it.
+    function test_thumbnailFallsBack() {
+        const thumbnail = createTemporaryObject(thumbnailComponent, testCase, { source: "http://127.0.0.1:9/none.jpg" })
+        tryCompare(child("thumbnailImage", thumbnail), "status", Image.Error, 20000)
+        verify(child("thumbnailFallback", thumbnail).visible)
+        compare(thumbnail.loaded, false)
     }
 }
