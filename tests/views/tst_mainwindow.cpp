@@ -103,7 +103,6 @@ void TestMainWindow::geometryRestored()
         QTest::keyClick(main.window, Qt::Key_W, Qt::ControlModifier);
         QTRY_VERIFY(!main.window->isVisible());
     }
-    QCOMPARE(QSettings().value(u"Main Window/geometry"_s).toRect(), moved);
     QCOMPARE(MainWindow().window->geometry(), moved);
 }
 
