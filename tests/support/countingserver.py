@@ -5,7 +5,6 @@ if anything but /control* was asked for. GET /count answers the counts so far as
 counting itself; its query is ignored, so a client that caches can ask "/count?N".
 """
 
-import argparse
 import json
 import os
 import subprocess
@@ -31,7 +30,7 @@ class CountingHandler(Handler):
             threading.Thread(target=self.server.shutdown).start()
 
 
-def run(state, lifetime):
+def run(state):
     server, base = listen(CountingHandler, counts={}, lock=threading.Lock())
     # The record's texts: markup a rich-text view would act on, the picture on this server.
     record = {"id": "plain", "duration": 65, "view_count": 1, "formats": [],
@@ -40,17 +39,18 @@ def run(state, lifetime):
     (state / "info.json").write_text(json.dumps(record, ensure_ascii=False), encoding="utf-8")
     (state / "url.tmp").write_text(base)
     os.replace(state / "url.tmp", state / "url")
-    timer = threading.Timer(lifetime, server.shutdown)
+    # It ends by itself should "stop" never come.
+    timer = threading.Timer(900, server.shutdown)
     timer.daemon = True
     timer.start()
     serve(server)
 
 
-def start(state, lifetime):
+def start(state):
     state.mkdir(parents=True, exist_ok=True)
     for name in ("url", "info.json"):
         (state / name).unlink(missing_ok=True)
-    subprocess.Popen([sys.executable, __file__, "serve", str(state), "--lifetime", str(lifetime)],
+    subprocess.Popen([sys.executable, __file__, "serve", str(state)],
                      stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
                      start_new_session=True)
     for _ in range(300):
@@ -74,16 +74,9 @@ def stop(state):
 
 
 def main():
-    parser = argparse.ArgumentParser()
-    parser.add_argument("command", choices=["start", "serve", "stop"])
-    parser.add_argument("state", type=Path)
-    parser.add_argument("--lifetime", type=float, default=900)
-    arguments = parser.parse_args()
-    if arguments.command == "serve":
-        return run(arguments.state, arguments.lifetime)
-    if arguments.command == "start":
-        return start(arguments.state, arguments.lifetime)
-    return stop(arguments.state)
+    # "serve" is the server itself, which "start" leaves running in the background.
+    command, state = sys.argv[1], Path(sys.argv[2])
+    return {"start": start, "serve": run, "stop": stop}[command](state)
 
 
 if __name__ == "__main__":

@@ -24,16 +24,8 @@ CONTENT_TYPES = {".mp4": "video/mp4", ".m4a": "audio/mp4", ".m4s": "video/iso.se
 
 def generate(root, duration):
     ffmpeg = shutil.which("ffmpeg") or sys.exit("mediaserver: ffmpeg not found on PATH")
-    encoders = subprocess.run([ffmpeg, "-hide_banner", "-encoders"], capture_output=True, text=True).stdout
-    if re.search(r"^\s*V\S*\s+libx264\s", encoders, re.M):
-        video = ["-c:v", "libx264", "-preset", "ultrafast", "-pix_fmt", "yuv420p", "-keyint_min", "25",
-                 "-sc_threshold", "0"]
-        hls_video = []
-    else:
-        # MPEG-4 part 2 puts its headers only in the HLS muxer's global header: repeat them in
-        # the .ts segments so players can read the size.
-        video, hls_video = ["-c:v", "mpeg4", "-q:v", "5"], ["-bsf:v", "dump_extra"]
-    video += ["-g", "25"]
+    video = ["-c:v", "libx264", "-preset", "ultrafast", "-pix_fmt", "yuv420p", "-g", "25", "-keyint_min", "25",
+             "-sc_threshold", "0"]
     aac = ["-c:a", "aac", "-b:a", "64k", "-ac", "2"]
     av = ["-map", "0:v", "-map", "1:a"] + video + aac
     mp4 = ["-movflags", "+faststart", "-f", "mp4"]
@@ -41,8 +33,8 @@ def generate(root, duration):
         ("video.mp4", av + mp4),
         ("silent.mp4", ["-map", "0:v"] + video + mp4),
         ("audio.m4a", ["-map", "1:a"] + aac + ["-movflags", "+faststart", "-f", "ipod"]),
-        ("hls/index.m3u8", av + hls_video + ["-f", "hls", "-hls_time", "1", "-hls_playlist_type", "vod",
-                                             "-hls_segment_filename", "{work}/segment%03d.ts"]),
+        ("hls/index.m3u8", av + ["-f", "hls", "-hls_time", "1", "-hls_playlist_type", "vod",
+                                 "-hls_segment_filename", "{work}/segment%03d.ts"]),
         ("dash/manifest.mpd", av + ["-f", "dash", "-seg_duration", "1", "-use_template", "1",
                                     "-use_timeline", "1", "-adaptation_sets", "id=0,streams=v id=1,streams=a"]),
     ]

@@ -5,14 +5,13 @@
                                            [--rate BYTES_PER_SEC]
     python3 tests/support/releaseserver.py --make-zip OUT stored|deflated ENTRY=FILE...
 
-The latest tag of DIR/OWNER/REPO is the content of its LATEST, else its greatest TAG folder. As on
-GitHub: /repos/OWNER/REPO/releases/latest is JSON with tag_name and the assets,
-/OWNER/REPO/releases/download/TAG/NAME redirects to /assets/OWNER/REPO/TAG/NAME (the file), and
-/OWNER/REPO/releases/latest/download/NAME to the latest tag's download. --fault KIND:NAME changes
-the answer to every request whose last path part is NAME ("latest" for the API): tamper (one byte
-differs), cut (half the promised body, then the connection closes), slow (--rate bytes a second),
-404, 429, ratelimit (403 with X-RateLimit-Remaining: 0). --redirect NAME URL sends NAME's download
-to URL ("{port}" in it is the server's port).
+The latest tag of DIR/OWNER/REPO is its greatest TAG folder. As on GitHub:
+/repos/OWNER/REPO/releases/latest is JSON with the tag_name, and
+/OWNER/REPO/releases/download/TAG/NAME redirects to /assets/OWNER/REPO/TAG/NAME (the file).
+--fault KIND:NAME changes the answer to every request whose last path part is NAME ("latest" for
+the API): tamper (one byte differs), cut (half the promised body, then the connection closes), slow
+(--rate bytes a second), 404, 429, ratelimit (403 with X-RateLimit-Remaining: 0). --redirect NAME
+URL sends NAME's download to URL ("{port}" in it is the server's port).
 """
 
 import argparse
@@ -23,7 +22,7 @@ import socket
 import urllib.parse
 import zipfile
 
-from testserver import HOST, Handler, listen, serve
+from testserver import Handler, listen, serve
 
 FAULTS = ("tamper", "cut", "slow", "404", "429", "ratelimit")
 
@@ -61,11 +60,6 @@ class ReleaseHandler(Handler):
                 port = str(self.server.server_address[1])
                 return self._redirect(self.server.redirects[name].replace("{port}", port))
             return self._redirect(f"/assets/{owner}/{repo}/{tag}/{name}")
-        if len(parts) == 6 and parts[2:5] == ["releases", "latest", "download"]:
-            tag = self._latest_tag(parts[0], parts[1])
-            if tag is None:
-                return self.answer(404, b"Not Found\n")
-            return self._redirect(f"/{parts[0]}/{parts[1]}/releases/download/{tag}/{parts[5]}")
         if len(parts) == 5 and parts[0] == "assets":
             return self._file(os.path.join(self.server.root, *parts[1:]), fault)
         return self.answer(404, b"Not Found\n")
@@ -76,11 +70,6 @@ class ReleaseHandler(Handler):
     def _latest_tag(self, owner, repo):
         folder = os.path.join(self.server.root, owner, repo)
         try:
-            with open(os.path.join(folder, "LATEST")) as f:
-                return f.read().strip()
-        except OSError:
-            pass
-        try:
             tags = [t for t in os.listdir(folder) if os.path.isdir(os.path.join(folder, t))]
         except OSError:
             return None
@@ -90,14 +79,7 @@ class ReleaseHandler(Handler):
         tag = self._latest_tag(owner, repo)
         if tag is None:
             return self.answer(404, b'{"message": "Not Found"}\n', content_type="application/json")
-        folder = os.path.join(self.server.root, owner, repo, tag)
-        base = f"http://{HOST}:{self.server.server_address[1]}"
-        assets = [{"name": name, "size": os.path.getsize(os.path.join(folder, name)),
-                   "browser_download_url": f"{base}/{owner}/{repo}/releases/download/{tag}/{name}"}
-                  for name in sorted(os.listdir(folder))]
-        body = json.dumps({"tag_name": tag, "name": tag, "draft": False, "prerelease": False,
-                           "assets": assets}, indent=2).encode()
-        self.answer(200, body, content_type="application/json; charset=utf-8")
+        self.answer(200, json.dumps({"tag_name": tag}).encode(), content_type="application/json; charset=utf-8")
 
     def _file(self, path, fault):
         try:

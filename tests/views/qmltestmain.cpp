@@ -16,7 +16,6 @@
 
 #include <QDir>
 #include <QFileInfo>
-#include <QJsonDocument>
 #include <QProcess>
 #include <QQmlEngine>
 #include <QQuickStyle>
@@ -54,7 +53,6 @@ public:
 
     Q_INVOKABLE QString tempDir() const { return m_root; }
     Q_INVOKABLE QString baseUrl() const { return m_baseUrl; }
-    Q_INVOKABLE QString testsDir() const { return qEnvironmentVariable("QUILLBOX_TESTS_DIR"); }
 
     // A record from its JSON form (camel-case keys); undefined when it does not decode.
     Q_INVOKABLE QVariant videoInfo(const QString &json) const
@@ -84,14 +82,7 @@ public:
             AppState::instance()->addLog(u"%1 %2"_s.arg(prefix).arg(i), LogEntry::LogType(type));
     }
 
-    // A log entry stamped with the given time of today, straight into the real log.
-    Q_INVOKABLE void addLogAt(int hour, int minute, int second, const QString &message) const
-    {
-        LogEntry entry = LogEntry::make(message, LogEntry::LogType::Info);
-        entry.timestamp = QDateTime(QDate::currentDate(), QTime(hour, minute, second));
-        AppState::instance()->logModel()->append({ entry });
-    }
-
+    Q_INVOKABLE QString env(const QString &name) const { return qEnvironmentVariable(name.toLatin1()); }
     Q_INVOKABLE void setEnv(const QString &name, const QString &value) const
     {
         if (value.isEmpty())
@@ -138,44 +129,18 @@ public:
         return model;
     }
 
-    // The desktop's opener ("xdg-open", or "open" on macOS) becomes a stand-in that writes its
-    // arguments, one run per line, for openedWith() to read.
-    Q_INVOKABLE void replaceOpener() const
-    {
-        const QString bin = m_root + u"/opener"_s;
-        for (const QString &name : { u"xdg-open"_s, u"open"_s })
-            writeTextFile(bin + u'/' + name, u"#!/bin/sh\necho \"$*\" >> '%1/opened.txt'\n"_s.arg(m_root), true);
-        qputenv("PATH", (bin + u':' + qEnvironmentVariable("PATH")).toUtf8());
-    }
-    Q_INVOKABLE QStringList openedWith() const
-    {
-        return readFile(m_root + u"/opened.txt"_s).split(u'\n', Qt::SkipEmptyParts);
-    }
-
     Q_INVOKABLE QVariant setting(const QString &key) const { return QSettings().value(key); }
 
     Q_INVOKABLE bool writeFile(const QString &path, const QString &text, bool executable = false) const
     {
         return writeTextFile(path, text, executable);
     }
-    static QString readFile(const QString &path)
+    Q_INVOKABLE QString readFile(const QString &path) const
     {
         QFile file(path);
         return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
     }
     Q_INVOKABLE bool removeFile(const QString &path) const { return QFile::remove(path); }
-
-    // The arguments of the stand-in's last run that had `word` among them.
-    Q_INVOKABLE QStringList argvFor(const QString &word) const
-    {
-        QStringList found;
-        for (const QString &line : readFile(m_root + u"/argv.jsonl"_s).split(u'\n')) {
-            const QStringList argv = QJsonDocument::fromJson(line.toUtf8()).toVariant().toStringList();
-            if (argv.contains(word))
-                found = argv;
-        }
-        return found;
-    }
 
     // A Chrome cookie database at `path` with one cookie whose value is encrypted as Chromium
     // does without a keyring.
@@ -184,17 +149,6 @@ public:
     {
         return writeChromeCookieDatabase(
             path, { { host, name, QString(), chromeEncrypt(value.toUtf8(), host.toUtf8(), "peanuts"), 0, false, {} } });
-    }
-
-    // What the next start would read: a new application state and engine on the stored settings.
-    Q_INVOKABLE QVariantMap freshSettings() const
-    {
-        AppState state;
-        state.loadPreferences();
-        const DownloadManager engine(
-            &state, ToolLocations::standard(m_root), nullptr, DownloadManager::Discovery::WaitForStart);
-        return { { u"outputDirectory"_s, state.outputDirectory() },
-            { u"maxConcurrentDownloads"_s, engine.maxConcurrentDownloads() } };
     }
 
     // The presets in the application's store file as "name=arguments", read on a connection of its own.
