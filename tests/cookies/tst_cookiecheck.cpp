@@ -66,8 +66,6 @@ void TestCookieCheck::toolLines_data()
         << CookieCheckProblem::None << 0 << true;
     QTest::newRow("locked") << QStringList { u"ERROR: database is locked"_s } << CookieCheckProblem::DatabaseLocked << 0
                             << false;
-    QTest::newRow("copy refused") << QStringList { u"ERROR: Could not copy Chrome cookie database. See …"_s }
-                                  << CookieCheckProblem::DatabaseLocked << 0 << false;
 }
 
 void TestCookieCheck::toolLines()

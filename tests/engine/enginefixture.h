@@ -10,10 +10,12 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QMutex>
+#include <QProcessEnvironment>
 #include <QStandardPaths>
 #include <QtTest>
 
 #include <algorithm>
+#include <csignal>
 #include <functional>
 #include <memory>
 
@@ -130,6 +132,27 @@ private:
     static inline QStringList *s_capture = nullptr;
 };
 
+inline QByteArray fileBytes(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+inline QString idOf(const DownloadTask &task)
+{
+    return task.id.toString(QUuid::WithoutBraces);
+}
+
+// Alive, and not just awaiting collection.
+inline bool isRunning(qint64 pid)
+{
+    if (::kill(pid_t(pid), 0) != 0)
+        return false;
+    const QByteArray stat = fileBytes(QStringLiteral("/proc/%1/stat").arg(pid));
+    const qsizetype close = stat.lastIndexOf(')');
+    return close < 0 || stat.mid(close + 2, 1) != "Z";
+}
+
 // The stand-in yt-dlp (tests/fakes/yt-dlp) and what it recorded.
 class FakeYtDlp
 {
@@ -144,14 +167,13 @@ public:
         qputenv("FAKE_YTDLP_PIDFILE", fixture.path(QStringLiteral("pids.txt")).toUtf8());
     }
 
+    // Whatever a test told the stand-in ends with it.
     ~FakeYtDlp()
     {
-        for (const char *name : { "FAKE_YTDLP_ARGV_FILE", "FAKE_YTDLP_PIDFILE", "FAKE_YTDLP_SCENARIO",
-                 "FAKE_YTDLP_EXIT", "FAKE_YTDLP_VERSION", "FAKE_YTDLP_VERSION_EXIT", "FAKE_YTDLP_UPDATE_OUTPUT",
-                 "FAKE_YTDLP_UPDATE_EXIT", "FAKE_YTDLP_FORMATS", "FAKE_YTDLP_FORMATS_STDERR", "FAKE_YTDLP_FORMATS_EXIT",
-                 "FAKE_YTDLP_INFO", "FAKE_YTDLP_INFO_STDERR", "FAKE_YTDLP_INFO_EXIT", "FAKE_YTDLP_INFO_DELAY",
-                 "FAKE_YTDLP_VARIANT", "FAKE_YTDLP_JS_RUNTIMES" })
-            qunsetenv(name);
+        for (const QString &name : QProcessEnvironment::systemEnvironment().keys()) {
+            if (name.startsWith(u"FAKE_YTDLP_"))
+                qunsetenv(name.toLocal8Bit().constData());
+        }
     }
 
     QString path() const { return m_path; }
@@ -202,6 +224,7 @@ struct SandboxEngine
     EngineFixture fixture;
     FakeYtDlp fake { fixture };
     AppState state;
+    ToolLocations locations;
     std::unique_ptr<DownloadManager> manager;
 
     using Edit = std::function<void(SandboxEngine &, ToolLocations &)>;
@@ -213,15 +236,22 @@ struct SandboxEngine
         const Edit &edit = {}, const Ready &ready = versionKnown, int patience = 20000)
     {
         auto engine = std::make_unique<SandboxEngine>();
-        ToolLocations locations = engine->fixture.emptyLocations();
-        locations.ytDlp << engine->fake.path();
+        engine->locations = engine->fixture.emptyLocations();
+        engine->locations.ytDlp << engine->fake.path();
         if (edit)
-            edit(*engine, locations);
-        engine->manager = std::make_unique<DownloadManager>(&engine->state, locations);
+            edit(*engine, engine->locations);
+        engine->restart();
         const DownloadManager &manager = *engine->manager;
         if (ready && !QTest::qWaitFor([&] { return ready(manager); }, patience))
             return nullptr;
         return engine;
+    }
+
+    // A new engine in the same sandbox, as the next start of the application.
+    void restart()
+    {
+        manager.reset();
+        manager = std::make_unique<DownloadManager>(&state, locations);
     }
 
     void download(const QString &url, DownloadPreset preset = DownloadPreset::Default, const QString &custom = {},

@@ -1,14 +1,13 @@
 #include "engine/toolinstaller.h"
 
+#include "enginefixture.h"
 #include "support/releaseserver.h"
-#include "testsupport.h"
 
 #include <QCryptographicHash>
 #include <QProcess>
 #include <QRandomGenerator>
 #include <QSignalSpy>
 #include <QTcpServer>
-#include <QtTest>
 
 using namespace Qt::StringLiterals;
 using Tool = ToolInstaller::Tool;
@@ -41,12 +40,6 @@ const auto mode0755 = QFileDevice::Permissions::fromInt(0x7755);
 QByteArray sha256(const QByteArray &data)
 {
     return QCryptographicHash::hash(data, QCryptographicHash::Sha256).toHex();
-}
-
-QByteArray readFile(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
 bool writeFile(const QString &path, const QByteArray &data, QFileDevice::Permissions permissions = {})
@@ -209,7 +202,7 @@ void TestToolInstaller::failuresLeaveTheOldCopy()
     const QString said = finished.constFirst().at(4).toString();
     QVERIFY2(said.contains(message), qPrintable(said));
     QCOMPARE(installer->statusText(), said);
-    QCOMPARE(readFile(release.installed()), oldCopy);
+    QCOMPARE(fileBytes(release.installed()), oldCopy);
     QCOMPARE(entries(release.folder.path()), QStringList { u"yt-dlp"_s });
 }
 
@@ -235,14 +228,14 @@ void TestToolInstaller::replaceWaitsForTheGate()
     installer->cancel();
     QCOMPARE(finished.takeFirst().at(1).toBool(), false);
     proceed(); // too late: nothing happens
-    QCOMPARE(readFile(release.installed()), oldCopy);
+    QCOMPARE(fileBytes(release.installed()), oldCopy);
     QCOMPARE(entries(release.folder.path()), QStringList { u"yt-dlp"_s });
 
     // Held, then let go.
     proceed = nullptr;
     installer->install(Tool::YtDlp);
     QTRY_VERIFY_WITH_TIMEOUT(proceed, Patience);
-    QCOMPARE(readFile(release.installed()), oldCopy);
+    QCOMPARE(fileBytes(release.installed()), oldCopy);
     QVERIFY(finished.isEmpty());
     proceed();
     QCOMPARE(finished.size(), 1);
@@ -291,7 +284,7 @@ void TestToolInstaller::installsDeno()
     QVERIFY(QDir().mkpath(QFileInfo(zipPath).path()));
     const QString zipError = ReleaseServer::makeZip(m_testsDir, { zipPath, method, entry + u'=' + program });
     QVERIFY2(zipError.isEmpty(), qPrintable(zipError));
-    QByteArray zip = readFile(zipPath);
+    QByteArray zip = fileBytes(zipPath);
     if (damageData) {
         zip[zip.indexOf("exit 0")] = 'E';
         QVERIFY(writeFile(zipPath, zip));
@@ -313,7 +306,7 @@ void TestToolInstaller::installsDeno()
     if (message.isEmpty()) {
         QCOMPARE(outcome.at(3).toString(), u"v2.9.6"_s);
         QCOMPARE(outcome.at(2).toString(), home + u"/deno"_s);
-        QVERIFY(readFile(home + u"/deno"_s) == readFile(program));
+        QVERIFY(fileBytes(home + u"/deno"_s) == fileBytes(program));
         QCOMPARE(QFile::permissions(home + u"/deno"_s), mode0755);
         QCOMPARE(versionOf(home + u"/deno"_s), version);
     }

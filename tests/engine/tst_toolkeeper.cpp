@@ -25,23 +25,15 @@ private:
     QByteArray m_build;
 };
 
-namespace {
-QByteArray contents(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-} // namespace
-
 void TestToolKeeper::initTestCase()
 {
     const QString shared = sharedYtDlp();
     const QString asset = ReleaseLocations::standard().ytDlp.assetName;
     if (shared.isEmpty() || asset.isEmpty())
         return; // the tests that install say why they skip
-    m_build = contents(shared);
+    m_build = fileBytes(shared);
     // The same bytes and digest, under the name this system's build has.
-    const QByteArray digest = contents(QFileInfo(shared).dir().filePath(u"SHA2-256SUMS"_s)).split(' ').constFirst();
+    const QByteArray digest = fileBytes(QFileInfo(shared).dir().filePath(u"SHA2-256SUMS"_s)).split(' ').constFirst();
     const QString folder = m_releases.filePath(u"yt-dlp/yt-dlp/2026.08.19/"_s);
     QVERIFY(QDir().mkpath(folder) && QFile::copy(shared, folder + asset));
     QFile list(folder + u"SHA2-256SUMS"_s);
@@ -74,7 +66,7 @@ void TestToolKeeper::installedCopyIsUsedAtOnceAndDownloads()
     QCOMPARE(QSettings().value(u"customYtDlpPath"_s).toString(), kept);
     QTRY_COMPARE_WITH_TIMEOUT(manager.ytDlpVersion(), u"2026.08.19"_s, 60000);
     QTRY_VERIFY_WITH_TIMEOUT(manager.tools()->isYtDlpKept(), 60000);
-    QCOMPARE(contents(kept), m_build); // the verified file, whole, mode 0755
+    QCOMPARE(fileBytes(kept), m_build); // the verified file, whole, mode 0755
     QCOMPARE(int(QFile::permissions(kept)), 0x7755);
     QVERIFY(engine->log().filter(u"✅ 已安装 yt-dlp 2026.08.19: "_s).size() == 1);
 
@@ -109,7 +101,7 @@ void TestToolKeeper::updatesWaitForTheRunningDownload()
     QTRY_VERIFY(manager.tools()->isReady() && !manager.tools()->isProbing());
     QVERIFY(manager.tools()->isYtDlpKept());
     const QString kept = manager.ytDlpPath();
-    const QByteArray before = contents(kept);
+    const QByteArray before = fileBytes(kept);
 
     engine->fake.setScenario(R"([{"out": "[download]  10.0% of 1.00MiB at 1.00MiB/s ETA 00:09\n"}, {"sleep": 30}])");
     engine->download(u"https://videos.example/watch?v=long"_s);
@@ -125,11 +117,11 @@ void TestToolKeeper::updatesWaitForTheRunningDownload()
     manager.keeper()->installYtDlp();
     QTRY_VERIFY_WITH_TIMEOUT(manager.keeper()->installer()->statusText().contains(u"等待"_s), 60000);
     QTest::qWait(500);
-    QCOMPARE(contents(kept), before); // untouched while the download runs
+    QCOMPARE(fileBytes(kept), before); // untouched while the download runs
 
     manager.stopDownload(engine->only().id.toString(QUuid::WithoutBraces));
     QTRY_VERIFY_WITH_TIMEOUT(!manager.keeper()->installer()->isBusy(), 60000);
-    QCOMPARE(contents(kept), m_build);
+    QCOMPARE(fileBytes(kept), m_build);
     QTRY_COMPARE_WITH_TIMEOUT(manager.ytDlpVersion(), u"2026.08.19"_s, 60000);
 
     // Checked today: the next start does not ask again.

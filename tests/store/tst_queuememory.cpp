@@ -9,38 +9,12 @@
 #include <QSqlDatabase>
 #include <QSqlQuery>
 
-#include <csignal>
-
 using namespace Qt::StringLiterals;
 
 namespace {
 // yt-dlp that is still downloading half a minute later, with a child of its own (as ffmpeg is).
 const QByteArray slowSteps
     = R"({"steps": [{"spawn_child_sleep": 60}, {"progress": {"count": 600, "rate": 20, "size": "10.00MiB"}}]})";
-
-// Alive, and not just awaiting collection.
-bool running(qint64 pid)
-{
-    if (::kill(pid_t(pid), 0) != 0)
-        return false;
-    QFile stat(u"/proc/%1/stat"_s.arg(pid));
-    if (!stat.open(QIODevice::ReadOnly))
-        return true;
-    const QByteArray text = stat.readAll();
-    const qsizetype close = text.lastIndexOf(')');
-    return close < 0 || text.mid(close + 2, 1) != "Z";
-}
-
-QByteArray bytesOf(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-QString idOf(const DownloadTask &task)
-{
-    return task.id.toString(QUuid::WithoutBraces);
-}
 } // namespace
 
 class TestQueueMemory : public QObject
@@ -63,7 +37,6 @@ private Q_SLOTS:
 
     void cleanup()
     {
-        qunsetenv("FAKE_YTDLP_SCENARIO_DIR");
         for (const qint64 pid : m_fake->pids())
             ::kill(pid_t(pid), SIGKILL);
         m_fake.reset();
@@ -81,8 +54,8 @@ private Q_SLOTS:
             memory.start();
             QTRY_VERIFY(memory.isRestored());
             downloads.setMaxConcurrentDownloads(1);
-            DownloadOptions options { DownloadPreset::Custom, u"--no-mtime"_s, m_fixture->path(u"out"_s), false,
-                false };
+            DownloadOptions options { DownloadPreset::Custom, u"--no-mtime --password 'hunter 2'"_s,
+                m_fixture->path(u"out"_s), false, false };
             downloads.startDownloads({ u"https://q.example/v=done"_s, u"https://q.example/v=fail"_s,
                                          u"https://q.example/v=slow"_s, u"https://q.example/v=later"_s },
                 options);
@@ -118,11 +91,12 @@ private Q_SLOTS:
         QVERIFY(m_fake->runs().last().contains(u"--no-mtime"_s));
         QVERIFY(m_fake->runs().last().contains(u"https://q.example/v=later"_s));
 
-        // "重试" runs the interrupted download again exactly as before.
+        // "重试" runs the interrupted download again exactly as before, the password as it was typed.
         downloads.stopDownload(idOf(downloads.tasks().at(3)));
         downloads.retryDownload(idOf(tasks.at(2)));
         QTRY_COMPARE_WITH_TIMEOUT(m_fake->runs().size(), 5, 20000);
         QCOMPARE(m_fake->runs().last(), firstRuns.at(2));
+        QVERIFY(firstRuns.at(2).contains(u"hunter 2"_s));
 
         // What changed since is stored too: cleared history stays cleared.
         downloads.clearCompleted();
@@ -172,10 +146,10 @@ private Q_SLOTS:
             // Left behind on purpose: the stand-ins die writing to nobody, their children (as an
             // ffmpeg would) live on.
             QTest::qWait(500);
-            QVERIFY(std::any_of(started.cbegin(), started.cend(), running));
+            QVERIFY(std::any_of(started.cbegin(), started.cend(), isRunning));
         } else {
             // Nothing it started outlives it: every download and its child are gone within 2 s.
-            QTRY_VERIFY_WITH_TIMEOUT(std::none_of(started.cbegin(), started.cend(), running), 2000);
+            QTRY_VERIFY_WITH_TIMEOUT(std::none_of(started.cbegin(), started.cend(), isRunning), 2000);
         }
 
         {
@@ -199,7 +173,7 @@ private Q_SLOTS:
         QueueMemory memory(&downloads, &state, m_store);
         memory.start();
         QTRY_COMPARE(downloads.tasks().size(), 3);
-        QVERIFY(std::none_of(started.cbegin(), started.cend(), running));
+        QVERIFY(std::none_of(started.cbegin(), started.cend(), isRunning));
         // The line about them is posted to the log just before the rows come back.
         QCoreApplication::sendPostedEvents();
         const QStringList ended = EngineFixture::messages(state).filter(u"已结束上次运行遗留的"_s);
@@ -294,7 +268,7 @@ private Q_SLOTS:
             QVERIFY(QSqlQuery(db).exec(u"PRAGMA user_version = 99"_s));
         }
         QSqlDatabase::removeDatabase(u"later"_s);
-        const QByteArray before = bytesOf(m_store);
+        const QByteArray before = fileBytes(m_store);
         QVERIFY(!before.isEmpty());
 
         AppState state;
@@ -315,7 +289,7 @@ private Q_SLOTS:
         memory.close();
         downloads.shutdown();
 
-        QCOMPARE(bytesOf(m_store), before);
+        QCOMPARE(fileBytes(m_store), before);
         QCOMPARE(QFileInfo(m_store + u"-wal"_s).size(), 0);
         QVERIFY(!EngineFixture::messages(state).join(u'\n').contains(u"无法保存队列"_s));
     }

@@ -5,14 +5,12 @@
 
 #include "model/downloadpreset.h"
 
-#include "testsupport.h"
+#include "engine/enginefixture.h"
 
 #include <QSqlDatabase>
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QSqlRecord>
-#include <QTemporaryDir>
-#include <QtTest>
 
 using namespace Qt::StringLiterals;
 
@@ -67,13 +65,6 @@ QList<QVariantMap> sqlRows(const QString &path, const QString &sql)
     }
     QSqlDatabase::removeDatabase(u"raw"_s);
     return rows;
-}
-
-// The file's bytes, to see that what was moved aside is what was there.
-QByteArray bytesOf(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 } // namespace
 
@@ -167,72 +158,42 @@ private Q_SLOTS:
         QCOMPARE(store.loadTasks().last().task.status, DownloadStatus::Failed);
     }
 
-    void unreadableFileIsMovedAside_data()
+    // A real store with its middle overwritten. (A file that is not a database at all, through the
+    // application: tst_queuememory.)
+    void damagedFileIsMovedAside()
     {
-        QTest::addColumn<QByteArray>("content");
-        QTest::newRow("not a database") << QByteArray("this is not SQLite at all\n").repeated(200);
-        QTest::newRow("damaged pages") << QByteArray(); // a real store with its middle overwritten
-    }
-    void unreadableFileIsMovedAside()
-    {
-        QFETCH(QByteArray, content);
         const QString path = m_dir.filePath(u"broken.sqlite"_s);
-        if (content.isEmpty()) {
-            {
-                TaskStore store(path);
-                QCOMPARE(store.open().state, TaskStore::OpenState::Opened);
-                QList<StoredTask> rows;
-                for (int i = 0; i < 300; ++i)
-                    rows.append(sampleRow(DownloadStatus::Completed, i));
-                QVERIFY(store.apply({ rows, {} }));
-            }
-            QFile file(path);
-            QVERIFY(file.open(QIODevice::ReadWrite));
-            QVERIFY(file.size() > 16 * 4096);
-            file.seek(4 * 4096);
-            file.write(QByteArray(8 * 4096, '\x5a'));
-        } else {
-            QFile file(path);
-            QVERIFY(file.open(QIODevice::WriteOnly));
-            file.write(content);
+        {
+            TaskStore store(path);
+            QCOMPARE(store.open().state, TaskStore::OpenState::Opened);
+            QList<StoredTask> rows;
+            for (int i = 0; i < 300; ++i)
+                rows.append(sampleRow(DownloadStatus::Completed, i));
+            QVERIFY(store.apply({ rows, {} }));
         }
-        const QByteArray before = bytesOf(path);
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::ReadWrite));
+        QVERIFY(file.size() > 16 * 4096);
+        file.seek(4 * 4096);
+        file.write(QByteArray(8 * 4096, '\x5a'));
+        file.close();
+        const QByteArray before = fileBytes(path);
 
         TaskStore store(path);
         const TaskStore::OpenResult result = store.open();
         QCOMPARE(result.state, TaskStore::OpenState::Replaced);
         QVERIFY(result.detail.startsWith(path + u".broken-"_s));
-        QCOMPARE(bytesOf(result.detail), before);
+        QCOMPARE(fileBytes(result.detail), before);
         // The fresh one in its place works.
         QVERIFY(store.loadTasks().isEmpty());
         QVERIFY(store.apply({ { sampleRow(DownloadStatus::Pending, 1) }, {} }));
         QCOMPARE(store.loadTasks().size(), 1);
     }
 
-    void storeItCannotUse()
+    // A folder that cannot be made: no store, and no crash on use. (A store a later version wrote,
+    // through the application: tst_queuememory.)
+    void folderThatCannotBeMade()
     {
-        // Written by a later version: left exactly as it is.
-        const QString newer = m_dir.filePath(u"newer.sqlite"_s);
-        {
-            QSqlDatabase db = QSqlDatabase::addDatabase(u"QSQLITE"_s, u"newer"_s);
-            db.setDatabaseName(newer);
-            QVERIFY(db.open());
-            QVERIFY(QSqlQuery(db).exec(u"PRAGMA user_version = 99"_s));
-        }
-        QSqlDatabase::removeDatabase(u"newer"_s);
-        const QByteArray before = bytesOf(newer);
-        {
-            TaskStore store(newer);
-            QCOMPARE(store.open().state, TaskStore::OpenState::Newer);
-            QVERIFY(store.isOpen() && !store.isWritable());
-            QVERIFY(!store.apply({ { sampleRow(DownloadStatus::Pending, 1) }, {} }));
-            QCOMPARE(store.savePreset({ 0, u"字幕"_s, u"--write-subs"_s }), 0);
-            QVERIFY(store.loadTasks().isEmpty());
-        }
-        QCOMPARE(bytesOf(newer), before);
-        QVERIFY(QDir(m_dir.path()).entryList({ u"newer.sqlite.broken*"_s }).isEmpty());
-
-        // A folder that cannot be made: no store, and no crash on use.
         QFile blocker(m_dir.filePath(u"file"_s));
         QVERIFY(blocker.open(QIODevice::WriteOnly));
         TaskStore store(m_dir.filePath(u"file/sub/quillbox.sqlite"_s));
@@ -243,22 +204,19 @@ private Q_SLOTS:
 
     void filesAreOwnerOnly_data()
     {
-        QTest::addColumn<int>("mask");
         QTest::addColumn<bool>("existedWide"); // a store an earlier run left 0644
-        QTest::newRow("umask 000") << 0000 << false;
-        QTest::newRow("umask 022") << 0022 << false;
-        QTest::newRow("umask 000, wide store") << 0000 << true;
+        QTest::newRow("made new") << false;
+        QTest::newRow("left wide") << true;
     }
     // The rows hold typed passwords: the folders made for the store are 0700 and the database
     // with its -wal and -shm 0600, while it is in use and after.
     void filesAreOwnerOnly()
     {
-        QFETCH(int, mask);
         QFETCH(bool, existedWide);
         const QString folder
             = m_dir.filePath(u"private-%1/data/Quillbox"_s.arg(QString::fromUtf8(QTest::currentDataTag())));
         const QString path = folder + u"/quillbox.sqlite"_s;
-        const UmaskScope scope { mode_t(mask) };
+        const UmaskScope scope { 0 };
         if (existedWide) {
             QVERIFY(QDir().mkpath(folder));
             TaskStore earlier(path);
