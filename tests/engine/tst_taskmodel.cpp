@@ -44,8 +44,8 @@ void TestTaskModel::details_data()
     QTest::addColumn<QString>("text");
     QTest::newRow("all") << QStringList { u"3:25"_s, u"1.00MiB/s"_s, u"10.00MiB"_s, u"00:31"_s }
                          << u"3:25 • 1.00MiB/s • 10.00MiB • 剩余 00:31"_s;
-    QTest::newRow("gaps leave no empty part") << QStringList { QString(), u"1.00MiB/s"_s, QString(), u"00:31"_s }
-                                              << u"1.00MiB/s • 剩余 00:31"_s;
+    QTest::newRow("gaps leave no empty part")
+        << QStringList { QString(), u"1.00MiB/s"_s, QString(), u"00:31"_s } << u"1.00MiB/s • 剩余 00:31"_s;
     QTest::newRow("size alone") << QStringList { QString(), QString(), u"10.00MiB"_s, QString() } << u"10.00MiB"_s;
     QTest::newRow("nothing") << QStringList { QString(), QString(), QString(), QString() } << QString();
 }

@@ -56,8 +56,8 @@ void TestVideoInfo::decodeYtDlp_data()
         << recorded("playlist") << u"两个视频 (1)|0:00||||1|2"_s;
     QTest::newRow("float duration rounds")
         << QByteArray(R"({"title":"t","duration":64.6,"formats":[]})") << u"t|1:05||||0|0"_s;
-    QTest::newRow("the last minute of the first hour") << QByteArray(R"({"title":"t","duration":3599})")
-                                                       << u"t|59:59||||0|0"_s;
+    QTest::newRow("the last minute of the first hour")
+        << QByteArray(R"({"title":"t","duration":3599})") << u"t|59:59||||0|0"_s;
     QTest::newRow("negative reads as none") << QByteArray(R"({"title":"t","duration":-65})") << u"t|0:00||||0|0"_s;
     QTest::newRow("no title, no formats, wrong types")
         << QByteArray(R"({"duration":"65","uploader":7,"view_count":"12","like_count":null,"formats":null})")
