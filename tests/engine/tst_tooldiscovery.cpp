@@ -354,34 +354,24 @@ void TestToolDiscovery::jsRuntimesNeedARecentYtDlp()
     QCOMPARE(manager.log().filter(u"设置 → 更新 yt-dlp 到最新版"_s).size(), 1);
 }
 
+// A chosen path that is not there is kept for the next start, but the one in use stays; "reset"
+// goes back to what is found. (Choosing one that is there, through the settings sheet:
+// tst_settingsview.)
 void TestToolDiscovery::setCustomPath()
 {
-    // A chosen path is used at once, and "reset" goes back to what is found, also at once.
     EngineFixture fixture;
     ToolLocations locations = fixture.emptyLocations();
     const QString found = fixture.writeScript(u"y/yt-dlp"_s, versionScript("2025.11.20"));
     locations.ytDlp << found;
     StartedDiscovery manager(locations);
     QTRY_COMPARE_WITH_TIMEOUT(manager.ytDlpVersion(), u"2025.11.20"_s, 20000);
-    QVERIFY(!manager.isYtDlpPathChosen());
-
-    // A path that is not there is stored all the same; the one in use stays.
     manager.setCustomYtDlpPath(fixture.path(u"missing/yt-dlp"_s));
     QCOMPARE(QSettings().value(u"customYtDlpPath"_s).toString(), fixture.path(u"missing/yt-dlp"_s));
     QCOMPARE(manager.ytDlpPath(), found);
-
-    const QString other = fixture.writeScript(u"other dir/yt-dlp"_s, versionScript("2030.01.01"));
-    manager.setCustomYtDlpPath(other);
-    QCOMPARE(QSettings().value(u"customYtDlpPath"_s).toString(), other);
-    QCOMPARE(manager.ytDlpPath(), other);
-    QVERIFY(manager.isYtDlpPathChosen());
-    QTRY_COMPARE(manager.ytDlpVersion(), u"2030.01.01"_s);
-
     manager.resetYtDlpPath();
     QVERIFY(!QSettings().contains(u"customYtDlpPath"_s));
-    QTRY_COMPARE(manager.ytDlpPath(), found);
+    QCOMPARE(manager.ytDlpPath(), found);
     QVERIFY(!manager.isYtDlpPathChosen());
-    QTRY_COMPARE(manager.ytDlpVersion(), u"2025.11.20"_s);
 }
 
 void TestToolDiscovery::realRuntimesJudgedByCurrentYtDlp()
