@@ -19,6 +19,12 @@
 #include <functional>
 #include <memory>
 
+inline QByteArray fileBytes(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
 // A sandbox for engine tests: a temporary home and settings store, a bin directory that holds
 // the only programs the shell can find by name, executable scripts written on demand, and a
 // capture of the engine's system-log lines.
@@ -61,33 +67,23 @@ public:
     // Writes an executable /bin/sh script at `relative` (under the sandbox) and returns its path.
     QString writeScript(const QString &relative, const QByteArray &body) const
     {
-        const QString file = path(relative);
-        QDir().mkpath(QFileInfo(file).absolutePath());
-        QFile script(file);
-        if (!script.open(QIODevice::WriteOnly | QIODevice::Truncate))
-            qFatal("cannot write a script");
-        script.write("#!/bin/sh\n" + body + "\n");
-        script.close();
-        script.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner | QFile::ReadGroup
-            | QFile::ExeGroup | QFile::ReadOther | QFile::ExeOther);
+        const QString file = writeFile(relative, "#!/bin/sh\n" + body + "\n");
+        QFile::setPermissions(file, QFile::Permissions(0x7755));
         return file;
     }
 
-    void writeFile(const QString &relative, const QByteArray &content) const
+    // Returns the file's path.
+    QString writeFile(const QString &relative, const QByteArray &content) const
     {
         const QString file = path(relative);
         QDir().mkpath(QFileInfo(file).absolutePath());
         QFile out(file);
-        if (!out.open(QIODevice::WriteOnly | QIODevice::Truncate))
+        if (!out.open(QIODevice::WriteOnly | QIODevice::Truncate) || out.write(content) != content.size())
             qFatal("cannot write a file");
-        out.write(content);
+        return file;
     }
 
-    QString readFile(const QString &relative) const
-    {
-        QFile in(path(relative));
-        return in.open(QIODevice::ReadOnly) ? QString::fromUtf8(in.readAll()) : QString();
-    }
+    QString readFile(const QString &relative) const { return QString::fromUtf8(fileBytes(path(relative))); }
 
     QStringList systemLog() const
     {
@@ -132,12 +128,6 @@ private:
     static inline QStringList *s_capture = nullptr;
 };
 
-inline QByteArray fileBytes(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
 inline QString idOf(const DownloadTask &task)
 {
     return task.id.toString(QUuid::WithoutBraces);
@@ -163,17 +153,18 @@ public:
         m_path = QString::fromLocal8Bit(qgetenv("QUILLBOX_TESTS_DIR")) + QStringLiteral("/fakes/yt-dlp");
         if (!QFileInfo(m_path).isExecutable())
             qFatal("the stand-in yt-dlp is missing");
+        m_before = told();
         qputenv("FAKE_YTDLP_ARGV_FILE", fixture.path(QStringLiteral("argv.jsonl")).toUtf8());
         qputenv("FAKE_YTDLP_PIDFILE", fixture.path(QStringLiteral("pids.txt")).toUtf8());
     }
 
-    // Whatever a test told the stand-in ends with it.
+    // What a test told the stand-in since ends with it.
     ~FakeYtDlp()
     {
-        for (const QString &name : QProcessEnvironment::systemEnvironment().keys()) {
-            if (name.startsWith(u"FAKE_YTDLP_"))
-                qunsetenv(name.toLocal8Bit().constData());
-        }
+        for (const QString &name : told().keys())
+            qunsetenv(name.toLocal8Bit().constData());
+        for (auto variable = m_before.cbegin(); variable != m_before.cend(); ++variable)
+            qputenv(variable.key().toLocal8Bit().constData(), variable.value().toLocal8Bit());
     }
 
     QString path() const { return m_path; }
@@ -214,8 +205,21 @@ public:
     }
 
 private:
+    // The FAKE_YTDLP_ variables set now.
+    static QMap<QString, QString> told()
+    {
+        QMap<QString, QString> variables;
+        const QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        for (const QString &name : environment.keys()) {
+            if (name.startsWith(u"FAKE_YTDLP_"))
+                variables.insert(name, environment.value(name));
+        }
+        return variables;
+    }
+
     const EngineFixture &m_fixture;
     QString m_path;
+    QMap<QString, QString> m_before;
 };
 
 // An engine in its own sandbox, its yt-dlp the stand-in unless `edit` changes the locations.
