@@ -10,12 +10,20 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QMutex>
+#include <QProcessEnvironment>
 #include <QStandardPaths>
 #include <QtTest>
 
 #include <algorithm>
+#include <csignal>
 #include <functional>
 #include <memory>
+
+inline QByteArray fileBytes(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
 
 // A sandbox for engine tests: a temporary home and settings store, a bin directory that holds
 // the only programs the shell can find by name, executable scripts written on demand, and a
@@ -59,33 +67,23 @@ public:
     // Writes an executable /bin/sh script at `relative` (under the sandbox) and returns its path.
     QString writeScript(const QString &relative, const QByteArray &body) const
     {
-        const QString file = path(relative);
-        QDir().mkpath(QFileInfo(file).absolutePath());
-        QFile script(file);
-        if (!script.open(QIODevice::WriteOnly | QIODevice::Truncate))
-            qFatal("cannot write a script");
-        script.write("#!/bin/sh\n" + body + "\n");
-        script.close();
-        script.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner | QFile::ReadGroup
-            | QFile::ExeGroup | QFile::ReadOther | QFile::ExeOther);
+        const QString file = writeFile(relative, "#!/bin/sh\n" + body + "\n");
+        QFile::setPermissions(file, QFile::Permissions(0x7755));
         return file;
     }
 
-    void writeFile(const QString &relative, const QByteArray &content) const
+    // Returns the file's path.
+    QString writeFile(const QString &relative, const QByteArray &content) const
     {
         const QString file = path(relative);
         QDir().mkpath(QFileInfo(file).absolutePath());
         QFile out(file);
-        if (!out.open(QIODevice::WriteOnly | QIODevice::Truncate))
+        if (!out.open(QIODevice::WriteOnly | QIODevice::Truncate) || out.write(content) != content.size())
             qFatal("cannot write a file");
-        out.write(content);
+        return file;
     }
 
-    QString readFile(const QString &relative) const
-    {
-        QFile in(path(relative));
-        return in.open(QIODevice::ReadOnly) ? QString::fromUtf8(in.readAll()) : QString();
-    }
+    QString readFile(const QString &relative) const { return QString::fromUtf8(fileBytes(path(relative))); }
 
     QStringList systemLog() const
     {
@@ -130,6 +128,21 @@ private:
     static inline QStringList *s_capture = nullptr;
 };
 
+inline QString idOf(const DownloadTask &task)
+{
+    return task.id.toString(QUuid::WithoutBraces);
+}
+
+// Alive, and not just awaiting collection.
+inline bool isRunning(qint64 pid)
+{
+    if (::kill(pid_t(pid), 0) != 0)
+        return false;
+    const QByteArray stat = fileBytes(QStringLiteral("/proc/%1/stat").arg(pid));
+    const qsizetype close = stat.lastIndexOf(')');
+    return close < 0 || stat.mid(close + 2, 1) != "Z";
+}
+
 // The stand-in yt-dlp (tests/fakes/yt-dlp) and what it recorded.
 class FakeYtDlp
 {
@@ -140,18 +153,18 @@ public:
         m_path = QString::fromLocal8Bit(qgetenv("QUILLBOX_TESTS_DIR")) + QStringLiteral("/fakes/yt-dlp");
         if (!QFileInfo(m_path).isExecutable())
             qFatal("the stand-in yt-dlp is missing");
+        m_before = told();
         qputenv("FAKE_YTDLP_ARGV_FILE", fixture.path(QStringLiteral("argv.jsonl")).toUtf8());
         qputenv("FAKE_YTDLP_PIDFILE", fixture.path(QStringLiteral("pids.txt")).toUtf8());
     }
 
+    // What a test told the stand-in since ends with it.
     ~FakeYtDlp()
     {
-        for (const char *name : { "FAKE_YTDLP_ARGV_FILE", "FAKE_YTDLP_PIDFILE", "FAKE_YTDLP_SCENARIO",
-                 "FAKE_YTDLP_EXIT", "FAKE_YTDLP_VERSION", "FAKE_YTDLP_VERSION_EXIT", "FAKE_YTDLP_UPDATE_OUTPUT",
-                 "FAKE_YTDLP_UPDATE_EXIT", "FAKE_YTDLP_FORMATS", "FAKE_YTDLP_FORMATS_STDERR", "FAKE_YTDLP_FORMATS_EXIT",
-                 "FAKE_YTDLP_INFO", "FAKE_YTDLP_INFO_STDERR", "FAKE_YTDLP_INFO_EXIT", "FAKE_YTDLP_INFO_DELAY",
-                 "FAKE_YTDLP_VARIANT", "FAKE_YTDLP_JS_RUNTIMES" })
-            qunsetenv(name);
+        for (const QString &name : told().keys())
+            qunsetenv(name.toLocal8Bit().constData());
+        for (auto variable = m_before.cbegin(); variable != m_before.cend(); ++variable)
+            qputenv(variable.key().toLocal8Bit().constData(), variable.value().toLocal8Bit());
     }
 
     QString path() const { return m_path; }
@@ -192,8 +205,21 @@ public:
     }
 
 private:
+    // The FAKE_YTDLP_ variables set now.
+    static QMap<QString, QString> told()
+    {
+        QMap<QString, QString> variables;
+        const QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        for (const QString &name : environment.keys()) {
+            if (name.startsWith(u"FAKE_YTDLP_"))
+                variables.insert(name, environment.value(name));
+        }
+        return variables;
+    }
+
     const EngineFixture &m_fixture;
     QString m_path;
+    QMap<QString, QString> m_before;
 };
 
 // An engine in its own sandbox, its yt-dlp the stand-in unless `edit` changes the locations.
@@ -202,6 +228,7 @@ struct SandboxEngine
     EngineFixture fixture;
     FakeYtDlp fake { fixture };
     AppState state;
+    ToolLocations locations;
     std::unique_ptr<DownloadManager> manager;
 
     using Edit = std::function<void(SandboxEngine &, ToolLocations &)>;
@@ -213,15 +240,22 @@ struct SandboxEngine
         const Edit &edit = {}, const Ready &ready = versionKnown, int patience = 20000)
     {
         auto engine = std::make_unique<SandboxEngine>();
-        ToolLocations locations = engine->fixture.emptyLocations();
-        locations.ytDlp << engine->fake.path();
+        engine->locations = engine->fixture.emptyLocations();
+        engine->locations.ytDlp << engine->fake.path();
         if (edit)
-            edit(*engine, locations);
-        engine->manager = std::make_unique<DownloadManager>(&engine->state, locations);
+            edit(*engine, engine->locations);
+        engine->restart();
         const DownloadManager &manager = *engine->manager;
         if (ready && !QTest::qWaitFor([&] { return ready(manager); }, patience))
             return nullptr;
         return engine;
+    }
+
+    // A new engine in the same sandbox, as the next start of the application.
+    void restart()
+    {
+        manager.reset();
+        manager = std::make_unique<DownloadManager>(&state, locations);
     }
 
     void download(const QString &url, DownloadPreset preset = DownloadPreset::Default, const QString &custom = {},

@@ -6,12 +6,18 @@
 
 using namespace Qt::StringLiterals;
 
-// What a download's output says about the task, read from recorded and written-out yt-dlp lines.
+// A download's output cut into lines, and what those say about the task, read from recorded and
+// written-out yt-dlp lines.
 class TestDownloadOutput : public QObject
 {
     Q_OBJECT
 
 private slots:
+    void everyCutGivesTheSameLines();
+    void longLinesAreBounded_data();
+    void longLinesAreBounded();
+    void progressLine_data();
+    void progressLine();
     void fileAndPhase_data();
     void fileAndPhase();
     void recordedRuns_data();
@@ -19,6 +25,88 @@ private slots:
     void streamsShareBySize();
     void playlistItemsAddUp();
 };
+
+// Newlines, carriage returns (a progress redraw) and both together end a line, with no empty line
+// between; a last line without an end comes at the finish; and no cut of the stream into reads
+// changes what comes out.
+void TestDownloadOutput::everyCutGivesTheSameLines()
+{
+    const QByteArray stream = "[info] 标题\n\r[download]   0.5% of 1.00MiB at 1.00KiB/s\r[download] 100% of 1.00MiB\r\n"
+                              "WARNING: x\nlast";
+    const QStringList expected { u"[info] 标题"_s, u"[download]   0.5% of 1.00MiB at 1.00KiB/s"_s,
+        u"[download] 100% of 1.00MiB"_s, u"WARNING: x"_s, u"last"_s };
+    for (int cut = 0; cut <= stream.size(); ++cut) {
+        for (int second = cut; second <= stream.size(); second += 7) {
+            LineSplitter splitter;
+            QStringList seen = splitter.feed(stream.left(cut));
+            seen += splitter.feed(stream.mid(cut, second - cut));
+            seen += splitter.feed(stream.mid(second));
+            seen += splitter.finish();
+            QCOMPARE(seen, expected);
+            QVERIFY(splitter.finish().isEmpty());
+        }
+    }
+}
+
+void TestDownloadOutput::longLinesAreBounded_data()
+{
+    QTest::addColumn<QByteArray>("unit"); // repeated to make the line
+    QTest::addColumn<int>("repeat");
+    QTest::addColumn<QString>("kept"); // the line's start that is kept
+    QTest::newRow("10 MiB without an end") << QByteArray("x") << 10 << QString(LineSplitter::MaxLineBytes, u'x');
+    QTest::newRow("a character is never cut")
+        << QByteArray("下") << 1 << QString(LineSplitter::MaxLineBytes / 3, u'下');
+}
+
+void TestDownloadOutput::longLinesAreBounded()
+{
+    QFETCH(QByteArray, unit);
+    QFETCH(int, repeat);
+    QFETCH(QString, kept);
+    // `repeat` MiB of `unit` in 64 KiB reads: nothing is passed on, and nothing beyond the bound
+    // is held, until the line ends; then one line with a note of what was left out.
+    const QByteArray chunk = unit.repeated(64 * 1024 / unit.size());
+    LineSplitter splitter;
+    for (int i = 0; i < repeat * 16; ++i) {
+        QVERIFY(splitter.feed(chunk).isEmpty());
+        QVERIFY(splitter.pending().toUtf8().size() <= LineSplitter::MaxLineBytes);
+    }
+    const QStringList lines = splitter.feed("\nnext\n");
+    const qint64 total = qint64(repeat) * 16 * chunk.size();
+    QCOMPARE(lines, QStringList({ kept + LineSplitter::elisionNote(total - kept.toUtf8().size()), u"next"_s }));
+    QVERIFY(splitter.finish().isEmpty());
+}
+
+void TestDownloadOutput::progressLine_data()
+{
+    QTest::addColumn<QString>("line");
+    QTest::addColumn<QString>("update"); // progress|speed|size|eta|friendly error, "-" for none
+    QTest::newRow("finished") << u"[download] 100% of 10.00MiB in 00:03"_s << u"1|-|10.00MiB||-"_s;
+    QTest::newRow("approximate size, fragments")
+        << u"[download]   3.1% of ~ 300.00MiB at  1.00MiB/s ETA 04:50 (frag 2/90)"_s
+        << u"0.031|1.00MiB/s|300.00MiB|04:50|-"_s;
+    QTest::newRow("bytes and TiB do not count") << u"[download]   1.0% of 12.00TiB at 300B/s"_s << u"0.01|-|-||-"_s;
+    QTest::newRow("unknown speed and time")
+        << u"[download]  7.5% of 2.00GiB at Unknown B/s ETA Unknown"_s << u"0.075|-|2.00GiB||-"_s;
+    QTest::newRow("too many digits for a double") << u"[download] "_s + QString(400, u'9') + u"%"_s << u"0|-|-||-"_s;
+    QTest::newRow("login required") << u"ERROR: [youtube] x: Login required"_s << u"-|-|-|-|需要登录或 Cookie 已过期"_s;
+    QTest::newRow("invalid url") << u"error: 'abc' is not a valid URL"_s << u"-|-|-|-|无效的 URL"_s;
+    QTest::newRow("other errors leave the message") << u"ERROR: HTTP Error 404: Not Found"_s << u"-|-|-|-|-"_s;
+    QTest::newRow("friendly text needs an error word")
+        << u"WARNING: Login required for some formats"_s << u"-|-|-|-|-"_s;
+}
+
+// What one line of a single stream's download puts on its row.
+void TestDownloadOutput::progressLine()
+{
+    QFETCH(QString, line);
+    const ProgressUpdate update = DownloadOutput().read({ line });
+    const auto text = [](const std::optional<QString> &value) { return value.value_or(u"-"_s); };
+    const QString progress = update.progress ? QString::number(*update.progress) : u"-"_s;
+    QTEST(QStringList({ progress, text(update.speed), text(update.size), text(update.eta), text(update.errorMessage) })
+              .join(u'|'),
+        "update");
+}
 
 void TestDownloadOutput::fileAndPhase_data()
 {

@@ -242,15 +242,12 @@ void TestEndToEnd::stoppedDownloadResumesItsPartFile()
     QVERIFY(QFileInfo(outputDir + u'/' + parts.first()).size() > 0);
     QCOMPARE(processesMentioning(outputDir), QList<qint64>());
 
-    ToolLocations locations = engine->fixture.emptyLocations();
-    locations.ytDlp = { ytDlp };
-    locations.ffmpeg << ffmpeg;
-    engine->manager = std::make_unique<DownloadManager>(&engine->state, locations);
+    engine->restart();
     QueueMemory memory(engine->manager.get(), &engine->state, store);
     memory.start();
     QTRY_COMPARE(engine->manager->tasks().size(), 1);
     QCOMPARE(engine->only().status, DownloadStatus::Cancelled);
-    const QString id = engine->only().id.toString(QUuid::WithoutBraces);
+    const QString id = idOf(engine->only());
     engine->manager->retryDownload(id);
     // Stopped once yt-dlp itself is fetching again, not just the shell starting.
     QTRY_VERIFY_WITH_TIMEOUT(!engine->log().filter(u"Resuming download at byte"_s).isEmpty(), Patience);

@@ -1,14 +1,18 @@
+#include "engine/downloadmanager.h"
+#include "engine/secretarguments.h"
 #include "engine/shellcommand.h"
 #include "engine/shellwords.h"
-
-#include "shellrecords.h"
+#include "engine/tooltext.h"
 
 #include <QFileInfo>
+#include <QProcess>
 #include <QRandomGenerator>
 #include <QtTest>
 
 using namespace Qt::StringLiterals;
 
+// Custom text split into words as a POSIX shell splits it, commands rendered from raw words, and
+// what of them is shown: each against a real shell wherever one can answer.
 class TestShellWords : public QObject
 {
     Q_OBJECT
@@ -22,7 +26,60 @@ private Q_SLOTS:
     void agreesWithAShell();
     void rendered_data();
     void rendered();
+    void roundTrip_data();
+    void roundTrip();
+    void masked_data();
+    void masked();
+    void decodeStrictUtf8_data();
+    void decodeStrictUtf8();
 };
+
+namespace {
+// Runs `commands`, one a line, in one `shell -c`; each command's program prints its arguments,
+// each ended by a NUL byte, then 0x1E and a newline (as fakes/argvdump does). Returns the argv
+// each command's program received, in order; nothing if the shell failed.
+QList<QByteArrayList> recordedArgvs(const QString &shell, const QStringList &commands)
+{
+    QProcess process;
+    process.start(shell, { u"-c"_s, commands.join(u'\n') });
+    if (!process.waitForFinished(60000) || process.exitStatus() != QProcess::NormalExit || process.exitCode() != 0)
+        return {};
+    QList<QByteArray> records = process.readAllStandardOutput().split('\x1e');
+    records.removeLast(); // the newline after the last record
+    QList<QByteArrayList> argvs;
+    for (QByteArray record : std::as_const(records)) {
+        if (record.startsWith('\n'))
+            record.remove(0, 1);
+        QByteArrayList argv = record.split('\0');
+        argv.removeLast(); // what follows the last NUL: nothing
+        argvs << argv;
+    }
+    return argvs;
+}
+
+// From 1 to `most` - 1 of `pieces`, drawn by `random`.
+QString randomText(QRandomGenerator &random, const QStringList &pieces, int most)
+{
+    QString text;
+    for (int i = random.bounded(1, most); i > 0; --i)
+        text += pieces.at(random.bounded(pieces.size()));
+    return text;
+}
+
+// Links and folders: every character a shell treats specially, and text that is not ASCII.
+const QStringList textPieces { u"'"_s, u"\""_s, u"$"_s, u"`"_s, u"\\"_s, u" "_s, u"\n"_s, u"\t"_s, u"!"_s, u"*"_s,
+    u"?"_s, u"["_s, u"]"_s, u"{"_s, u"}"_s, u";"_s, u"&"_s, u"|"_s, u"<"_s, u">"_s, u"("_s, u")"_s, u"#"_s, u"~"_s,
+    u"%"_s, u"="_s, u"-"_s, u"视频"_s, u"é"_s, u"🎬"_s, u"e\u0301"_s, u"$(id)"_s, u"${HOME}"_s, u"'\\''"_s,
+    u"%(title)s"_s, u"a"_s, u"Z"_s, u"0"_s, u"/"_s, u"."_s, u"\r"_s, u"\u00a0"_s };
+
+// Custom arguments as people write them, and as an attacker would: options, quotes of every
+// kind, expansions, command separators and substitutions.
+const QStringList argumentPieces { u" "_s, u" "_s, u"  "_s, u"\t"_s, u"\n"_s, u"-f"_s, u"--limit-rate"_s, u"1M"_s,
+    u"-o"_s, u"%(title)s.%(ext)s"_s, u"bv*+ba/b"_s, u"'"_s, u"\""_s, u"\\"_s, u"$'\\'"_s, u"'\\''"_s, u";touch x;#"_s,
+    u"$(id)"_s, u"`id`"_s, u"$HOME"_s, u"${HOME}"_s, u"$NOPE"_s, u"$"_s, u"~"_s, u"~/"_s, u"*"_s, u"?"_s, u"["_s,
+    u"]"_s, u"{a,b}"_s, u"("_s, u")"_s, u"|"_s, u"&"_s, u"<"_s, u">"_s, u"!"_s, u"="_s, u"=ls"_s, u"#"_s, u"^"_s,
+    u"%"_s, u"视频"_s, u"🎬"_s, u"a"_s, u"0"_s, u"/"_s, u"-"_s, u"\r"_s };
+} // namespace
 
 void TestShellWords::initTestCase()
 {
@@ -100,9 +157,7 @@ void TestShellWords::agreesWithAShell()
         QStringList commands { u"set -f"_s };
         QList<QStringList> expected;
         while (expected.size() < 200) {
-            QString text;
-            for (int i = random.bounded(1, 12); i > 0; --i)
-                text += pieces.at(random.bounded(pieces.size()));
+            const QString text = randomText(random, pieces, 12);
             const ShellWords result = splitShellWords(text);
             // Each text on its own line, so a last backslash would join it to the next one.
             if (!result.ok() || text.endsWith(u'\\'))
@@ -151,6 +206,116 @@ void TestShellWords::rendered()
     for (const QString &word : words + QStringList { u"--"_s, link })
         argv << word.toUtf8();
     QCOMPARE(recordedArgvs(u"/bin/sh"_s, { text }), QList<QByteArrayList> { argv });
+}
+
+void TestShellWords::roundTrip_data()
+{
+    QTest::addColumn<QString>("shell");
+    QTest::newRow("zsh") << u"/bin/zsh"_s;
+    QTest::newRow("bash") << u"/bin/bash"_s;
+}
+
+void TestShellWords::roundTrip()
+{
+    // Real download commands for generated links, folders and custom arguments, run by the real
+    // shell: the child must receive the link and folder byte for byte, and exactly the words the
+    // custom text splits into. The child is a shell function that prints its arguments with
+    // builtins, so ten thousand commands need no process each.
+    QFETCH(QString, shell);
+    if (!QFileInfo::exists(shell))
+        QSKIP("shell not installed");
+    const QString dumper = u"argvdump"_s;
+    const QString function = uR"(argvdump() { for a in "$@"; do printf '%s\0' "$a"; done; printf '\036\n'; })"_s;
+
+    QRandomGenerator random(20261123);
+    constexpr int texts = 10000;
+    constexpr int perBatch = 500;
+    int checked = 0;
+    int refused = 0;
+    while (checked < texts) {
+        QList<QByteArrayList> expected;
+        QStringList commands { function };
+        while (commands.size() <= perBatch) {
+            DownloadRequest request;
+            request.url = u"https://example.invalid/"_s + randomText(random, textPieces, 24);
+            request.outputDir = u"/tmp/"_s + randomText(random, textPieces, 24);
+            request.preset = DownloadPreset::Custom;
+            request.customArgs = randomText(random, argumentPieces, 16);
+            const ShellWords custom = splitShellWords(request.customArgs);
+            if (!custom.ok()) {
+                ++refused;
+                continue;
+            }
+            commands << DownloadManager::buildDownloadCommand(dumper, request, {}, {}, {});
+            QByteArrayList argv { "-o", (request.outputDir + u"/%(title)s.%(ext)s"_s).toUtf8() };
+            for (const QString &word : custom.words)
+                argv << word.toUtf8();
+            argv << "--progress"
+                 << "--" << request.url.toUtf8();
+            expected << argv;
+        }
+        const QList<QByteArrayList> argvs = recordedArgvs(shell, commands);
+        QCOMPARE(argvs.size(), perBatch);
+        for (int i = 0; i < perBatch; ++i) {
+            if (argvs.at(i) != expected.at(i)) {
+                qWarning() << "command" << commands.at(i + 1) << "gave" << argvs.at(i) << "wanted" << expected.at(i);
+                QFAIL("argv differs");
+            }
+            ++checked;
+        }
+    }
+    QCOMPARE(checked, texts);
+    qInfo("%d texts kept their link and words, %d refused as unusable", checked, refused);
+}
+
+void TestShellWords::masked_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("shown");
+
+    const QString m = SecretMask.toString();
+    QTest::newRow("value apart") << u"-u me --password hunter2 -f b"_s << u"-u me --password "_s + m + u" -f b"_s;
+    QTest::newRow("value joined") << u"--video-password=v1 --ap-password=\"a b\""_s
+                                  << u"--video-password="_s + m + u" --ap-password="_s + m;
+    QTest::newRow("short -p, apart and joined") << u"-p hunter2 -phunter2"_s << u"-p "_s + m + u" -p"_s + m;
+    QTest::newRow("quoted value, quote inside") << u"--client-certificate-password \"a\\\" b\" --twofactor 123456"_s
+                                                << u"--client-certificate-password "_s + m + u" --twofactor "_s + m;
+    QTest::newRow("quoted option name") << u"'--password' 's e c' -x"_s << u"'--password' "_s + m + u" -x"_s;
+    QTest::newRow("blanks kept, newline between")
+        << u"--password\n\tpw  -f  b"_s << u"--password\n\t"_s + m + u"  -f  b"_s;
+    QTest::newRow("open quote masked to the end") << u"--password 'hunter2 -f b"_s << u"--password "_s + m;
+    QTest::newRow("option last, no value") << u"-f b --password"_s << u"-f b --password"_s;
+    QTest::newRow("not the option, only like it")
+        << u"--password-x=1 --passwords y -P pp"_s << u"--password-x=1 --passwords y -P pp"_s;
+    // A whole command: what follows "--" is the link, whatever it looks like.
+    QTest::newRow("rendered command")
+        << u"/usr/bin/yt-dlp --no-playlist -o '/tmp/x/%(title)s.%(ext)s' --password 'p w' --progress -- "
+           u"'https://e.test/--password'"_s
+        << u"/usr/bin/yt-dlp --no-playlist -o '/tmp/x/%(title)s.%(ext)s' --password "_s + m
+            + u" --progress -- 'https://e.test/--password'"_s;
+    QTest::newRow("after --, -p is the link") << u"-- -p secret"_s << u"-- -p secret"_s;
+}
+
+void TestShellWords::masked()
+{
+    QFETCH(QString, text);
+    QFETCH(QString, shown);
+    QCOMPARE(maskSecrets(text), shown);
+}
+
+void TestShellWords::decodeStrictUtf8_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("valid") << u"yt-dlp 视频🎬\n"_s.toUtf8() << u"yt-dlp 视频🎬\n"_s;
+    QTest::newRow("a stray byte") << QByteArray("ok\xff") << QString();
+    QTest::newRow("cut short at the end") << QByteArray("ok\xe9\xa2") << QString();
+}
+
+void TestShellWords::decodeStrictUtf8()
+{
+    QFETCH(QByteArray, bytes);
+    QTEST(decodeUtf8OrEmpty(bytes), "text");
 }
 
 QTEST_GUILESS_MAIN(TestShellWords)

@@ -15,6 +15,8 @@ class TestTaskModel : public QObject
 private Q_SLOTS:
     void percentText_data();
     void percentText();
+    void details_data();
+    void details();
     void updatesSignalOneRowAndItsRoles();
     void countersFollowStatus();
 };
@@ -27,7 +29,6 @@ void TestTaskModel::percentText_data()
     QTest::newRow("29.0% parsed") << 29.0 / 100.0 << u"29%"_s;
     QTest::newRow("past 1 reads 100") << 1e18 << u"100%"_s;
     QTest::newRow("below 0 reads 0") << -0.5 << u"0%"_s;
-    QTest::newRow("infinite") << std::numeric_limits<double>::infinity() << u"100%"_s;
     QTest::newRow("not a number") << std::numeric_limits<double>::quiet_NaN() << u"0%"_s;
 }
 
@@ -35,6 +36,29 @@ void TestTaskModel::percentText()
 {
     QFETCH(double, progress);
     QTEST(TaskModel::percentText(progress), "text");
+}
+
+void TestTaskModel::details_data()
+{
+    QTest::addColumn<QStringList>("parts"); // duration, speed, size, eta
+    QTest::addColumn<QString>("text");
+    QTest::newRow("all") << QStringList { u"3:25"_s, u"1.00MiB/s"_s, u"10.00MiB"_s, u"00:31"_s }
+                         << u"3:25 • 1.00MiB/s • 10.00MiB • 剩余 00:31"_s;
+    QTest::newRow("gaps leave no empty part")
+        << QStringList { QString(), u"1.00MiB/s"_s, QString(), u"00:31"_s } << u"1.00MiB/s • 剩余 00:31"_s;
+    QTest::newRow("size alone") << QStringList { QString(), QString(), u"10.00MiB"_s, QString() } << u"10.00MiB"_s;
+    QTest::newRow("nothing") << QStringList { QString(), QString(), QString(), QString() } << QString();
+}
+
+void TestTaskModel::details()
+{
+    QFETCH(QStringList, parts);
+    DownloadTask task = DownloadTask::create(u"u"_s);
+    task.duration = parts.at(0);
+    task.speed = parts.at(1);
+    task.size = parts.at(2);
+    task.eta = parts.at(3);
+    QTEST(TaskModel::details(task), "text");
 }
 
 void TestTaskModel::updatesSignalOneRowAndItsRoles()

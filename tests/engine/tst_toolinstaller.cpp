@@ -1,19 +1,23 @@
 #include "engine/toolinstaller.h"
+#include "engine/toolkeeper.h"
 
+#include "enginefixture.h"
+#include "support/mediaserver.h"
 #include "support/releaseserver.h"
-#include "testsupport.h"
 
 #include <QCryptographicHash>
 #include <QProcess>
 #include <QRandomGenerator>
 #include <QSignalSpy>
 #include <QTcpServer>
-#include <QtTest>
 
 using namespace Qt::StringLiterals;
 using Tool = ToolInstaller::Tool;
 
-// The installer against releaseserver.py on 127.0.0.1, laid out as GitHub's release pages are.
+// Quillbox's own yt-dlp and Deno from releaseserver.py on 127.0.0.1, laid out as GitHub's release
+// pages are: the installer on its own, then the keeper with the engine, installing the current
+// yt-dlp (../shared/tools/yt-dlp) under this system's asset name: it is used at once, downloads,
+// and is only ever replaced while no download runs.
 class TestToolInstaller : public QObject
 {
     Q_OBJECT
@@ -26,10 +30,16 @@ private Q_SLOTS:
     void replaceWaitsForTheGate();
     void installsDeno_data();
     void installsDeno();
+    void installedCopyIsUsedAtOnceAndDownloads();
+    void updatesWaitForTheRunningDownload();
+    void homebrewInstallsWhereItIs();
 
 private:
     IsolatedEnvironment m_environment;
     QString m_testsDir;
+    QTemporaryDir m_releases; // the current yt-dlp's release, for the keeper
+    std::unique_ptr<ReleaseServer> m_server;
+    QByteArray m_build;
 };
 
 namespace {
@@ -41,12 +51,6 @@ const auto mode0755 = QFileDevice::Permissions::fromInt(0x7755);
 QByteArray sha256(const QByteArray &data)
 {
     return QCryptographicHash::hash(data, QCryptographicHash::Sha256).toHex();
-}
-
-QByteArray readFile(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
 bool writeFile(const QString &path, const QByteArray &data, QFileDevice::Permissions permissions = {})
@@ -122,6 +126,16 @@ void TestToolInstaller::initTestCase()
     QVERIFY(!m_testsDir.isEmpty());
     if (ReleaseServer::python().isEmpty())
         QSKIP("python3 is not installed");
+    const QString shared = sharedYtDlp();
+    const QString asset = ReleaseLocations::standard().ytDlp.assetName;
+    if (shared.isEmpty() || asset.isEmpty())
+        return; // the keeper's tests say why they skip
+    m_build = fileBytes(shared);
+    const QString folder = m_releases.filePath(u"yt-dlp/yt-dlp/"_s + tag + u'/');
+    QVERIFY(writeFile(folder + asset, m_build)
+        && writeFile(folder + u"SHA2-256SUMS"_s, sha256(m_build) + "  " + asset.toUtf8() + '\n'));
+    m_server = std::make_unique<ReleaseServer>(m_testsDir, m_releases.path());
+    QVERIFY2(m_server->error().isEmpty(), qPrintable(m_server->error()));
 }
 
 void TestToolInstaller::addressesAndChecksums()
@@ -209,7 +223,7 @@ void TestToolInstaller::failuresLeaveTheOldCopy()
     const QString said = finished.constFirst().at(4).toString();
     QVERIFY2(said.contains(message), qPrintable(said));
     QCOMPARE(installer->statusText(), said);
-    QCOMPARE(readFile(release.installed()), oldCopy);
+    QCOMPARE(fileBytes(release.installed()), oldCopy);
     QCOMPARE(entries(release.folder.path()), QStringList { u"yt-dlp"_s });
 }
 
@@ -235,14 +249,14 @@ void TestToolInstaller::replaceWaitsForTheGate()
     installer->cancel();
     QCOMPARE(finished.takeFirst().at(1).toBool(), false);
     proceed(); // too late: nothing happens
-    QCOMPARE(readFile(release.installed()), oldCopy);
+    QCOMPARE(fileBytes(release.installed()), oldCopy);
     QCOMPARE(entries(release.folder.path()), QStringList { u"yt-dlp"_s });
 
     // Held, then let go.
     proceed = nullptr;
     installer->install(Tool::YtDlp);
     QTRY_VERIFY_WITH_TIMEOUT(proceed, Patience);
-    QCOMPARE(readFile(release.installed()), oldCopy);
+    QCOMPARE(fileBytes(release.installed()), oldCopy);
     QVERIFY(finished.isEmpty());
     proceed();
     QCOMPARE(finished.size(), 1);
@@ -291,7 +305,7 @@ void TestToolInstaller::installsDeno()
     QVERIFY(QDir().mkpath(QFileInfo(zipPath).path()));
     const QString zipError = ReleaseServer::makeZip(m_testsDir, { zipPath, method, entry + u'=' + program });
     QVERIFY2(zipError.isEmpty(), qPrintable(zipError));
-    QByteArray zip = readFile(zipPath);
+    QByteArray zip = fileBytes(zipPath);
     if (damageData) {
         zip[zip.indexOf("exit 0")] = 'E';
         QVERIFY(writeFile(zipPath, zip));
@@ -313,10 +327,121 @@ void TestToolInstaller::installsDeno()
     if (message.isEmpty()) {
         QCOMPARE(outcome.at(3).toString(), u"v2.9.6"_s);
         QCOMPARE(outcome.at(2).toString(), home + u"/deno"_s);
-        QVERIFY(readFile(home + u"/deno"_s) == readFile(program));
+        QVERIFY(fileBytes(home + u"/deno"_s) == fileBytes(program));
         QCOMPARE(QFile::permissions(home + u"/deno"_s), mode0755);
         QCOMPARE(versionOf(home + u"/deno"_s), version);
     }
+}
+
+#define NEEDS_RELEASES()                                                                                               \
+    if (!m_server)                                                                                                     \
+        QSKIP("needs ../shared/tools/yt-dlp/yt-dlp beside the project (a clone outside the workspace has none) and "   \
+              "an official yt-dlp build for this system");                                                             \
+    qputenv("QUILLBOX_RELEASES_URL", m_server->base().toUtf8())
+
+void TestToolInstaller::installedCopyIsUsedAtOnceAndDownloads()
+{
+    NEEDS_RELEASES();
+    auto engine = SandboxEngine::start([](SandboxEngine &, ToolLocations &locations) {
+        locations.keptYtDlp = ToolInstaller::defaultYtDlpFolder() + u"/yt-dlp"_s;
+    });
+    QVERIFY(engine);
+    DownloadManager &manager = *engine->manager;
+    QTRY_VERIFY(manager.tools()->isReady());
+    const QString kept = manager.keeper()->installer()->toolPath(ToolInstaller::Tool::YtDlp);
+
+    manager.keeper()->installYtDlp();
+    QTRY_VERIFY_WITH_TIMEOUT(manager.ytDlpPath() == kept, 60000);
+    QVERIFY(manager.tools()->isYtDlpPathChosen());
+    QCOMPARE(QSettings().value(u"customYtDlpPath"_s).toString(), kept);
+    QTRY_COMPARE_WITH_TIMEOUT(manager.ytDlpVersion(), u"2026.08.19"_s, 60000);
+    QTRY_VERIFY_WITH_TIMEOUT(manager.tools()->isYtDlpKept(), 60000);
+    QCOMPARE(fileBytes(kept), m_build); // the verified file, whole, mode 0755
+    QCOMPARE(int(QFile::permissions(kept)), 0x7755);
+    QVERIFY(engine->log().filter(u"✅ 已安装 yt-dlp 2026.08.19: "_s).size() == 1);
+
+    // The next download runs the installed copy, and ends with the file.
+    QTemporaryDir media;
+    QProcessEnvironment withFfmpeg = QProcessEnvironment::systemEnvironment();
+    withFfmpeg.insert(u"PATH"_s, u"/usr/bin:/bin"_s); // the server makes its media with ffmpeg
+    MediaServer server(qEnvironmentVariable("QUILLBOX_TESTS_DIR"), media.path(), {}, withFfmpeg);
+    QVERIFY2(server.error().isEmpty(), qPrintable(server.error()));
+    engine->download(server.base() + u"video.mp4"_s);
+    QTRY_VERIFY_WITH_TIMEOUT(engine->settled(), 120000);
+    QVERIFY2(engine->only().status == DownloadStatus::Completed, qPrintable(engine->log().join(u'\n')));
+    QVERIFY(QFileInfo(engine->only().outputPath.value_or(QString())).size() > 0);
+    QVERIFY(engine->fake.runs().isEmpty()); // the stand-in found first was not run for it
+}
+
+void TestToolInstaller::updatesWaitForTheRunningDownload()
+{
+    NEEDS_RELEASES();
+    // An older copy of Quillbox's own (the stand-in, calling itself an official build of
+    // 2026.01.01) is in use and downloading when the daily check finds 2026.08.19.
+    qputenv("FAKE_YTDLP_VERSION", "2026.01.01");
+    qputenv("FAKE_YTDLP_VARIANT", "linux_exe");
+    auto engine = SandboxEngine::start([](SandboxEngine &engine, ToolLocations &locations) {
+        locations.keptYtDlp = ToolInstaller::defaultYtDlpFolder() + u"/yt-dlp"_s;
+        QDir().mkpath(ToolInstaller::defaultYtDlpFolder());
+        QFile::copy(engine.fake.path(), locations.keptYtDlp);
+        QSettings().setValue(u"customYtDlpPath"_s, locations.keptYtDlp);
+    });
+    QVERIFY(engine);
+    DownloadManager &manager = *engine->manager;
+    QTRY_VERIFY(manager.tools()->isReady() && !manager.tools()->isProbing());
+    QVERIFY(manager.tools()->isYtDlpKept());
+    const QString kept = manager.ytDlpPath();
+    const QByteArray before = fileBytes(kept);
+
+    engine->fake.setScenario(R"([{"out": "[download]  10.0% of 1.00MiB at 1.00MiB/s ETA 00:09\n"}, {"sleep": 30}])");
+    engine->download(u"https://videos.example/watch?v=long"_s);
+    QTRY_COMPARE_WITH_TIMEOUT(engine->only().status, DownloadStatus::Downloading, 20000);
+
+    // The daily check learns of the release; the automatic update waits for the queue to be idle.
+    manager.keeper()->checkForUpdates();
+    QTRY_COMPARE_WITH_TIMEOUT(manager.tools()->latestYtDlpVersion(), u"2026.08.19"_s, 30000);
+    QTest::qWait(1000);
+    QVERIFY(!manager.keeper()->installer()->isBusy());
+    QCOMPARE(manager.tools()->ytDlpVerdict().action, quillbox::ToolAction::UpdateYtDlp);
+    // Asked for by hand, the new file is fetched and verified, then waits to replace the old one.
+    manager.keeper()->installYtDlp();
+    QTRY_VERIFY_WITH_TIMEOUT(manager.keeper()->installer()->statusText().contains(u"等待"_s), 60000);
+    QTest::qWait(500);
+    QCOMPARE(fileBytes(kept), before); // untouched while the download runs
+
+    manager.stopDownload(engine->only().id.toString(QUuid::WithoutBraces));
+    QTRY_VERIFY_WITH_TIMEOUT(!manager.keeper()->installer()->isBusy(), 60000);
+    QCOMPARE(fileBytes(kept), m_build);
+    QTRY_COMPARE_WITH_TIMEOUT(manager.ytDlpVersion(), u"2026.08.19"_s, 60000);
+
+    // Checked today: the next start does not ask again.
+    QVERIFY(QSettings().value(QLatin1String(ToolKeeper::CheckedAtKey)).toDateTime().isValid());
+}
+
+void TestToolInstaller::homebrewInstallsWhereItIs()
+{
+    // Where Homebrew is (macOS), it installs Deno; discovery then finds it. A stand-in brew
+    // puts a Deno where the real one would be found.
+    auto engine = SandboxEngine::start([](SandboxEngine &engine, ToolLocations &locations) {
+        locations.runtimes[0].candidates << engine.fixture.path(u"home/.deno/bin/deno"_s);
+    });
+    QVERIFY(engine);
+    DownloadManager &manager = *engine->manager;
+    QTRY_VERIFY(manager.tools()->isReady());
+    const QString deno = engine->fixture.path(u"home/.deno/bin/deno"_s);
+    const QString brew = engine->fixture.writeScript(u"brew bin/brew"_s,
+        "echo \"$*\" >> \"$HOME/brew.log\"\n/bin/mkdir -p \"$HOME/.deno/bin\"\n"
+        "printf '#!/bin/sh\\necho deno 2.5.0\\n' > \"$HOME/.deno/bin/deno\"\n/bin/chmod +x \"$HOME/.deno/bin/deno\"\n");
+    manager.keeper()->setHomebrew(brew);
+
+    manager.keeper()->installDeno();
+    QVERIFY(manager.keeper()->isBusy());
+    QVERIFY(!manager.keeper()->canCancel());
+    QTRY_VERIFY_WITH_TIMEOUT(!manager.keeper()->isBusy(), 20000);
+    QCOMPARE(engine->fixture.readFile(u"home/brew.log"_s), u"install deno\n"_s);
+    QVERIFY(!manager.keeper()->installer()->isBusy()); // no official build was fetched
+    QTRY_COMPARE_WITH_TIMEOUT(manager.detectedJSRuntimePath(), deno, 20000);
+    QCOMPARE(manager.keeper()->statusText(), u"✅ Homebrew 已安装 deno"_s);
 }
 
 QTEST_GUILESS_MAIN(TestToolInstaller)
