@@ -29,14 +29,15 @@ private:
 };
 
 // The form is written as it changes and read back by the next start; values stored by hand that
-// cannot be read leave the defaults. (The folder and the notifications, through the settings
-// sheet: tst_settingsview.)
+// cannot be read leave the defaults.
 void TestAppState::formIsRemembered()
 {
     {
         AppState first;
         QCOMPARE(first.outputDirectory(), m_env.home() + u"/Downloads"_s);
         first.setSelectedPreset(DownloadPreset::AudioOnly);
+        first.setOutputDirectory(u"/data/视频"_s);
+        first.setNotifyOnFinish(false);
         first.setDownloadPlaylist(false);
         first.setUseCookies(false);
         first.setCookieSource(u"firefox"_s);
@@ -46,6 +47,8 @@ void TestAppState::formIsRemembered()
     QSettings().setValue(u"cookiePath"_s, u"/tmp/c.txt"_s);
     AppState next;
     QCOMPARE(next.selectedPreset(), DownloadPreset::AudioOnly);
+    QCOMPARE(next.outputDirectory(), u"/data/视频"_s);
+    QCOMPARE(next.notifyOnFinish(), false);
     QCOMPARE(next.cookiePath(), u"/tmp/c.txt"_s);
     QCOMPARE(next.downloadPlaylist(), false);
     QCOMPARE(next.useCookies(), false);
