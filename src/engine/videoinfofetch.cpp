@@ -38,7 +38,7 @@ void VideoInfoFetch::run(const ShellCommand &command, int timeoutMs)
     info(u"执行命令: "_s + shown);
     m_started = true;
     runShellCommand(
-        command, PipeMode::Split, this, [this](const ShellResult &result) { handle(result); }, timeoutMs, true);
+        command, PipeMode::Split, this, [this](const ShellResult &result) { handle(result); }, timeoutMs);
 }
 
 void VideoInfoFetch::cancel()

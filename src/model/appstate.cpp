@@ -47,7 +47,7 @@ void AppState::loadPreferences()
     const QString storedPreset = settings.value(QLatin1String(SelectedPresetKey)).toString();
     if (const auto preset = downloadPresetFromStorageKey(storedPreset)) {
         setSelectedPreset(*preset);
-    } else if (const auto earlier = downloadPresetFromEarlierLabel(storedPreset)) {
+    } else if (const auto earlier = downloadPresetFromRawValue(storedPreset)) {
         // Written by a version that kept the label: kept by its key from now on.
         setSelectedPreset(*earlier);
         QSettings().setValue(QLatin1String(SelectedPresetKey), storageKey(*earlier));

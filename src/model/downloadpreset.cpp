@@ -11,17 +11,6 @@ constexpr std::array<StoredEnumName<DownloadPreset>, 6> presetNames { {
     { DownloadPreset::AudioOnly, "audioOnly", u"仅音频" },
     { DownloadPreset::Custom, "custom", u"自定义" },
 } };
-
-// What the store and the settings kept before they kept keys: the labels of that time, which
-// stay readable here whatever the labels above become.
-constexpr std::array<RawValuePair<DownloadPreset>, 6> labelsStoredBeforeKeys { {
-    { DownloadPreset::Default, u"默认" },
-    { DownloadPreset::BestQuality, u"最佳画质" },
-    { DownloadPreset::BestAudio, u"最佳音质" },
-    { DownloadPreset::BestVideoAudio, u"最佳视频+音频" },
-    { DownloadPreset::AudioOnly, u"仅音频" },
-    { DownloadPreset::Custom, u"自定义" },
-} };
 } // namespace
 
 QString rawValue(DownloadPreset preset)
@@ -42,11 +31,6 @@ QString storageKey(DownloadPreset preset)
 std::optional<DownloadPreset> downloadPresetFromStorageKey(QStringView key)
 {
     return fromKeyIn(presetNames, key);
-}
-
-std::optional<DownloadPreset> downloadPresetFromEarlierLabel(QStringView label)
-{
-    return fromRawValueIn(labelsStoredBeforeKeys, label);
 }
 
 const QStringList &presetArguments(DownloadPreset preset)

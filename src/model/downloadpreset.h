@@ -15,8 +15,6 @@ std::optional<DownloadPreset> downloadPresetFromRawValue(QStringView raw);
 // The key a preset is stored by ("default", "bestQuality", …), which never changes.
 QString storageKey(DownloadPreset preset);
 std::optional<DownloadPreset> downloadPresetFromStorageKey(QStringView key);
-// The preset a store or settings file from before keys kept as this label.
-std::optional<DownloadPreset> downloadPresetFromEarlierLabel(QStringView label);
 
 // The yt-dlp words of a preset. The lists are shared constants: reading them allocates nothing.
 const QStringList &presetArguments(DownloadPreset preset);

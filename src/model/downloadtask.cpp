@@ -12,18 +12,6 @@ constexpr std::array<StoredEnumName<DownloadStatus>, 7> statusNames { {
     { DownloadStatus::Cancelled, "cancelled", u"已取消" },
     { DownloadStatus::Paused, "paused", u"已暂停" },
 } };
-
-// What stores kept before they kept keys: the labels of that time, which stay readable here
-// whatever the labels above become.
-constexpr std::array<RawValuePair<DownloadStatus>, 7> labelsStoredBeforeKeys { {
-    { DownloadStatus::Pending, u"等待中" },
-    { DownloadStatus::Preparing, u"准备中" },
-    { DownloadStatus::Downloading, u"下载中" },
-    { DownloadStatus::Completed, u"已完成" },
-    { DownloadStatus::Failed, u"失败" },
-    { DownloadStatus::Cancelled, u"已取消" },
-    { DownloadStatus::Paused, u"已暂停" },
-} };
 } // namespace
 
 QString rawValue(DownloadStatus status)
@@ -44,11 +32,6 @@ QString storageKey(DownloadStatus status)
 std::optional<DownloadStatus> downloadStatusFromStorageKey(QStringView key)
 {
     return fromKeyIn(statusNames, key);
-}
-
-std::optional<DownloadStatus> downloadStatusFromEarlierLabel(QStringView label)
-{
-    return fromRawValueIn(labelsStoredBeforeKeys, label);
 }
 
 DownloadTask DownloadTask::create(const QString &url)

@@ -16,8 +16,6 @@ std::optional<DownloadStatus> downloadStatusFromRawValue(QStringView raw);
 // The key a status is stored by ("pending", "completed", …), which never changes.
 QString storageKey(DownloadStatus status);
 std::optional<DownloadStatus> downloadStatusFromStorageKey(QStringView key);
-// The status a store from before keys kept as this label.
-std::optional<DownloadStatus> downloadStatusFromEarlierLabel(QStringView label);
 
 // One entry of the download queue.
 struct DownloadTask

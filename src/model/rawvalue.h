@@ -24,7 +24,8 @@ struct RawValuePair
 };
 
 // An enumeration that is stored: each case has a key, plain ASCII that never changes once a
-// release has written it, and its raw value, the label the interface shows, which may change.
+// release has written it, and its raw value, the label the interface shows. A store or settings
+// file from before keys kept that label, so it is read back through the same table.
 template <typename Enum>
 struct StoredEnumName
 {

@@ -291,7 +291,9 @@ void TaskModel::changed(int row, const DownloadTask &before)
         roles.append(SpeedRole);
     if (after.size != before.size)
         roles.append(SizeRole);
-    if (details(after) != details(before))
+    // The parts of details(), compared rather than the line composed twice on every progress update.
+    if (after.duration != before.duration || after.speed != before.speed || after.size != before.size
+        || after.eta != before.eta)
         roles.append(DetailsRole);
     if (after.errorMessage != before.errorMessage)
         roles << ErrorMessageRole << HasErrorRole;

@@ -230,10 +230,10 @@ bool TaskStore::labelsToKeys()
         return ok;
     };
     return relabel(u"status"_s, [](QStringView label) {
-        const auto status = downloadStatusFromEarlierLabel(label);
+        const auto status = downloadStatusFromRawValue(label);
         return status ? storageKey(*status) : QString();
     }) && relabel(u"preset"_s, [](QStringView label) {
-        const auto preset = downloadPresetFromEarlierLabel(label);
+        const auto preset = downloadPresetFromRawValue(label);
         return preset ? storageKey(*preset) : QString();
     });
 }
