@@ -115,6 +115,7 @@ AbstractButton {
         openError = ""
     }
 
+    Accessible.name: root.title + "，" + root.statusText
     padding: Theme.spacingLarge
     hoverEnabled: true
     focusPolicy: Qt.StrongFocus
