@@ -149,5 +149,47 @@ ViewTestCase {
         compare(String(TestHelper.setting("notifyOnFinish")), "false")
         mouseClick(child("notifySwitch"))
         compare(AppState.notifyOnFinish, true)
+        // Unfinished downloads carry on at start until this holds them.
+        verify(DownloadManager.resumeAtStart)
+        mouseClick(child("resumeSwitch"))
+        compare(String(TestHelper.setting("resumeDownloadsAtStart")), "false")
+        mouseClick(child("resumeSwitch"))
+        verify(DownloadManager.resumeAtStart)
+    }
+
+    // The picker offers the files that are there when it opens (a file that cannot be run is
+    // not), with the one in use; choosing fills the field and stores nothing.
+    function test_pickerOffersExistingFiles() {
+        const homebrew = TestHelper.tempDir() + "/opt/homebrew/bin/yt-dlp"
+        const local = TestHelper.tempDir() + "/usr/local/bin/yt-dlp"
+        const inUse = DownloadManager.tools.ytDlpPath
+        const stored = TestHelper.setting("customYtDlpPath")
+        const picker = child("filePicker")
+        const offered = () => {
+            const choices = child("pickerChoices", picker.contentItem)
+            return Array.from({ length: choices.count }, (_, i) => choices.itemAt(i).text)
+        }
+        const openPicker = () => {
+            mouseClick(child("browseYtDlpButton"))
+            tryCompare(picker, "opened", true)
+            waitForRendering(picker.contentItem)
+        }
+
+        verify(TestHelper.writeFile(local, "#!/bin/sh\n", true))
+        openPicker()
+        compare(offered(), ["✅ " + local, "✅ " + inUse])
+        mouseClick(child("pickerCancelButton", picker.contentItem))
+        tryCompare(picker, "opened", false)
+
+        verify(TestHelper.writeFile(homebrew, "#!/bin/sh\n", true))
+        verify(TestHelper.removeFile(local) && TestHelper.writeFile(local, "not a program\n"))
+        openPicker()
+        compare(offered(), ["✅ " + homebrew, "✅ " + inUse])
+        mouseClick(child("pickerChoices", picker.contentItem).itemAt(0))
+        tryCompare(picker, "opened", false)
+        compare(child("pathField").text, homebrew)
+        compare(TestHelper.setting("customYtDlpPath"), stored)
+        TestHelper.removeFile(homebrew)
+        TestHelper.removeFile(local)
     }
 }
