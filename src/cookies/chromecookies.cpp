@@ -2,6 +2,8 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QHash>
+#include <QStandardPaths>
 
 using namespace Qt::StringLiterals;
 
@@ -116,6 +118,53 @@ bool browserCookiesPresent(const QString &browser, const QString &home)
     const QStringList roots = profileRoots(browser, home);
     return std::any_of(
         roots.begin(), roots.end(), [&files](const QString &root) { return anyProfileHolds(root, files); });
+}
+
+bool browserInstalled(const QString &browser, const QString &home)
+{
+    QStringList roots = profileRoots(browser, home);
+    if (browser == u"chrome")
+        roots = { home + u"/Library/Application Support/Google/Chrome"_s, home + u"/.config/google-chrome"_s };
+    if (std::any_of(roots.begin(), roots.end(), [](const QString &root) { return QFileInfo(root).isDir(); }))
+        return true;
+#ifdef Q_OS_MACOS
+    static const QHash<QString, QString> applications {
+        { u"chrome"_s, u"Google Chrome"_s },
+        { u"chromium"_s, u"Chromium"_s },
+        { u"brave"_s, u"Brave Browser"_s },
+        { u"edge"_s, u"Microsoft Edge"_s },
+        { u"firefox"_s, u"Firefox"_s },
+        { u"opera"_s, u"Opera"_s },
+        { u"vivaldi"_s, u"Vivaldi"_s },
+        { u"safari"_s, u"Safari"_s },
+    };
+    const QString bundle = applications.value(browser) + u".app"_s;
+    return QFileInfo(u"/Applications/"_s + bundle).isDir() || QFileInfo(home + u"/Applications/"_s + bundle).isDir();
+#else
+    // The names distributions and the vendors' own packages give the programs.
+    static const QHash<QString, QStringList> programs {
+        { u"chrome"_s, { u"google-chrome"_s, u"google-chrome-stable"_s } },
+        { u"chromium"_s, { u"chromium"_s, u"chromium-browser"_s } },
+        { u"brave"_s, { u"brave-browser"_s, u"brave"_s } },
+        { u"edge"_s, { u"microsoft-edge"_s, u"microsoft-edge-stable"_s } },
+        { u"firefox"_s, { u"firefox"_s, u"firefox-esr"_s } },
+        { u"opera"_s, { u"opera"_s } },
+        { u"vivaldi"_s, { u"vivaldi"_s, u"vivaldi-stable"_s } },
+    };
+    const QStringList names = programs.value(browser);
+    return std::any_of(names.begin(), names.end(),
+        [](const QString &name) { return !QStandardPaths::findExecutable(name).isEmpty(); });
+#endif
+}
+
+QList<CookieBrowser> cookielessBrowsers(const QString &home)
+{
+    QList<CookieBrowser> browsers;
+    for (const CookieBrowser &browser : supportedCookieBrowsers()) {
+        if (!browserCookiesPresent(browser.name, home) && browserInstalled(browser.name, home))
+            browsers.append(browser);
+    }
+    return browsers;
 }
 
 QList<CookieBrowser> installedCookieBrowsers(const QString &home)

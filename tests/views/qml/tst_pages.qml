@@ -130,12 +130,43 @@ ViewTestCase {
         expectStored([])
     }
 
-    // A browser that is not there stays chosen, said to be missing; a source chosen on the page
-    // is the application's.
+    // A browser that is not there stays chosen, said to be missing; one installed but never used
+    // is offered greyed, with why, until its cookies appear; a source chosen on the page is the
+    // application's.
     function test_sources() {
+        const path = TestHelper.env("PATH")
+        const chromiumDatabase = TestHelper.tempDir() + "/home/.config/chromium/Default/Cookies"
+        verify(TestHelper.writeFile(TestHelper.tempDir() + "/bin/chromium", "#!/bin/sh\n", true))
+        TestHelper.setEnv("PATH", TestHelper.tempDir() + "/bin:" + path)
+        AppState.cookieSource = "vivaldi"
         const page = openCookies()
-        compare(child("browserChoice", page).currentText, "Chrome（未找到）")
+        const choice = child("browserChoice", page)
+        const note = child("browserNote", page)
+        compare(choice.currentText, "Vivaldi（未找到）")
         verify(child("sourceBrowser", page).checked)
+        verify(choice.find("Chromium（尚未使用）") > 0)
+        verify(note.visible && /Chromium 已安装，但还没有 Cookie/.test(note.text), note.text)
+        // Reached by the keys, it is not taken.
+        let activated = -1
+        choice.activated.connect(index => activated = index)
+        choice.forceActiveFocus()
+        keyClick(Qt.Key_Down)
+        compare(activated, 1)
+        compare(AppState.cookieSource, "vivaldi")
+        compare(choice.currentText, "Vivaldi（未找到）")
+
+        verify(TestHelper.writeChromeDatabase(chromiumDatabase, ".video.example", "sid", "s3cret"))
+        choice.popup.open()
+        tryCompare(choice.popup, "opened", true)
+        verify(!note.text.includes("Chromium"), note.text)
+        const ready = choice.find("Chromium")
+        verify(ready >= 0)
+        tryVerify(() => choice.popup.contentItem.itemAtIndex(ready) !== null)
+        mouseClick(choice.popup.contentItem.itemAtIndex(ready))
+        compare(AppState.cookieSource, "chromium")
+        TestHelper.removeFile(chromiumDatabase)
+        TestHelper.setEnv("PATH", path)
+
         mouseClick(child("sourceNone", page))
         compare(AppState.cookieSource, "none")
     }
