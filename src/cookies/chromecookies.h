@@ -16,6 +16,8 @@ struct CookieBrowser
 {
     QString name; // yt-dlp's name: "chrome", "firefox", …
     QString label; // as the interface shows it: "Chrome", "Firefox", …
+    QStringList programs; // the programs that start it, on the PATH
+    QString application; // its application on macOS, without ".app"
 };
 
 // The browsers yt-dlp reads cookies from, on this system (Safari only on macOS).
