@@ -62,11 +62,12 @@ public:
     // (the GUI thread in the application).
     static AppState *instance();
 
-    // Reads the output folder, the cookie path, the preset, the playlist, cookie and
-    // notification switches and whether the log panel is shown from the settings store; an absent or unreadable key
-    // keeps the current value, a stored empty folder replaces it, and a preset an earlier version kept by its label is
-    // written back by its key. From then on, a change of the preset, the folder or a switch or of the log panel is
-    // written back at once, so the next start opens as this one was left.
+    // Reads the output folder, the cookie path, the preset, the playlist, cookie and notification
+    // switches and whether the log panel is shown from the settings store; an absent or
+    // unreadable key keeps the current value, a stored empty folder replaces it, and a preset an
+    // earlier version kept by its label is written back by its key. From then on, a change of any
+    // of them (the cookie path aside) is written back at once, so the next start opens as this
+    // one was left.
     void loadPreferences();
 
     // Callable from any thread; returns at once. The entry is appended on this object's thread,
