@@ -60,12 +60,10 @@ void TestAppState::formIsRemembered()
     QSettings().setValue(u"cookieSource"_s, u"$(rm -rf ~)"_s);
     QSettings().setValue(u"selectedPreset"_s, u"no such preset"_s);
     QSettings().setValue(u"downloadPlaylist"_s, u"maybe"_s);
-    QSettings().setValue(u"showLogPanel"_s, 2);
     QSettings().setValue(u"outputDirectory"_s, QString()); // cleared by hand: stays cleared
     AppState garbled;
     QCOMPARE(garbled.selectedPreset(), DownloadPreset::Default);
     QCOMPARE(garbled.downloadPlaylist(), true);
-    QCOMPARE(garbled.showLogPanel(), true);
     QCOMPARE(garbled.useCookies(), false);
     QCOMPARE(garbled.outputDirectory(), QString());
     QCOMPARE(garbled.cookieSource(), u"chrome"_s);
