@@ -2,6 +2,7 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QStandardPaths>
 
 using namespace Qt::StringLiterals;
 
@@ -33,17 +34,18 @@ QString findChromeCookieDatabase(const QString &home)
 
 QList<CookieBrowser> supportedCookieBrowsers()
 {
+    // The programs are the names distributions and the vendors' own packages put on the PATH.
     QList<CookieBrowser> browsers {
-        { u"chrome"_s, u"Chrome"_s },
-        { u"chromium"_s, u"Chromium"_s },
-        { u"brave"_s, u"Brave"_s },
-        { u"edge"_s, u"Edge"_s },
-        { u"firefox"_s, u"Firefox"_s },
-        { u"opera"_s, u"Opera"_s },
-        { u"vivaldi"_s, u"Vivaldi"_s },
+        { u"chrome"_s, u"Chrome"_s, { u"google-chrome"_s, u"google-chrome-stable"_s }, u"Google Chrome"_s },
+        { u"chromium"_s, u"Chromium"_s, { u"chromium"_s, u"chromium-browser"_s }, u"Chromium"_s },
+        { u"brave"_s, u"Brave"_s, { u"brave-browser"_s, u"brave"_s }, u"Brave Browser"_s },
+        { u"edge"_s, u"Edge"_s, { u"microsoft-edge"_s, u"microsoft-edge-stable"_s }, u"Microsoft Edge"_s },
+        { u"firefox"_s, u"Firefox"_s, { u"firefox"_s, u"firefox-esr"_s }, u"Firefox"_s },
+        { u"opera"_s, u"Opera"_s, { u"opera"_s }, u"Opera"_s },
+        { u"vivaldi"_s, u"Vivaldi"_s, { u"vivaldi"_s, u"vivaldi-stable"_s }, u"Vivaldi"_s },
     };
 #ifdef Q_OS_MACOS
-    browsers.append({ u"safari"_s, u"Safari"_s });
+    browsers.append({ u"safari"_s, u"Safari"_s, {}, u"Safari"_s });
 #endif
     return browsers;
 }
@@ -116,6 +118,37 @@ bool browserCookiesPresent(const QString &browser, const QString &home)
     const QStringList roots = profileRoots(browser, home);
     return std::any_of(
         roots.begin(), roots.end(), [&files](const QString &root) { return anyProfileHolds(root, files); });
+}
+
+bool browserInstalled(const QString &browser, const QString &home)
+{
+    QStringList roots = profileRoots(browser, home);
+    if (browser == u"chrome")
+        roots = { home + u"/Library/Application Support/Google/Chrome"_s, home + u"/.config/google-chrome"_s };
+    if (std::any_of(roots.begin(), roots.end(), [](const QString &root) { return QFileInfo(root).isDir(); }))
+        return true;
+    const QList<CookieBrowser> browsers = supportedCookieBrowsers();
+    const auto known = std::find_if(
+        browsers.begin(), browsers.end(), [&browser](const CookieBrowser &entry) { return entry.name == browser; });
+    if (known == browsers.end())
+        return false;
+#ifdef Q_OS_MACOS
+    const QString bundle = known->application + u".app"_s;
+    return QFileInfo(u"/Applications/"_s + bundle).isDir() || QFileInfo(home + u"/Applications/"_s + bundle).isDir();
+#else
+    return std::any_of(known->programs.begin(), known->programs.end(),
+        [](const QString &name) { return !QStandardPaths::findExecutable(name).isEmpty(); });
+#endif
+}
+
+QList<CookieBrowser> cookielessBrowsers(const QString &home)
+{
+    QList<CookieBrowser> browsers;
+    for (const CookieBrowser &browser : supportedCookieBrowsers()) {
+        if (!browserCookiesPresent(browser.name, home) && browserInstalled(browser.name, home))
+            browsers.append(browser);
+    }
+    return browsers;
 }
 
 QList<CookieBrowser> installedCookieBrowsers(const QString &home)

@@ -16,6 +16,8 @@ struct CookieBrowser
 {
     QString name; // yt-dlp's name: "chrome", "firefox", …
     QString label; // as the interface shows it: "Chrome", "Firefox", …
+    QStringList programs; // the programs that start it, on the PATH
+    QString application; // its application on macOS, without ".app"
 };
 
 // The browsers yt-dlp reads cookies from, on this system (Safari only on macOS).
@@ -28,3 +30,8 @@ QString cookieBrowserLabel(const QString &name);
 bool browserCookiesPresent(const QString &browser, const QString &home);
 // The supported browsers that have a cookie store under `home`, in the order of the list.
 QList<CookieBrowser> installedCookieBrowsers(const QString &home);
+// True when `browser` is on this system: its program on the PATH (its application on macOS), or
+// a profile folder of it under `home`. Installed and never started, it has no cookie store yet.
+bool browserInstalled(const QString &browser, const QString &home);
+// The supported browsers that are installed but have no cookie store under `home` yet.
+QList<CookieBrowser> cookielessBrowsers(const QString &home);

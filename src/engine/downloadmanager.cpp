@@ -64,6 +64,7 @@ DownloadManager::DownloadManager(EngineHost host, ToolLocations locations, QObje
     const int stored
         = QSettings().value(QLatin1String(MaxConcurrentDownloadsKey), DefaultMaxConcurrentDownloads).toInt();
     m_maxConcurrent = std::clamp(stored, 1, 16);
+    m_resumeAtStart = QSettings().value(QLatin1String(ResumeAtStartKey), true).toBool();
     if (discovery == Discovery::StartNow)
         startDiscovery();
 }
@@ -102,6 +103,15 @@ void DownloadManager::setMaxConcurrentDownloads(int value)
     QSettings().setValue(QLatin1String(MaxConcurrentDownloadsKey), value);
     Q_EMIT maxConcurrentDownloadsChanged();
     pumpQueue();
+}
+
+void DownloadManager::setResumeAtStart(bool value)
+{
+    if (value == m_resumeAtStart)
+        return;
+    m_resumeAtStart = value;
+    QSettings().setValue(QLatin1String(ResumeAtStartKey), value);
+    Q_EMIT resumeAtStartChanged();
 }
 
 namespace {
@@ -482,10 +492,10 @@ void DownloadManager::completeDownload(const QUuid &taskId, DownloadJob *job, co
                     kept.append(line);
             }
         }
-        if (!kept.isEmpty()) {
+        // The row's message. Every one of these lines reached the log as it was read, so they
+        // are not logged a second time.
+        if (!kept.isEmpty())
             message = kept.mid(0, 3).join(u'\n');
-            addLog(message, LogEntry::LogType::Error);
-        }
         const std::optional<Explanation> explanation = describeFailure(
             FailedRun { end.stderrTail + end.stdoutTail, exitCode, end.crashed, m_tools->ytDlpPath() });
         markFailed(taskId, message, explanation ? std::optional(explanation->text) : std::nullopt,
@@ -552,22 +562,25 @@ void DownloadManager::retryDownload(const QString &taskId)
         || (task->status != DownloadStatus::Failed && task->status != DownloadStatus::Cancelled))
         return;
     info(u"🔄 重试: "_s + task->title);
-    m_tasks->update(id, [](DownloadTask &task) {
-        task.status = DownloadStatus::Pending;
-        task.progress = 0.0;
-        task.speed.clear();
-        task.size.clear();
-        task.eta.clear();
-        task.phase.clear();
-        task.notice.clear();
-        task.errorMessage.reset();
-        task.explanation.reset();
-        task.needsToolFix = false;
-        task.endTime.reset();
-        task.startTime = QDateTime::currentDateTime();
-    });
+    m_tasks->update(id, &DownloadManager::clearLastRun);
     m_waiting.push_back(id);
     pumpQueue();
+}
+
+void DownloadManager::clearLastRun(DownloadTask &task)
+{
+    task.status = DownloadStatus::Pending;
+    task.progress = 0.0;
+    task.speed.clear();
+    task.size.clear();
+    task.eta.clear();
+    task.phase.clear();
+    task.notice.clear();
+    task.errorMessage.reset();
+    task.explanation.reset();
+    task.needsToolFix = false;
+    task.endTime.reset();
+    task.startTime = QDateTime::currentDateTime();
 }
 
 void DownloadManager::removeDownload(const QString &taskId)
@@ -604,18 +617,26 @@ void DownloadManager::restoreTasks(const QList<StoredTask> &rows)
     QList<DownloadTask> tasks;
     tasks.reserve(rows.size());
     std::deque<QUuid> waiting;
-    int interrupted = 0;
+    int unfinished = 0;
     for (const StoredTask &row : rows) {
         if (m_tasks->find(row.task.id))
             continue;
         DownloadTask task = row.task;
-        // Nothing of ours runs before we do: what was running then has been stopped.
-        if (task.status == DownloadStatus::Preparing || task.status == DownloadStatus::Downloading) {
-            task.status = DownloadStatus::Cancelled;
-            task.speed.clear();
-            ++interrupted;
-        } else if (task.status == DownloadStatus::Pending) {
-            waiting.push_back(task.id);
+        // Nothing of ours runs before we do: what was running then has been stopped, its
+        // ".part" file kept. A stopped row (the user's "停止") is not among them.
+        const bool wasRunning = task.status == DownloadStatus::Preparing || task.status == DownloadStatus::Downloading;
+        if (wasRunning || task.status == DownloadStatus::Pending) {
+            ++unfinished;
+            if (m_resumeAtStart) {
+                if (wasRunning)
+                    clearLastRun(task);
+                waiting.push_back(task.id);
+            } else {
+                // Held for this run only: the row is not written, so the store still has it
+                // unfinished and a later start that resumes carries it on.
+                task.status = DownloadStatus::Cancelled;
+                task.speed.clear();
+            }
         }
         task.notice.clear();
         task.phase.clear();
@@ -629,8 +650,12 @@ void DownloadManager::restoreTasks(const QList<StoredTask> &rows)
     m_waiting.insert(m_waiting.begin(), waiting.begin(), waiting.end());
     qCInfo(lcEngine, "[Quillbox] 已恢复上次的 %d 个任务", int(tasks.size()));
     info(u"↺ 已恢复上次的 %1 个任务"_s.arg(tasks.size()));
-    if (interrupted > 0)
-        info(u"上次退出时有 %1 个下载未完成，已标记为已取消，点“重试”可接着下载"_s.arg(interrupted));
+    if (unfinished > 0 && m_resumeAtStart)
+        info(u"▶ 继续上次未完成的 %1 个下载"_s.arg(unfinished));
+    else if (unfinished > 0)
+        info(
+            u"⏸ 上次未完成的 %1 个下载未自动继续（设置中“启动时继续未完成的下载”已关闭），点“重试”可接着下载"_s
+                .arg(unfinished));
     pumpQueue();
 }
 

@@ -40,11 +40,14 @@ class DownloadManager : public QObject
     Q_PROPERTY(int maxConcurrentDownloads READ maxConcurrentDownloads WRITE setMaxConcurrentDownloads NOTIFY
             maxConcurrentDownloadsChanged)
     Q_PROPERTY(int runningCount READ runningCount NOTIFY runningCountChanged)
+    Q_PROPERTY(bool resumeAtStart READ resumeAtStart WRITE setResumeAtStart NOTIFY resumeAtStartChanged)
 
 public:
     static constexpr auto CustomYtDlpPathKey = ToolDiscovery::CustomYtDlpPathKey;
     static constexpr auto MaxConcurrentDownloadsKey = "maxConcurrentDownloads";
     static constexpr int DefaultMaxConcurrentDownloads = 3;
+    // Whether downloads a previous run left unfinished carry on by themselves at the next start.
+    static constexpr auto ResumeAtStartKey = "resumeDownloadsAtStart";
     static constexpr int CancelGraceMs = DownloadJob::CancelGraceMs;
     static constexpr int WatchdogMs = 30000;
     // A running download that has printed nothing for this long says so on its row and in the log.
@@ -127,6 +130,8 @@ public:
     int runningCount() const { return int(m_jobs.size()); }
     int maxConcurrentDownloads() const { return m_maxConcurrent; }
     void setMaxConcurrentDownloads(int value);
+    bool resumeAtStart() const { return m_resumeAtStart; }
+    void setResumeAtStart(bool value);
     // How long a download may stay silent before its row says so (StallNoticeMs; tests shorten it).
     void setStallNoticeMs(int ms) { m_stallNoticeMs = ms; }
 
@@ -155,9 +160,10 @@ public:
 
     // The request a task was made from, as retrying it would run it again.
     std::optional<DownloadRequest> requestFor(const QUuid &taskId) const;
-    // Puts a queue kept from an earlier run before the tasks made since: finished rows as they
-    // were, waiting ones in the queue again, and those that were running cancelled, so that
-    // "重试" resumes their ".part" file.
+    // Puts a queue kept from an earlier run before the tasks made since: finished and stopped
+    // rows as they were; those that were running or waiting then wait in the queue again, in
+    // their order, and yt-dlp resumes a running one's ".part" file. With resumeAtStart off they
+    // are held instead: shown stopped, for "重试", while the store keeps them unfinished.
     void restoreTasks(const QList<StoredTask> &rows);
 
     // The command text for one download (its ShellCommand rendered), given the raw tool words.
@@ -167,6 +173,7 @@ public:
 Q_SIGNALS:
     void installationChecked(int request, bool installed, const QString &output);
     void maxConcurrentDownloadsChanged();
+    void resumeAtStartChanged();
     void runningCountChanged();
     // A download's process group started, or its download ended: the store keeps the running
     // ones, so that a run that dies can have them ended at the next start.
@@ -180,6 +187,8 @@ private:
     void logOutputLine(const QUuid &taskId, const QString &line, LogEntry::LogType type);
 
     QUuid createTask(const DownloadRequest &request, QList<DownloadTask> &created);
+    // A task about to run again: what its last run showed is cleared.
+    static void clearLastRun(DownloadTask &task);
     void pumpQueue();
     // Another task with this link and folder is running: two yt-dlp runs would write one file.
     bool clashesWithRunning(const DownloadRequest &request) const;
@@ -209,6 +218,7 @@ private:
     int m_lastInstallationCheck = 0;
 
     int m_maxConcurrent = DefaultMaxConcurrentDownloads;
+    bool m_resumeAtStart = true;
     int m_stallNoticeMs = StallNoticeMs;
     // Every task's request, kept for retrying it.
     QHash<QUuid, DownloadRequest> m_requests;

@@ -200,6 +200,31 @@ void ToolDiscovery::whenYtDlpPathKnown(std::function<void()> action)
         m_afterPathKnown.append(std::move(action));
 }
 
+QStringList ToolDiscovery::executableChoicesIn(const ToolLocations &locations, const QString &inUse)
+{
+    const auto runnable = [](const QString &path) {
+        const QFileInfo info(path);
+        return info.isAbsolute() && info.isFile() && info.isExecutable();
+    };
+    QStringList ordered = locations.ytDlp.mid(0, 2);
+    ordered << inUse << locations.ytDlp.mid(2) << locations.keptYtDlp;
+    QStringList choices;
+    for (const QString &path : std::as_const(ordered)) {
+        if (!choices.contains(path) && runnable(path))
+            choices << path;
+    }
+    return choices;
+}
+
+void ToolDiscovery::findExecutableChoices()
+{
+    QStringList choices = executableChoicesIn(m_locations, m_ytDlpPath);
+    if (choices == m_executableChoices)
+        return;
+    m_executableChoices = std::move(choices);
+    Q_EMIT executableChoicesChanged();
+}
+
 void ToolDiscovery::setYtDlpVersion(const QString &version)
 {
     if (m_ytDlpVersion == version)

@@ -54,6 +54,8 @@ class ToolDiscovery : public QObject
     Q_PROPERTY(ToolVerdict ffmpegVerdict READ ffmpegVerdict NOTIFY verdictsChanged)
     Q_PROPERTY(ToolVerdict notice READ notice NOTIFY verdictsChanged)
     Q_PROPERTY(QString ffmpegInstallCommand READ ffmpegInstallCommand CONSTANT)
+    // The yt-dlp files the executable picker offers, as they were when it last looked.
+    Q_PROPERTY(QStringList executableChoices READ executableChoices NOTIFY executableChoicesChanged)
 
 public:
     static constexpr auto CustomYtDlpPathKey = "customYtDlpPath";
@@ -114,6 +116,14 @@ public:
     void detectJSRuntime();
     void detectFfmpeg();
 
+    // The executable picker's entries: the first two places looked in (the usual Homebrew ones),
+    // each where a file is there, then the path in use, then the other places that hold a file;
+    // each path once, only files that can be run.
+    static QStringList executableChoicesIn(const ToolLocations &locations, const QString &inUse);
+    QStringList executableChoices() const { return m_executableChoices; }
+    // Looks at the disk again for executableChoices (files come and go while Quillbox runs).
+    Q_INVOKABLE void findExecutableChoices();
+
     // Raw words (ShellCommand quotes them): "--js-runtimes NAME:PATH" when a runtime was found and
     // yt-dlp is recent enough to know the option; "--ffmpeg-location PATH" when ffmpeg was found.
     QStringList jsRuntimeArgs() const;
@@ -133,6 +143,7 @@ Q_SIGNALS:
     void verdictsChanged();
     void isProbingChanged();
     void ready();
+    void executableChoicesChanged();
 
 private:
     void addLog(const QString &message, LogEntry::LogType type) const;
@@ -189,4 +200,5 @@ private:
     int m_ffmpegGeneration = 0;
     bool m_warnedOldYtDlp = false;
     mutable QString m_lastCookieWarning;
+    QStringList m_executableChoices;
 };

@@ -67,6 +67,8 @@ void AppState::loadPreferences()
         setUseCookies(*cookies);
     if (const auto notify = readSwitch(NotifyOnFinishKey))
         setNotifyOnFinish(*notify);
+    if (const auto logPanel = readSwitch(ShowLogPanelKey))
+        setShowLogPanel(*logPanel);
     m_remembering = true;
 }
 
@@ -152,12 +154,25 @@ void AppState::flushPendingLogs()
             m_redrawnEntries.insert(line.redraws, batch.constLast().id);
         }
     }
+    const int added = int(batch.size());
     m_log->append(std::move(batch));
+    // Lines added while the panel shows are seen; the cap bounds the rest.
+    if (!m_showLogPanel && added > 0)
+        setUnseenLogCount(std::min(m_unseenLogCount + added, m_log->count()));
 }
 
 void AppState::clearLog()
 {
     m_log->clear();
+    setUnseenLogCount(0);
+}
+
+void AppState::setUnseenLogCount(int count)
+{
+    if (m_unseenLogCount == count)
+        return;
+    m_unseenLogCount = count;
+    Q_EMIT unseenLogCountChanged();
 }
 
 namespace {
@@ -247,5 +262,8 @@ void AppState::setSelectedTab(int value)
 
 void AppState::setShowLogPanel(bool value)
 {
-    assign(this, m_showLogPanel, value, &AppState::showLogPanelChanged);
+    if (value)
+        setUnseenLogCount(0);
+    if (assign(this, m_showLogPanel, value, &AppState::showLogPanelChanged))
+        remember(ShowLogPanelKey, value);
 }

@@ -33,6 +33,8 @@ class AppState : public LogSink, public CookieSettings
     Q_PROPERTY(bool showSettings READ showSettings WRITE setShowSettings NOTIFY showSettingsChanged)
     Q_PROPERTY(int selectedTab READ selectedTab WRITE setSelectedTab NOTIFY selectedTabChanged)
     Q_PROPERTY(bool showLogPanel READ showLogPanel WRITE setShowLogPanel NOTIFY showLogPanelChanged)
+    // Entries added while the log panel was hidden, since it was last shown (the sidebar's badge).
+    Q_PROPERTY(int unseenLogCount READ unseenLogCount NOTIFY unseenLogCountChanged)
     Q_PROPERTY(LogModel *logEntries READ logModel CONSTANT)
     Q_PROPERTY(int maxLogEntries READ maxLogEntries CONSTANT)
 
@@ -50,6 +52,8 @@ public:
     static constexpr auto CookieSourceKey = "cookieSource";
     // Whether a download that ends while the window is in the background is announced.
     static constexpr auto NotifyOnFinishKey = "notifyOnFinish";
+    // Whether the log panel is shown: the next start opens it as this one left it.
+    static constexpr auto ShowLogPanelKey = "showLogPanel";
 
     explicit AppState(QObject *parent = nullptr);
     ~AppState() override;
@@ -58,11 +62,12 @@ public:
     // (the GUI thread in the application).
     static AppState *instance();
 
-    // Reads the output folder, the cookie path, the preset and the playlist, cookie and
-    // notification switches from the settings store; an absent or unreadable key keeps the
-    // current value, a stored empty folder replaces it, and a preset an earlier version kept by its
-    // label is written back by its key. From then on, a change of the preset, the folder or a
-    // switch is written back at once, so the next start opens as this one was left.
+    // Reads the output folder, the cookie path, the preset, the playlist, cookie and notification
+    // switches and whether the log panel is shown from the settings store; an absent or
+    // unreadable key keeps the current value, a stored empty folder replaces it, and a preset an
+    // earlier version kept by its label is written back by its key. From then on, a change of any
+    // of them (the cookie path aside) is written back at once, so the next start opens as this
+    // one was left.
     void loadPreferences();
 
     // Callable from any thread; returns at once. The entry is appended on this object's thread,
@@ -105,6 +110,7 @@ public:
     void setSelectedTab(int value);
     bool showLogPanel() const { return m_showLogPanel; }
     void setShowLogPanel(bool value);
+    int unseenLogCount() const { return m_unseenLogCount; }
 
     LogModel *logModel() const { return m_log; }
     QList<LogEntry> logEntries() const { return m_log->entries(); }
@@ -125,6 +131,7 @@ Q_SIGNALS:
     void showSettingsChanged();
     void selectedTabChanged();
     void showLogPanelChanged();
+    void unseenLogCountChanged();
 
 private:
     struct PendingLog
@@ -137,6 +144,7 @@ private:
     void flushPendingLogs();
     void queueLog(PendingLog entry);
     void remember(const char *key, const QVariant &value) const;
+    void setUnseenLogCount(int count);
 
     QString m_urlInput;
     QList<DownloadTask> m_downloadQueue;
@@ -152,6 +160,7 @@ private:
     bool m_showSettings = false;
     int m_selectedTab = 0;
     bool m_showLogPanel = true;
+    int m_unseenLogCount = 0;
     bool m_remembering = false;
     LogModel *m_log;
 

@@ -187,7 +187,7 @@ void QueueMemory::start()
 }
 
 // Downloads of a run that died may still be writing their files: they are ended before their
-// rows come back, so "重试" never starts a second writer on the same file.
+// rows come back, so carrying them on never starts a second writer on the same file.
 void QueueMemory::endLeftovers(const QList<TaskStore::ProcessGroup> &groups)
 {
     if (groups.isEmpty())
@@ -202,9 +202,7 @@ void QueueMemory::endLeftovers(const QList<TaskStore::ProcessGroup> &groups)
     if (ended > 0) {
         qCInfo(lcEngine, "[Quillbox] 已结束上次运行遗留的 %d 个下载进程组", ended);
         m_log->addLog(
-            u"⏹ 已结束上次运行遗留的 %1 个下载进程，它们的任务可以用“重试”继续"_s.arg(
-                ended),
-            LogEntry::LogType::Warning);
+            u"⏹ 已结束上次运行遗留的 %1 个下载进程"_s.arg(ended), LogEntry::LogType::Warning);
     }
     onStoreThread([ids](TaskStore &store) { store.forgetProcessGroups(ids); });
 }

@@ -122,6 +122,8 @@ void TestDownloadExecution::outputTypesAndBytes()
     QCOMPARE(types.value(u"ERROR looks bad but is stdout"_s), LogEntry::LogType::Download);
     QVERIFY(types.contains(u"[download] 50.0% f\uFFFD"_s));
     QCOMPARE(m_engine->only().status, DownloadStatus::Completed);
+    // The default preset has no words: its line is the bare prefix.
+    QVERIFY(m_engine->log().contains(u"预设参数: "_s));
 }
 
 // The friendly text shows while the run goes on, the tool's own line once it has failed; "重试"
@@ -136,6 +138,10 @@ void TestDownloadExecution::failedTaskRetriesInItsRow()
     const DownloadTask failed = m_engine->only();
     QCOMPARE(failed.errorMessage, std::optional(u"ERROR: [youtube] x: Login required"_s));
     QVERIFY(failed.explanation);
+    // Each line of the tool once in the log, the explanation after it.
+    const QStringList log = m_engine->log();
+    QCOMPARE(log.count(u"ERROR: [youtube] x: Login required"_s), 1);
+    QVERIFY(log.indexOf(*failed.explanation) > log.indexOf(u"ERROR: [youtube] x: Login required"_s));
 
     m_engine->fake.setScenario(R"([{"out": "[download] 100% of 1.00MiB in 00:01\n"}])");
     m_engine->manager->retryDownload(idOf(failed));

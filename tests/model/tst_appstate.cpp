@@ -35,6 +35,8 @@ void TestAppState::formIsRemembered()
     {
         AppState first;
         QCOMPARE(first.outputDirectory(), m_env.home() + u"/Downloads"_s);
+        QVERIFY(first.showLogPanel());
+        first.setShowLogPanel(false);
         first.setSelectedPreset(DownloadPreset::AudioOnly);
         first.setOutputDirectory(u"/data/视频"_s);
         first.setNotifyOnFinish(false);
@@ -53,6 +55,7 @@ void TestAppState::formIsRemembered()
     QCOMPARE(next.downloadPlaylist(), false);
     QCOMPARE(next.useCookies(), false);
     QCOMPARE(next.cookieSource(), u"firefox"_s);
+    QCOMPARE(next.showLogPanel(), false);
 
     QSettings().setValue(u"cookieSource"_s, u"$(rm -rf ~)"_s);
     QSettings().setValue(u"selectedPreset"_s, u"no such preset"_s);

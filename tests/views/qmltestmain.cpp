@@ -130,6 +130,9 @@ public:
     }
 
     Q_INVOKABLE QVariant setting(const QString &key) const { return QSettings().value(key); }
+    // Stores `value` as a previous run would have left it, and reads the settings back as a start does.
+    Q_INVOKABLE void setSetting(const QString &key, const QVariant &value) const { QSettings().setValue(key, value); }
+    Q_INVOKABLE void readPreferences() const { AppState::instance()->loadPreferences(); }
 
     Q_INVOKABLE bool writeFile(const QString &path, const QString &text, bool executable = false) const
     {
@@ -209,6 +212,9 @@ public Q_SLOTS:
         // is there (whatever this machine has installed).
         ToolLocations locations = ToolLocations::standard(m_env->home());
         locations.runtimes = { { u"deno"_s, { m_env->home() + u"/.deno/bin/deno"_s } } };
+        // So are the places yt-dlp is looked for: the usual two first, then one more.
+        locations.ytDlp = { m_env->root() + u"/opt/homebrew/bin/yt-dlp"_s, m_env->root() + u"/usr/local/bin/yt-dlp"_s,
+            m_env->home() + u"/.local/bin/yt-dlp"_s };
         DownloadManager::useLocations(locations);
 #endif
         qputenv("QUILLBOX_NO_BROWSER", "1");

@@ -196,7 +196,7 @@ int main(int argc, char *argv[])
             ++failed;
         }
     }
-    // Stored before the download was stopped: the next start offers to carry it on.
+    // Stored before the download was stopped: the next start carries it on.
     TaskStore store(QueueMemory::instance()->path());
     const QList<StoredTask> rows
         = store.open().state == TaskStore::OpenState::Opened ? store.loadTasks() : QList<StoredTask>();

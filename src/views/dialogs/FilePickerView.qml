@@ -5,8 +5,9 @@ import QtQuick.Controls.Basic
 import QtQuick.Layouts
 import Quillbox
 
-// Offers the two usual places of yt-dlp, or a file dialog, and hands the chosen path back.
-// Choosing only fills the caller's field; nothing is stored or probed here.
+// Offers the yt-dlp files that are there (the two usual places, the one in use, the other places
+// looked in), or a file dialog, and hands the chosen path back. The disk is looked at each time it
+// opens. Choosing only fills the caller's field; nothing is stored or probed here.
 Popup {
     id: root
 
@@ -18,12 +19,14 @@ Popup {
     }
 
     anchors.centerIn: parent
-    width: 350
-    height: 250
+    // As designed, grown for long paths and more entries as far as the sheet allows.
+    width: Math.min(Math.max(350, implicitWidth), parent ? parent.width - 2 * Theme.spacingWide : 350)
+    height: Math.max(250, implicitHeight)
     modal: true
     focus: true
     closePolicy: Popup.CloseOnEscape
     padding: Theme.spacingWide
+    onAboutToShow: DownloadManager.tools.findExecutableChoices()
     background: Rectangle {
         color: Theme.surface
         radius: Theme.radiusLarge
@@ -44,14 +47,15 @@ Popup {
             Layout.fillWidth: true
             spacing: Theme.spacingTiny
             Repeater {
-                model: ["✅ /opt/homebrew/bin/yt-dlp", "✅ /usr/local/bin/yt-dlp"]
+                objectName: "pickerChoices"
+                model: DownloadManager.tools.executableChoices
 
                 delegate: BorderedButton {
                     required property string modelData
 
                     Layout.fillWidth: true
-                    text: modelData
-                    onClicked: root.choose(modelData.slice("✅ ".length))
+                    text: "✅ " + modelData
+                    onClicked: root.choose(modelData)
                 }
             }
             BorderedButton {

@@ -494,6 +494,14 @@ Rectangle {
                         checked: AppState.notifyOnFinish
                         onToggled: AppState.notifyOnFinish = checked
                     }
+                    // Off holds the queue at start: what was left unfinished waits for "重试".
+                    ToggleSwitch {
+                        objectName: "resumeSwitch"
+                        Layout.fillWidth: true
+                        text: "启动时继续未完成的下载"
+                        checked: DownloadManager.resumeAtStart
+                        onToggled: DownloadManager.resumeAtStart = checked
+                    }
                     Caption {
                         objectName: "storeNotice"
                         visible: text.length > 0

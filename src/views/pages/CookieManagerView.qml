@@ -12,6 +12,13 @@ Rectangle {
 
     readonly property bool browserChosen: AppState.cookieSource !== "none" && AppState.cookieSource !== "file"
 
+    // The entry of the browser list that downloads use (Chrome's while no browser is chosen).
+    function chosenBrowserIndex(): int {
+        return browserChoice.count > 0
+                ? Math.max(0, browserChoice.indexOfValue(root.browserChosen ? AppState.cookieSource : "chrome"))
+                : -1
+    }
+
     // A page on exporting cookies for yt-dlp, in the browser.
     function openChromeCookiesHelp() {
         Desktop.openUrl(CookieService.chromeCookiesHelpUrl)
@@ -53,32 +60,6 @@ Rectangle {
                 color: Theme.accent
                 visible: option.checked
             }
-        }
-    }
-
-    // An entry of a drop-down list as the style draws it, but with its words as plain text.
-    component ChoiceEntry: ItemDelegate {
-        id: entry
-
-        required property var modelData
-        required property int index
-        property ComboBox choice
-
-        width: ListView.view.width
-        text: entry.modelData[entry.choice.textRole]
-        palette.text: entry.choice.palette.text
-        palette.highlightedText: entry.choice.palette.highlightedText
-        font.weight: entry.choice.currentIndex === entry.index ? Font.DemiBold : Font.Normal
-        highlighted: entry.choice.highlightedIndex === entry.index
-        hoverEnabled: entry.choice.hoverEnabled
-
-        contentItem: Text {
-            text: entry.text
-            textFormat: Text.PlainText
-            font: entry.font
-            color: entry.highlighted ? entry.palette.highlightedText : entry.palette.text
-            elide: Text.ElideRight
-            verticalAlignment: Text.AlignVCenter
         }
     }
 
@@ -140,24 +121,32 @@ Rectangle {
                         ButtonGroup.group: sources
                         onClicked: AppState.cookieSource = browserChoice.currentValue
                     }
-                    ComboBox {
+                    ChoiceBox {
                         id: browserChoice
 
                         objectName: "browserChoice"
                         Layout.preferredWidth: 180
                         model: presenter.browsers
-                        delegate: ChoiceEntry {
-                            choice: browserChoice
-                        }
                         textRole: "label"
                         valueRole: "name"
+                        enabledRole: "usable"
                         // Read again when the list changes, as well as when the source does.
-                        currentIndex: browserChoice.count > 0
-                                      ? Math.max(0, browserChoice.indexOfValue(
-                                                     root.browserChosen ? AppState.cookieSource : "chrome"))
-                                      : -1
-                        onActivated: AppState.cookieSource = browserChoice.currentValue
+                        currentIndex: root.chosenBrowserIndex()
+                        // A browser installed since, or used for the first time, is offered at once.
+                        popup.onAboutToShow: presenter.refresh()
+                        onActivated: index => {
+                            if (presenter.browsers[index].usable)
+                                AppState.cookieSource = browserChoice.currentValue
+                            else
+                                browserChoice.currentIndex = Qt.binding(() => root.chosenBrowserIndex())
+                        }
                     }
+                }
+                Hint {
+                    objectName: "browserNote"
+                    Layout.fillWidth: true
+                    visible: text.length > 0
+                    text: presenter.browserNote
                 }
                 RowLayout {
                     Layout.fillWidth: true
@@ -207,15 +196,12 @@ Rectangle {
                         color: Theme.gray
                         font.pixelSize: Theme.caption
                     }
-                    ComboBox {
+                    ChoiceBox {
                         id: siteChoice
 
                         objectName: "checkSiteChoice"
                         Layout.preferredWidth: 140
                         model: presenter.checkSites
-                        delegate: ChoiceEntry {
-                            choice: siteChoice
-                        }
                         textRole: "label"
                         valueRole: "key"
                         currentIndex: Math.max(0, siteChoice.indexOfValue(presenter.checkSite))

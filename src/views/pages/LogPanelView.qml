@@ -21,6 +21,11 @@ Rectangle {
     }
 
     implicitHeight: 300
+    // Made afresh each time the panel opens: with auto-scroll on it opens on the newest lines.
+    Component.onCompleted: {
+        if (root.autoScroll && AppState.logEntries.count > 0)
+            scrollSoon.start()
+    }
     radius: Theme.radiusLarge
     color: Theme.surface
     border.color: Theme.border

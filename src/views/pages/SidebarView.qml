@@ -125,12 +125,13 @@ Rectangle {
             onClicked: AppState.showLogPanel = !AppState.showLogPanel
             trailing: Label {
                 objectName: "logBadge"
-                visible: AppState.logEntries.count > 0
+                // The lines not yet seen: none once the panel has been shown.
+                visible: AppState.unseenLogCount > 0
                 leftPadding: Theme.spacingSmall
                 rightPadding: Theme.spacingSmall
                 topPadding: Theme.spacingHair
                 bottomPadding: Theme.spacingHair
-                text: String(AppState.logEntries.count)
+                text: String(AppState.unseenLogCount)
                 textFormat: Text.PlainText
                 color: Theme.text
                 font.pixelSize: Theme.caption3

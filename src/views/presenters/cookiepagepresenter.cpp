@@ -77,20 +77,34 @@ void CookiePagePresenter::readBrowsers()
     const QString chosen = m_state->cookieSource();
     bool chosenListed
         = chosen == QLatin1String(CookieSourceNames::None) || chosen == QLatin1String(CookieSourceNames::File);
+    const auto entry = [](const QString &name, const QString &label, bool usable) {
+        return QVariantMap { { u"name"_s, name }, { u"label"_s, label }, { u"usable"_s, usable } };
+    };
     for (const CookieBrowser &browser : installedCookieBrowsers(m_home)) {
-        browsers.append(QVariantMap { { u"name"_s, browser.name }, { u"label"_s, browser.label } });
+        browsers.append(entry(browser.name, browser.label, true));
+        chosenListed = chosenListed || browser.name == chosen;
+    }
+    // Installed but never used: there is nothing to read yet, and the list says why it cannot be
+    // chosen rather than leaving the browser out.
+    QStringList cookieless;
+    for (const CookieBrowser &browser : cookielessBrowsers(m_home)) {
+        browsers.append(entry(browser.name, browser.label + u"（尚未使用）"_s, false));
+        cookieless << browser.label;
         chosenListed = chosenListed || browser.name == chosen;
     }
     // A browser chosen before stays visible, said to be missing, so the choice is not silently lost.
     if (!chosenListed)
-        browsers.prepend(QVariantMap {
-            { u"name"_s, chosen }, { u"label"_s, QString(cookieBrowserLabel(chosen) + u"（未找到）"_s) } });
-    if (browsers.isEmpty())
-        browsers.append(QVariantMap { { u"name"_s, QString::fromLatin1(CookieSourceNames::DefaultBrowser) },
-            { u"label"_s,
-                QString(cookieBrowserLabel(QLatin1String(CookieSourceNames::DefaultBrowser)) + u"（未找到）"_s) } });
-    if (browsers != m_browsers) {
+        browsers.prepend(entry(chosen, cookieBrowserLabel(chosen) + u"（未找到）"_s, false));
+    if (browsers.isEmpty()) {
+        const QString fallback = QString::fromLatin1(CookieSourceNames::DefaultBrowser);
+        browsers.append(entry(fallback, cookieBrowserLabel(fallback) + u"（未找到）"_s, false));
+    }
+    const QString note = cookieless.isEmpty()
+        ? QString()
+        : u"%1 已安装，但还没有 Cookie：先在浏览器中登录要下载的网站，再回来选择。"_s.arg(cookieless.join(u"、"_s));
+    if (browsers != m_browsers || note != m_browserNote) {
         m_browsers = browsers;
+        m_browserNote = note;
         Q_EMIT browsersChanged();
     }
 }

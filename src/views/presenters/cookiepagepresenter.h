@@ -19,8 +19,11 @@ class CookiePagePresenter : public QObject
 {
     Q_OBJECT
     QML_ELEMENT
-    // [{name, label}]: the installed browsers yt-dlp reads, and the chosen one even when missing.
+    // [{name, label, usable}]: the browsers yt-dlp reads that have cookies here (usable), those
+    // installed without cookies yet, and the chosen one even when missing.
     Q_PROPERTY(QVariantList browsers READ browsers NOTIFY browsersChanged)
+    // Why an installed browser cannot be chosen yet; empty when every one can.
+    Q_PROPERTY(QString browserNote READ browserNote NOTIFY browsersChanged)
     // [{domain, detail, expired}] of AppState's cookie file, sorted by host.
     Q_PROPERTY(QVariantList domains READ domains NOTIFY domainsChanged)
     Q_PROPERTY(QString fileProblem READ fileProblem NOTIFY domainsChanged)
@@ -39,6 +42,7 @@ public:
     explicit CookiePagePresenter(QObject *parent = nullptr);
 
     QVariantList browsers() const { return m_browsers; }
+    QString browserNote() const { return m_browserNote; }
     QVariantList domains() const { return m_domains; }
     QString fileProblem() const { return m_fileProblem; }
     int expiredCount() const { return m_expiredCount; }
@@ -75,6 +79,7 @@ private:
     CookieService *m_service;
     QString m_home;
     QVariantList m_browsers;
+    QString m_browserNote;
     QVariantList m_domains;
     QString m_fileProblem;
     int m_expiredCount = 0;

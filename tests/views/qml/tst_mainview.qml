@@ -40,8 +40,7 @@ ViewTestCase {
     }
 
     // The log button shows and hides the panel; two quick toggles leave the state of the last
-    // one. The badge counts the entries (errors in red), the trash empties the log, the close
-    // button hides the panel.
+    // one. Errors are red, the trash empties the log, the close button hides the panel.
     function test_logPanel() {
         showMainView()
         const button = child("logButton")
@@ -57,7 +56,6 @@ ViewTestCase {
 
         tryCompare(AppState.logEntries, "count", 0)
         TestHelper.addLogs(5, "line", 2)
-        tryCompare(child("logBadge"), "text", "5")
         const list = child("logList", panel())
         tryVerify(() => list.itemAtIndex(0) !== null)
         verify(Qt.colorEqual(child("messageText", list.itemAtIndex(0)).color, Theme.red))
@@ -65,6 +63,26 @@ ViewTestCase {
         compare(AppState.logEntries.count, 0)
         mouseClick(child("closeLogButton", panel()))
         tryVerify(() => panel() === null)
+    }
+
+    // Closed, the panel stays closed at the next start, its badge counting the lines that come;
+    // opened, it shows the newest of them and the badge goes.
+    function test_logPanelAcrossRestart() {
+        showMainView()
+        mouseClick(child("closeLogButton", panel()))
+        compare(TestHelper.setting("showLogPanel"), false)
+        AppState.showLogPanel = true
+        TestHelper.setSetting("showLogPanel", false)
+        TestHelper.readPreferences()
+        showMainView()
+        tryVerify(() => !AppState.showLogPanel && panel() === null)
+        const badge = child("logBadge")
+        TestHelper.addLogs(40, "unseen", 0)
+        tryVerify(() => AppState.unseenLogCount >= 40 && badge.visible && badge.text === String(AppState.unseenLogCount))
+        mouseClick(child("logButton"))
+        tryVerify(() => panel() !== null && !badge.visible)
+        const list = child("logList", panel())
+        tryVerify(() => list.contentHeight > list.height && list.atYEnd)
     }
 
     function test_autoScroll() {

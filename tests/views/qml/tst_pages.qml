@@ -130,12 +130,35 @@ ViewTestCase {
         expectStored([])
     }
 
-    // A browser that is not there stays chosen, said to be missing; a source chosen on the page
-    // is the application's.
+    // A browser that is not there stays chosen, said to be missing; one installed but never used
+    // is greyed, with why, and not taken even by the keys, until its cookies appear; a source
+    // chosen on the page is the application's.
     function test_sources() {
+        const path = TestHelper.env("PATH")
+        const chromiumDatabase = TestHelper.tempDir() + "/home/.config/chromium/Default/Cookies"
+        verify(TestHelper.writeFile(TestHelper.tempDir() + "/bin/chromium", "#!/bin/sh\n", true))
+        TestHelper.setEnv("PATH", TestHelper.tempDir() + "/bin:" + path)
+        AppState.cookieSource = "vivaldi"
         const page = openCookies()
-        compare(child("browserChoice", page).currentText, "Chrome（未找到）")
+        const choice = child("browserChoice", page)
+        const note = child("browserNote", page)
+        compare(choice.currentText, "Vivaldi（未找到）")
         verify(child("sourceBrowser", page).checked)
+        verify(choice.find("Chromium（尚未使用）") > 0)
+        verify(/Chromium 已安装，但还没有 Cookie/.test(note.text), note.text)
+        let reached = -1
+        choice.activated.connect(index => reached = index)
+        choice.forceActiveFocus()
+        keyClick(Qt.Key_Down)
+        compare(reached, 1)
+        compare(choice.currentText, "Vivaldi（未找到）")
+
+        verify(TestHelper.writeChromeDatabase(chromiumDatabase, ".video.example", "sid", "s3cret"))
+        choice.popup.open()
+        tryVerify(() => choice.popup.opened && choice.find("Chromium") > 0 && !note.text.includes("Chromium"))
+        TestHelper.removeFile(chromiumDatabase)
+        TestHelper.setEnv("PATH", path)
+
         mouseClick(child("sourceNone", page))
         compare(AppState.cookieSource, "none")
     }

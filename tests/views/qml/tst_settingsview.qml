@@ -149,5 +149,31 @@ ViewTestCase {
         compare(String(TestHelper.setting("notifyOnFinish")), "false")
         mouseClick(child("notifySwitch"))
         compare(AppState.notifyOnFinish, true)
+        mouseClick(child("resumeSwitch"))
+        compare(String(TestHelper.setting("resumeDownloadsAtStart")), "false")
+        DownloadManager.resumeAtStart = true
+    }
+
+    // The picker offers the files there when it opens (not one that cannot run), the one in use
+    // among them; choosing one fills the field and stores nothing.
+    function test_pickerOffersExistingFiles() {
+        const places = ["/opt/homebrew/bin/yt-dlp", "/usr/local/bin/yt-dlp"].map(place => TestHelper.tempDir() + place)
+        const picker = child("filePicker")
+        const stored = TestHelper.setting("customYtDlpPath")
+        for (const runnable of [1, 0]) {
+            verify(TestHelper.writeFile(places[runnable], "#!/bin/sh\n", true))
+            verify(TestHelper.writeFile(places[1 - runnable], "not a program\n"))
+            mouseClick(child("browseYtDlpButton"))
+            tryCompare(picker, "opened", true)
+            waitForRendering(picker.contentItem)
+            const choices = child("pickerChoices", picker.contentItem)
+            compare(Array.from({ length: choices.count }, (_, i) => choices.itemAt(i).text),
+                    ["✅ " + places[runnable], "✅ " + DownloadManager.tools.ytDlpPath])
+            mouseClick(choices.itemAt(0))
+            compare(child("pathField").text, places[runnable])
+            TestHelper.removeFile(places[runnable])
+        }
+        compare(TestHelper.setting("customYtDlpPath"), stored)
+        TestHelper.removeFile(places[1])
     }
 }
