@@ -46,7 +46,8 @@ AbstractButton {
     readonly property bool hasFile: outputPath.length > 0
     // The file is there to open only once the download has completed; until then its folder is.
     readonly property bool canOpen: hasFile && status === Download.Completed
-    readonly property bool showsActions: hovered || isSelected || activeFocus || menu.visible
+    // Also while the keyboard focus is on one of them: hiding them would drop the focus.
+    readonly property bool showsActions: hovered || isSelected || activeFocus || actionScope.activeFocus || menu.visible
     // How much of the top right corner the actions and the copy notice take: the title ends before.
     readonly property real cornerWidth: (showsActions ? actionStrip.width : 0)
         + (linkCopied ? copiedNotice.width + Theme.spacingSmall : 0)
@@ -366,22 +367,28 @@ AbstractButton {
         opacity: root.showsActions ? 1 : 0
         enabled: root.showsActions
 
-        Row {
-            id: actions
+        FocusScope {
+            id: actionScope
 
-            anchors.centerIn: parent
-            spacing: Theme.spacingTiny
-            Repeater {
-                model: root.taskActions
+            anchors.fill: parent
 
-                RowAction {
-                    required property TaskAction modelData
+            Row {
+                id: actions
 
-                    objectName: modelData.name + "Action"
-                    action: modelData
-                    visible: modelData.enabled || modelData.keepsPlace
-                    symbol: modelData.symbol
-                    tint: modelData.tint
+                anchors.centerIn: parent
+                spacing: Theme.spacingTiny
+                Repeater {
+                    model: root.taskActions
+
+                    RowAction {
+                        required property TaskAction modelData
+
+                        objectName: modelData.name + "Action"
+                        action: modelData
+                        visible: modelData.enabled || modelData.keepsPlace
+                        symbol: modelData.symbol
+                        tint: modelData.tint
+                    }
                 }
             }
         }

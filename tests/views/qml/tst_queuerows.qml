@@ -116,9 +116,17 @@ ViewTestCase {
         tryVerify(() => title.mapToItem(row, title.width, 0).x < actions.x)
         verify(title.truncated)
 
+        // Tab reaches the row, then its actions, which stay while one of them has the focus.
+        mouseMove(testCase, testCase.width - 1, testCase.height - 1)
+        tryCompare(actions, "opacity", 0)
         compare(findChild(row, "rowFocusRing").visible, false)
         row.forceActiveFocus(Qt.TabFocusReason)
         verify(findChild(row, "rowFocusRing").visible)
+        compare(actions.opacity, 1)
+        keyClick(Qt.Key_Tab)
+        compare(row.Window.activeFocusItem, findChild(row, "videoInfoAction"))
+        compare(actions.opacity, 1)
+        compare(findChild(row, "rowFocusRing").visible, false)
     }
 
     // A running row's progress, then its actions and what they do to the engine's tasks; the
