@@ -21,9 +21,9 @@
 #include <QDir>
 #include <QFile>
 #include <QGuiApplication>
+#include <QQmlApplicationEngine>
 #include <QQmlExpression>
 #include <QQuickItem>
-#include <QQmlApplicationEngine>
 #include <QQuickStyle>
 #include <QQuickWindow>
 #include <QSettings>
@@ -72,7 +72,8 @@ int main(int argc, char *argv[])
     const QCommandLineOption focus(u"focus"_s, u"queue row to give the keyboard focus"_s, u"row"_s);
     const QCommandLineOption copied(u"copied"_s, u"queue row whose link was just copied"_s, u"row"_s);
     const QCommandLineOption info(u"info"_s, u"queue row whose video information to open"_s, u"row"_s);
-    parser.addOptions({ ytDlp, scenario, wait, maxDownloads, settings, size, log, tab, stop, select, focus, copied, info });
+    parser.addOptions(
+        { ytDlp, scenario, wait, maxDownloads, settings, size, log, tab, stop, select, focus, copied, info });
     parser.addHelpOption();
     parser.process(app);
     if (parser.positionalArguments().size() != 1)
@@ -125,7 +126,8 @@ int main(int argc, char *argv[])
         const auto rowAt = [list](const QString &row) {
             QQuickItem *item = nullptr;
             if (list)
-                QMetaObject::invokeMethod(list, "itemAtIndex", Q_RETURN_ARG(QQuickItem *, item), Q_ARG(int, row.toInt()));
+                QMetaObject::invokeMethod(
+                    list, "itemAtIndex", Q_RETURN_ARG(QQuickItem *, item), Q_ARG(int, row.toInt()));
             return item;
         };
         if (QQuickItem *row = parser.isSet(select) ? rowAt(parser.value(select)) : nullptr; row && queue)
