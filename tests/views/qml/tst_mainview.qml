@@ -99,14 +99,21 @@ ViewTestCase {
         compare(scrollSpy.count, 0)
     }
 
-    // Its close button and Escape close it, also from a field; a click beside it does not, and a
-    // reopened sheet starts afresh.
+    // Its close button and Escape close it, also from a field (a picker over it first); a click
+    // beside it does not, and a reopened sheet starts afresh.
     function test_settingsButtonOpensTheSheet() {
         showMainView()
         mouseClick(child("settingsButton"))
         const sheet = child("settingsSheet")
         tryCompare(sheet, "opened", true)
         mouseClick(view, 5, 5)
+        verify(sheet.opened)
+        // A picker over it goes first.
+        mouseClick(child("browseYtDlpButton", sheet.contentItem))
+        const picker = child("filePicker", child("settingsLoader", sheet.contentItem).item)
+        tryCompare(picker, "opened", true)
+        keyClick(Qt.Key_Escape)
+        tryCompare(picker, "opened", false)
         verify(sheet.opened)
         keyClick(Qt.Key_Escape)
         tryCompare(sheet, "opened", false)
