@@ -14,7 +14,7 @@ debian_packages=(
     qt6-qpa-plugins libqt6svg6 libqt6sql6-sqlite
     fonts-noto-cjk fonts-noto-color-emoji fonts-dejavu-core
     yt-dlp ffmpeg zsh sqlite3 python3 nodejs libssl-dev zlib1g-dev libsecret-tools chromium
-    xvfb xauth dbus-daemon
+    xvfb xauth dbus-daemon xdotool xclip at-spi2-core python3-pyatspi
     desktop-file-utils appstream librsvg2-bin
 )
 brew_packages=(cmake ninja ccache qt yt-dlp ffmpeg openssl@3)

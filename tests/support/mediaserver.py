@@ -2,6 +2,8 @@
 """Static HTTP server for the tests and benchmarks that drive the real yt-dlp (see README.md).
 
     python3 tests/support/mediaserver.py --root DIR [--generate] [--duration SECONDS]
+
+/slow/RATE/PATH serves PATH at about RATE bytes a second, for a download that can be watched.
 """
 
 import argparse
@@ -85,6 +87,9 @@ class MediaHandler(Handler):
             code = int(status.group(1))
             return self.answer(code, f"{code}\n".encode(), [("Retry-After", "60")] if code == 429 else [])
         parts = [p for p in posixpath.normpath(urllib.parse.unquote(path)).split("/") if p not in ("", ".", "..")]
+        rate = 0
+        if len(parts) >= 3 and parts[0] == "slow" and parts[1].isdigit():
+            rate, parts = int(parts[1]), parts[2:]
         if len(parts) >= 3 and parts[0] == "named":
             parts = [parts[1]]
         local = os.path.join(self.server.root, *parts)
@@ -106,7 +111,7 @@ class MediaHandler(Handler):
             self.end_headers()
             if self.command == "GET":
                 f.seek(start)
-                self.send_body(f, end - start + 1)
+                self.send_body(f, end - start + 1, rate)
 
 
 def main():

@@ -130,6 +130,7 @@ AbstractButton {
     onStatusChanged: openError = ""
     onOutputPathChanged: openError = ""
 
+    Accessible.name: root.title + "，" + root.statusText
     padding: Theme.spacingLarge
     hoverEnabled: true
     focusPolicy: Qt.StrongFocus

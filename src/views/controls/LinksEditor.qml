@@ -77,6 +77,7 @@ ColumnLayout {
                 event.accepted = true
             }
         }
+        Accessible.name: "视频链接"
         placeholderText: "请输入视频链接，每行一个..."
         placeholderTextColor: Theme.gray
         color: Theme.text

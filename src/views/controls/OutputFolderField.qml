@@ -23,6 +23,7 @@ ColumnLayout {
             Layout.fillWidth: true
             text: AppState.outputDirectory
             onTextEdited: AppState.outputDirectory = text
+            Accessible.name: "输出目录"
             placeholderText: "选择输出目录..."
             placeholderTextColor: Theme.gray
             color: Theme.text
@@ -36,6 +37,7 @@ ColumnLayout {
         }
         IconButton {
             objectName: "folderButton"
+            Accessible.name: "选择输出目录"
             implicitWidth: 38
             implicitHeight: 38
             symbol: "folder"

@@ -14,6 +14,7 @@ AbstractButton {
 
     readonly property bool isWide: width > 160
 
+    Accessible.name: root.name
     padding: Theme.spacingLarge
     hoverEnabled: true
     focusPolicy: Qt.StrongFocus
