@@ -84,15 +84,6 @@ void TestTaskModel::updatesSignalOneRowAndItsRoles()
     QVERIFY(model.update(second, [](DownloadTask &task) { task.status = DownloadStatus::Failed; }));
     const auto statusRoles = changed.at(1).at(2).value<QList<int>>();
     QVERIFY(statusRoles.contains(TaskModel::StatusLabelRole) && statusRoles.contains(TaskModel::ShowsProgressRole));
-
-    // Stopped, the line says how far it got instead of the last speed, and follows the progress.
-    QVERIFY(model.update(second, [](DownloadTask &task) {
-        task.status = DownloadStatus::Cancelled;
-        task.speed = u"1.00MiB/s"_s;
-    }));
-    QVERIFY(model.update(second, [](DownloadTask &task) { task.progress = 0.75; }));
-    QVERIFY(changed.last().at(2).value<QList<int>>().contains(TaskModel::DetailsRole));
-    QCOMPARE(model.index(1).data(TaskModel::DetailsRole).toString(), u"已下载 75%"_s);
 }
 
 void TestTaskModel::countersFollowStatus()

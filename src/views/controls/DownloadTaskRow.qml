@@ -47,7 +47,7 @@ AbstractButton {
     // The file is there to open only once the download has completed; until then its folder is.
     readonly property bool canOpen: hasFile && status === Download.Completed
     // Also while the keyboard focus is on one of them: hiding them would drop the focus.
-    readonly property bool showsActions: hovered || isSelected || activeFocus || actionScope.activeFocus || menu.visible
+    readonly property bool showsActions: hovered || isSelected || activeFocus || actionStrip.activeFocus || menu.visible
     // How much of the top right corner the actions and the copy notice take: the title ends before.
     readonly property real cornerWidth: (showsActions ? actionStrip.width : 0)
         + (linkCopied ? copiedNotice.width + Theme.spacingSmall : 0)
@@ -353,8 +353,9 @@ AbstractButton {
     }
 
     // Over the row's top right corner while it is hovered or selected: the text keeps the whole
-    // width the rest of the time, and does not reflow under the pointer.
-    Rectangle {
+    // width the rest of the time, and does not reflow under the pointer. A focus scope, so that
+    // the row knows when the keyboard focus is on one of the actions.
+    FocusScope {
         id: actionStrip
 
         objectName: "rowActions"
@@ -363,33 +364,30 @@ AbstractButton {
         anchors.margins: Theme.spacingSmall
         width: actions.implicitWidth + 8
         height: actions.implicitHeight + 8
-        radius: Theme.radius
-        color: root.isSelected ? Theme.border : Theme.raised
         opacity: root.showsActions ? 1 : 0
         enabled: root.showsActions
 
-        FocusScope {
-            id: actionScope
-
+        Rectangle {
             anchors.fill: parent
+            radius: Theme.radius
+            color: root.isSelected ? Theme.border : Theme.raised
+        }
+        Row {
+            id: actions
 
-            Row {
-                id: actions
+            anchors.centerIn: parent
+            spacing: Theme.spacingTiny
+            Repeater {
+                model: root.taskActions
 
-                anchors.centerIn: parent
-                spacing: Theme.spacingTiny
-                Repeater {
-                    model: root.taskActions
+                RowAction {
+                    required property TaskAction modelData
 
-                    RowAction {
-                        required property TaskAction modelData
-
-                        objectName: modelData.name + "Action"
-                        action: modelData
-                        visible: modelData.enabled || modelData.keepsPlace
-                        symbol: modelData.symbol
-                        tint: modelData.tint
-                    }
+                    objectName: modelData.name + "Action"
+                    action: modelData
+                    visible: modelData.enabled || modelData.keepsPlace
+                    symbol: modelData.symbol
+                    tint: modelData.tint
                 }
             }
         }
