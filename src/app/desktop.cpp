@@ -4,12 +4,16 @@
 
 #include <QClipboard>
 #include <QDesktopServices>
+#include <QElapsedTimer>
 #include <QFileInfo>
 #include <QFontDatabase>
 #include <QGuiApplication>
 #include <QKeySequence>
 #include <QProcess>
 #include <QStandardPaths>
+#include <QTemporaryFile>
+
+#include <memory>
 
 using namespace Qt::StringLiterals;
 
@@ -21,8 +25,39 @@ void Desktop::openUrl(const QUrl &url)
 }
 
 namespace {
-// The desktop's own opener: "open" on macOS, "xdg-open" elsewhere, found on the PATH.
-QString startOpener(const QStringList &arguments)
+// An opener that has been running this long has handed the file to an application (xdg-open
+// without a desktop environment waits for it); its exit no longer says whether opening worked.
+constexpr int OpenerVerdictMs = 10000;
+} // namespace
+
+Desktop::~Desktop()
+{
+    // The openers still running wait for the application they started, which stays open.
+    for (QProcess *opener : findChildren<QProcess *>()) {
+        opener->disconnect(this);
+        opener->kill();
+        opener->waitForFinished(1000);
+    }
+}
+
+QString Desktop::openerFailure(bool folder, int exitCode, const QString &output)
+{
+    const QString what = folder ? u"文件夹"_s : u"文件"_s;
+    const QStringList lines = output.split(u'\n', Qt::SkipEmptyParts);
+    const QString said = lines.isEmpty() ? QString() : lines.constLast().trimmed().left(300);
+    // xdg-open's "no method available" (status 3), macOS open's "No application knows how to open".
+    const bool noHandler = exitCode == 3 || said.contains(u"no method available"_s, Qt::CaseInsensitive)
+        || said.contains(u"No application knows"_s, Qt::CaseInsensitive);
+    const QString reason = said.isEmpty() ? u"退出码 %1"_s.arg(exitCode) : said;
+    if (noHandler)
+        return u"没有能打开此%1的程序，请先安装一个（%2）"_s.arg(what, reason);
+    return u"无法打开此%1（%2）"_s.arg(what, reason);
+}
+
+// The desktop's own opener: "open" on macOS, "xdg-open" elsewhere, found on the PATH. Its error
+// output goes to a file rather than a pipe: the application it starts inherits it, and may
+// outlive both the opener and us.
+QString Desktop::startOpener(const QString &path, bool folder, const QStringList &arguments)
 {
 #ifdef Q_OS_MACOS
     const QString name = u"open"_s;
@@ -32,29 +67,52 @@ QString startOpener(const QStringList &arguments)
     const QString program = QStandardPaths::findExecutable(name);
     if (program.isEmpty())
         return u"找不到用来打开文件的程序（%1）"_s.arg(name);
-    if (!QProcess::startDetached(program, arguments))
+    auto errors = std::make_shared<QTemporaryFile>();
+    if (!errors->open())
+        return u"无法启动 %1：临时文件夹不可写"_s.arg(name);
+    auto *opener = new QProcess(this);
+    opener->setProgram(program);
+    opener->setArguments(arguments);
+    opener->setStandardInputFile(QProcess::nullDevice());
+    opener->setStandardOutputFile(QProcess::nullDevice());
+    opener->setStandardErrorFile(errors->fileName());
+    QElapsedTimer clock;
+    clock.start();
+    connect(opener, &QProcess::finished, this,
+        [this, opener, errors, clock, path, folder](int exitCode, QProcess::ExitStatus status) {
+            opener->deleteLater();
+            if ((status == QProcess::NormalExit && exitCode == 0) || clock.elapsed() > OpenerVerdictMs)
+                return;
+            errors->seek(0);
+            const QString output = QString::fromUtf8(errors->read(16384));
+            Q_EMIT openFailed(path, openerFailure(folder, status == QProcess::NormalExit ? exitCode : -1, output));
+        });
+    opener->start();
+    if (!opener->waitForStarted()) {
+        delete opener;
         return u"无法启动 %1"_s.arg(name);
+    }
     return {};
 }
-} // namespace
 
 QString Desktop::openFile(const QString &path)
 {
     if (!QFileInfo(path).isFile())
         return u"文件已不存在：%1"_s.arg(path);
-    return startOpener({ path });
+    return startOpener(path, false, { path });
 }
 
 QString Desktop::showInFolder(const QString &path)
 {
     const QFileInfo file(path);
-    if (!file.exists())
-        return u"文件已不存在：%1"_s.arg(path);
+    const QString folder = file.absolutePath();
+    if (!QFileInfo(folder).isDir())
+        return u"文件夹已不存在：%1"_s.arg(folder);
 #ifdef Q_OS_MACOS
-    return startOpener({ u"-R"_s, file.absoluteFilePath() });
-#else
-    return startOpener({ file.absolutePath() });
+    if (file.exists())
+        return startOpener(path, true, { u"-R"_s, file.absoluteFilePath() });
 #endif
+    return startOpener(path, true, { folder });
 }
 
 QString Desktop::clipboardText() const

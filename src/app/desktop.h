@@ -17,13 +17,15 @@ class Desktop : public QObject
 
 public:
     using QObject::QObject;
+    ~Desktop() override;
 
     // Opens `url` in the default browser (not when QUILLBOX_NO_BROWSER is set, as in tests);
     // urlOpened() tells either way.
     Q_INVOKABLE void openUrl(const QUrl &url);
     // Opens a downloaded file with its default application, or shows the folder that holds it
-    // (on macOS with the file selected). Returns "" once the opener has started, else what went
-    // wrong, for the interface to say.
+    // (on macOS with the file selected; the folder alone while the file is not there yet).
+    // Returns "" once the opener has started, else what went wrong, for the interface to say; an
+    // opener that then fails (no application for the file) is told by openFailed().
     Q_INVOKABLE QString openFile(const QString &path);
     Q_INVOKABLE QString showInFolder(const QString &path);
     Q_INVOKABLE QString clipboardText() const;
@@ -38,6 +40,15 @@ public:
     QString version() const;
     QUrl homePage() const;
 
+    // What an opener's failure means to the user: `path` is a file or a folder, `output` what the
+    // opener printed on its error output.
+    static QString openerFailure(bool folder, int exitCode, const QString &output);
+
 Q_SIGNALS:
     void urlOpened(const QUrl &url);
+    // The opener started for `path` (as given to openFile or showInFolder) failed.
+    void openFailed(const QString &path, const QString &message);
+
+private:
+    QString startOpener(const QString &path, bool folder, const QStringList &arguments);
 };

@@ -143,12 +143,27 @@ QString TaskModel::statusText(const DownloadTask &task)
     return task.phase.isEmpty() ? rawValue(task.status) : task.phase;
 }
 
+bool TaskModel::isStopped(DownloadStatus status)
+{
+    return status == DownloadStatus::Cancelled || status == DownloadStatus::Paused;
+}
+
 QString TaskModel::details(const DownloadTask &task)
 {
     QStringList parts;
-    for (const QString &part : { task.duration, task.speed, task.size })
-        if (!part.isEmpty())
-            parts.append(part);
+    if (!task.duration.isEmpty())
+        parts.append(task.duration);
+    const bool stopped = isStopped(task.status);
+    if (stopped && task.progress > 0) {
+        // A stopped task has no bar and no speed any more: the line says how far it got.
+        const QString of = task.size.isEmpty() ? QString() : u" / "_s + task.size;
+        parts.append(u"已下载 "_s + percentText(task.progress) + of);
+    } else {
+        if (!stopped && !task.speed.isEmpty())
+            parts.append(task.speed);
+        if (!task.size.isEmpty())
+            parts.append(task.size);
+    }
     if (!task.eta.isEmpty())
         parts.append(u"剩余 "_s + task.eta);
     return parts.join(u" • "_s);
@@ -293,7 +308,8 @@ void TaskModel::changed(int row, const DownloadTask &before)
         roles.append(SizeRole);
     // The parts of details(), compared rather than the line composed twice on every progress update.
     if (after.duration != before.duration || after.speed != before.speed || after.size != before.size
-        || after.eta != before.eta)
+        || after.eta != before.eta || after.status != before.status
+        || (isStopped(after.status) && after.progress != before.progress))
         roles.append(DetailsRole);
     if (after.errorMessage != before.errorMessage)
         roles << ErrorMessageRole << HasErrorRole;

@@ -7,6 +7,8 @@
 #include <algorithm>
 #include <cmath>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 // Each reader returns false when the key is there with a value of the wrong type, or when a
@@ -235,6 +237,16 @@ QString VideoInfo::viewCountText() const
 QString VideoInfo::likeCountText() const
 {
     return countText(likeCount);
+}
+
+QString VideoInfo::durationText() const
+{
+    return duration > 0 ? durationString() : u"未知"_s;
+}
+
+QString VideoInfo::uploaderText() const
+{
+    return uploader.trimmed().isEmpty() ? u"未知"_s : uploader;
 }
 
 std::optional<VideoInfo> VideoInfo::fromYtDlpJson(const QByteArray &json, const QString &url, int *playlistEntries)

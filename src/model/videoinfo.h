@@ -39,6 +39,8 @@ struct VideoInfo
     Q_PROPERTY(QString thumbnailUrl READ thumbnailUrl)
     Q_PROPERTY(QString viewCountText READ viewCountText)
     Q_PROPERTY(QString likeCountText READ likeCountText)
+    Q_PROPERTY(QString durationText READ durationText)
+    Q_PROPERTY(QString uploaderText READ uploaderText)
 
 public:
     QString url;
@@ -60,6 +62,10 @@ public:
     QString viewCountText() const;
     QString likeCountText() const;
     QString thumbnailUrl() const { return thumbnail.value_or(QString()); }
+    // The length and the uploader as the information sheet shows them: "未知" where yt-dlp gave
+    // none (a length of 0 is how a missing one reads).
+    QString durationText() const;
+    QString uploaderText() const;
 
     static std::optional<VideoInfo> fromJson(const QJsonObject &object);
     static std::optional<VideoInfo> fromJson(const QByteArray &json);

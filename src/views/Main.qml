@@ -80,6 +80,8 @@ ApplicationWindow {
 
         window: root
         onAboutRequested: aboutDialog.open()
+        onPreferencesRequested: AppState.showSettings = true
+        onNewDownloadRequested: mainView.newDownload()
         onEditRequested: command => root.editCommand(command)
         onZoomRequested: root.toggleZoom()
     }
@@ -103,6 +105,8 @@ ApplicationWindow {
     }
 
     MainView {
+        id: mainView
+
         objectName: "mainView"
         anchors.fill: parent
     }

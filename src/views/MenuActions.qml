@@ -2,18 +2,20 @@ import QtQuick
 import QtQuick.Controls.Basic
 
 // The commands of the menu bar and the menus they form, shared by the in-window and the system
-// menu bar, so each text and key is written here once. Preferences and New Download are there but
-// disabled: settings open from the sidebar. On macOS the system menu bar binds the keys itself, so
-// the actions leave them alone there.
+// menu bar, so each text and key is written here once. Hiding the application and the others is
+// a macOS idea, offered only there. On macOS the system menu bar binds the keys itself, so the
+// actions leave them alone there.
 QtObject {
     id: root
 
     required property Window window
+    readonly property bool onMac: Qt.platform.os === "osx"
 
     // The menus in order: a title and its entries, an action each or null for a separator.
     readonly property var menus: [
-        { title: "Quillbox", entries: [root.about, null, root.preferences, null, root.hide, root.hideOthers,
-                root.showAll, null, root.quit] },
+        { title: "Quillbox", entries: root.onMac
+              ? [root.about, null, root.preferences, null, root.hide, root.hideOthers, root.showAll, null, root.quit]
+              : [root.about, null, root.preferences, null, root.quit] },
         { title: "文件", entries: [root.newDownload, null, root.closeWindow] },
         { title: "编辑", entries: [root.undo, root.redo, null, root.cut, root.copy, root.paste, root.selectAll] },
         { title: "窗口", entries: [root.minimize, root.zoom, null, root.bringAllToFront] }
@@ -22,6 +24,8 @@ QtObject {
     readonly property list<Action> systemProvided: [root.hide, root.hideOthers, root.showAll]
 
     signal aboutRequested
+    signal preferencesRequested
+    signal newDownloadRequested
     signal editRequested(string command)
     signal zoomRequested
 
@@ -42,20 +46,18 @@ QtObject {
     readonly property MenuAction preferences: MenuAction {
         text: "偏好设置..."
         keys: "Ctrl+,"
-        enabled: false
+        onTriggered: root.preferencesRequested()
     }
+    // Entries of macOS's application menu, which the system itself provides with their keys (see
+    // systemProvided); elsewhere they are neither shown nor bound to keys.
     readonly property MenuAction hide: MenuAction {
         text: "隐藏 Quillbox"
-        keys: "Ctrl+H"
-        onTriggered: root.window.showMinimized()
     }
     readonly property MenuAction hideOthers: MenuAction {
         text: "隐藏其他"
-        keys: "Alt+Ctrl+H"
     }
     readonly property MenuAction showAll: MenuAction {
         text: "显示全部"
-        onTriggered: root.window.raise()
     }
     readonly property MenuAction quit: MenuAction {
         text: "退出 Quillbox"
@@ -66,7 +68,7 @@ QtObject {
     readonly property MenuAction newDownload: MenuAction {
         text: "新建下载任务"
         keys: "Ctrl+N"
-        enabled: false
+        onTriggered: root.newDownloadRequested()
     }
     readonly property MenuAction closeWindow: MenuAction {
         text: "关闭窗口"

@@ -1,11 +1,14 @@
 // Renders the real main window offscreen to a PNG, in a sandbox (its own home and settings), so
 // the interface can be seen without a display:
 //     quillbox_screenshot OUT.png [--yt-dlp PATH] [--scenario DIR] [--settings] [--wait MS]
-//                         [--size WxH] [--log] [--tab N]
+//                         [--size WxH] [--log] [--tab N] [--stop N] [--select ROW]
+//                         [--focus ROW] [--copied ROW] [--info ROW]
 // With --yt-dlp the window uses that yt-dlp; with --scenario it also starts the downloads listed
 // in DIR/downloads.txt (one "URL" per line), so the queue shows tasks in their states; with
 // --settings the settings sheet is open; --tab shows that sidebar entry's page (0 downloads,
-// 1 presets, 2 cookies).
+// 1 presets, 2 cookies). Then, half-way through the wait, --stop stops the first N tasks, and a
+// little later the queue's row ROW (from 0) is selected, has the keyboard focus as Tab gives it,
+// shows that its link was copied, or has its video information opened in the sheet.
 
 #include "app/applifecycle.h"
 #include "app/cjkfont.h"
@@ -19,6 +22,8 @@
 #include <QFile>
 #include <QGuiApplication>
 #include <QQmlApplicationEngine>
+#include <QQmlExpression>
+#include <QQuickItem>
 #include <QQuickStyle>
 #include <QQuickWindow>
 #include <QSettings>
@@ -62,7 +67,13 @@ int main(int argc, char *argv[])
     const QCommandLineOption size(u"size"_s, u"window size"_s, u"WxH"_s, u"1200x800"_s);
     const QCommandLineOption log(u"log"_s, u"open the log panel"_s);
     const QCommandLineOption tab(u"tab"_s, u"sidebar entry to show"_s, u"n"_s, u"0"_s);
-    parser.addOptions({ ytDlp, scenario, wait, maxDownloads, settings, size, log, tab });
+    const QCommandLineOption stop(u"stop"_s, u"tasks to stop"_s, u"n"_s, u"0"_s);
+    const QCommandLineOption select(u"select"_s, u"queue row to select"_s, u"row"_s);
+    const QCommandLineOption focus(u"focus"_s, u"queue row to give the keyboard focus"_s, u"row"_s);
+    const QCommandLineOption copied(u"copied"_s, u"queue row whose link was just copied"_s, u"row"_s);
+    const QCommandLineOption info(u"info"_s, u"queue row whose video information to open"_s, u"row"_s);
+    parser.addOptions(
+        { ytDlp, scenario, wait, maxDownloads, settings, size, log, tab, stop, select, focus, copied, info });
     parser.addHelpOption();
     parser.process(app);
     if (parser.positionalArguments().size() != 1)
@@ -103,8 +114,35 @@ int main(int argc, char *argv[])
     if (parser.isSet(settings))
         AppState::instance()->setShowSettings(true);
 
+    const int waitMs = parser.value(wait).toInt();
+    QTimer::singleShot(waitMs / 2, &app, [&] {
+        const QList<DownloadTask> tasks = DownloadManager::instance()->tasks();
+        for (qsizetype i = 0; i < std::min<qsizetype>(parser.value(stop).toInt(), tasks.size()); ++i)
+            DownloadManager::instance()->stopDownload(tasks.at(i).id.toString());
+    });
+    QTimer::singleShot(waitMs * 3 / 4, &app, [&] {
+        auto *queue = window->findChild<QQuickItem *>(u"downloadQueue"_s);
+        auto *list = window->findChild<QQuickItem *>(u"taskList"_s);
+        const auto rowAt = [list](const QString &row) {
+            QQuickItem *item = nullptr;
+            if (list)
+                QMetaObject::invokeMethod(
+                    list, "itemAtIndex", Q_RETURN_ARG(QQuickItem *, item), Q_ARG(int, row.toInt()));
+            return item;
+        };
+        if (QQuickItem *row = parser.isSet(select) ? rowAt(parser.value(select)) : nullptr; row && queue)
+            queue->setProperty("selectedTaskId", row->property("taskId"));
+        if (QQuickItem *row = parser.isSet(focus) ? rowAt(parser.value(focus)) : nullptr)
+            row->forceActiveFocus(Qt::TabFocusReason);
+        if (QQuickItem *row = parser.isSet(copied) ? rowAt(parser.value(copied)) : nullptr)
+            row->setProperty("linkCopied", true);
+        auto *mainView = window->findChild<QQuickItem *>(u"mainView"_s);
+        if (QQuickItem *row = parser.isSet(info) ? rowAt(parser.value(info)) : nullptr; row && mainView)
+            QMetaObject::invokeMethod(mainView, "openVideoInfo", Q_ARG(QString, row->property("url").toString()));
+    });
+
     int status = 0;
-    QTimer::singleShot(parser.value(wait).toInt(), &app, [&] {
+    QTimer::singleShot(waitMs, &app, [&] {
         const QImage image = window->grabWindow();
         if (image.isNull() || !image.save(output)) {
             std::fprintf(stderr, "could not write %s\n", qPrintable(output));

@@ -36,6 +36,7 @@ AbstractButton {
     property bool loadingInfo: false
     property bool showsToolOutput: false
     property bool copied: false
+    property bool linkCopied: false
 
     readonly property color tint: Theme.tint(statusTint)
     readonly property bool isExplained: explanation.length > 0
@@ -43,7 +44,13 @@ AbstractButton {
         || status === Download.Downloading
     readonly property bool canRetry: status === Download.Failed || status === Download.Cancelled
     readonly property bool hasFile: outputPath.length > 0
-    readonly property bool showsActions: hovered || isSelected || activeFocus || menu.visible
+    // The file is there to open only once the download has completed; until then its folder is.
+    readonly property bool canOpen: hasFile && status === Download.Completed
+    // Also while the keyboard focus is on one of them: hiding them would drop the focus.
+    readonly property bool showsActions: hovered || isSelected || activeFocus || actionStrip.activeFocus || menu.visible
+    // How much of the top right corner the actions and the copy notice take: the title ends before.
+    readonly property real cornerWidth: (showsActions ? actionStrip.width : 0)
+        + (linkCopied ? copiedNotice.width + Theme.spacingSmall : 0)
     signal videoInfoRequested
     signal toolFixRequested
 
@@ -69,7 +76,7 @@ AbstractButton {
             name: "open"
             text: "打开文件"
             symbol: "arrow.up.right.square"
-            enabled: root.hasFile
+            enabled: root.canOpen
             onTriggered: root.openError = Desktop.openFile(root.outputPath)
         },
         TaskAction {
@@ -92,7 +99,11 @@ AbstractButton {
             text: "复制链接"
             symbol: "doc.on.doc"
             endsGroup: true
-            onTriggered: Desktop.setClipboardText(root.url)
+            onTriggered: {
+                Desktop.setClipboardText(root.url)
+                root.linkCopied = true
+                copiedTimer.restart()
+            }
         },
         TaskAction {
             name: "remove"
@@ -105,15 +116,19 @@ AbstractButton {
     // Where the sweeping bar is, 0–1, while a step after the download runs.
     property real sweep
 
-    // What went wrong the last time the file or its folder was to be opened.
+    // What went wrong the last time the file or its folder was to be opened, until the task or
+    // its file changes.
     property string openError
 
     // A reused row starts folded.
     onTaskIdChanged: {
         showsToolOutput = false
         copied = false
+        linkCopied = false
         openError = ""
     }
+    onStatusChanged: openError = ""
+    onOutputPathChanged: openError = ""
 
     Accessible.name: root.title + "，" + root.statusText
     padding: Theme.spacingLarge
@@ -165,6 +180,8 @@ AbstractButton {
                 font.pixelSize: Theme.bodyLarge
                 font.weight: Font.Medium
                 elide: Text.ElideMiddle
+                Layout.rightMargin: root.cornerWidth > 0
+                    ? Math.max(0, root.cornerWidth + 2 * Theme.spacingSmall - root.rightPadding) : 0
             }
             Text {
                 objectName: "fileNameText"
@@ -336,19 +353,25 @@ AbstractButton {
     }
 
     // Over the row's top right corner while it is hovered or selected: the text keeps the whole
-    // width the rest of the time, and does not reflow under the pointer.
-    Rectangle {
+    // width the rest of the time, and does not reflow under the pointer. A focus scope, so that
+    // the row knows when the keyboard focus is on one of the actions.
+    FocusScope {
+        id: actionStrip
+
         objectName: "rowActions"
         anchors.top: parent.top
         anchors.right: parent.right
         anchors.margins: Theme.spacingSmall
         width: actions.implicitWidth + 8
         height: actions.implicitHeight + 8
-        radius: Theme.radius
-        color: root.isSelected ? Theme.border : Theme.raised
         opacity: root.showsActions ? 1 : 0
         enabled: root.showsActions
 
+        Rectangle {
+            anchors.fill: parent
+            radius: Theme.radius
+            color: root.isSelected ? Theme.border : Theme.raised
+        }
         Row {
             id: actions
 
@@ -366,6 +389,40 @@ AbstractButton {
                     symbol: modelData.symbol
                     tint: modelData.tint
                 }
+            }
+        }
+    }
+
+    // "复制链接" done, for a moment, beside the actions (or in their place once they hide).
+    Rectangle {
+        id: copiedNotice
+
+        objectName: "linkCopiedNotice"
+        anchors.top: parent.top
+        anchors.right: root.showsActions ? actionStrip.left : parent.right
+        anchors.margins: Theme.spacingSmall
+        width: copiedRow.implicitWidth + 2 * Theme.spacingMedium
+        height: actionStrip.height
+        radius: Theme.radius
+        color: root.isSelected ? Theme.border : Theme.raised
+        visible: root.linkCopied
+
+        Row {
+            id: copiedRow
+
+            anchors.centerIn: parent
+            spacing: Theme.spacingTiny
+            Icon {
+                anchors.verticalCenter: parent.verticalCenter
+                symbol: "checkmark"
+                color: Theme.green
+                size: Theme.caption
+            }
+            Text {
+                anchors.verticalCenter: parent.verticalCenter
+                text: "已复制链接"
+                color: Theme.green
+                font.pixelSize: Theme.caption
             }
         }
     }
@@ -416,11 +473,27 @@ AbstractButton {
         id: copiedTimer
 
         interval: 2000
-        onTriggered: root.copied = false
+        onTriggered: {
+            root.copied = false
+            root.linkCopied = false
+        }
     }
 
+    // An opener that started but could not open the file says so here.
+    Connections {
+        target: Desktop
+
+        function onOpenFailed(path: string, message: string) {
+            if (path === root.outputPath)
+                root.openError = message
+        }
+    }
+
+    // Inside the row's edge: the list clips whatever lies outside it.
     FocusRing {
+        objectName: "rowFocusRing"
+        anchors.margins: 0
         shown: root.visualFocus
-        radius: Theme.radiusLarge + Theme.focusGap
+        radius: Theme.radiusLarge
     }
 }

@@ -21,6 +21,10 @@ ColumnLayout {
             editor.forceActiveFocus()
     }
 
+    function focusEditor() {
+        editor.forceActiveFocus()
+    }
+
     // Cleared through the editor itself, so the edit menu's undo brings the links back.
     function clearLinks() {
         editor.remove(0, editor.length)

@@ -3,7 +3,7 @@ import QtQuick.Controls.Basic
 import QtQuick.Layouts
 import Quillbox
 
-// The application's About panel.
+// The application's About panel. Enter closes it, as its button does.
 Dialog {
     id: root
 
@@ -12,6 +12,7 @@ Dialog {
     focus: true
     title: "关于 Quillbox"
     standardButtons: Dialog.Ok
+    onOpened: aboutContent.forceActiveFocus()
 
     background: Rectangle {
         color: Theme.surface
@@ -20,7 +21,12 @@ Dialog {
     }
 
     ColumnLayout {
+        id: aboutContent
+
+        focus: true
         spacing: Theme.spacingMedium
+        Keys.onReturnPressed: root.accept()
+        Keys.onEnterPressed: root.accept()
         Icon {
             Layout.alignment: Qt.AlignHCenter
             symbol: "arrow.down.circle.fill"

@@ -4,6 +4,7 @@ import QtQuick.Layouts
 import Quillbox
 
 // Asks before something that cannot be undone: a message, "取消", and a button that does it.
+// Enter does it too, unless the keyboard focus is on "取消"; Escape cancels.
 Dialog {
     id: root
 
@@ -12,12 +13,19 @@ Dialog {
 
     signal confirmed
 
+    function confirm() {
+        root.accept()
+        root.confirmed()
+    }
+
     anchors.centerIn: parent
     width: 400
     modal: true
     focus: true
     closePolicy: Popup.CloseOnEscape
     padding: Theme.spacingPage
+    // A dialog opened again starts without a focused button.
+    onOpened: root.contentItem.forceActiveFocus()
     background: Rectangle {
         color: Theme.surface
         radius: Theme.radiusLarge
@@ -25,7 +33,10 @@ Dialog {
     }
 
     contentItem: ColumnLayout {
+        focus: true
         spacing: Theme.spacingWide
+        Keys.onReturnPressed: root.confirm()
+        Keys.onEnterPressed: root.confirm()
         RowLayout {
             spacing: Theme.spacing
             Icon {
@@ -56,10 +67,7 @@ Dialog {
                 prominent: true
                 fill: Theme.red
                 text: root.confirmText
-                onClicked: {
-                    root.accept()
-                    root.confirmed()
-                }
+                onClicked: root.confirm()
             }
         }
     }

@@ -13,6 +13,10 @@ Rectangle {
     signal dismissed
 
     objectName: "videoInfoView"
+    focus: true
+    // Its one button is also its default: Enter closes it, as Escape does.
+    Keys.onReturnPressed: root.dismissed()
+    Keys.onEnterPressed: root.dismissed()
     implicitWidth: 400
     implicitHeight: 300
     color: Theme.surface
@@ -42,13 +46,13 @@ Rectangle {
                 objectName: "durationRow"
                 Layout.fillWidth: true
                 title: "时长"
-                value: root.videoInfo.durationString
+                value: root.videoInfo.durationText
             }
             InfoRow {
                 objectName: "uploaderRow"
                 Layout.fillWidth: true
                 title: "作者"
-                value: root.videoInfo.uploader
+                value: root.videoInfo.uploaderText
             }
             InfoRow {
                 objectName: "viewCountRow"

@@ -20,6 +20,12 @@ Rectangle {
         links.addDropped(urls, text)
     }
 
+    // The form from its top, the cursor in the links box.
+    function focusLinks() {
+        scroller.contentItem.contentY = 0
+        links.focusEditor()
+    }
+
     color: Theme.background
 
     InputPresenter {

@@ -23,6 +23,12 @@ Item {
         videoInfoPresenter.fetch(url)
     }
 
+    // "新建下载任务": the download page, ready for links.
+    function newDownload() {
+        AppState.selectedTab = 0
+        inputView.focusLinks()
+    }
+
     Component.onCompleted: root.installationCheck = DownloadManager.checkInstallation()
 
     VideoInfoPresenter {
@@ -173,11 +179,12 @@ Item {
         }
     }
 
-    // The settings sheet closes only with its own close button. It is made each time it opens.
+    // The settings sheet closes with its own close button or Escape, never with a click beside
+    // it. It is made each time it opens.
     SheetHost {
         objectName: "settingsSheet"
         shown: AppState.showSettings
-        closePolicy: Popup.NoAutoClose
+        closePolicy: Popup.CloseOnEscape
         onDismissed: AppState.showSettings = false
 
         Loader {
@@ -206,6 +213,7 @@ Item {
         Loader {
             id: videoInfoLoader
 
+            focus: true
             active: root.showVideoInfo && root.videoInfo !== null
             source: "../dialogs/VideoInfoView.qml"
         }

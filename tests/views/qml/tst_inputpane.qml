@@ -167,13 +167,15 @@ ViewTestCase {
             .filter(row => row.visible).map(row => child("infoTitle", row).text + " " + child("infoValue", row).text)
     }
 
-    // A record's counts only where it has them, with all their digits; an empty uploader still
-    // has its row.
+    // A record's counts only where it has them, with all their digits; a length or uploader
+    // yt-dlp did not give reads "未知".
     function test_records_data() {
         return [
             { tag: "without counts", title: "没有计数的视频", shows: ["时长 1:05", "作者 某人"],
               json: '{"url": "u", "title": "没有计数的视频", "duration": 65, "uploader": "某人", "formats": []}' },
-            { tag: "all digits", title: "t", shows: ["时长 1:00:00", "作者 ", "播放量 12345678901", "点赞数 0"],
+            { tag: "no length, closed with Enter", title: "直播", shows: ["时长 未知", "作者 某人"], enter: true,
+              json: '{"url": "u", "title": "直播", "duration": 0, "uploader": "某人", "formats": []}' },
+            { tag: "all digits", title: "t", shows: ["时长 1:00:00", "作者 未知", "播放量 12345678901", "点赞数 0"],
               json: '{"url": "u", "title": "t", "duration": 3600, "uploader": "", "viewCount": 12345678901, '
                     + '"likeCount": 0, "formats": []}' },
         ]
@@ -185,7 +187,10 @@ ViewTestCase {
         const sheet = openedSheet()
         compare(child("videoTitle", sheet).text, data.title)
         compare(shownRows(sheet), data.shows)
-        mouseClick(child("closeVideoInfoButton", sheet))
+        if (data.enter)
+            keyClick(Qt.Key_Return)
+        else
+            mouseClick(child("closeVideoInfoButton", sheet))
         compare(view.showVideoInfo, false)
         tryCompare(child("videoInfoSheet"), "opened", false)
     }

@@ -122,10 +122,20 @@ ViewTestCase {
         mouseClick(child("settingsButton"))
         const sheet = child("settingsSheet")
         tryCompare(sheet, "opened", true)
-        // Its own close button is the only way out; a reopened sheet starts afresh.
+        // A click beside it leaves it open; Escape closes a picker over it, then the sheet. Its
+        // close button closes it too, and a reopened sheet starts afresh.
+        mouseClick(view, 5, 5)
+        mouseClick(child("browseYtDlpButton", sheet.contentItem))
+        const picker = child("filePicker", child("settingsLoader", sheet.contentItem).item)
+        tryCompare(picker, "opened", true)
         keyClick(Qt.Key_Escape)
-        wait(50)
+        tryCompare(picker, "opened", false)
         verify(sheet.opened)
+        keyClick(Qt.Key_Escape)
+        tryCompare(sheet, "opened", false)
+        mouseClick(child("settingsButton"))
+        tryCompare(sheet, "opened", true)
+        tryVerify(() => findChild(sheet.contentItem, "pathField") !== null)
         child("pathField", sheet.contentItem).text = "/typed/yt-dlp"
         mouseClick(child("closeSettingsButton", sheet.contentItem))
         tryCompare(sheet, "opened", false)

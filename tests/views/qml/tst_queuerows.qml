@@ -111,6 +111,7 @@ ViewTestCase {
         tryCompare(child("detailsText", first), "text", "1:05 • 1.50MiB/s • 10.00MiB • 剩余 10:00")
         clickRowAction(first, "stopAction")
         compare(TestHelper.taskStatuses().slice(before), ["已取消", "下载中", "下载中"])
+        compare(child("detailsText", first).text, "1:05 • 已下载 42% / 10.00MiB")
         tryCompare(DownloadManager, "runningCount", 2, 20000)
 
         // Retried, from its menu this time.
@@ -125,6 +126,7 @@ ViewTestCase {
         tryCompare(menu, "opened", true)
         mouseClick(child("copyLinkMenuItem", menu))
         compare(Desktop.clipboardText(), "https://act.example/1")
+        verify(child("linkCopiedNotice", first).visible)
 
         clickRowAction(first, "removeAction")
         compare(TestHelper.taskUrls().slice(before), ["https://act.example/2", "https://act.example/3"])
@@ -133,6 +135,52 @@ ViewTestCase {
         compare(TestHelper.taskStatuses().slice(before), ["已取消", "已取消"])
         tryCompare(DownloadManager, "runningCount", 0, 20000)
         tryCompare(stop, "visible", false)
+    }
+
+    // A long title ends before the actions over the row's corner; Tab shows on the row, then
+    // reaches its actions, which stay while one of them has the focus.
+    function test_titleAndFocus() {
+        const row = sampleRows(["已完成"], 1).itemAtIndex(0)
+        row.title = "一个很长很长的视频标题，".repeat(8)
+        const title = findChild(row, "titleText"), actions = findChild(row, "rowActions")
+        row.forceActiveFocus(Qt.TabFocusReason)
+        verify(findChild(row, "rowFocusRing").visible)
+        tryVerify(() => title.truncated && title.mapToItem(row, title.width, 0).x < actions.x)
+        keyClick(Qt.Key_Tab)
+        compare(row.Window.activeFocusItem, findChild(row, "videoInfoAction"))
+        compare(actions.opacity, 1)
+    }
+
+    // While the file downloads only its folder opens, without a warning; an opener that fails
+    // says why on the row, until the file is there and opens.
+    function test_openingTheFile() {
+        showMainView()
+        const bin = TestHelper.tempDir() + "/opener", folder = TestHelper.tempDir() + "/rows"
+        const path = TestHelper.env("PATH"), opened = () => TestHelper.readFile(bin + "/opened")
+        // The desktop's opener ("open" on macOS) records what it opens, or finds no application
+        // while "broken" exists.
+        for (const name of ["xdg-open", "open"])
+            TestHelper.writeFile(`${bin}/${name}`, `#!/bin/sh\n[ -e ${bin}/broken ] && { echo "xdg-open: no method `
+                                 + `available" >&2; exit 3; }\necho "$*" >> ${bin}/opened\n`, true)
+        TestHelper.setEnv("PATH", bin + ":" + path)
+        TestHelper.setScenario(JSON.stringify([{ out: "[download] Destination: fake.mp4\n" },
+                                               { wait_for: bin + "/go" }, { write_output: true }]), 0)
+        start(["https://open.example/1"])
+        const row = rowAt(DownloadManager.tasks.count - 1), warning = child("openErrorText", row)
+        tryCompare(child("fileNameText", row), "text", "fake.mp4", 20000)
+        compare(child("openAction", row).visible, false)
+        clickRowAction(row, "revealAction")
+        tryVerify(() => opened() === folder + "\n")
+        TestHelper.writeFile(bin + "/broken", "")
+        mouseClick(child("revealAction", row))
+        tryVerify(() => warning.text.startsWith("没有能打开此文件夹的程序") && warning.text.includes("no method"))
+        TestHelper.removeFile(bin + "/broken")
+        TestHelper.writeFile(bin + "/go", "")
+        tryCompare(child("statusText", row), "text", "已完成", 20000)
+        verify(!warning.visible)
+        clickRowAction(row, "openAction")
+        tryVerify(() => opened().endsWith(folder + "/fake.mp4\n"), 5000, opened())
+        TestHelper.setEnv("PATH", path)
     }
 
     // The smallest window shows the whole queue pane: the stop button and a row's actions; with
