@@ -1,11 +1,13 @@
 // Renders the real main window offscreen to a PNG, in a sandbox (its own home and settings), so
 // the interface can be seen without a display:
 //     quillbox_screenshot OUT.png [--yt-dlp PATH] [--scenario DIR] [--settings] [--wait MS]
-//                         [--size WxH] [--log] [--tab N]
+//                         [--size WxH] [--log] [--tab N] [--click NAME]...
 // With --yt-dlp the window uses that yt-dlp; with --scenario it also starts the downloads listed
 // in DIR/downloads.txt (one "URL" per line), so the queue shows tasks in their states; with
 // --settings the settings sheet is open; --tab shows that sidebar entry's page (0 downloads,
-// 1 presets, 2 cookies).
+// 1 presets, 2 cookies); each --click presses the button of that object name, in order, a
+// second apart from the first second on ("folderButton" opens the folder dialog,
+// "listFormatsButton" the formats sheet).
 
 #include "app/applifecycle.h"
 #include "app/cjkfont.h"
@@ -19,6 +21,7 @@
 #include <QFile>
 #include <QGuiApplication>
 #include <QQmlApplicationEngine>
+#include <QQuickItem>
 #include <QQuickStyle>
 #include <QQuickWindow>
 #include <QSettings>
@@ -62,7 +65,8 @@ int main(int argc, char *argv[])
     const QCommandLineOption size(u"size"_s, u"window size"_s, u"WxH"_s, u"1200x800"_s);
     const QCommandLineOption log(u"log"_s, u"open the log panel"_s);
     const QCommandLineOption tab(u"tab"_s, u"sidebar entry to show"_s, u"n"_s, u"0"_s);
-    parser.addOptions({ ytDlp, scenario, wait, maxDownloads, settings, size, log, tab });
+    const QCommandLineOption click(u"click"_s, u"press the button of this object name"_s, u"name"_s);
+    parser.addOptions({ ytDlp, scenario, wait, maxDownloads, settings, size, log, tab, click });
     parser.addHelpOption();
     parser.process(app);
     if (parser.positionalArguments().size() != 1)
@@ -72,6 +76,7 @@ int main(int argc, char *argv[])
     if (parser.isSet(ytDlp))
         QSettings().setValue(QLatin1String(DownloadManager::CustomYtDlpPathKey), parser.value(ytDlp));
     QQuickStyle::setStyle(u"Basic"_s);
+    AppLifecycle::loadQtTranslations();
     preferCjkFont();
 
     AppLifecycle lifecycle(DownloadManager::instance());
@@ -102,6 +107,17 @@ int main(int argc, char *argv[])
 
     if (parser.isSet(settings))
         AppState::instance()->setShowSettings(true);
+
+    const QStringList clicks = parser.values(click);
+    for (qsizetype i = 0; i < clicks.size(); ++i) {
+        QTimer::singleShot(1000 * int(i + 1), &app, [window, name = clicks.at(i)] {
+            QObject *button = window->findChild<QObject *>(name);
+            if (!button)
+                button = window->contentItem()->findChild<QObject *>(name);
+            if (!button || !QMetaObject::invokeMethod(button, "clicked"))
+                std::fprintf(stderr, "no button named %s\n", qPrintable(name));
+        });
+    }
 
     int status = 0;
     QTimer::singleShot(parser.value(wait).toInt(), &app, [&] {

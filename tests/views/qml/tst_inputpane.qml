@@ -144,16 +144,44 @@ ViewTestCase {
         tryCompare(alert, "opened", false)
     }
 
-    function test_folderButtonChoosesTheOutputFolder() {
+    // The folder dialog opens in the form's folder, or the nearest folder above it that is there
+    // (else home). Where Qt draws it (here, offscreen) under the window's light-on-dark palette,
+    // its title is dark on light, as is the path (on white, whatever the palette). What it
+    // chooses becomes the form's folder.
+    function test_folderButtonChoosesTheOutputFolder_data() {
+        const root = TestHelper.tempDir()
+        return [
+            { tag: "the folder", folder: root, opensIn: root },
+            { tag: "not made yet", folder: root + "/新建/视频", opensIn: root },
+            { tag: "none", folder: "", opensIn: TestHelper.env("HOME") },
+        ]
+    }
+
+    function test_folderButtonChoosesTheOutputFolder(data) {
+        AppState.outputDirectory = data.folder
+        const window = view.Window.window
+        window.palette.window = Theme.background
+        window.palette.windowText = Theme.text
+        window.palette.button = Theme.border
+        window.palette.buttonText = Theme.text
         const picker = child("folderDialog")
         compare(picker.opened, false)
         mouseClick(child("folderButton"))
         tryCompare(picker, "opened", true)
+        const drawn = FileDialogs.fallbackOf(picker.item)
+        verify(drawn)
+        compare(drawn.currentFolder, Desktop.fileUrl(data.opensIn))
+        const lightness = c => 0.3 * c.r + 0.59 * c.g + 0.11 * c.b
+        const title = findChild(drawn.header, "dialogTitleBarLabel")
+        compare(title.text, "选择输出目录")
+        verify(lightness(drawn.header.palette.window) - lightness(title.color) > 0.6)
+        verify(lightness(drawn.palette.windowText) < 0.3)
         const chosen = TestHelper.tempDir() + "/chosen"
-        picker.item.selectedFolder = "file://" + chosen
+        picker.item.selectedFolder = Desktop.fileUrl(chosen)
         picker.item.accept()
         tryCompare(picker, "opened", false)
         compare(AppState.outputDirectory, chosen)
+        window.palette = undefined
     }
 
     // The sheet once open, and its rows a person sees, as "label value".
