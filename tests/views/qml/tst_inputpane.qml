@@ -112,11 +112,60 @@ ViewTestCase {
         mouseClick(child("closeFormatsButton", sheet))
         tryCompare(sheet, "opened", false)
 
-        // The sheet is made once; listing again shows it again, with the new table.
-        TestHelper.setEnv("FAKE_YTDLP_FORMATS", "ID  EXT\n22  webm")
+        // The sheet is made once; listing again shows it again, with the new table. A table wider
+        // than its pane gets a bar in sight that scrolls to the table's end.
+        const wide = "ID  EXT  " + "MORE INFO ".repeat(40)
+        TestHelper.setEnv("FAKE_YTDLP_FORMATS", wide)
         mouseClick(child("listFormatsButton"))
         tryCompare(sheet, "opened", true, 20000)
-        tryCompare(child("formatsText", sheet), "text", "ID  EXT\n22  webm\n")
+        tryCompare(child("formatsText", sheet), "text", wide + "\n")
+        const bar = child("formatsSideBar", sheet)
+        const text = child("formatsScroller", sheet).contentItem
+        verify(bar.visible && bar.contentItem.opacity > 0)
+        verify(text.contentWidth > text.width)
+        bar.position = 1 - bar.size
+        verify(text.contentX + text.width >= text.contentWidth - 1)
+    }
+
+    // "使用所选格式" replaces custom arguments the user wrote only once the user agrees (the
+    // question shows them with secrets masked); with none, or this very choice, it asks nothing.
+    function test_chosenFormatKeepsCustomArguments_data() {
+        return [
+            { tag: "none written", written: "", asks: false },
+            { tag: "the same choice", written: "-f 18", asks: false },
+            { tag: "declined", written: "--limit-rate 1M", asks: true, agree: false, shows: "--limit-rate 1M" },
+            { tag: "agreed", written: "--password hunter2", asks: true, agree: true, shows: "--password ••••••" },
+        ]
+    }
+
+    function test_chosenFormatKeepsCustomArguments(data) {
+        AppState.customArguments = data.written
+        AppState.urlInput = "https://f.example/v"
+        mouseClick(child("listFormatsButton"))
+        const sheet = child("formatsSheet")
+        tryCompare(sheet, "opened", true, 20000)
+        const table = child("formatTable", sheet)
+        tryCompare(table, "count", 5, 20000)
+        tryVerify(() => table.itemAtIndex(4) !== null)
+        mouseClick(table.itemAtIndex(4))
+        compare(child("pickerArguments", sheet).text, "-f 18")
+        mouseClick(child("applyFormatButton", sheet))
+        const question = child("replaceArgumentsQuestion", sheet)
+        if (data.asks) {
+            tryCompare(question, "opened", true)
+            const message = child("confirmMessage", question).text
+            verify(message.includes(data.shows) && !message.includes("hunter2"), message)
+            mouseClick(child(data.agree ? "confirmButton" : "confirmCancelButton", question))
+            tryCompare(question, "opened", false)
+        } else {
+            compare(question.opened, false)
+        }
+        const applied = !data.asks || data.agree
+        tryCompare(sheet, "opened", !applied)
+        compare(AppState.customArguments, applied ? "-f 18" : data.written)
+        compare(AppState.selectedPreset, applied ? Download.Custom : Download.Default)
+        if (sheet.opened)
+            mouseClick(child("closeFormatsButton", sheet))
     }
 
     // When yt-dlp cannot read the link, what it said is shown in an alert, and nothing else opens
