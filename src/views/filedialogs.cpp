@@ -57,6 +57,31 @@ void collectItems(QQuickItem *item, QObjectList &items)
     for (QQuickItem *child : item->childItems())
         collectItems(child, items);
 }
+
+// Qt's folder dialog marks the first folder inside the one it shows and chooses that one (and,
+// in a folder with none inside, nothing: its button stays grey). Here it chooses the folder it
+// shows, the one in its path bar, until the user marks one inside.
+class ShownFolderChoice : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit ShownFolderChoice(QObject *dialog)
+        : QObject(dialog)
+    {
+        connect(dialog, SIGNAL(currentFolderChanged(QUrl)), this, SLOT(choose()));
+        choose();
+    }
+
+public Q_SLOTS:
+    void choose()
+    {
+        QObject *dialog = parent();
+        if (auto *list = dialog->property("contentItem").value<QObject *>())
+            list->setProperty("currentIndex", -1);
+        dialog->setProperty("selectedFolder", dialog->property("currentFolder"));
+    }
+};
 } // namespace
 
 void FileDialogs::fitFallback(QObject *dialog) const
@@ -64,6 +89,12 @@ void FileDialogs::fitFallback(QObject *dialog) const
     QObject *fallback = fallbackOf(dialog);
     if (!fallback)
         return;
+    if (fallback->inherits("QQuickFolderDialogImpl")) {
+        if (auto *choice = fallback->findChild<ShownFolderChoice *>(QString(), Qt::FindDirectChildrenOnly))
+            choice->choose();
+        else
+            new ShownFolderChoice(fallback);
+    }
     // The controls under its footer (a plain rectangle) would keep the window's palette: each of
     // them gets the palette too. Controls made later (the entries of a folder) inherit it.
     QObjectList owners { fallback };
@@ -100,3 +131,5 @@ void FileDialogs::fitFallback(QObject *dialog) const
         }
     }
 }
+
+#include "filedialogs.moc"

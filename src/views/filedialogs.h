@@ -24,6 +24,7 @@ public:
     // The dialog Qt draws itself for `dialog` (a FileDialog or FolderDialog) while it is open,
     // found by its title; null while it is closed or the desktop's own dialog shows.
     Q_INVOKABLE QObject *fallbackOf(QObject *dialog) const;
-    // Gives that dialog, if any, a light palette of its own, legible everywhere Qt paints it.
+    // Gives that dialog, if any, a light palette of its own, legible everywhere Qt paints it; a
+    // folder dialog's button then chooses the folder shown (Qt's, the first one inside it).
     Q_INVOKABLE void fitFallback(QObject *dialog) const;
 };

@@ -1,11 +1,14 @@
 // Renders the real main window offscreen to a PNG, in a sandbox (its own home and settings), so
 // the interface can be seen without a display:
 //     quillbox_screenshot OUT.png [--yt-dlp PATH] [--scenario DIR] [--settings] [--wait MS]
-//                         [--size WxH] [--log] [--tab N] [--click NAME]...
+//                         [--size WxH] [--log] [--tab N] [--setting KEY=VALUE]...
+//                         [--custom-arguments TEXT] [--click NAME]...
 // With --yt-dlp the window uses that yt-dlp; with --scenario it also starts the downloads listed
 // in DIR/downloads.txt (one "URL" per line), so the queue shows tasks in their states; with
 // --settings the settings sheet is open; --tab shows that sidebar entry's page (0 downloads,
-// 1 presets, 2 cookies); each --click presses the button of that object name, in order, a
+// 1 presets, 2 cookies); each --setting is stored before the window reads its settings
+// ("cookiePath=/tmp/c.txt"); --custom-arguments fills the custom preset's text; each --click
+// presses the button of that object name, in order, a
 // second apart from the first second on ("folderButton" opens the folder dialog,
 // "listFormatsButton" the formats sheet).
 
@@ -30,6 +33,7 @@
 #include <QtQml/qqmlextensionplugin.h>
 
 #include <cstdio>
+#include <functional>
 
 Q_IMPORT_QML_PLUGIN(QuillboxPlugin)
 
@@ -66,13 +70,18 @@ int main(int argc, char *argv[])
     const QCommandLineOption log(u"log"_s, u"open the log panel"_s);
     const QCommandLineOption tab(u"tab"_s, u"sidebar entry to show"_s, u"n"_s, u"0"_s);
     const QCommandLineOption click(u"click"_s, u"press the button of this object name"_s, u"name"_s);
-    parser.addOptions({ ytDlp, scenario, wait, maxDownloads, settings, size, log, tab, click });
+    const QCommandLineOption setting(u"setting"_s, u"store a setting first"_s, u"key=value"_s);
+    const QCommandLineOption customArguments(u"custom-arguments"_s, u"the custom preset's text"_s, u"text"_s);
+    parser.addOptions(
+        { ytDlp, scenario, wait, maxDownloads, settings, size, log, tab, click, setting, customArguments });
     parser.addHelpOption();
     parser.process(app);
     if (parser.positionalArguments().size() != 1)
         parser.showHelp(2);
     const QString output = parser.positionalArguments().constFirst();
 
+    for (const QString &pair : parser.values(setting))
+        QSettings().setValue(pair.section(u'=', 0, 0), pair.section(u'=', 1));
     if (parser.isSet(ytDlp))
         QSettings().setValue(QLatin1String(DownloadManager::CustomYtDlpPathKey), parser.value(ytDlp));
     QQuickStyle::setStyle(u"Basic"_s);
@@ -90,6 +99,8 @@ int main(int argc, char *argv[])
     window->setGeometry(0, 0, extent.value(0).toInt(), extent.value(1).toInt());
     AppState::instance()->setShowLogPanel(parser.isSet(log));
     AppState::instance()->setSelectedTab(parser.value(tab).toInt());
+    if (parser.isSet(customArguments))
+        AppState::instance()->setCustomArguments(parser.value(customArguments));
 
     if (parser.isSet(scenario)) {
         QFile list(QDir(parser.value(scenario)).filePath(u"downloads.txt"_s));
@@ -111,9 +122,17 @@ int main(int argc, char *argv[])
     const QStringList clicks = parser.values(click);
     for (qsizetype i = 0; i < clicks.size(); ++i) {
         QTimer::singleShot(1000 * int(i + 1), &app, [window, name = clicks.at(i)] {
-            QObject *button = window->findChild<QObject *>(name);
-            if (!button)
-                button = window->contentItem()->findChild<QObject *>(name);
+            // Sheets (in the window's overlay) and their rows are items, not all QObject children.
+            const std::function<QQuickItem *(QQuickItem *)> find = [&](QQuickItem *item) -> QQuickItem * {
+                if (item->objectName() == name)
+                    return item;
+                for (QQuickItem *child : item->childItems()) {
+                    if (QQuickItem *found = find(child))
+                        return found;
+                }
+                return nullptr;
+            };
+            QQuickItem *button = find(window->contentItem());
             if (!button || !QMetaObject::invokeMethod(button, "clicked"))
                 std::fprintf(stderr, "no button named %s\n", qPrintable(name));
         });

@@ -172,7 +172,7 @@ QString FormatPicker::replaceQuestion() const
     const QString written = m_state ? m_state->customArguments().trimmed() : QString();
     if (m_selected.isEmpty() || written.isEmpty() || written == arguments())
         return {};
-    return u"自定义参数「%1」将被替换为「%2」。"_s.arg(maskSecrets(written), arguments());
+    return u"用所选格式「%1」替换现有的自定义参数「%2」？"_s.arg(arguments(), maskSecrets(written));
 }
 
 void FormatPicker::select(const QList<int> &rows)
