@@ -225,7 +225,12 @@ ViewTestCase {
         compare(title.text, "选择输出目录")
         verify(lightness(drawn.header.palette.window) - lightness(title.color) > 0.6)
         verify(lightness(drawn.palette.windowText) < 0.3)
-        drawn.accept()
+        const buttons = drawn.footer.contentChildren
+        let choose = null
+        for (let i = 0; i < buttons.length; ++i)
+            choose = buttons[i].text === "选择" ? buttons[i] : choose
+        verify(choose && choose.enabled)
+        mouseClick(choose)
         tryCompare(picker, "opened", false)
         compare(AppState.outputDirectory, data.opensIn)
         window.palette = undefined
