@@ -100,8 +100,8 @@ void FileDialogs::fitFallback(QObject *dialog) const
     QObjectList owners { fallback };
     if (auto *content = fallback->property("contentItem").value<QQuickItem *>(); content && content->parentItem())
         collectItems(content->parentItem(), owners);
-    // Light greys under near-black text, the accent for the chosen entry (Qt tints it lightly, so
-    // its text stays dark); the shadow dims the window behind.
+    // Light greys under near-black text, the accent for the marked entry (Qt tints it lightly, so
+    // its text stays dark).
     const QString ink = u"#1F2328"_s;
     const std::pair<const char *, QString> roles[] = {
         { "window", u"#F6F8FA"_s },
