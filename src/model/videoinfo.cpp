@@ -218,8 +218,10 @@ std::optional<VideoFormat> ytFormat(const QJsonObject &object)
             format.resolution = QString(QString::number(*width) + u'x' + QString::number(*height));
     }
     format.filesize = ytWholeNumber(object, QLatin1String("filesize"));
-    if (!format.filesize)
+    if (!format.filesize) {
         format.filesize = ytWholeNumber(object, QLatin1String("filesize_approx"));
+        format.filesizeApproximate = format.filesize.has_value();
+    }
     format.tbr = ytNumber(object, QLatin1String("tbr"));
     format.vcodec = ytText(object, QLatin1String("vcodec"));
     format.acodec = ytText(object, QLatin1String("acodec"));

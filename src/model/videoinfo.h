@@ -16,7 +16,9 @@ struct VideoFormat
     QString ext;
     std::optional<QString> resolution;
     std::optional<qint64> filesize;
-    std::optional<double> tbr;
+    // The size is yt-dlp's estimate (its filesize_approx), not the file's.
+    bool filesizeApproximate = false;
+    std::optional<double> tbr; // kbit/s
     std::optional<QString> vcodec;
     std::optional<QString> acodec;
     std::optional<double> fps;

@@ -3,7 +3,7 @@
 yt-dlp upgrade. Nothing leaves the machine: the links are served by mediaserver.py on 127.0.0.1.
 
     python3 tests/support/record.py failures [--out tests/data/failures]
-    python3 tests/support/record.py videoinfo [--out tests/data/videoinfo]
+    python3 tests/support/record.py videoinfo [--out tests/data/videoinfo] [--yt-dlp PATH]
 
 failures: how a download fails, each case as the engine runs a download, against the media server,
 a closed port, a listener that never answers, or a name looked up without a network; each as
@@ -11,8 +11,11 @@ NAME.json (the command, exit status, stdout and stderr). The full disk and the r
 tmpfs mounts that need root; without it they keep their old recordings.
 
 videoinfo: what -J prints, asked as the engine asks (-J --no-playlist, the link after "--"), for a
-bare MP4 link (direct.json), a page whose schema.org VideoObject names the video (page.json) and a
-page with two videos (playlist.json); the server's port becomes 8000.
+bare MP4 link (direct.json), a page whose schema.org VideoObject names the video (page.json), a
+page with two videos (playlist.json) and a page whose video is an HLS master playlist of two
+variants with their frame rates (stream.json); beside each, NAME.formats.txt, the table that
+--list-formats prints for the same link. The server's port becomes 8000. --yt-dlp records another
+yt-dlp than Debian's (into another --out).
 """
 
 import argparse
@@ -43,6 +46,14 @@ PAGE = """<!DOCTYPE html>
     {{"@type": "InteractionCounter", "interactionType": {{"@type": "LikeAction"}},
       "userInteractionCount": 4321}}]}}
 </script></head><body></body></html>
+"""
+
+# Two variants of the server's HLS stream, as a site's master playlist announces them.
+MASTER = """#EXTM3U
+#EXT-X-STREAM-INF:BANDWIDTH=420000,AVERAGE-BANDWIDTH=380000,RESOLUTION=320x240,FRAME-RATE=29.970,CODECS="avc1.4d400d,mp4a.40.2"
+hls/index.m3u8
+#EXT-X-STREAM-INF:BANDWIDTH=180000,RESOLUTION=160x120,FRAME-RATE=25.000,CODECS="avc1.42c00b,mp4a.40.2"
+hls/index.m3u8
 """
 
 TWO_VIDEOS = """<!DOCTYPE html>
@@ -139,23 +150,29 @@ def failures(work, base, out_dir):
         print(f"{name}: exit {result.returncode}")
 
 
-def videoinfo(work, base, out_dir):
+def videoinfo(work, base, out_dir, ytdlp):
     write(os.path.join(work, "page.html"), PAGE.format(base=base))
+    write(os.path.join(work, "stream.html"),
+          PAGE.format(base=base).replace(base + "dash/manifest.mpd", base + "master.m3u8"))
+    write(os.path.join(work, "master.m3u8"), MASTER)
     write(os.path.join(work, "two.html"), TWO_VIDEOS)
-    for name, page in (("direct", "clip.mp4"), ("page", "page.html"), ("playlist", "two.html")):
-        result = subprocess.run([YTDLP, "-J", "--no-playlist", "--", base + page], stdin=subprocess.DEVNULL,
-                                capture_output=True, text=True, timeout=120)
-        if result.returncode != 0:
-            sys.exit(f"{name}: yt-dlp exited {result.returncode}: {result.stderr}")
-        write(os.path.join(out_dir, name + ".json"), result.stdout.replace(base.split("//")[1].rstrip("/"),
-                                                                          "127.0.0.1:8000"))
-        print(f"{name}.json: {len(result.stdout)} characters")
+    pages = (("direct", "clip.mp4"), ("page", "page.html"), ("playlist", "two.html"), ("stream", "stream.html"))
+    for name, page in pages:
+        for option, suffix in (("-J", ".json"), ("--list-formats", ".formats.txt")):
+            result = subprocess.run([ytdlp, option, "--no-playlist", "--", base + page], stdin=subprocess.DEVNULL,
+                                    capture_output=True, text=True, timeout=120)
+            if result.returncode != 0:
+                sys.exit(f"{name}: yt-dlp exited {result.returncode}: {result.stderr}")
+            write(os.path.join(out_dir, name + suffix), result.stdout.replace(base.split("//")[1].rstrip("/"),
+                                                                              "127.0.0.1:8000"))
+            print(f"{name}{suffix}: {len(result.stdout)} characters")
 
 
 def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("what", choices=["failures", "videoinfo"])
     parser.add_argument("--out")
+    parser.add_argument("--yt-dlp", default=YTDLP, help="the yt-dlp to record (videoinfo)")
     args = parser.parse_args()
     out_dir = args.out or os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "data", args.what)
     os.makedirs(out_dir, exist_ok=True)
@@ -172,7 +189,10 @@ def main():
         duration = "3" if args.what == "videoinfo" else "4"
         server, base = testserver.start("mediaserver.py", "--root", work, "--generate", "--duration", duration)
         try:
-            (failures if args.what == "failures" else videoinfo)(work, base, out_dir)
+            if args.what == "failures":
+                failures(work, base, out_dir)
+            else:
+                videoinfo(work, base, out_dir, args.yt_dlp)
         finally:
             server.stdin.close()
             server.wait(timeout=10)

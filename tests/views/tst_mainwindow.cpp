@@ -227,11 +227,14 @@ void TestMainWindow::undoBringsBackClearedLinks()
     QTRY_COMPARE(AppState::instance()->urlInput(), links);
 }
 
-// Qt's own buttons (the folder dialog's, the About panel's) read in Chinese, whatever the locale.
+// Qt's own buttons (the folder dialog's, the About panel's) and the labels of the file dialog Qt
+// draws itself (which its catalogues lack) read in Chinese, whatever the locale.
 void TestMainWindow::qtTextsAreChinese()
 {
     AppLifecycle::loadQtTranslations();
     QCOMPARE(QCoreApplication::translate("QPlatformTheme", "Cancel"), u"取消"_s);
+    QCOMPARE(QCoreApplication::translate("FileDialog", "Filter"), u"文件类型"_s);
+    QCOMPARE(QCoreApplication::translate("FileDialog", "Open"), u"Open"_s);
 }
 
 QTEST_MAIN(TestMainWindow)

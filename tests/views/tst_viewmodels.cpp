@@ -66,6 +66,7 @@ private Q_SLOTS:
     void hexColor();
     void formatChoice_data();
     void formatChoice();
+    void formatCells_data();
     void formatCells();
     void presetInsertIsAwaited();
     void presetStoreThatCannotSave();
@@ -135,18 +136,55 @@ void TestViewModels::formatChoice()
     QCOMPARE(state.selectedPreset() == DownloadPreset::Custom, !arguments.isEmpty());
 }
 
-// A cell shows what is known in a reader's units, and nothing where nothing is known.
+// The size and frame-rate cells say what yt-dlp's own table says of each format, in its units:
+// the tables and the -J records of the same links (tests/data/videoinfo), from Debian's yt-dlp and
+// the current one, which no longer gives a streamed format's estimated size in its record.
+void TestViewModels::formatCells_data()
+{
+    QTest::addColumn<QByteArray>("json");
+    QTest::addColumn<QString>("table");
+    const QString folder = qEnvironmentVariable("QUILLBOX_TESTS_DIR") + u"/data/videoinfo/"_s;
+    for (const QString &name : { u"page"_s, u"stream"_s, u"direct"_s, u"2026.08.19/page"_s, u"2026.08.19/stream"_s }) {
+        QFile json(folder + name + u".json"_s);
+        QFile table(folder + name + u".formats.txt"_s);
+        QVERIFY(json.open(QIODevice::ReadOnly) && table.open(QIODevice::ReadOnly));
+        QTest::newRow(qPrintable(name)) << json.readAll() << QString::fromUtf8(table.readAll());
+    }
+    QTest::newRow("exact size, fractional rate")
+        << QByteArray(R"({"duration": 10, "formats": [{"format_id": "5", "ext": "mp4", "filesize": 1234567,)"
+                      R"( "fps": 29.97, "tbr": 900}, {"format_id": "6", "ext": "mp4", "filesize": 512}]})")
+        << u"ID EXT FPS | FILESIZE\n-----------\n5  mp4  30 |  1.18MiB\n6  mp4     | 512.00B\n"_s;
+}
+
 void TestViewModels::formatCells()
 {
-    VideoFormat video = format(u"5"_s, "avc1.4d401f", "none");
-    video.filesize = 1234567;
-    video.fps = 29.97;
+    QFETCH(QByteArray, json);
+    QFETCH(QString, table);
+    const auto info = VideoInfo::fromYtDlpJson(json, u"u"_s);
+    QVERIFY(info);
     FormatPicker picker(nullptr, nullptr);
-    picker.setFormats({ video, format(u"x"_s, nullptr, nullptr) });
-    QCOMPARE(picker.index(0).data(FormatPicker::SizeRole).toString(), u"1.18MiB"_s);
-    QCOMPARE(picker.index(0).data(FormatPicker::FpsRole).toString(), u"29.97"_s);
-    QCOMPARE(picker.index(1).data(FormatPicker::SizeRole).toString(), QString());
-    QCOMPARE(FormatPicker::sizeText(512), u"512B"_s);
+    picker.setFormats(info->formats, info->duration);
+    QStringList lines = table.split(u'\n', Qt::SkipEmptyParts);
+    while (!lines.isEmpty() && !lines.first().startsWith(u"ID "_s))
+        lines.removeFirst();
+    QVERIFY(lines.size() > 2);
+    // Both columns are right-aligned under their heading; the size follows the first "|", "~" or
+    // "≈" before it when it is an estimate (the two signs have changed meaning between releases).
+    const qsizetype fpsEnd = lines.first().indexOf(u"FPS"_s) + 3;
+    const qsizetype sizeEnd = lines.first().indexOf(u"FILESIZE"_s) + 8;
+    const auto estimate = [](QString text) { return text.replace(u'≈', u'~').remove(u' '); };
+    for (const QString &line : lines.mid(2)) {
+        const QString id = line.section(u' ', 0, 0);
+        int row = 0;
+        while (row < picker.rowCount() && picker.index(row).data(FormatPicker::FormatIdRole) != id)
+            ++row;
+        QVERIFY2(row < picker.rowCount(), qPrintable(id));
+        const QString fps = fpsEnd > 2 ? line.mid(fpsEnd - 3, 3).trimmed() : QString();
+        const QString shownFps = picker.index(row).data(FormatPicker::FpsRole).toString();
+        QCOMPARE(shownFps.isEmpty() ? QString() : QString::number(qRound(shownFps.toDouble())), fps);
+        const QString size = sizeEnd > 7 ? line.left(sizeEnd).section(u'|', -1).trimmed() : QString();
+        QCOMPARE(estimate(picker.index(row).data(FormatPicker::SizeRole).toString()), estimate(size));
+    }
 }
 
 // A preset whose first write is still out cannot be changed (it would be stored twice).

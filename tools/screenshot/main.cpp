@@ -2,13 +2,18 @@
 // the interface can be seen without a display:
 //     quillbox_screenshot OUT.png [--yt-dlp PATH] [--scenario DIR] [--settings] [--wait MS]
 //                         [--size WxH] [--log] [--tab N] [--stop N] [--select ROW]
-//                         [--focus ROW] [--copied ROW] [--info ROW]
+//                         [--focus ROW] [--copied ROW] [--info ROW] [--setting KEY=VALUE]...
+//                         [--custom-arguments TEXT] [--click NAME]...
 // With --yt-dlp the window uses that yt-dlp; with --scenario it also starts the downloads listed
 // in DIR/downloads.txt (one "URL" per line), so the queue shows tasks in their states; with
 // --settings the settings sheet is open; --tab shows that sidebar entry's page (0 downloads,
-// 1 presets, 2 cookies). Then, half-way through the wait, --stop stops the first N tasks, and a
-// little later the queue's row ROW (from 0) is selected, has the keyboard focus as Tab gives it,
-// shows that its link was copied, or has its video information opened in the sheet.
+// 1 presets, 2 cookies); each --setting is stored before the window reads its settings
+// ("cookiePath=/tmp/c.txt"); --custom-arguments fills the custom preset's text. Then, half-way
+// through the wait, --stop stops the first N tasks, and a little later the queue's row ROW (from
+// 0) is selected, has the keyboard focus as Tab gives it, shows that its link was copied, or has
+// its video information opened in the sheet. Each --click presses the button of that object name,
+// in order, a second apart from the first second on ("folderButton" opens the folder dialog,
+// "listFormatsButton" the formats sheet).
 
 #include "app/applifecycle.h"
 #include "app/cjkfont.h"
@@ -32,6 +37,7 @@
 #include <QtQml/qqmlextensionplugin.h>
 
 #include <cstdio>
+#include <functional>
 
 Q_IMPORT_QML_PLUGIN(QuillboxPlugin)
 
@@ -72,17 +78,23 @@ int main(int argc, char *argv[])
     const QCommandLineOption focus(u"focus"_s, u"queue row to give the keyboard focus"_s, u"row"_s);
     const QCommandLineOption copied(u"copied"_s, u"queue row whose link was just copied"_s, u"row"_s);
     const QCommandLineOption info(u"info"_s, u"queue row whose video information to open"_s, u"row"_s);
-    parser.addOptions(
-        { ytDlp, scenario, wait, maxDownloads, settings, size, log, tab, stop, select, focus, copied, info });
+    const QCommandLineOption click(u"click"_s, u"press the button of this object name"_s, u"name"_s);
+    const QCommandLineOption setting(u"setting"_s, u"store a setting first"_s, u"key=value"_s);
+    const QCommandLineOption customArguments(u"custom-arguments"_s, u"the custom preset's text"_s, u"text"_s);
+    parser.addOptions({ ytDlp, scenario, wait, maxDownloads, settings, size, log, tab, stop, select, focus, copied,
+        info, click, setting, customArguments });
     parser.addHelpOption();
     parser.process(app);
     if (parser.positionalArguments().size() != 1)
         parser.showHelp(2);
     const QString output = parser.positionalArguments().constFirst();
 
+    for (const QString &pair : parser.values(setting))
+        QSettings().setValue(pair.section(u'=', 0, 0), pair.section(u'=', 1));
     if (parser.isSet(ytDlp))
         QSettings().setValue(QLatin1String(DownloadManager::CustomYtDlpPathKey), parser.value(ytDlp));
     QQuickStyle::setStyle(u"Basic"_s);
+    AppLifecycle::loadQtTranslations();
     preferCjkFont();
 
     AppLifecycle lifecycle(DownloadManager::instance());
@@ -96,6 +108,8 @@ int main(int argc, char *argv[])
     window->setGeometry(0, 0, extent.value(0).toInt(), extent.value(1).toInt());
     AppState::instance()->setShowLogPanel(parser.isSet(log));
     AppState::instance()->setSelectedTab(parser.value(tab).toInt());
+    if (parser.isSet(customArguments))
+        AppState::instance()->setCustomArguments(parser.value(customArguments));
 
     if (parser.isSet(scenario)) {
         QFile list(QDir(parser.value(scenario)).filePath(u"downloads.txt"_s));
@@ -140,6 +154,25 @@ int main(int argc, char *argv[])
         if (QQuickItem *row = parser.isSet(info) ? rowAt(parser.value(info)) : nullptr; row && mainView)
             QMetaObject::invokeMethod(mainView, "openVideoInfo", Q_ARG(QString, row->property("url").toString()));
     });
+
+    const QStringList clicks = parser.values(click);
+    for (qsizetype i = 0; i < clicks.size(); ++i) {
+        QTimer::singleShot(1000 * int(i + 1), &app, [window, name = clicks.at(i)] {
+            // Sheets (in the window's overlay) and their rows are items, not all QObject children.
+            const std::function<QQuickItem *(QQuickItem *)> find = [&](QQuickItem *item) -> QQuickItem * {
+                if (item->objectName() == name)
+                    return item;
+                for (QQuickItem *child : item->childItems()) {
+                    if (QQuickItem *found = find(child))
+                        return found;
+                }
+                return nullptr;
+            };
+            QQuickItem *button = find(window->contentItem());
+            if (!button || !QMetaObject::invokeMethod(button, "clicked"))
+                std::fprintf(stderr, "no button named %s\n", qPrintable(name));
+        });
+    }
 
     int status = 0;
     QTimer::singleShot(waitMs, &app, [&] {

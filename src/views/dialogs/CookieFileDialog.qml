@@ -2,7 +2,8 @@ import QtQuick
 import QtQuick.Dialogs
 import Quillbox
 
-// Chooses a cookie file. Its own file, so the dialog module loads when it first opens.
+// Chooses a cookie file, starting in the folder of the one chosen before. Its own file, so the
+// dialog module loads when it first opens.
 FileDialog {
     id: root
 
@@ -11,5 +12,10 @@ FileDialog {
     title: "选择 Cookie 文件"
     fileMode: FileDialog.OpenFile
     nameFilters: ["Cookie 文件 (*.txt)", "所有文件 (*)"]
+    currentFolder: FileDialogs.startFolder(AppState.cookiePath)
+    onVisibleChanged: {
+        if (visible)
+            FileDialogs.fitFallback(root)
+    }
     onAccepted: root.chosen(Desktop.localPath(root.selectedFile))
 }

@@ -2,7 +2,8 @@ import QtQuick
 import QtQuick.Dialogs
 import Quillbox
 
-// Chooses an executable file. Its own file, so the dialog module loads when it first opens.
+// Chooses an executable file, starting in the folder of the yt-dlp in use. Its own file, so the
+// dialog module loads when it first opens.
 FileDialog {
     id: root
 
@@ -10,5 +11,11 @@ FileDialog {
 
     title: "选择 yt-dlp 可执行文件"
     fileMode: FileDialog.OpenFile
+    nameFilters: ["所有文件 (*)"]
+    currentFolder: FileDialogs.startFolder(DownloadManager.tools.ytDlpPath)
+    onVisibleChanged: {
+        if (visible)
+            FileDialogs.fitFallback(root)
+    }
     onAccepted: root.chosen(Desktop.localPath(root.selectedFile))
 }

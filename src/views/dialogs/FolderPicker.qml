@@ -2,8 +2,17 @@ import QtQuick
 import QtQuick.Dialogs
 import Quillbox
 
-// Chooses the output folder. Its own file, so the dialog module loads when it first opens.
+// Chooses the output folder, starting in the current one (or the nearest folder above it that is
+// there). Its own file, so the dialog module loads when it first opens.
 FolderDialog {
-    currentFolder: Desktop.fileUrl(AppState.outputDirectory)
-    onAccepted: AppState.outputDirectory = Desktop.localPath(selectedFolder)
+    id: root
+
+    title: "选择输出目录"
+    acceptLabel: "选择"
+    currentFolder: FileDialogs.startFolder(AppState.outputDirectory)
+    onVisibleChanged: {
+        if (visible)
+            FileDialogs.fitFallback(root)
+    }
+    onAccepted: AppState.outputDirectory = Desktop.localPath(root.selectedFolder)
 }

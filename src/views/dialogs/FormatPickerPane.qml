@@ -6,7 +6,8 @@ import QtQuick.Layouts
 import Quillbox
 
 // The formats of the listed video as a table: choosing one combined format, or a video-only and
-// an audio-only one, and "使用所选格式" make the choice the custom preset's "-f" argument.
+// an audio-only one, and "使用所选格式" make the choice the custom preset's "-f" argument. Custom
+// arguments the user wrote are replaced only once the user agrees.
 Rectangle {
     id: root
 
@@ -15,6 +16,11 @@ Rectangle {
     readonly property string arguments: root.picker ? root.picker.arguments : ""
 
     signal applied
+
+    function apply() {
+        if (root.picker && root.picker.apply())
+            root.applied()
+    }
 
     color: Theme.surface
     radius: Theme.radius
@@ -26,7 +32,7 @@ Rectangle {
         { title: "分辨率", role: "resolution", width: 76 },
         { title: "帧率", role: "fps", width: 44 },
         { title: "编码", role: "codecs", width: -1 },
-        { title: "大小", role: "size", width: 74 },
+        { title: "大小", role: "size", width: 84 },
         { title: "说明", role: "note", width: 80 }
     ]
 
@@ -168,10 +174,29 @@ Rectangle {
                 cornerRadius: Theme.radiusSmall
                 fontSize: Theme.body
                 onClicked: {
-                    if (root.picker && root.picker.apply())
-                        root.applied()
+                    const question = root.picker ? root.picker.replaceQuestion() : ""
+                    if (question.length > 0)
+                        replaceDialog.open({ message: question, confirmText: "替换" })
+                    else
+                        root.apply()
                 }
             }
+        }
+    }
+
+    OnDemand {
+        id: replaceDialog
+
+        objectName: "replaceArgumentsQuestion"
+        source: "dialogs/ConfirmDialog.qml"
+    }
+
+    Connections {
+        target: replaceDialog.item
+        ignoreUnknownSignals: true
+
+        function onConfirmed() {
+            root.apply()
         }
     }
 }

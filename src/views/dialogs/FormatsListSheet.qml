@@ -20,7 +20,7 @@ Rectangle {
         copiedTimer.restart()
     }
 
-    implicitWidth: root.picker ? 800 + 520 : 800
+    implicitWidth: root.picker ? 1000 + 520 : 800
     implicitHeight: 600
     color: Theme.background
     radius: Theme.radiusLarge
@@ -76,10 +76,23 @@ Rectangle {
             Layout.fillHeight: true
             spacing: 0
             ScrollView {
+                id: textScroller
+
+                objectName: "formatsScroller"
                 Layout.fillWidth: true
                 Layout.fillHeight: true
+                Layout.minimumWidth: 280
                 Layout.margins: Theme.spacingLarge
                 clip: true
+                // Tables are wider than the pane beside the picker: their bar stays in sight.
+                ScrollBar.horizontal: ScrollBar {
+                    objectName: "formatsSideBar"
+                    parent: textScroller
+                    x: textScroller.leftPadding
+                    y: textScroller.height - height
+                    width: textScroller.availableWidth
+                    policy: textScroller.contentWidth > textScroller.availableWidth ? ScrollBar.AlwaysOn : ScrollBar.AsNeeded
+                }
 
                 TextArea {
                     objectName: "formatsText"
@@ -99,6 +112,7 @@ Rectangle {
             FormatPickerPane {
                 objectName: "formatPicker"
                 Layout.preferredWidth: 520
+                Layout.minimumWidth: 440
                 Layout.fillHeight: true
                 Layout.topMargin: Theme.spacingLarge
                 Layout.bottomMargin: Theme.spacingLarge

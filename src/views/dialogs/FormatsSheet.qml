@@ -1,4 +1,5 @@
 import QtQuick
+import QtQuick.Templates as T
 import Quillbox
 
 // The format table in a sheet of its own: a file apart so that it loads when formats are first
@@ -9,7 +10,9 @@ SheetHost {
     property string formatsOutput
     property FormatPicker picker: null
 
-    // Wider than the window with the picker beside the text: kept inside it.
+    // Wider than the pane that opens it, with the picker beside the text: centred in the window
+    // and kept inside it.
+    parent: T.Overlay.overlay
     margins: Theme.spacingPage
     onDismissed: root.shown = false
 

@@ -1,6 +1,7 @@
 #include "views/presenters/formatpicker.h"
 
 #include "engine/downloadmanager.h"
+#include "engine/secretarguments.h"
 #include "engine/shellcommand.h"
 #include "engine/videoinfofetch.h"
 #include "model/appstate.h"
@@ -23,6 +24,17 @@ QString codecsText(const VideoFormat &format)
             codecs << *codec;
     }
     return codecs.join(u" + "_s);
+}
+
+// The size as yt-dlp's format table shows it: exact, its estimate "≈", or else "~" the bitrate
+// over the whole duration (what yt-dlp itself guesses for streamed formats).
+QString sizeCell(const VideoFormat &format, qint64 duration)
+{
+    if (format.filesize)
+        return (format.filesizeApproximate ? u"≈"_s : QString()) + FormatPicker::sizeText(*format.filesize);
+    if (format.tbr && *format.tbr > 0 && duration > 0)
+        return u"~"_s + FormatPicker::sizeText(qint64(double(duration) * *format.tbr * (1000.0 / 8)));
+    return {};
 }
 } // namespace
 
@@ -58,12 +70,10 @@ FormatPicker::Kind FormatPicker::kindOf(const VideoFormat &format)
 
 QString FormatPicker::sizeText(qint64 bytes)
 {
-    if (bytes < 1024)
-        return QString::number(bytes) + u"B"_s;
     double value = double(bytes);
-    const char *units[] = { "KiB", "MiB", "GiB", "TiB" };
-    int unit = -1;
-    while (value >= 1024 && unit < 3) {
+    const char *units[] = { "B", "KiB", "MiB", "GiB", "TiB", "PiB", "EiB" };
+    int unit = 0;
+    while (value >= 1024 && unit < 6) {
         value /= 1024;
         ++unit;
     }
@@ -100,16 +110,17 @@ void FormatPicker::fetch(const QString &url)
         else if (result.info.formats.isEmpty())
             self->setErrorText(u"没有可以选择的格式"_s);
         else
-            self->setFormats(result.info.formats);
+            self->setFormats(result.info.formats, result.info.duration);
     });
     Q_EMIT loadingChanged();
 }
 
-void FormatPicker::setFormats(const QList<VideoFormat> &formats)
+void FormatPicker::setFormats(const QList<VideoFormat> &formats, qint64 duration)
 {
     const bool countChanges = formats.size() != m_formats.size();
     beginResetModel();
     m_formats = formats;
+    m_duration = duration;
     m_selected.clear();
     endResetModel();
     Q_EMIT selectionChanged();
@@ -156,6 +167,14 @@ bool FormatPicker::apply()
     return true;
 }
 
+QString FormatPicker::replaceQuestion() const
+{
+    const QString written = m_state ? m_state->customArguments().trimmed() : QString();
+    if (m_selected.isEmpty() || written.isEmpty() || written == arguments())
+        return {};
+    return u"用所选格式「%1」替换现有的自定义参数「%2」？"_s.arg(arguments(), maskSecrets(written));
+}
+
 void FormatPicker::select(const QList<int> &rows)
 {
     const QList<int> before = m_selected;
@@ -198,7 +217,7 @@ QVariant FormatPicker::data(const QModelIndex &index, int role) const
     case CodecsRole:
         return codecsText(format);
     case SizeRole:
-        return format.filesize ? sizeText(*format.filesize) : QString();
+        return sizeCell(format, m_duration);
     case NoteRole:
         return format.formatNote.value_or(QString());
     case KindRole:

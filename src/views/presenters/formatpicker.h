@@ -35,7 +35,7 @@ public:
         ResolutionRole,
         FpsRole, // "29.97", or empty
         CodecsRole, // the codecs that are there: "avc1.4d401f", "avc1 + mp4a.40.2", or empty
-        SizeRole, // "1.18MiB", or empty
+        SizeRole, // "1.18MiB", "≈1.18MiB" (yt-dlp's estimate), "~1.18MiB" (bitrate × duration), or empty
         NoteRole,
         KindRole,
         SelectedRole,
@@ -55,15 +55,19 @@ public:
     // Fetches the formats of `url` (the form's cookie switch) and shows them; the table empties
     // meanwhile.
     Q_INVOKABLE void fetch(const QString &url);
-    void setFormats(const QList<VideoFormat> &formats);
+    // The formats of a video `duration` seconds long (0: not known).
+    void setFormats(const QList<VideoFormat> &formats, qint64 duration = 0);
     // Chooses the row, or unchooses it when chosen. A combined format replaces the whole choice;
     // a video-only or audio-only format replaces the combined one and the other of its kind.
     Q_INVOKABLE void toggle(int row);
     // Selects the custom preset with arguments(); false, changing nothing, while nothing is chosen.
     Q_INVOKABLE bool apply();
+    // What to ask before apply() replaces custom arguments the user wrote (secrets masked); empty
+    // when there are none, or they are the choice already.
+    Q_INVOKABLE QString replaceQuestion() const;
 
     static Kind kindOf(const VideoFormat &format);
-    // Bytes in binary units as yt-dlp writes them: "512.00KiB", "1.18MiB".
+    // Bytes in binary units as yt-dlp writes them: "512.00B", "1.18MiB".
     static QString sizeText(qint64 bytes);
 
     int rowCount(const QModelIndex &parent = QModelIndex()) const override;
@@ -85,5 +89,6 @@ private:
     QPointer<VideoInfoFetch> m_fetch;
     QList<VideoFormat> m_formats;
     QList<int> m_selected; // a video-only row before an audio-only one
+    qint64 m_duration = 0;
     QString m_errorText;
 };

@@ -1,4 +1,5 @@
 import QtQuick
+import QtQuick.Templates as T
 import QtTest
 import Quillbox
 import QuillboxTest
@@ -112,11 +113,53 @@ ViewTestCase {
         mouseClick(child("closeFormatsButton", sheet))
         tryCompare(sheet, "opened", false)
 
-        // The sheet is made once; listing again shows it again, with the new table.
-        TestHelper.setEnv("FAKE_YTDLP_FORMATS", "ID  EXT\n22  webm")
+        // The sheet is made once; listing again shows it again, with the new table. A table wider
+        // than its pane gets a bar in sight that scrolls to the table's end.
+        const wide = "ID  EXT  " + "MORE INFO ".repeat(40)
+        TestHelper.setEnv("FAKE_YTDLP_FORMATS", wide)
         mouseClick(child("listFormatsButton"))
         tryCompare(sheet, "opened", true, 20000)
-        tryCompare(child("formatsText", sheet), "text", "ID  EXT\n22  webm\n")
+        tryCompare(child("formatsText", sheet), "text", wide + "\n")
+        const bar = child("formatsSideBar", sheet)
+        const text = child("formatsScroller", sheet).contentItem
+        verify(bar.visible && bar.contentItem.opacity > 0)
+        verify(text.contentWidth > text.width)
+        bar.position = 1 - bar.size
+        verify(text.contentX + text.width >= text.contentWidth - 1)
+    }
+
+    // "使用所选格式" replaces custom arguments the user wrote only once the user agrees (the
+    // question shows them with secrets masked); with none, or this very choice, it asks nothing.
+    function test_chosenFormatKeepsCustomArguments_data() {
+        return [
+            { tag: "none written", written: "", asks: false },
+            { tag: "the same choice", written: "-f 18", asks: false },
+            { tag: "declined", written: "--limit-rate 1M", asks: true, agree: false, shows: "--limit-rate 1M" },
+            { tag: "agreed", written: "--password hunter2", asks: true, agree: true, shows: "--password ••••••" },
+        ]
+    }
+
+    function test_chosenFormatKeepsCustomArguments(data) {
+        AppState.customArguments = data.written
+        AppState.urlInput = "https://f.example/v"
+        mouseClick(child("listFormatsButton"))
+        const sheet = child("formatsSheet")
+        tryCompare(sheet, "opened", true, 20000)
+        const table = child("formatTable", sheet)
+        tryVerify(() => table.itemAtIndex(4) !== null, 20000)
+        mouseClick(table.itemAtIndex(4)) // 18, audio and video
+        mouseClick(child("applyFormatButton", sheet))
+        const question = child("replaceArgumentsQuestion", sheet)
+        tryCompare(question, "opened", data.asks)
+        if (data.asks) {
+            const message = child("confirmMessage", question).text
+            verify(message.includes(data.shows) && !message.includes("hunter2"), message)
+            mouseClick(child(data.agree ? "confirmButton" : "confirmCancelButton", question))
+        }
+        const applied = !data.asks || data.agree
+        tryCompare(sheet, "opened", !applied)
+        compare(AppState.customArguments, applied ? "-f 18" : data.written)
+        compare(AppState.selectedPreset, applied ? Download.Custom : Download.Default)
     }
 
     // When yt-dlp cannot read the link, what it said is shown in an alert, and nothing else opens
@@ -144,16 +187,39 @@ ViewTestCase {
         tryCompare(alert, "opened", false)
     }
 
-    function test_folderButtonChoosesTheOutputFolder() {
+    // The folder dialog opens in the form's folder, or the nearest one above it that is there (else
+    // home). Drawn by Qt (offscreen) under the window's white text, its title and path are dark on
+    // light, and it chooses the folder it shows.
+    function test_folderButtonChoosesTheOutputFolder_data() {
+        const root = TestHelper.tempDir()
+        return [
+            { tag: "the folder", folder: root, opensIn: root },
+            { tag: "not made yet", folder: root + "/新建/视频", opensIn: root },
+            { tag: "none", folder: "", opensIn: TestHelper.env("HOME") },
+        ]
+    }
+
+    function test_folderButtonChoosesTheOutputFolder(data) {
+        AppState.outputDirectory = data.folder
+        view.Window.window.palette.windowText = Theme.text
         const picker = child("folderDialog")
         compare(picker.opened, false)
         mouseClick(child("folderButton"))
         tryCompare(picker, "opened", true)
-        const chosen = TestHelper.tempDir() + "/chosen"
-        picker.item.selectedFolder = "file://" + chosen
-        picker.item.accept()
+        const drawn = FileDialogs.fallbackOf(picker.item)
+        verify(drawn)
+        compare(drawn.currentFolder, Desktop.fileUrl(data.opensIn))
+        const lightness = c => 0.3 * c.r + 0.59 * c.g + 0.11 * c.b
+        const title = findChild(drawn.header, "dialogTitleBarLabel")
+        compare(title.text, "选择输出目录")
+        verify(lightness(drawn.header.palette.window) - lightness(title.color) > 0.6)
+        verify(lightness(drawn.palette.windowText) < 0.3)
+        const choose = drawn.footer.standardButton(T.Dialog.Open)
+        verify(choose.text === "选择" && choose.enabled)
+        mouseClick(choose)
         tryCompare(picker, "opened", false)
-        compare(AppState.outputDirectory, chosen)
+        compare(AppState.outputDirectory, data.opensIn)
+        view.Window.window.palette = undefined
     }
 
     // The sheet once open, and its rows a person sees, as "label value".
