@@ -45,21 +45,33 @@ AbstractButton {
         }
         ColumnLayout {
             Layout.fillWidth: true
+            // A narrow tile's name stands beside the middle of its icon.
+            Layout.alignment: root.isWide ? Qt.AlignTop : Qt.AlignVCenter
             spacing: Theme.spacingHair
             RowLayout {
+                Layout.fillWidth: true
                 spacing: Theme.spacingTiny
                 Text {
+                    objectName: "presetName"
+                    // In a narrow tile a long name takes a second line rather than losing its end.
+                    Layout.fillWidth: true
+                    Layout.maximumWidth: implicitWidth
                     text: root.name
                     textFormat: Text.PlainText
                     color: Theme.text
                     font.pixelSize: Theme.body
                     font.weight: Font.Medium
+                    wrapMode: Text.Wrap
                 }
                 Icon {
+                    Layout.alignment: Qt.AlignTop
                     visible: root.isSelected
                     symbol: "checkmark.circle.fill"
                     color: Theme.accent
                     size: Theme.body
+                }
+                Item {
+                    Layout.fillWidth: true
                 }
             }
             Text {
@@ -75,8 +87,11 @@ AbstractButton {
         }
     }
 
+    // The keyboard's place is ringed in white: in this grid the accent outline marks the chosen
+    // preset, and a focused tile must not look chosen too.
     FocusRing {
         shown: root.visualFocus
         radius: Theme.radiusLarge + Theme.focusGap
+        border.color: Theme.text
     }
 }

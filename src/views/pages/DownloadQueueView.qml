@@ -110,6 +110,23 @@ Rectangle {
                 }
 
                 ScrollBar.vertical: ScrollBar {}
+
+                // New downloads join at the end of the queue, which is scrolled to show as many of
+                // them as fit, the first at least. A queue restored at start goes before the
+                // others, and an empty one shows its top anyway: neither moves.
+                Connections {
+                    target: DownloadManager.tasks
+
+                    function onRowsInserted(parent: var, first: int, last: int) {
+                        if (first > 0 && last === DownloadManager.tasks.count - 1)
+                            Qt.callLater(list.showAdded, first, last)
+                    }
+                }
+
+                function showAdded(first: int, last: int) {
+                    list.positionViewAtIndex(last, ListView.Contain)
+                    list.positionViewAtIndex(first, ListView.Contain)
+                }
             }
         }
     }
