@@ -136,8 +136,14 @@ Rectangle {
                     Layout.fillWidth: true
                     active: AppState.selectedPreset === Download.Custom
                     visible: active
+                    // The field's own component cannot see the presenter; the error is handed in.
+                    onLoaded: item.error = Qt.binding(() => inputPresenter.customArgumentsError)
 
                     sourceComponent: ColumnLayout {
+                        id: customColumn
+
+                        property string error
+
                         spacing: Theme.spacingMedium
                         SectionHeader {
                             text: "自定义参数"
@@ -168,7 +174,7 @@ Rectangle {
                             objectName: "customArgumentsError"
                             Layout.fillWidth: true
                             visible: text.length > 0
-                            text: inputPresenter.customArgumentsError
+                            text: customColumn.error
                             textFormat: Text.PlainText
                             color: Theme.red
                             font.pixelSize: Theme.caption

@@ -2,8 +2,8 @@
 
 #include "views/presenters/formatpicker.h"
 
-#include <QObject>
 #include <QList>
+#include <QObject>
 #include <QPointer>
 #include <QUrl>
 #include <QUuid>
