@@ -49,8 +49,8 @@ ColumnLayout {
         }
     }
     // Whole lines only: three while there are fewer, growing with the links up to five; more
-    // scroll inside the box.
-    ScrollView {
+    // scroll inside the box. A box that shows all its lines leaves the wheel to the form.
+    Flickable {
         id: editorScroller
 
         readonly property real lineHeight: editor.contentHeight / Math.max(1, editor.lineCount)
@@ -59,11 +59,15 @@ ColumnLayout {
         Layout.fillWidth: true
         Layout.preferredHeight: Math.ceil(Math.min(Math.max(editor.lineCount, 3), 5) * lineHeight)
                                 + editor.topPadding + editor.bottomPadding
-        contentWidth: availableWidth
+        clip: true
+        interactive: contentHeight > height
+        boundsBehavior: Flickable.StopAtBounds
         // Links beyond the fifth are there to scroll to, and the bar says so.
-        ScrollBar.vertical.policy: editor.lineCount > 5 ? ScrollBar.AlwaysOn : ScrollBar.AsNeeded
+        ScrollBar.vertical: ScrollBar {
+            policy: editor.lineCount > 5 ? ScrollBar.AlwaysOn : ScrollBar.AsNeeded
+        }
 
-        TextArea {
+        TextArea.flickable: TextArea {
             id: editor
 
             objectName: "linksEditor"
