@@ -48,24 +48,46 @@ AbstractButton {
             // A narrow tile's name stands beside the middle of its icon.
             Layout.alignment: root.isWide ? Qt.AlignTop : Qt.AlignVCenter
             spacing: Theme.spacingHair
+            // No spacing of the row's own: it would stand before the filler at its end too, and
+            // take that room from the name.
             RowLayout {
+                id: titleRow
+
                 Layout.fillWidth: true
-                spacing: Theme.spacingTiny
+                spacing: 0
                 Text {
+                    id: nameText
+
                     objectName: "presetName"
                     // In a narrow tile a long name takes a second line rather than losing its end.
+                    // Its one-line width is measured apart: a wrapped text's own implicit width
+                    // would keep it narrow once wrapped.
                     Layout.fillWidth: true
-                    Layout.maximumWidth: implicitWidth
+                    Layout.maximumWidth: Math.ceil(nameWidth.advanceWidth)
                     text: root.name
                     textFormat: Text.PlainText
                     color: Theme.text
                     font.pixelSize: Theme.body
                     font.weight: Font.Medium
                     wrapMode: Text.Wrap
+
+                    TextMetrics {
+                        id: nameWidth
+
+                        font: nameText.font
+                        text: nameText.text
+                    }
                 }
+                // Only where it fits beside the name on one line: the outline, the fill and the
+                // accent icon already mark the chosen tile, and a name broken for the mark reads
+                // worse than the mark is worth.
                 Icon {
+                    id: check
+
                     Layout.alignment: Qt.AlignTop
+                    Layout.leftMargin: Theme.spacingTiny
                     visible: root.isSelected
+                             && titleRow.width >= Math.ceil(nameWidth.advanceWidth) + check.Layout.leftMargin + check.size
                     symbol: "checkmark.circle.fill"
                     color: Theme.accent
                     size: Theme.body

@@ -159,20 +159,25 @@ ViewTestCase {
         compare(TestHelper.taskUrls().slice(before + 12), ["https://again.example/1", "https://again.example/2"])
     }
 
-    // Every row of presets is full, and as many show before any scrolling as the window allows;
-    // the links box shows five whole lines and scrolls the rest.
+    // Every row of presets is full, and as many show before any scrolling as the window allows; a
+    // wide tile's name is on one line; the links box shows five whole lines and scrolls the rest.
     function test_formFitsItsWindow_data() {
-        return [{ tag: "1200x800", width: 1200, height: 800, shown: 6 },
-                { tag: "900x600", width: 900, height: 600, shown: 4 },
-                { tag: "1920x1080", width: 1920, height: 1080, shown: 6 }]
+        return [{ tag: "1200x800", width: 1200, height: 800, shown: 6, oneLine: true },
+                { tag: "900x600", width: 900, height: 600, shown: 4, oneLine: false },
+                { tag: "1920x1080", width: 1920, height: 1080, shown: 6, oneLine: true }]
     }
 
     function test_formFitsItsWindow(data) {
-        showMainView({ width: data.width, height: data.height })
+        // Grown from the smallest window, as a window that is enlarged.
+        showMainView({ width: 900, height: 600 })
+        waitForRendering(view)
+        view.width = data.width
+        view.height = data.height
         waitForRendering(view)
         const cards = [0, 1, 2, 3, 4, 5].map(i => child("preset" + i))
         compare(cards.filter(card => card.y === cards[5].y).length, cards.filter(card => card.y === 0).length)
         verify(cards.filter(card => inViewport(card)).length >= data.shown)
+        verify(!data.oneLine || cards.every(card => findChild(card, "presetName").lineCount === 1))
         verify(inside(child("startButton")))
 
         AppState.urlInput = [1, 2, 3, 4, 5, 6].map(i => "https://lines.example/" + i).join("\n")
