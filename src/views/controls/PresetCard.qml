@@ -21,6 +21,15 @@ AbstractButton {
     Keys.onReturnPressed: root.clicked()
     Keys.onEnterPressed: root.clicked()
 
+    // The name on one line, in the name's font.
+    TextMetrics {
+        id: nameWidth
+
+        font.pixelSize: Theme.body
+        font.weight: Font.Medium
+        text: root.name
+    }
+
     background: Rectangle {
         radius: Theme.radiusLarge
         color: root.isSelected ? Theme.border : Theme.raised
@@ -51,13 +60,9 @@ AbstractButton {
             // No spacing of the row's own: it would stand before the filler at its end too, and
             // take that room from the name.
             RowLayout {
-                id: titleRow
-
                 Layout.fillWidth: true
                 spacing: 0
                 Text {
-                    id: nameText
-
                     objectName: "presetName"
                     // In a narrow tile a long name takes a second line rather than losing its end.
                     // Its one-line width is measured apart: a wrapped text's own implicit width
@@ -67,27 +72,17 @@ AbstractButton {
                     text: root.name
                     textFormat: Text.PlainText
                     color: Theme.text
-                    font.pixelSize: Theme.body
-                    font.weight: Font.Medium
+                    font: nameWidth.font
                     wrapMode: Text.Wrap
-
-                    TextMetrics {
-                        id: nameWidth
-
-                        font: nameText.font
-                        text: nameText.text
-                    }
                 }
                 // Only where it fits beside the name on one line: the outline, the fill and the
                 // accent icon already mark the chosen tile, and a name broken for the mark reads
                 // worse than the mark is worth.
                 Icon {
-                    id: check
-
                     Layout.alignment: Qt.AlignTop
                     Layout.leftMargin: Theme.spacingTiny
                     visible: root.isSelected
-                             && titleRow.width >= Math.ceil(nameWidth.advanceWidth) + check.Layout.leftMargin + check.size
+                             && parent.width >= Math.ceil(nameWidth.advanceWidth) + Theme.spacingTiny + Theme.body
                     symbol: "checkmark.circle.fill"
                     color: Theme.accent
                     size: Theme.body
