@@ -139,6 +139,7 @@ ViewTestCase {
         AppState.urlInput = Array.from({ length: 10 }, (_, i) => "https://many.example/" + i).join("\n")
         pressStart()
         compare(child("queuedNotice").text, "已加入 10 个下载")
+        verify(child("queuedNotice").visible)
         AppState.urlInput = "https://again.example/1\nhttps://again.example/2"
         pressStart()
         compare(child("queuedNotice").text, "已加入 2 个下载")
