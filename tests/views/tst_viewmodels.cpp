@@ -265,17 +265,6 @@ void TestViewModels::startQueuesEveryLink()
     QCOMPARE(engine->manager->tasks().size(), 3);
     QCOMPARE(engine->manager->requestFor(engine->manager->tasks().at(2).id).value_or(DownloadRequest()).customArgs,
         u"--limit-rate 1M"_s);
-
-    // The same links again, however spaced, are asked about while all their tasks are still
-    // there; once one is removed, they are queued.
-    QSignalSpy asked(&presenter, &InputPresenter::repeatAsked);
-    engine->state.setUrlInput(u"  https://c.example/custom\n"_s);
-    presenter.startDownload();
-    QCOMPARE(asked.count(), 1);
-    engine->manager->removeDownload(engine->manager->tasks().at(2).id.toString(QUuid::WithoutBraces));
-    presenter.startDownload();
-    QCOMPARE(asked.count(), 1);
-    QCOMPARE(engine->manager->tasks().size(), 3);
 }
 
 void TestViewModels::listFormats()

@@ -36,12 +36,11 @@ Rectangle {
             queuedNotice.shown = true
             queuedNoticeTimer.restart()
         }
-        onRepeatAsked: count => repeatDialog.open({
-                                                      message: count === 1
-                                                               ? "这个链接已在队列中，要再加入一次吗？"
-                                                               : "这 %1 个链接都已在队列中，要再加入一次吗？".arg(count),
-                                                      confirmText: "再次加入"
-                                                  })
+        onRepeatAsked: count => {
+            const message = count === 1 ? "这个链接已在队列中，要再加入一次吗？"
+                                        : "这 %1 个链接都已在队列中，要再加入一次吗？".arg(count)
+            repeatDialog.open({ message: message, confirmText: "再次加入" })
+        }
     }
 
     // A control the keyboard reaches is scrolled into sight, clear of the bar at the foot.

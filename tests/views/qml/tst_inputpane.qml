@@ -82,11 +82,9 @@ ViewTestCase {
             verify(item.activeFocus, name)
             waitForRendering(view)
             verify(name === "startButton" || name === "verdictActionButton" || inViewport(item), name)
-            if (name.startsWith("preset")) {
-                verify(findChild(item, "focusRing").visible, name)
-                verify(!Qt.colorEqual(findChild(item, "focusRing").border.color, Theme.accent), name)
-                compare(item.isSelected, name === "preset0")
-            }
+            if (name.startsWith("preset"))
+                verify(findChild(item, "focusRing").visible && item.isSelected === (name === "preset0")
+                       && !Qt.colorEqual(findChild(item, "focusRing").border.color, Theme.accent), name)
             // A bordered button shows focus on its border instead of a ring.
             const ring = item.showsFocusRing ? findChild(item, "focusRing") : null
             if (ring) {
@@ -119,9 +117,7 @@ ViewTestCase {
         pressStart()
         compare(child("startNotice").text, error.text)
         compare(DownloadManager.tasks.count, before)
-        mouseClick(child("customField"))
-        keyClick(Qt.Key_End)
-        keyClick("'")
+        AppState.customArguments += "'"
         compare([error.visible, child("startNotice").visible], [false, false])
         pressStart()
         compare(TestHelper.taskUrls().slice(before), ["https://custom.example/1"])
@@ -144,10 +140,9 @@ ViewTestCase {
         pressStart()
         compare(child("queuedNotice").text, "已加入 2 个下载")
         const list = child("taskList")
-        tryVerify(() => {
-            const row = list.itemAtIndex(list.count - 1)
-            return row !== null && row.y >= list.contentY && row.y + row.height <= list.contentY + list.height
-        })
+        const newest = () => list.itemAtIndex(list.count - 1)
+        tryVerify(() => newest() && newest().y >= list.contentY
+                  && newest().y + newest().height <= list.contentY + list.height)
         const dialog = child("repeatDialog")
         for (const answer of ["confirmCancelButton", "confirmButton"]) {
             pressStart()
@@ -171,7 +166,6 @@ ViewTestCase {
     function test_formFitsItsWindow(data) {
         // Grown from the smallest window, as a window that is enlarged.
         showMainView({ width: 900, height: 600 })
-        waitForRendering(view)
         view.width = data.width
         view.height = data.height
         waitForRendering(view)
