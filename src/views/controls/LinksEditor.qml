@@ -52,44 +52,62 @@ ColumnLayout {
             onClicked: root.clearLinks()
         }
     }
-    TextArea {
-        id: editor
+    // Whole lines only: three while there are fewer, growing with the links up to five; more
+    // scroll inside the box. A box that shows all its lines leaves the wheel to the form.
+    Flickable {
+        id: editorScroller
 
-        objectName: "linksEditor"
+        readonly property real lineHeight: editor.contentHeight / Math.max(1, editor.lineCount)
+
+        objectName: "linksScroller"
         Layout.fillWidth: true
-        Layout.preferredHeight: 120
-        text: AppState.urlInput
-        textFormat: TextEdit.PlainText
-        onTextChanged: {
-            if (text !== AppState.urlInput)
-                AppState.urlInput = text
+        Layout.preferredHeight: Math.ceil(Math.min(Math.max(editor.lineCount, 3), 5) * lineHeight)
+                                + editor.topPadding + editor.bottomPadding
+        clip: true
+        interactive: contentHeight > height
+        boundsBehavior: Flickable.StopAtBounds
+        // Links beyond the fifth are there to scroll to, and the bar says so.
+        ScrollBar.vertical: ScrollBar {
+            policy: editor.lineCount > 5 ? ScrollBar.AlwaysOn : ScrollBar.AsNeeded
         }
-        // Tab moves the focus on, as everywhere else; Ctrl+Tab (or a pasted tab) still puts a
-        // tab into the text.
-        Keys.onPressed: event => {
-            if (event.key === Qt.Key_Tab && (event.modifiers & Qt.ControlModifier)) {
-                editor.insert(editor.cursorPosition, "\t")
-                event.accepted = true
-            } else if (event.key === Qt.Key_Tab || event.key === Qt.Key_Backtab) {
-                const forward = event.key === Qt.Key_Tab && !(event.modifiers & Qt.ShiftModifier)
-                editor.nextItemInFocusChain(forward).forceActiveFocus(
-                    forward ? Qt.TabFocusReason : Qt.BacktabFocusReason)
-                event.accepted = true
+
+        TextArea.flickable: TextArea {
+            id: editor
+
+            objectName: "linksEditor"
+            text: AppState.urlInput
+            textFormat: TextEdit.PlainText
+            onTextChanged: {
+                if (text !== AppState.urlInput)
+                    AppState.urlInput = text
             }
-        }
-        Accessible.name: "视频链接"
-        placeholderText: "请输入视频链接，每行一个..."
-        placeholderTextColor: Theme.gray
-        color: Theme.text
-        selectionColor: Theme.accent
-        font.pixelSize: Theme.bodyLarge
-        wrapMode: TextEdit.WrapAnywhere
-        padding: Theme.spacingLarge
-        background: Rectangle {
-            radius: Theme.radius
-            color: Theme.raised
-            border.width: editor.activeFocus || root.presenter.rejectedNotice.length > 0 ? 2 : 0
-            border.color: root.presenter.rejectedNotice.length > 0 ? Theme.red : Theme.accent
+            // Tab moves the focus on, as everywhere else; Ctrl+Tab (or a pasted tab) still puts a
+            // tab into the text.
+            Keys.onPressed: event => {
+                if (event.key === Qt.Key_Tab && (event.modifiers & Qt.ControlModifier)) {
+                    editor.insert(editor.cursorPosition, "\t")
+                    event.accepted = true
+                } else if (event.key === Qt.Key_Tab || event.key === Qt.Key_Backtab) {
+                    const forward = event.key === Qt.Key_Tab && !(event.modifiers & Qt.ShiftModifier)
+                    editor.nextItemInFocusChain(forward).forceActiveFocus(
+                        forward ? Qt.TabFocusReason : Qt.BacktabFocusReason)
+                    event.accepted = true
+                }
+            }
+            Accessible.name: "视频链接"
+            placeholderText: "请输入视频链接，每行一个..."
+            placeholderTextColor: Theme.gray
+            color: Theme.text
+            selectionColor: Theme.accent
+            font.pixelSize: Theme.bodyLarge
+            wrapMode: TextEdit.WrapAnywhere
+            padding: Theme.spacingLarge
+            background: Rectangle {
+                radius: Theme.radius
+                color: Theme.raised
+                border.width: editor.activeFocus || root.presenter.rejectedNotice.length > 0 ? 2 : 0
+                border.color: root.presenter.rejectedNotice.length > 0 ? Theme.red : Theme.accent
+            }
         }
     }
     Text {

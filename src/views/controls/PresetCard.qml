@@ -21,6 +21,15 @@ AbstractButton {
     Keys.onReturnPressed: root.clicked()
     Keys.onEnterPressed: root.clicked()
 
+    // The name on one line, in the name's font.
+    TextMetrics {
+        id: nameWidth
+
+        font.pixelSize: Theme.body
+        font.weight: Font.Medium
+        text: root.name
+    }
+
     background: Rectangle {
         radius: Theme.radiusLarge
         color: root.isSelected ? Theme.border : Theme.raised
@@ -45,21 +54,41 @@ AbstractButton {
         }
         ColumnLayout {
             Layout.fillWidth: true
+            // A narrow tile's name stands beside the middle of its icon.
+            Layout.alignment: root.isWide ? Qt.AlignTop : Qt.AlignVCenter
             spacing: Theme.spacingHair
+            // No spacing of the row's own: it would stand before the filler at its end too, and
+            // take that room from the name.
             RowLayout {
-                spacing: Theme.spacingTiny
+                Layout.fillWidth: true
+                spacing: 0
                 Text {
+                    objectName: "presetName"
+                    // In a narrow tile a long name takes a second line rather than losing its end.
+                    // Its one-line width is measured apart: a wrapped text's own implicit width
+                    // would keep it narrow once wrapped.
+                    Layout.fillWidth: true
+                    Layout.maximumWidth: Math.ceil(nameWidth.advanceWidth)
                     text: root.name
                     textFormat: Text.PlainText
                     color: Theme.text
-                    font.pixelSize: Theme.body
-                    font.weight: Font.Medium
+                    font: nameWidth.font
+                    wrapMode: Text.Wrap
                 }
+                // Only where it fits beside the name on one line: the outline, the fill and the
+                // accent icon already mark the chosen tile, and a name broken for the mark reads
+                // worse than the mark is worth.
                 Icon {
+                    Layout.alignment: Qt.AlignTop
+                    Layout.leftMargin: Theme.spacingTiny
                     visible: root.isSelected
+                             && parent.width >= Math.ceil(nameWidth.advanceWidth) + Theme.spacingTiny + Theme.body
                     symbol: "checkmark.circle.fill"
                     color: Theme.accent
                     size: Theme.body
+                }
+                Item {
+                    Layout.fillWidth: true
                 }
             }
             Text {
@@ -75,8 +104,11 @@ AbstractButton {
         }
     }
 
+    // The keyboard's place is ringed in white: in this grid the accent outline marks the chosen
+    // preset, and a focused tile must not look chosen too.
     FocusRing {
         shown: root.visualFocus
         radius: Theme.radiusLarge + Theme.focusGap
+        border.color: Theme.text
     }
 }

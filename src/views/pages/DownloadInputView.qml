@@ -37,6 +37,44 @@ Rectangle {
                                                         shown: true
                                                     })
         onFormatsFailed: description => errorAlert.open({ heading: "错误", message: description })
+        onQueued: count => {
+            queuedNotice.text = "已加入 %1 个下载".arg(count)
+            queuedNotice.shown = true
+            queuedNoticeTimer.restart()
+        }
+        onRepeatAsked: count => {
+            const message = count === 1 ? "这个链接已在队列中，要再加入一次吗？"
+                                        : "这 %1 个链接都已在队列中，要再加入一次吗？".arg(count)
+            repeatDialog.open({ message: message, confirmText: "再次加入" })
+        }
+    }
+
+    // A control the keyboard reaches is scrolled into sight, clear of the bar at the foot.
+    Connections {
+        target: root.Window.window
+
+        function onActiveFocusItemChanged() {
+            root.reveal(root.Window.activeFocusItem)
+        }
+    }
+
+    function reveal(item: Item) {
+        let inForm = false
+        for (let up = item; up && !inForm; up = up.parent)
+            inForm = up === formSurface
+        if (!inForm)
+            return
+        const flickable = scroller.contentItem
+        // The focus ring stands a little outside the control.
+        const margin = Theme.spacingMedium
+        const top = item.mapToItem(formSurface, 0, 0).y - margin
+        const bottom = top + item.height + 2 * margin
+        let y = flickable.contentY
+        if (bottom > y + flickable.height)
+            y = bottom - flickable.height
+        if (top < y)
+            y = top
+        flickable.contentY = Math.max(0, Math.min(y, flickable.contentHeight - flickable.height))
     }
 
     Connections {
@@ -57,19 +95,25 @@ Rectangle {
         anchors.right: parent.right
         anchors.bottom: footer.top
         contentWidth: availableWidth
+        contentHeight: form.implicitHeight + 2 * Theme.spacingPage
         clip: true
         // When the form is taller than the pane, the bar says so without being hovered first.
         ScrollBar.vertical.policy: contentHeight > height ? ScrollBar.AlwaysOn : ScrollBar.AsNeeded
 
         Rectangle {
+            id: formSurface
+
             width: scroller.availableWidth
-            implicitHeight: form.implicitHeight + 40
+            // The pane's surface reaches the bar at the foot however short the form is.
+            height: Math.max(scroller.contentHeight, scroller.availableHeight)
             color: Theme.surface
 
             ColumnLayout {
                 id: form
 
-                anchors.fill: parent
+                anchors.left: parent.left
+                anchors.right: parent.right
+                anchors.top: parent.top
                 anchors.margins: Theme.spacingPage
                 spacing: Theme.spacingSection
                 Text {
@@ -97,8 +141,14 @@ Rectangle {
                     Layout.fillWidth: true
                     active: AppState.selectedPreset === Download.Custom
                     visible: active
+                    // The field's own component cannot see the presenter; the error is handed in.
+                    onLoaded: item.error = Qt.binding(() => inputPresenter.customArgumentsError)
 
                     sourceComponent: ColumnLayout {
+                        id: customColumn
+
+                        property string error
+
                         spacing: Theme.spacingMedium
                         SectionHeader {
                             text: "自定义参数"
@@ -118,9 +168,22 @@ Rectangle {
                             background: Rectangle {
                                 radius: Theme.radius
                                 color: Theme.raised
-                                border.width: customField.activeFocus ? 2 : 0
-                                border.color: Theme.accent
+                                border.width: customField.activeFocus || customError.visible ? 2 : 0
+                                border.color: customError.visible ? Theme.red : Theme.accent
                             }
+                        }
+                        // Said as the text is typed, before "开始下载" refuses it.
+                        Text {
+                            id: customError
+
+                            objectName: "customArgumentsError"
+                            Layout.fillWidth: true
+                            visible: text.length > 0
+                            text: customColumn.error
+                            textFormat: Text.PlainText
+                            color: Theme.red
+                            font.pixelSize: Theme.caption
+                            wrapMode: Text.Wrap
                         }
                         Hint {
                             text: "输入 yt-dlp 的自定义参数，使用空格分隔"
@@ -276,12 +339,50 @@ Rectangle {
             Text {
                 objectName: "startNotice"
                 Layout.alignment: Qt.AlignHCenter
+                Layout.maximumWidth: footerColumn.width
                 visible: text.length > 0
                 text: inputPresenter.startNotice
                 textFormat: Text.PlainText
                 color: Theme.orange
                 font.pixelSize: Theme.caption
+                wrapMode: Text.Wrap
             }
+            // How many downloads the last press queued, for a few seconds.
+            Text {
+                id: queuedNotice
+
+                property bool shown: false
+
+                objectName: "queuedNotice"
+                Layout.alignment: Qt.AlignHCenter
+                visible: shown && inputPresenter.startNotice.length === 0
+                textFormat: Text.PlainText
+                color: Theme.green
+                font.pixelSize: Theme.caption
+
+                Timer {
+                    id: queuedNoticeTimer
+
+                    interval: 4000
+                    onTriggered: queuedNotice.shown = false
+                }
+            }
+        }
+    }
+
+    OnDemand {
+        id: repeatDialog
+
+        objectName: "repeatDialog"
+        source: "dialogs/ConfirmDialog.qml"
+    }
+
+    Connections {
+        target: repeatDialog.item
+        ignoreUnknownSignals: true
+
+        function onConfirmed() {
+            inputPresenter.startDownload(true)
         }
     }
 

@@ -110,6 +110,33 @@ Rectangle {
                 }
 
                 ScrollBar.vertical: ScrollBar {}
+
+                // New downloads join at the end of the queue, which is scrolled to show as many of
+                // them as fit, the first at least, once the list has laid them out. A queue restored
+                // at start goes before the others, and an empty one shows its top anyway: neither
+                // moves.
+                Connections {
+                    target: DownloadManager.tasks
+
+                    function onRowsInserted(parent: var, first: int, last: int) {
+                        if (first > 0 && last === DownloadManager.tasks.count - 1) {
+                            showAdded.first = showAdded.running ? Math.min(showAdded.first, first) : first
+                            showAdded.restart()
+                        }
+                    }
+                }
+
+                Timer {
+                    id: showAdded
+
+                    property int first
+
+                    interval: 0
+                    onTriggered: {
+                        list.positionViewAtIndex(list.count - 1, ListView.Contain)
+                        list.positionViewAtIndex(Math.min(showAdded.first, list.count - 1), ListView.Contain)
+                    }
+                }
             }
         }
     }

@@ -1,9 +1,13 @@
 #include "views/presenters/inputpresenter.h"
 
 #include "engine/downloadmanager.h"
+#include "engine/shellwords.h"
 #include "model/appstate.h"
 #include "model/linkinput.h"
+#include "model/taskmodel.h"
 #include "views/presenters/formatpicker.h"
+
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
@@ -18,16 +22,54 @@ InputPresenter::InputPresenter(AppState *state, DownloadManager *downloads, QObj
     , m_downloads(downloads)
     , m_formatPicker(new FormatPicker(state, downloads, this))
 {
-    if (m_state)
-        connect(m_state, &AppState::urlInputChanged, this, [this] { setNotices({}, {}); });
+    if (!m_state)
+        return;
+    connect(m_state, &AppState::urlInputChanged, this, [this] { setNotices({}, {}); });
+    connect(m_state, &AppState::customArgumentsChanged, this, &InputPresenter::checkCustomArguments);
+    connect(m_state, &AppState::selectedPresetChanged, this, &InputPresenter::checkCustomArguments);
+    checkCustomArguments();
 }
 
-void InputPresenter::startDownload()
+void InputPresenter::checkCustomArguments()
+{
+    // The words are split as the download will split them, so what is refused here is exactly
+    // what the download would refuse.
+    const QString error = m_state->selectedPreset() == DownloadPreset::Custom
+        ? splitShellWords(m_state->customArguments()).error
+        : QString();
+    if (error == m_customArgumentsError)
+        return;
+    // A refusal beside the button is about the text as it was; it goes once the text changes.
+    if (!m_customArgumentsError.isEmpty() && m_startNotice == m_customArgumentsError)
+        setNotices(m_rejectedLines, QString());
+    m_customArgumentsError = error;
+    Q_EMIT customArgumentsErrorChanged();
+}
+
+bool InputPresenter::alreadyQueued(const QStringList &links) const
+{
+    if (m_queuedIds.isEmpty() || links != m_queuedLinks)
+        return false;
+    const TaskModel *tasks = m_downloads->taskModel();
+    return std::all_of(
+        m_queuedIds.cbegin(), m_queuedIds.cend(), [tasks](const QUuid &id) { return tasks->find(id) != nullptr; });
+}
+
+void InputPresenter::startDownload(bool again)
 {
     if (!m_state || !m_downloads)
         return;
     if (m_state->urlInput().isEmpty()) {
         setNotices({}, u"请先输入视频链接"_s);
+        return;
+    }
+    if (!m_customArgumentsError.isEmpty()) {
+        setNotices(m_rejectedLines, m_customArgumentsError);
+        return;
+    }
+    const LinkInput input = readLinkInput(m_state->urlInput());
+    if (!again && alreadyQueued(input.links)) {
+        Q_EMIT repeatAsked(int(input.links.size()));
         return;
     }
     m_isLoading = true;
@@ -39,13 +81,21 @@ void InputPresenter::startDownload()
     options.outputDir = m_state->outputDirectory();
     options.downloadPlaylist = m_state->downloadPlaylist();
     options.useCookies = m_state->useCookies();
-    const LinkInput input = readLinkInput(m_state->urlInput());
-    if (!input.links.isEmpty())
+    if (!input.links.isEmpty()) {
         m_downloads->startDownloads(input.links, options);
+        // The new tasks are the last ones of the queue.
+        const QList<DownloadTask> &tasks = m_downloads->taskModel()->tasks();
+        m_queuedLinks = input.links;
+        m_queuedIds.clear();
+        for (qsizetype i = tasks.size() - input.links.size(); i < tasks.size(); ++i)
+            m_queuedIds.append(tasks.at(i).id);
+    }
     setNotices(input.rejected, input.links.isEmpty() ? u"没有可以下载的链接"_s : QString());
 
     m_isLoading = false;
     Q_EMIT isLoadingChanged();
+    if (!input.links.isEmpty())
+        Q_EMIT queued(int(input.links.size()));
 }
 
 void InputPresenter::listFormats()

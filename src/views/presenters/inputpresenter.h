@@ -2,9 +2,11 @@
 
 #include "views/presenters/formatpicker.h"
 
+#include <QList>
 #include <QObject>
 #include <QPointer>
 #include <QUrl>
+#include <QUuid>
 #include <QtQml/qqmlregistration.h>
 
 class AppState;
@@ -25,6 +27,9 @@ class InputPresenter : public QObject
     Q_PROPERTY(QString rejectedNotice READ rejectedNotice NOTIFY noticesChanged)
     // Why the last start queued nothing, said beside the button; empty otherwise.
     Q_PROPERTY(QString startNotice READ startNotice NOTIFY noticesChanged)
+    // Why the custom arguments cannot be used, checked as they are typed; empty when they can
+    // (and whenever another preset is chosen, since they are not used then).
+    Q_PROPERTY(QString customArgumentsError READ customArgumentsError NOTIFY customArgumentsErrorChanged)
     // The listed link's formats to choose from, fetched alongside each listing.
     Q_PROPERTY(FormatPicker *formatPicker READ formatPicker CONSTANT)
 
@@ -38,12 +43,15 @@ public:
     QStringList rejectedLines() const { return m_rejectedLines; }
     QString rejectedNotice() const;
     QString startNotice() const { return m_startNotice; }
+    QString customArgumentsError() const { return m_customArgumentsError; }
     FormatPicker *formatPicker() const { return m_formatPicker; }
 
     // One download per link of the editor, in order, with the form's preset, folder and
     // switches; custom arguments only under the custom preset. The editor keeps its text; what
-    // is not a link is left out and named in rejectedLines.
-    Q_INVOKABLE void startDownload();
+    // is not a link is left out and named in rejectedLines. Custom arguments that cannot be used
+    // queue nothing: startNotice says why. When every link of the text was queued by the last
+    // start and is still in the queue, nothing is queued unless `again`: repeatAsked() asks first.
+    Q_INVOKABLE void startDownload(bool again = false);
     // Lists the formats of the editor's first line; the answer comes as formatsListed() or
     // formatsFailed(). One listing at a time. The picker fetches the same link's formats meanwhile.
     Q_INVOKABLE void listFormats();
@@ -58,10 +66,18 @@ Q_SIGNALS:
     void noticesChanged();
     void formatsListed(const QString &text);
     void formatsFailed(const QString &description);
+    void customArgumentsErrorChanged();
+    // `count` downloads were queued.
+    void queued(int count);
+    // The `count` links of the editor are all in the queue from the last start already.
+    void repeatAsked(int count);
 
 private:
     void setListingFormats(bool value);
     void setNotices(const QStringList &rejectedLines, const QString &startNotice);
+    void checkCustomArguments();
+    // Every one of `links` was queued by the last start, and each of its tasks is still there.
+    bool alreadyQueued(const QStringList &links) const;
 
     QPointer<AppState> m_state;
     QPointer<DownloadManager> m_downloads;
@@ -69,5 +85,9 @@ private:
     bool m_isListingFormats = false;
     QStringList m_rejectedLines;
     QString m_startNotice;
+    QString m_customArgumentsError;
+    // The links the last start queued, and the tasks it made of them.
+    QStringList m_queuedLinks;
+    QList<QUuid> m_queuedIds;
     FormatPicker *m_formatPicker;
 };

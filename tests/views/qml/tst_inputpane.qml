@@ -48,9 +48,17 @@ ViewTestCase {
         AppState.showSettings = false
     }
 
-    // Tab walks the pane top to bottom, each focused control ringed in the accent; Ctrl+Tab
-    // types a tab into the links; Enter presses the focused button.
+    // Whether `item` shows in the form's scroll view, not under the bar at the pane's foot.
+    function inViewport(item) {
+        const at = item.mapToItem(child("inputScroller"), 0, 0)
+        return at.y >= 0 && at.y + item.height <= child("inputScroller").height
+    }
+
+    // Tab walks the pane top to bottom in the smallest window, each focused control scrolled into
+    // sight and ringed in the accent (a preset card in white: the accent marks the chosen one);
+    // Ctrl+Tab types a tab into the links; Enter presses the focused button.
     function test_keyboard() {
+        showMainView({ width: 900, height: 600 })
         const before = DownloadManager.tasks.count
         const editor = child("linksEditor")
         mouseClick(editor)
@@ -73,6 +81,11 @@ ViewTestCase {
             keyClick(Qt.Key_Tab)
             const item = child(name)
             verify(item.activeFocus, name)
+            waitForRendering(view)
+            verify(name === "startButton" || name === "verdictActionButton" || inViewport(item), name)
+            if (name.startsWith("preset"))
+                verify(findChild(item, "focusRing").visible && item.isSelected === (name === "preset0")
+                       && !Qt.colorEqual(findChild(item, "focusRing").border.color, Theme.accent), name)
             // A bordered button shows focus on its border instead of a ring.
             const ring = item.showsFocusRing ? findChild(item, "focusRing") : null
             if (ring) {
@@ -95,10 +108,79 @@ ViewTestCase {
             keySequence(key)
         compare(AppState.customArguments, "-x")
 
+        // What the download could not split is said as it is typed, and "开始下载" refuses it.
+        const before = DownloadManager.tasks.count
+        AppState.urlInput = "https://custom.example/1"
+        for (const key of " 'best")
+            keyClick(key)
+        const error = child("customArgumentsError")
+        compare(error.text, "自定义参数中的单引号没有闭合")
+        pressStart()
+        compare(child("startNotice").text, error.text)
+        compare(DownloadManager.tasks.count, before)
+        AppState.customArguments += "'"
+        compare([error.visible, child("startNotice").visible], [false, false])
+        pressStart()
+        compare(TestHelper.taskUrls().slice(before), ["https://custom.example/1"])
+
         // Another preset hides the field but keeps its text.
         mouseClick(child("preset1"))
         compare(custom.visible, false)
-        compare(AppState.customArguments, "-x")
+        compare(AppState.customArguments, "-x 'best'")
+    }
+
+    // "开始下载" says how many it queued, and a full queue shows them; the same links again are
+    // queued only once the question is answered "再次加入".
+    function test_startAndRepeat() {
+        const before = DownloadManager.tasks.count
+        AppState.urlInput = Array.from({ length: 10 }, (_, i) => "https://many.example/" + i).join("\n")
+        pressStart()
+        compare(child("queuedNotice").text, "已加入 10 个下载")
+        verify(child("queuedNotice").visible)
+        AppState.urlInput = "https://again.example/1\nhttps://again.example/2"
+        pressStart()
+        compare(child("queuedNotice").text, "已加入 2 个下载")
+        const list = child("taskList")
+        const newest = () => list.itemAtIndex(list.count - 1)
+        tryVerify(() => newest() && newest().y >= list.contentY
+                  && newest().y + newest().height <= list.contentY + list.height)
+        const dialog = child("repeatDialog")
+        for (const answer of ["confirmCancelButton", "confirmButton"]) {
+            pressStart()
+            tryCompare(dialog, "opened", true)
+            compare(child("confirmMessage", dialog.item).text, "这 2 个链接都已在队列中，要再加入一次吗？")
+            compare(DownloadManager.tasks.count, before + 12)
+            mouseClick(child(answer, dialog.item))
+            tryCompare(dialog, "opened", false)
+        }
+        compare(TestHelper.taskUrls().slice(before + 12), ["https://again.example/1", "https://again.example/2"])
+    }
+
+    // Every row of presets is full, and as many show before any scrolling as the window allows; a
+    // wide tile's name is on one line; the links box shows five whole lines and scrolls the rest.
+    function test_formFitsItsWindow_data() {
+        return [{ tag: "1200x800", width: 1200, height: 800, shown: 6, oneLine: true },
+                { tag: "900x600", width: 900, height: 600, shown: 4, oneLine: false },
+                { tag: "1920x1080", width: 1920, height: 1080, shown: 6, oneLine: true }]
+    }
+
+    function test_formFitsItsWindow(data) {
+        // Grown from the smallest window, as a window that is enlarged.
+        showMainView({ width: 900, height: 600 })
+        view.width = data.width
+        view.height = data.height
+        waitForRendering(view)
+        const cards = [0, 1, 2, 3, 4, 5].map(i => child("preset" + i))
+        compare(cards.filter(card => card.y === cards[5].y).length, cards.filter(card => card.y === 0).length)
+        verify(cards.filter(card => inViewport(card)).length >= data.shown)
+        verify(!data.oneLine || cards.every(card => findChild(card, "presetName").lineCount === 1))
+        verify(inside(child("startButton")))
+
+        AppState.urlInput = [1, 2, 3, 4, 5, 6].map(i => "https://lines.example/" + i).join("\n")
+        const editor = child("linksEditor")
+        const bottomOf = line => editor.mapToItem(child("linksScroller"), 0, editor.positionToRectangle(
+            editor.text.indexOf("/" + line)).y).y + editor.positionToRectangle(0).height
+        tryVerify(() => bottomOf(5) <= child("linksScroller").height && bottomOf(6) > child("linksScroller").height)
     }
 
     function test_formatsSheetShowsTheTable() {
