@@ -1,7 +1,7 @@
 #!/usr/bin/python3
 """A new user's first hour, walked in the real window on a real X server, a screenshot per step.
 
-    scripts/walk.py --app BUILD/src/quillbox --out DIR --size WxH
+    scripts/walk.py --app BUILD/src/quillbox --out DIR --size WxH --media MEDIA_DIR
 
 Run it through scripts/walk, which builds Quillbox, installs what the walk needs and gives it a
 session bus. Quillbox starts in an empty home and finds the yt-dlp and ffmpeg of the system; its
@@ -14,7 +14,6 @@ DIR/NN-step.png; a step that cannot find what it needs stops the walk with its n
 import argparse
 import os
 import shutil
-import signal
 import subprocess
 import sys
 import tempfile
@@ -29,8 +28,8 @@ import testserver  # noqa: E402  (the test servers' own starter)
 
 
 class Walk:
-    def __init__(self, app, out, size):
-        self.app_path, self.out, self.size = app, out, size
+    def __init__(self, app, out, size, media):
+        self.app_path, self.out, self.size, self.media_root = app, out, size, media
         self.width, self.height = (int(v) for v in size.split("x"))
         self.step = 0
         self.children = []
@@ -52,8 +51,7 @@ class Walk:
                                               stderr=subprocess.DEVNULL))
 
     def start_servers(self):
-        media = os.path.join(ROOT, "build", "walk-media")
-        self.media, self.media_url = testserver.start("mediaserver.py", "--root", media, "--generate",
+        self.media, self.media_url = testserver.start("mediaserver.py", "--root", self.media_root, "--generate",
                                                       "--duration", "40")
         releases = os.path.join(self.home, "releases")
         tag = "2026.08.19"
@@ -61,6 +59,8 @@ class Walk:
         os.makedirs(os.path.join(releases, "yt-dlp", "yt-dlp", tag))
         if os.path.exists(shipped):
             shutil.copy(shipped, os.path.join(releases, "yt-dlp", "yt-dlp", tag, "yt-dlp"))
+        else:
+            print(f"  no {shipped}: the release server offers no yt-dlp to install", flush=True)
         self.releases, self.releases_url = testserver.start("releaseserver.py", "--root", releases)
 
     def environment(self):
@@ -75,8 +75,8 @@ class Walk:
         return env
 
     def launch(self):
-        log = open(os.path.join(self.out, "quillbox.log"), "a")
-        self.app = subprocess.Popen([self.app_path], env=self.environment(), stdout=log, stderr=log)
+        with open(os.path.join(self.out, "quillbox.log"), "a") as log:
+            self.app = subprocess.Popen([self.app_path], env=self.environment(), stdout=log, stderr=log)
         self.window = self.wait(lambda: self.find("frame", "Quillbox"), "the window")
         wid = subprocess.run(["xdotool", "search", "--sync", "--onlyvisible", "--name", "Quillbox"],
                              capture_output=True, text=True, timeout=20).stdout.split()[0]
@@ -86,16 +86,21 @@ class Walk:
         time.sleep(1.5)
 
     def close(self):
+        def end(process, politely):
+            try:
+                politely(process)
+                process.wait(10)
+            except (OSError, subprocess.TimeoutExpired):
+                process.kill()
+                process.wait()
+
         if self.app and self.app.poll() is None:
-            self.app.terminate()
-            self.app.wait(10)
+            end(self.app, subprocess.Popen.terminate)
         for server in (getattr(self, "media", None), getattr(self, "releases", None)):
             if server:
-                server.stdin.close()
-                server.wait(10)
+                end(server, lambda p: p.stdin.close())
         for child in reversed(self.children):
-            child.send_signal(signal.SIGTERM)
-            child.wait(10)
+            end(child, subprocess.Popen.terminate)
         shutil.rmtree(self.home, ignore_errors=True)
 
     # -- finding and using controls
@@ -193,11 +198,11 @@ class Walk:
         self.start_x()
         self.start_servers()
         base = self.media_url.rstrip("/")
-        links = [f"{base}/slow/12000/named/video.mp4/城市夜景延时摄影_合集_第一部分_一段很长很长的标题用来看它会不会被截断.mp4",
+        links = [f"{base}/slow/6000/named/video.mp4/城市夜景延时摄影_合集_第一部分_一段很长很长的标题用来看它会不会被截断.mp4",
                  "",
                  f"{base}/named/audio.m4a/山间清晨的鸟鸣.m4a",
                  f"{base}/status/404/已经删除的视频.mp4",
-                 f"{base}/slow/8000/named/silent.mp4/无声片段.mp4"]
+                 f"{base}/slow/5000/named/silent.mp4/无声片段.mp4"]
 
         self.launch()
         self.shot("first-start")
@@ -210,6 +215,9 @@ class Walk:
         self.click("push button", "开始下载", exact=True)
         time.sleep(3)
         self.shot("started")
+        self.click("push button", "开始下载", exact=True)
+        self.shot("same-links-question")
+        self.click("push button", "取消", exact=True)
 
         self.hover("push button", "城市夜景")
         self.shot("row-hover")
@@ -226,6 +234,8 @@ class Walk:
         self.wait(lambda: self.find("push button", "山间清晨"), "the finished audio", timeout=60)
         self.on_row("山间清晨", "打开文件")
         self.shot("open-file")
+        self.on_row("山间清晨", "在文件夹中显示")
+        self.shot("reveal")
         self.on_row("山间清晨", "视频信息")
         time.sleep(2)
         self.shot("video-info")
@@ -268,8 +278,9 @@ def main():
     parser.add_argument("--app", required=True)
     parser.add_argument("--out", required=True)
     parser.add_argument("--size", default="1200x800")
+    parser.add_argument("--media", required=True, help="folder of the generated test media (kept)")
     args = parser.parse_args()
-    walk = Walk(os.path.abspath(args.app), os.path.abspath(args.out), args.size)
+    walk = Walk(os.path.abspath(args.app), os.path.abspath(args.out), args.size, os.path.abspath(args.media))
     try:
         walk.run()
     finally:

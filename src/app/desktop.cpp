@@ -50,7 +50,7 @@ QString Desktop::openerFailure(bool folder, int exitCode, const QString &output)
         || said.contains(u"No application knows"_s, Qt::CaseInsensitive);
     const QString reason = said.isEmpty() ? u"退出码 %1"_s.arg(exitCode) : said;
     if (noHandler)
-        return u"没有能打开此%1的程序，请先安装一个（%2）"_s.arg(what, reason);
+        return u"没有可以打开此%1的程序（%2）"_s.arg(what, reason);
     return u"无法打开此%1（%2）"_s.arg(what, reason);
 }
 

@@ -19,9 +19,9 @@ Popup {
     }
 
     anchors.centerIn: parent
-    // As designed, grown for long paths and more entries as far as the sheet allows.
+    // 350×250 at least, grown for long paths and more entries as far as the sheet allows.
     width: Math.min(Math.max(350, implicitWidth), parent ? parent.width - 2 * Theme.spacingWide : 350)
-    height: Math.max(250, implicitHeight)
+    height: Math.min(Math.max(250, implicitHeight), parent ? parent.height - 2 * Theme.spacingWide : 250)
     modal: true
     focus: true
     closePolicy: Popup.CloseOnEscape

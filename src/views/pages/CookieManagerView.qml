@@ -12,11 +12,14 @@ Rectangle {
 
     readonly property bool browserChosen: AppState.cookieSource !== "none" && AppState.cookieSource !== "file"
 
-    // The entry of the browser list that downloads use (Chrome's while no browser is chosen).
+    // The entry of the browser list that downloads use; while no browser is chosen, Chrome's, or
+    // the first browser that has cookies.
     function chosenBrowserIndex(): int {
-        return browserChoice.count > 0
-                ? Math.max(0, browserChoice.indexOfValue(root.browserChosen ? AppState.cookieSource : "chrome"))
-                : -1
+        const chosen = browserChoice.indexOfValue(root.browserChosen ? AppState.cookieSource : "chrome")
+        if (chosen >= 0 && (root.browserChosen || presenter.browsers[chosen].usable))
+            return chosen
+        const usable = presenter.browsers.findIndex(browser => browser.usable)
+        return usable >= 0 ? usable : Math.min(0, browserChoice.count - 1)
     }
 
     // A page on exporting cookies for yt-dlp, in the browser.

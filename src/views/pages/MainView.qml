@@ -25,6 +25,7 @@ Item {
 
     // "新建下载任务": the download page, ready for links.
     function newDownload() {
+        AppState.showSettings = false
         AppState.selectedTab = 0
         inputView.focusLinks()
     }

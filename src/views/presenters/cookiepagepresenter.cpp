@@ -88,7 +88,7 @@ void CookiePagePresenter::readBrowsers()
     // chosen rather than leaving the browser out.
     QStringList cookieless;
     for (const CookieBrowser &browser : cookielessBrowsers(m_home)) {
-        browsers.append(entry(browser.name, browser.label + u"（尚未使用）"_s, false));
+        browsers.append(entry(browser.name, browser.label + u"（没有 Cookie）"_s, false));
         cookieless << browser.label;
         chosenListed = chosenListed || browser.name == chosen;
     }

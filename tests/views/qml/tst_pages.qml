@@ -144,7 +144,7 @@ ViewTestCase {
         const note = child("browserNote", page)
         compare(choice.currentText, "Vivaldi（未找到）")
         verify(child("sourceBrowser", page).checked)
-        verify(choice.find("Chromium（尚未使用）") > 0)
+        verify(choice.find("Chromium（没有 Cookie）") > 0)
         verify(/Chromium 已安装，但还没有 Cookie/.test(note.text), note.text)
         let reached = -1
         choice.activated.connect(index => reached = index)

@@ -173,7 +173,7 @@ ViewTestCase {
         tryVerify(() => opened() === folder + "\n")
         TestHelper.writeFile(bin + "/broken", "")
         mouseClick(child("revealAction", row))
-        tryVerify(() => warning.text.startsWith("没有能打开此文件夹的程序") && warning.text.includes("no method"))
+        tryVerify(() => warning.text.startsWith("没有可以打开此文件夹的程序") && warning.text.includes("no method"))
         TestHelper.removeFile(bin + "/broken")
         TestHelper.writeFile(bin + "/go", "")
         tryCompare(child("statusText", row), "text", "已完成", 20000)
