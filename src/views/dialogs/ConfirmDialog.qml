@@ -3,13 +3,16 @@ import QtQuick.Controls.Basic
 import QtQuick.Layouts
 import Quillbox
 
-// Asks before something that cannot be undone: a message, "取消", and a button that does it.
-// Enter does it too, unless the keyboard focus is on "取消"; Escape cancels.
+// Asks before doing something: a message, "取消", and a button that does it, red with a warning
+// sign when it cannot be undone (`destructive`), the accent colour with an information sign when it
+// only repeats or replaces. Enter does it too, unless the keyboard focus is on "取消"; Escape
+// cancels.
 Dialog {
     id: root
 
     property string message
     property string confirmText: "确定"
+    property bool destructive: true
 
     signal confirmed
 
@@ -40,8 +43,8 @@ Dialog {
         RowLayout {
             spacing: Theme.spacing
             Icon {
-                symbol: "exclamationmark.triangle.fill"
-                color: Theme.orange
+                symbol: root.destructive ? "exclamationmark.triangle.fill" : "info.circle"
+                color: root.destructive ? Theme.orange : Theme.accent
                 size: Theme.iconMedium
             }
             Text {
@@ -65,7 +68,7 @@ Dialog {
             BorderedButton {
                 objectName: "confirmButton"
                 prominent: true
-                fill: Theme.red
+                fill: root.destructive ? Theme.red : Theme.accent
                 text: root.confirmText
                 onClicked: root.confirm()
             }

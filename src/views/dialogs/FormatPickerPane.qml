@@ -176,7 +176,7 @@ Rectangle {
                 onClicked: {
                     const question = root.picker ? root.picker.replaceQuestion() : ""
                     if (question.length > 0)
-                        replaceDialog.open({ message: question, confirmText: "替换" })
+                        replaceDialog.open({ message: question, confirmText: "替换", destructive: false })
                     else
                         root.apply()
                 }

@@ -45,7 +45,7 @@ Rectangle {
         onRepeatAsked: count => {
             const message = count === 1 ? "这个链接已在队列中，要再加入一次吗？"
                                         : "这 %1 个链接都已在队列中，要再加入一次吗？".arg(count)
-            repeatDialog.open({ message: message, confirmText: "再次加入" })
+            repeatDialog.open({ message: message, confirmText: "再次加入", destructive: false })
         }
     }
 
