@@ -352,9 +352,10 @@ AbstractButton {
         }
     }
 
-    // Over the row's top right corner while it is hovered or selected: the text keeps the whole
-    // width the rest of the time, and does not reflow under the pointer. A focus scope, so that
-    // the row knows when the keyboard focus is on one of the actions.
+    // Over the row's top right corner while it is hovered, selected or focused: the one-line title
+    // then ends before them, the rest keeps the whole width, and the row's height never changes
+    // under the pointer. A focus scope, so that the row knows when the keyboard focus is on one of
+    // the actions.
     FocusScope {
         id: actionStrip
 
