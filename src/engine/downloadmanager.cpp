@@ -559,9 +559,10 @@ void DownloadManager::retryDownload(const QString &taskId)
     const QUuid id = QUuid::fromString(taskId);
     const DownloadTask *task = m_tasks->find(id);
     if (!task || !m_requests.contains(id)
-        || (task->status != DownloadStatus::Failed && task->status != DownloadStatus::Cancelled))
+        || (task->status != DownloadStatus::Failed && task->status != DownloadStatus::Cancelled
+            && task->status != DownloadStatus::Paused))
         return;
-    info(u"🔄 重试: "_s + task->title);
+    info((task->status == DownloadStatus::Paused ? u"▶ 继续: "_s : u"🔄 重试: "_s) + task->title);
     m_tasks->update(id, &DownloadManager::clearLastRun);
     m_waiting.push_back(id);
     pumpQueue();
@@ -632,9 +633,9 @@ void DownloadManager::restoreTasks(const QList<StoredTask> &rows)
                     clearLastRun(task);
                 waiting.push_back(task.id);
             } else {
-                // Held for this run only: the row is not written, so the store still has it
-                // unfinished and a later start that resumes carries it on.
-                task.status = DownloadStatus::Cancelled;
+                // Paused for this run only, until "继续": the row is not written, so the store
+                // still has it unfinished and a later start that resumes carries it on.
+                task.status = DownloadStatus::Paused;
                 task.speed.clear();
             }
         }
@@ -654,7 +655,7 @@ void DownloadManager::restoreTasks(const QList<StoredTask> &rows)
         info(u"▶ 继续上次未完成的 %1 个下载"_s.arg(unfinished));
     else if (unfinished > 0)
         info(
-            u"⏸ 上次未完成的 %1 个下载未自动继续（设置中“启动时继续未完成的下载”已关闭），点“重试”可接着下载"_s
+            u"⏸ 上次未完成的 %1 个下载未自动继续（设置中“启动时继续未完成的下载”已关闭），点“继续”可接着下载"_s
                 .arg(unfinished));
     pumpQueue();
 }

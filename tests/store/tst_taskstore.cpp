@@ -336,7 +336,7 @@ private Q_SLOTS:
         downloads.clearCompleted();
         memory.close();
         downloads.shutdown();
-        // Held at the next start, the unfinished row shows stopped and does not run; the store
+        // Held at the next start, the unfinished row shows paused and does not run; the store
         // keeps it unfinished for a start that carries on.
         AppState heldState;
         DownloadManager held(&heldState, locations());
@@ -345,7 +345,7 @@ private Q_SLOTS:
         heldMemory.start();
         QTRY_VERIFY(heldMemory.isRestored() && held.tools()->isReady());
         QCOMPARE(held.tasks().at(1).status, DownloadStatus::Cancelled);
-        QCOMPARE(held.tasks().at(2).status, DownloadStatus::Cancelled);
+        QCOMPARE(held.tasks().at(2).status, DownloadStatus::Paused);
         QCOMPARE(held.runningCount(), 0);
         heldMemory.close();
         held.setResumeAtStart(true);

@@ -43,6 +43,7 @@ AbstractButton {
     readonly property bool canStop: status === Download.Pending || status === Download.Preparing
         || status === Download.Downloading
     readonly property bool canRetry: status === Download.Failed || status === Download.Cancelled
+        || status === Download.Paused
     readonly property bool hasFile: outputPath.length > 0
     // The file is there to open only once the download has completed; until then its folder is.
     readonly property bool canOpen: hasFile && status === Download.Completed
@@ -66,7 +67,9 @@ AbstractButton {
         },
         TaskAction {
             name: "retry"
-            text: "重试"
+            // A row paused at start goes on where it was; any other starts again (and yt-dlp
+            // still continues its ".part").
+            text: root.status === Download.Paused ? "继续" : "重试"
             symbol: "arrow.clockwise"
             enabled: root.canRetry
             endsGroup: true

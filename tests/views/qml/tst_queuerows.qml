@@ -51,7 +51,8 @@ ViewTestCase {
 
     function test_actionsPerStatus() {
         const statuses = ["等待中", "准备中", "下载中", "已完成", "失败", "已取消", "已暂停"]
-        const expected = [["stopAction"], ["stopAction"], ["stopAction"], [], ["retryAction"], ["retryAction"], []]
+        const expected = [["stopAction"], ["stopAction"], ["stopAction"], [], ["retryAction"], ["retryAction"],
+                          ["retryAction"]]
         const list = sampleRows(statuses, 0.5)
         for (let i = 0; i < statuses.length; ++i) {
             const row = list.itemAtIndex(i)
@@ -60,6 +61,9 @@ ViewTestCase {
             // The bar only while preparing or downloading.
             compare(findChild(row, "progressRow").visible, i === 1 || i === 2, statuses[i])
         }
+        // A row paused at start goes on; a failed or stopped one starts again.
+        compare(findChild(list.itemAtIndex(6), "retryAction").text, "继续")
+        compare(findChild(list.itemAtIndex(5), "retryAction").text, "重试")
         const done = sampleRows(["已完成"], 1, "", "", "/videos/a clip.mp4").itemAtIndex(0)
         compare(shownActions(done), ["openAction", "revealAction", "videoInfoAction", "copyLinkAction",
                                      "removeAction"])
