@@ -303,6 +303,39 @@ Rectangle {
         implicitHeight: footerColumn.implicitHeight + 28
         color: Theme.surface
 
+        // How many downloads the last press queued, for a few seconds: over the form just above
+        // the bar, so that the button stays where the pointer is for a second press.
+        Rectangle {
+            anchors.bottom: parent.top
+            anchors.bottomMargin: Theme.spacing
+            anchors.horizontalCenter: parent.horizontalCenter
+            visible: queuedNotice.shown && inputPresenter.startNotice.length === 0
+            width: queuedNotice.implicitWidth + 2 * Theme.spacingLarge
+            height: queuedNotice.implicitHeight + 2 * Theme.spacingSmall
+            radius: height / 2
+            color: Theme.raised
+            border.color: Theme.border
+
+            Text {
+                id: queuedNotice
+
+                property bool shown: false
+
+                objectName: "queuedNotice"
+                anchors.centerIn: parent
+                textFormat: Text.PlainText
+                color: Theme.green
+                font.pixelSize: Theme.caption
+
+                Timer {
+                    id: queuedNoticeTimer
+
+                    interval: 4000
+                    onTriggered: queuedNotice.shown = false
+                }
+            }
+        }
+
         ColumnLayout {
             id: footerColumn
 
@@ -346,26 +379,6 @@ Rectangle {
                 color: Theme.orange
                 font.pixelSize: Theme.caption
                 wrapMode: Text.Wrap
-            }
-            // How many downloads the last press queued, for a few seconds.
-            Text {
-                id: queuedNotice
-
-                property bool shown: false
-
-                objectName: "queuedNotice"
-                Layout.alignment: Qt.AlignHCenter
-                visible: shown && inputPresenter.startNotice.length === 0
-                textFormat: Text.PlainText
-                color: Theme.green
-                font.pixelSize: Theme.caption
-
-                Timer {
-                    id: queuedNoticeTimer
-
-                    interval: 4000
-                    onTriggered: queuedNotice.shown = false
-                }
             }
         }
     }
