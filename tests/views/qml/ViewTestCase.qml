@@ -9,6 +9,9 @@ TestCase {
     id: testCase
 
     property var view: null
+    // The PATH the tests started with; a test that puts stand-ins on it gets it back in cleanup(),
+    // also when it fails half-way.
+    readonly property string originalPath: TestHelper.env("PATH")
 
     width: 1200
     height: 800

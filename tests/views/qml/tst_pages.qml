@@ -48,6 +48,10 @@ ViewTestCase {
         TestHelper.removeFile(chromeDatabase)
     }
 
+    function cleanup() {
+        TestHelper.setEnv("PATH", originalPath)
+    }
+
     function cleanupTestCase() {
         AppState.selectedTab = 0
     }
@@ -157,7 +161,6 @@ ViewTestCase {
         choice.popup.open()
         tryVerify(() => choice.popup.opened && choice.find("Chromium") > 0 && !note.text.includes("Chromium"))
         TestHelper.removeFile(chromiumDatabase)
-        TestHelper.setEnv("PATH", path)
 
         mouseClick(child("sourceNone", page))
         compare(AppState.cookieSource, "none")

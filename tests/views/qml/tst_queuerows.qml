@@ -29,6 +29,7 @@ ViewTestCase {
 
     function cleanup() {
         stopDownloads()
+        TestHelper.setEnv("PATH", originalPath)
     }
 
     function start(links) {
@@ -184,7 +185,6 @@ ViewTestCase {
         verify(!warning.visible)
         clickRowAction(row, "openAction")
         tryVerify(() => opened().endsWith(folder + "/fake.mp4\n"), 5000, opened())
-        TestHelper.setEnv("PATH", path)
     }
 
     // The smallest window shows the whole queue pane: the stop button and a row's actions; with
