@@ -66,6 +66,8 @@ QStringList profileRoots(const QString &browser, const QString &home)
 {
     const QString mac = home + u"/Library/Application Support/"_s;
     const QString config = home + u"/.config/"_s;
+    if (browser == u"chrome")
+        return { mac + u"Google/Chrome"_s, config + u"google-chrome"_s };
     if (browser == u"chromium")
         return { mac + u"Chromium"_s, config + u"chromium"_s, home + u"/snap/chromium/common/chromium"_s };
     if (browser == u"brave")
@@ -122,9 +124,7 @@ bool browserCookiesPresent(const QString &browser, const QString &home)
 
 bool browserInstalled(const QString &browser, const QString &home)
 {
-    QStringList roots = profileRoots(browser, home);
-    if (browser == u"chrome")
-        roots = { home + u"/Library/Application Support/Google/Chrome"_s, home + u"/.config/google-chrome"_s };
+    const QStringList roots = profileRoots(browser, home);
     if (std::any_of(roots.begin(), roots.end(), [](const QString &root) { return QFileInfo(root).isDir(); }))
         return true;
     const QList<CookieBrowser> browsers = supportedCookieBrowsers();

@@ -4,6 +4,7 @@
 #include "cookies/cookiewords.h"
 #include "engine/shellrunner.h"
 #include "engine/tooldiscovery.h"
+#include "engine/tooltext.h"
 #include "model/logcategories.h"
 
 #include <QDir>
@@ -220,9 +221,7 @@ bool CookieCheck::start(const QString &source, const QString &cookieFile, const 
     CookieCheckResult early;
     const bool fromFile = source == QLatin1String(CookieSourceNames::File);
     early.sourceLabel = fromFile ? u"Cookie 文件"_s : cookieBrowserLabel(source);
-    QString path = cookieFile.trimmed();
-    if (path == u"~"_s || path.startsWith(u"~/"_s))
-        path = home + path.mid(1);
+    const QString path = expandHome(cookieFile.trimmed(), home);
     if (source == QLatin1String(CookieSourceNames::None) || source.isEmpty() || (fromFile && path.isEmpty())) {
         early.problem = CookieCheckProblem::NoSource;
     } else if (fromFile && !QFileInfo(path).isFile()) {

@@ -1,6 +1,7 @@
 #include "cookies/cookiewords.h"
 
 #include "cookies/chromecookies.h"
+#include "engine/tooltext.h"
 
 #include <QFileInfo>
 
@@ -21,9 +22,7 @@ CookieWords cookieWords(const QString &source, const QString &cookieFile, const 
     if (source == QLatin1String(CookieSourceNames::None))
         return result;
     if (source == QLatin1String(CookieSourceNames::File)) {
-        QString path = cookieFile.trimmed();
-        if (path == u"~"_s || path.startsWith(u"~/"_s))
-            path = home + path.mid(1);
+        const QString path = expandHome(cookieFile.trimmed(), home);
         if (path.isEmpty()) {
             result.warning
                 = u"⚠️ 未选择 Cookie 文件，本次不使用 Cookie（可在“Cookie 管理”中选择）"_s;

@@ -4,6 +4,7 @@
 #include "engine/secretarguments.h"
 #include "engine/shellrunner.h"
 #include "engine/shellwords.h"
+#include "engine/tooltext.h"
 #include "engine/videoinfofetch.h"
 #include "model/enginehost.h"
 #include "model/logcategories.h"
@@ -181,9 +182,7 @@ QUuid DownloadManager::createTask(const DownloadRequest &request, QList<Download
 QString DownloadManager::expandHome(const QString &folder) const
 {
     // A folder typed as "~/Videos" means the home folder's, as it would in a shell.
-    if (folder == u"~"_s || folder.startsWith(u"~/"_s))
-        return m_tools->locations().home + folder.mid(1);
-    return folder;
+    return ::expandHome(folder, m_tools->locations().home);
 }
 
 bool DownloadManager::clashesWithRunning(const DownloadRequest &request) const

@@ -17,3 +17,10 @@ QString leftCharacters(const QString &text, qsizetype count)
         end += text.at(end).isHighSurrogate() && end + 1 < text.size() && text.at(end + 1).isLowSurrogate() ? 2 : 1;
     return text.left(end);
 }
+
+QString expandHome(const QString &path, const QString &home)
+{
+    if (path == u"~" || path.startsWith(u"~/"))
+        return home + path.mid(1);
+    return path;
+}

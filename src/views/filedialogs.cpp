@@ -1,5 +1,6 @@
 #include "views/filedialogs.h"
 
+#include "engine/tooltext.h"
 #include "views/colors.h"
 
 #include <QColor>
@@ -12,9 +13,7 @@ using namespace Qt::StringLiterals;
 
 QUrl FileDialogs::startFolder(const QString &path) const
 {
-    QString folder = path.trimmed();
-    if (folder == u"~" || folder.startsWith(u"~/"))
-        folder = QDir::homePath() + folder.mid(1);
+    QString folder = expandHome(path.trimmed(), QDir::homePath());
     if (!QDir::isAbsolutePath(folder))
         return QUrl::fromLocalFile(QDir::homePath());
     folder = QDir::cleanPath(folder);

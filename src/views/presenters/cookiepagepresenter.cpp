@@ -5,6 +5,7 @@
 #include "cookies/cookieservice.h"
 #include "cookies/cookiewords.h"
 #include "engine/downloadmanager.h"
+#include "engine/tooltext.h"
 #include "model/appstate.h"
 
 #include <QDir>
@@ -114,9 +115,7 @@ void CookiePagePresenter::readCookieFile()
     m_domains.clear();
     m_fileProblem.clear();
     m_expiredCount = 0;
-    QString path = m_state->cookiePath().trimmed();
-    if (path.startsWith(u"~/"_s))
-        path = m_home + path.mid(1);
+    const QString path = expandHome(m_state->cookiePath().trimmed(), m_home);
     if (!path.isEmpty()) {
         QString error;
         const QList<CookieDomainSummary> hosts = summarizeCookieFile(path, QDateTime::currentDateTime(), &error);
