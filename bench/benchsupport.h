@@ -179,6 +179,15 @@ inline double maximum(const QList<double> &values)
     return values.isEmpty() ? 0 : *std::max_element(values.cbegin(), values.cend());
 }
 
+// The value below which `fraction` of `values` lie (0.99: the 99th percentile).
+inline double percentile(QList<double> values, double fraction)
+{
+    if (values.isEmpty())
+        return 0;
+    std::sort(values.begin(), values.end());
+    return values.at(std::min<qsizetype>(values.size() - 1, qsizetype(fraction * double(values.size()))));
+}
+
 // "12.3" with `decimals` places.
 inline QString number(double value, int decimals = 1)
 {
