@@ -2,8 +2,9 @@
 // the first frame has settled, after every fifth of the downloads and at the end, and how long the
 // window's frames and its answers take while they run. The downloads go as a person's would: ten
 // links at a time in the links box and "开始下载" pressed, the engine running three at once, each
-// row added, run and finished, its title and picture fetched, and scrolled out of view as the next
-// links join the end of the queue.
+// row added, run, merged and finished, its title and picture fetched, and scrolled out of view as
+// the next links join the end of the queue. At every fifth the queue is looked through from its
+// top down to its end again, a screen at a time.
 //
 // The renderer is fixed for the life of a process, so the benchmark starts itself once per
 // renderer (--renderer software: Qt Quick's software scene graph; --renderer opengl: Qt's default,
@@ -215,9 +216,9 @@ int runOne(int argc, char **argv, const QString &renderer)
 
         Sandbox sandbox;
         QuietEngineLog quiet;
-        for (const auto &[variable, folder] : { std::pair { "XDG_CONFIG_HOME", u"config"_s },
-                 std::pair { "XDG_CACHE_HOME", u"cache"_s }, std::pair { "XDG_DATA_HOME", u"data"_s },
-                 std::pair { "XDG_STATE_HOME", u"state"_s } }) {
+        for (const auto &[variable, folder] :
+            { std::pair { "XDG_CONFIG_HOME", u"config"_s }, std::pair { "XDG_CACHE_HOME", u"cache"_s },
+                std::pair { "XDG_DATA_HOME", u"data"_s }, std::pair { "XDG_STATE_HOME", u"state"_s } }) {
             QDir().mkpath(sandbox.path(folder));
             qputenv(variable, sandbox.path(folder).toUtf8());
         }
@@ -252,9 +253,11 @@ int runOne(int argc, char **argv, const QString &renderer)
         if (!sandbox.writeFile(u"info.json"_s, info))
             fail(u"cannot write the video information"_s);
         qputenv("FAKE_YTDLP_INFO", sandbox.path(u"info.json"_s).toUtf8());
+        // A download of the video and the audio, merged at the end: the row sweeps its bar meanwhile.
         setStandInScenario(sandbox,
-            R"([{"out": "[download] Destination: 视频.mp4\n"},
-                {"progress": {"count": 12, "rate": 30, "size": "23.50MiB"}}])");
+            R"([{"out": "[download] Destination: 视频.f137.mp4\n"},
+                {"progress": {"count": 12, "rate": 30, "size": "23.50MiB"}},
+                {"out": "[Merger] Merging formats into \"视频.mp4\"\n"}, {"sleep": 0.3}])");
 
         DownloadManager::deferDiscovery();
         DownloadManager::useLocations(locationsFor(sandbox, ytDlp, QString()));
@@ -285,21 +288,25 @@ int runOne(int argc, char **argv, const QString &renderer)
         auto *startButton = window->findChild<QQuickItem *>(u"startButton"_s);
         if (!list || !startButton)
             fail(u"the main window has no task list or no start button"_s);
-        say(label + u"drawn with %1%2 in a %3×%4 window (%5); %6 downloads, %7 links at a time, %8 at once"_s.arg(
-            drew, glRenderer.isEmpty() ? QString() : u" ("_s + glRenderer + u')', QString::number(window->width()),
-            QString::number(window->height()), QGuiApplication::platformName(), QString::number(total),
-            QString::number(batch), QString::number(downloads->maxConcurrentDownloads())));
+        say(label
+            + u"drawn with %1%2 in a %3×%4 window (%5); %6 downloads, %7 links at a time, %8 at once"_s.arg(drew,
+                glRenderer.isEmpty() ? QString() : u" ("_s + glRenderer + u')', QString::number(window->width()),
+                QString::number(window->height()), QGuiApplication::platformName(), QString::number(total),
+                QString::number(batch), QString::number(downloads->maxConcurrentDownloads())));
 
         const qint64 settledKiB = rssKiB();
         const qint64 settledHeapKiB = heapInUseKiB();
-        say(label + u"first frame settled: RSS %1 MiB, heap in use %2 MiB"_s.arg(
-            number(mib(settledKiB)), number(mib(settledHeapKiB))));
+        say(label
+            + u"first frame settled: RSS %1 MiB, heap in use %2 MiB"_s.arg(
+                number(mib(settledKiB)), number(mib(settledHeapKiB))));
 
         QList<Checkpoint> checkpoints;
         AnswerProbe probe;
         QElapsedTimer wall;
         int submitted = 0;
         int finished = 0;
+        bool lookingThrough = false;
+        qsizetype looks = 0;
         QString failure;
         QEventLoop loop;
         QTimer driver;
@@ -318,11 +325,26 @@ int runOne(int argc, char **argv, const QString &renderer)
                     ++finished;
             }
             while (checkpoints.size() < total / every && finished >= (checkpoints.size() + 1) * every) {
-                checkpoints.append({ int(checkpoints.size() + 1) * every, double(wall.elapsed()) / 1000, rssKiB(),
-                    heapInUseKiB() });
+                checkpoints.append(
+                    { int(checkpoints.size() + 1) * every, double(wall.elapsed()) / 1000, rssKiB(), heapInUseKiB() });
             }
             if (!failure.isEmpty() || finished == total) {
                 loop.quit();
+                return;
+            }
+            // A screen further down every 20 ms, from the top to the end.
+            if (lookingThrough) {
+                const double end = list->property("originY").toDouble() + list->property("contentHeight").toDouble()
+                    - list->height();
+                const double next = list->property("contentY").toDouble() + list->height();
+                list->setProperty("contentY", std::min(end, next));
+                lookingThrough = next < end;
+                return;
+            }
+            if (qsizetype(checkpoints.size()) > looks) {
+                ++looks;
+                lookingThrough = true;
+                list->setProperty("contentY", list->property("originY"));
                 return;
             }
             if (waiting == 0 && submitted < total) {
@@ -340,8 +362,8 @@ int runOne(int argc, char **argv, const QString &renderer)
         QTimer deadline;
         deadline.setSingleShot(true);
         QObject::connect(&deadline, &QTimer::timeout, &loop, [&] {
-            failure = u"%1 of %2 downloads finished within %3 s"_s.arg(finished).arg(total).arg(
-                deadline.interval() / 1000);
+            failure
+                = u"%1 of %2 downloads finished within %3 s"_s.arg(finished).arg(total).arg(deadline.interval() / 1000);
             loop.quit();
         });
         frames.record(true);
@@ -360,6 +382,10 @@ int runOne(int argc, char **argv, const QString &renderer)
             fail(u"a download process is still running 30 s after the last download finished"_s);
         spin(SettleMs);
         const qint64 endKiB = rssKiB();
+        // Nothing changes any more: a window that still draws has an animation running somewhere.
+        const int framesBeforeIdle = frames.count();
+        spin(SettleMs);
+        const int idleFrames = frames.count() - framesBeforeIdle;
         const qint64 endHeapKiB = heapInUseKiB();
 
         // The rows that exist now: those in view, the list's cache, and its pool for reuse.
@@ -371,22 +397,30 @@ int runOne(int argc, char **argv, const QString &renderer)
         const bool scrolled = list->property("contentY").toDouble() > 0;
         const QList<double> frameTimes = frames.frames();
         const QList<double> late = probe.late();
-        say(label + u"%1 downloads finished in %2 s (%3 a second); %4 rows exist, the queue %5"_s.arg(
-            QString::number(total), number(seconds, 1), number(total / seconds, 1), QString::number(rows),
-            scrolled ? u"scrolled to its end"_s : u"NOT scrolled"_s));
+        say(label
+            + u"%1 downloads finished in %2 s (%3 a second); %4 rows exist, the queue %5"_s.arg(QString::number(total),
+                number(seconds, 1), number(total / seconds, 1), QString::number(rows),
+                scrolled ? u"scrolled to its end"_s : u"NOT scrolled"_s));
         for (const Checkpoint &point : std::as_const(checkpoints)) {
-            say(label + u"  after %1: RSS %2 MiB (%3), heap in use %4 MiB (%5), at %6 s"_s.arg(
-                QString::number(point.finished), number(mib(point.rssKiB)), signedMiB(point.rssKiB - settledKiB),
-                number(mib(point.heapKiB)), signedMiB(point.heapKiB - settledHeapKiB), number(point.seconds, 1)));
+            say(label
+                + u"  after %1: RSS %2 MiB (%3), heap in use %4 MiB (%5), at %6 s"_s.arg(
+                    QString::number(point.finished), number(mib(point.rssKiB)), signedMiB(point.rssKiB - settledKiB),
+                    number(mib(point.heapKiB)), signedMiB(point.heapKiB - settledHeapKiB), number(point.seconds, 1)));
         }
-        say(label + u"%1 s after the last: RSS %2 MiB (%3 MiB), heap in use %4 MiB (%5 MiB)"_s.arg(
-            QString::number(SettleMs / 1000), number(mib(endKiB)), signedMiB(endKiB - settledKiB),
-            number(mib(endHeapKiB)), signedMiB(endHeapKiB - settledHeapKiB)));
-        say(label + u"frames during the downloads: %1, median %2 ms, 99th percentile %3 ms, longest %4 ms"_s.arg(
-            QString::number(frameTimes.size()), number(percentile(frameTimes, 0.5), 1),
-            number(percentile(frameTimes, 0.99), 1), number(maximum(frameTimes), 1)));
-        say(label + u"the window's answer (a %1 ms timer's lateness): 99th percentile %2 ms, longest %3 ms"_s.arg(
-            QString::number(ProbeMs), number(percentile(late, 0.99), 1), number(maximum(late), 1)));
+        say(label
+            + u"%1 s after the last: RSS %2 MiB (%3 MiB), heap in use %4 MiB (%5 MiB)"_s.arg(
+                QString::number(SettleMs / 1000), number(mib(endKiB)), signedMiB(endKiB - settledKiB),
+                number(mib(endHeapKiB)), signedMiB(endHeapKiB - settledHeapKiB)));
+        say(label
+            + u"frames drawn from %1 to %2 s after the last, with nothing left to change: %3"_s.arg(
+                QString::number(SettleMs / 1000), QString::number(2 * SettleMs / 1000), QString::number(idleFrames)));
+        say(label
+            + u"frames during the downloads: %1, median %2 ms, 99th percentile %3 ms, longest %4 ms"_s.arg(
+                QString::number(frameTimes.size()), number(percentile(frameTimes, 0.5), 1),
+                number(percentile(frameTimes, 0.99), 1), number(maximum(frameTimes), 1)));
+        say(label
+            + u"the window's answer (a %1 ms timer's lateness): 99th percentile %2 ms, longest %3 ms"_s.arg(
+                QString::number(ProbeMs), number(percentile(late, 0.99), 1), number(maximum(late), 1)));
 
         QList<std::pair<QString, QString>> fields {
             { u"renderer"_s, drew },
@@ -405,8 +439,19 @@ int runOne(int argc, char **argv, const QString &renderer)
             { u"answer_p99_ms"_s, number(percentile(late, 0.99), 1) },
             { u"answer_max_ms"_s, number(maximum(late), 1) },
             { u"rows"_s, QString::number(rows) },
+            { u"idle_frames"_s, QString::number(idleFrames) },
         };
         writeResult("bench_downloads_one", fields);
+        if (const QString folder = stringOption(argc, argv, "screenshots"); !folder.isEmpty()) {
+            QDir().mkpath(folder);
+            const QString file = QDir(folder).filePath(renderer + u".png"_s);
+            if (!window->grabWindow().save(file))
+                fail(u"cannot write "_s + file);
+            say(label + u"the window as it is now: "_s + file);
+        }
+        // For a heap profiler: what is still held now shows as never freed.
+        if (QCoreApplication::arguments().contains(u"--no-teardown"_s))
+            std::_Exit(0);
         // Quit as the application does: the queue is stored, the engine stopped.
         QTimer::singleShot(0, &app, &QCoreApplication::quit);
         app.exec();

@@ -41,19 +41,26 @@ inline bool shortMode(int argc, char **argv)
     return qEnvironmentVariableIntValue("QUILLBOX_BENCH_SHORT") == 1;
 }
 
-// The value of "--name=VALUE" or "--name VALUE", or `fallback`.
-inline int intOption(int argc, char **argv, const char *name, int fallback)
+// The value of "--name=VALUE" or "--name VALUE", or an empty string.
+inline QString stringOption(int argc, char **argv, const char *name)
 {
     const QByteArray flag = QByteArray("--") + name;
     const QByteArray withValue = flag + '=';
     for (int i = 1; i < argc; ++i) {
         const QByteArray arg(argv[i]);
         if (arg == flag && i + 1 < argc)
-            return QByteArray(argv[i + 1]).toInt();
+            return QString::fromLocal8Bit(argv[i + 1]);
         if (arg.startsWith(withValue))
-            return arg.mid(flag.size() + 1).toInt();
+            return QString::fromLocal8Bit(arg.mid(withValue.size()));
     }
-    return fallback;
+    return QString();
+}
+
+// The value of "--name=VALUE" or "--name VALUE" as a number, or `fallback`.
+inline int intOption(int argc, char **argv, const char *name, int fallback)
+{
+    const QString value = stringOption(argc, argv, name);
+    return value.isEmpty() ? fallback : value.toInt();
 }
 
 // The source tree: $QUILLBOX_SOURCE_DIR, else where the benchmark was built from.
