@@ -97,6 +97,11 @@ Rectangle {
                 spacing: Theme.spacingMedium
                 reuseItems: true
                 boundsBehavior: Flickable.StopAtBounds
+                // No row is the list's current one (a click selects a row through selectedTaskId):
+                // a current row is kept made however far it is scrolled away, and the list's
+                // invisible highlight would glide after it, drawing every frame while it does.
+                currentIndex: -1
+                highlightFollowsCurrentItem: false
                 model: DownloadManager.tasks
 
                 delegate: DownloadTaskRow {
