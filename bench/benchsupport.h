@@ -42,18 +42,24 @@ inline bool shortMode(int argc, char **argv)
 }
 
 // The value of "--name=VALUE" or "--name VALUE", or `fallback`.
-inline int intOption(int argc, char **argv, const char *name, int fallback)
+inline QString stringOption(int argc, char **argv, const char *name, const QString &fallback = QString())
 {
     const QByteArray flag = QByteArray("--") + name;
     const QByteArray withValue = flag + '=';
     for (int i = 1; i < argc; ++i) {
         const QByteArray arg(argv[i]);
         if (arg == flag && i + 1 < argc)
-            return QByteArray(argv[i + 1]).toInt();
+            return QString::fromLocal8Bit(argv[i + 1]);
         if (arg.startsWith(withValue))
-            return arg.mid(flag.size() + 1).toInt();
+            return QString::fromLocal8Bit(arg.mid(flag.size() + 1));
     }
     return fallback;
+}
+
+inline int intOption(int argc, char **argv, const char *name, int fallback)
+{
+    const QString value = stringOption(argc, argv, name);
+    return value.isNull() ? fallback : value.toInt();
 }
 
 // The source tree: $QUILLBOX_SOURCE_DIR, else where the benchmark was built from.
