@@ -23,14 +23,6 @@ using namespace Qt::StringLiterals;
 using namespace bench;
 
 namespace {
-double percentile(QList<double> values, double fraction)
-{
-    if (values.isEmpty())
-        return 0;
-    std::sort(values.begin(), values.end());
-    return values.at(std::min<qsizetype>(values.size() - 1, qsizetype(fraction * double(values.size()))));
-}
-
 double msSince(const QElapsedTimer &timer)
 {
     return double(timer.nsecsElapsed()) / 1e6;

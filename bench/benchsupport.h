@@ -51,15 +51,16 @@ inline QString stringOption(int argc, char **argv, const char *name, const QStri
         if (arg == flag && i + 1 < argc)
             return QString::fromLocal8Bit(argv[i + 1]);
         if (arg.startsWith(withValue))
-            return QString::fromLocal8Bit(arg.mid(flag.size() + 1));
+            return QString::fromLocal8Bit(arg.mid(withValue.size()));
     }
     return fallback;
 }
 
+// The value of "--name=VALUE" or "--name VALUE" as a number, or `fallback`.
 inline int intOption(int argc, char **argv, const char *name, int fallback)
 {
     const QString value = stringOption(argc, argv, name);
-    return value.isNull() ? fallback : value.toInt();
+    return value.isEmpty() ? fallback : value.toInt();
 }
 
 // The source tree: $QUILLBOX_SOURCE_DIR, else where the benchmark was built from.
@@ -183,6 +184,15 @@ inline double minimum(const QList<double> &values)
 inline double maximum(const QList<double> &values)
 {
     return values.isEmpty() ? 0 : *std::max_element(values.cbegin(), values.cend());
+}
+
+// The value below which `fraction` of `values` lie (0.99: the 99th percentile).
+inline double percentile(QList<double> values, double fraction)
+{
+    if (values.isEmpty())
+        return 0;
+    std::sort(values.begin(), values.end());
+    return values.at(std::min<qsizetype>(values.size() - 1, qsizetype(fraction * double(values.size()))));
 }
 
 // "12.3" with `decimals` places.

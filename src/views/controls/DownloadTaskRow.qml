@@ -1,3 +1,5 @@
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import QtQuick.Controls.Basic
 import QtQuick.Layouts
@@ -32,6 +34,9 @@ AbstractButton {
     // The explanation's fix is in the settings' tools (yt-dlp, a JavaScript runtime).
     required property bool needsToolFix
     property bool isSelected: false
+    // Whether any of the row is in sight; a list says so of its delegates. A row out of sight
+    // keeps still: an animation would have the window draw every frame for nothing.
+    property bool inView: true
     // The video's information is being fetched for the sheet.
     property bool loadingInfo: false
     property bool showsToolOutput: false
@@ -48,7 +53,11 @@ AbstractButton {
     // The file is there to open only once the download has completed; until then its folder is.
     readonly property bool canOpen: hasFile && status === Download.Completed
     // Also while the keyboard focus is on one of them: hiding them would drop the focus.
-    readonly property bool showsActions: hovered || isSelected || activeFocus || actionStrip.activeFocus || menu.visible
+    readonly property bool showsActions: hovered || isSelected || activeFocus || actionStrip.activeFocus || menuShown
+    // The context menu, made the first time it is asked for: most rows never show theirs, and a
+    // menu is a dozen controls.
+    property Menu menu: null
+    readonly property bool menuShown: menu !== null && menu.visible
     // How much of the top right corner the actions and the copy notice take: the title ends before.
     readonly property real cornerWidth: (showsActions ? actionStrip.width : 0)
         + (linkCopied ? copiedNotice.width + Theme.spacingSmall : 0)
@@ -123,6 +132,13 @@ AbstractButton {
     // its file changes.
     property string openError
 
+    // Opens the context menu at (x, y) in the row.
+    function popupMenu(x: real, y: real) {
+        if (!root.menu)
+            root.menu = menuMaker.createObject(root) as Menu
+        root.menu.popup(root, x, y)
+    }
+
     // A reused row starts folded.
     onTaskIdChanged: {
         showsToolOutput = false
@@ -151,12 +167,13 @@ AbstractButton {
         Thumbnail {
             objectName: "rowThumbnail"
             Layout.alignment: Qt.AlignTop
-            implicitWidth: loaded ? 64 : 40
+            pictureSize: Qt.size(64, 40)
+            implicitWidth: loaded ? pictureSize.width : 40
             implicitHeight: 40
             source: root.thumbnail
 
             Rectangle {
-                    implicitWidth: 40
+                implicitWidth: 40
                 implicitHeight: 40
                 radius: height / 2
                 color: Theme.badgeFill(root.tint)
@@ -311,7 +328,7 @@ AbstractButton {
                 objectName: "errorText"
                 Layout.fillWidth: true
                 visible: root.hasError && (!root.isExplained || root.showsToolOutput)
-                text: root.hasError ? root.errorMessage : ""
+                text: root.errorMessage ?? ""
                 color: root.isExplained ? Theme.gray : Theme.red
                 font.pixelSize: Theme.caption2
                 font.family: root.isExplained ? Theme.fixedFont.family : root.font.family
@@ -432,7 +449,8 @@ AbstractButton {
     }
 
     NumberAnimation on sweep {
-        running: root.phase.length > 0 && root.visible
+        objectName: "sweepAnimation"
+        running: root.phase.length > 0 && root.visible && root.inView
         from: 0
         to: 1
         duration: 1200
@@ -441,29 +459,33 @@ AbstractButton {
 
     TapHandler {
         acceptedButtons: Qt.RightButton
-        onTapped: eventPoint => menu.popup(root, eventPoint.position.x, eventPoint.position.y)
+        onTapped: eventPoint => root.popupMenu(eventPoint.position.x, eventPoint.position.y)
     }
-    Keys.onMenuPressed: menu.popup(root, 0, root.height)
+    Keys.onMenuPressed: root.popupMenu(0, root.height)
 
-    Menu {
-        id: menu
+    Component {
+        id: menuMaker
 
-        objectName: "rowMenu"
+        Menu {
+            id: menu
 
-        Instantiator {
-            model: root.taskActions
+            objectName: "rowMenu"
 
-            MenuItem {
-                required property TaskAction modelData
+            Instantiator {
+                model: root.taskActions
 
-                objectName: modelData.name + "MenuItem"
-                action: modelData
-            }
-            // The actions are fixed, so they arrive once and in order.
-            onObjectAdded: (index, item) => {
-                menu.addItem(item)
-                if (item.action.endsGroup)
-                    menu.addItem(menuSeparator.createObject(menu))
+                MenuItem {
+                    required property TaskAction modelData
+
+                    objectName: modelData.name + "MenuItem"
+                    action: modelData
+                }
+                // The actions are fixed, so they arrive once and in order.
+                onObjectAdded: (index, item) => {
+                    menu.addItem(item)
+                    if (item.action.endsGroup)
+                        menu.addItem(menuSeparator.createObject(menu.contentItem))
+                }
             }
         }
     }

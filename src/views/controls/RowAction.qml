@@ -1,3 +1,5 @@
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import QtQuick.Controls.Basic
 import Quillbox
@@ -6,24 +8,35 @@ import Quillbox
 IconButton {
     id: root
 
+    // Its own tooltip rather than the attached one, whose label would take markup for rich text.
+    // Made the first time the pointer rests on the button: most never have it there.
+    property ToolTip tip: null
+
     fill: "transparent"
     Accessible.name: text
+    onHoveredChanged: {
+        if (hovered && !tip)
+            tip = tipMaker.createObject(root) as ToolTip
+    }
 
-    // Its own tooltip rather than the attached one, whose label would take markup for rich text.
-    ToolTip {
-        id: tip
+    Component {
+        id: tipMaker
 
-        objectName: "rowActionTip"
-        visible: root.hovered
-        delay: 500
-        text: root.text
+        ToolTip {
+            id: tip
 
-        contentItem: Text {
-            text: tip.text
-            textFormat: Text.PlainText
-            font: tip.font
-            wrapMode: Text.Wrap
-            color: tip.palette.toolTipText
+            objectName: "rowActionTip"
+            visible: root.hovered
+            delay: 500
+            text: root.text
+
+            contentItem: Text {
+                text: tip.text
+                textFormat: Text.PlainText
+                font: tip.font
+                wrapMode: Text.Wrap
+                color: tip.palette.toolTipText
+            }
         }
     }
 }

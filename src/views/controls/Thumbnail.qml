@@ -7,11 +7,15 @@ Item {
     id: root
 
     property url source
+    // The picture's size once loaded. It is decoded for that size (twice over, for high-density
+    // screens) whatever room the fallback takes meanwhile: a size that followed the item's would
+    // have the picture decoded again as the item grows to show it.
+    property size pictureSize: Qt.size(64, 36)
     default property alias fallback: fallbackHolder.data
     readonly property bool loaded: image.status === Image.Ready
 
-    implicitWidth: 64
-    implicitHeight: 36
+    implicitWidth: pictureSize.width
+    implicitHeight: pictureSize.height
 
     Image {
         id: image
@@ -22,8 +26,8 @@ Item {
         source: root.source
         asynchronous: true
         fillMode: Image.PreserveAspectCrop
-        sourceSize.width: root.width * 2
-        sourceSize.height: root.height * 2
+        sourceSize.width: root.pictureSize.width * 2
+        sourceSize.height: root.pictureSize.height * 2
         clip: true
     }
 

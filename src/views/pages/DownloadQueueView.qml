@@ -97,16 +97,30 @@ Rectangle {
                 spacing: Theme.spacingMedium
                 reuseItems: true
                 boundsBehavior: Flickable.StopAtBounds
+                // No row is the list's current one (a click selects a row through selectedTaskId):
+                // a current row is kept made however far it is scrolled away, and the list's
+                // invisible highlight would glide after it, drawing every frame while it does.
+                currentIndex: -1
+                highlightFollowsCurrentItem: false
                 model: DownloadManager.tasks
 
                 delegate: DownloadTaskRow {
+                    id: row
+
+                    // Kept for reuse once scrolled away: the model no longer updates it, so it
+                    // would go on showing the step it was in.
+                    property bool pooled: false
+
                     width: ListView.view.width
+                    inView: !pooled && y + height > list.contentY && y < list.contentY + list.height
                     isSelected: root.selectedTaskId === taskId
                     loadingInfo: root.videoInfoLoadingUrl === url
                     onClicked: root.selectedTaskId = taskId
                     onVideoInfoRequested: root.videoInfoRequested(url)
                     // The tools are checked and updated in the settings.
                     onToolFixRequested: AppState.showSettings = true
+                    ListView.onPooled: row.pooled = true
+                    ListView.onReused: row.pooled = false
                 }
 
                 ScrollBar.vertical: ScrollBar {}

@@ -119,6 +119,11 @@ Rectangle {
                 spacing: Theme.spacingTiny
                 reuseItems: true
                 boundsBehavior: Flickable.StopAtBounds
+                // No entry is current: the oldest would be kept made and followed by the list's
+                // invisible highlight, which glides (drawing every frame) each time the oldest
+                // entry leaves at the cap.
+                currentIndex: -1
+                highlightFollowsCurrentItem: false
                 model: AppState.logEntries
 
                 delegate: LogEntryRow {

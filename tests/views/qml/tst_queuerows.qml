@@ -72,8 +72,12 @@ ViewTestCase {
                                      "removeAction"])
         compare(findChild(done, "fileNameText").text, "a clip.mp4")
         // The menu offers what the row does.
-        verify(findChild(findChild(done, "rowMenu"), "revealMenuItem").enabled)
-        verify(!findChild(findChild(done, "rowMenu"), "stopMenuItem").enabled)
+        mouseClick(done, 20, 20, Qt.RightButton)
+        const doneMenu = findChild(done, "rowMenu")
+        tryCompare(doneMenu, "opened", true)
+        verify(findChild(doneMenu, "revealMenuItem").enabled)
+        verify(!findChild(doneMenu, "stopMenuItem").enabled)
+        doneMenu.close()
 
         // The actions show on the row that is hovered or selected, not on every row at once.
         const quiet = list.itemAtIndex(4)
@@ -160,8 +164,8 @@ ViewTestCase {
         tryCompare(DownloadManager, "runningCount", 2, 20000)
 
         // Retried, from its menu this time.
-        const menu = child("rowMenu", first)
         mouseClick(first, 20, 20, Qt.RightButton)
+        const menu = child("rowMenu", first)
         tryCompare(menu, "opened", true)
         mouseClick(child("retryMenuItem", menu))
         tryCompare(DownloadManager, "runningCount", 3, 20000)
@@ -180,6 +184,40 @@ ViewTestCase {
         compare(TestHelper.taskStatuses().slice(before), ["已取消", "已取消"])
         tryCompare(DownloadManager, "runningCount", 0, 20000)
         tryCompare(stop, "visible", false)
+    }
+
+    // While a download merges, its bar sweeps only where it can be seen: scrolled out of sight, or
+    // kept aside for reuse, the row keeps still, and it sweeps again once scrolled back.
+    function test_sweepOnlyInSight() {
+        showMainView()
+        const list = child("taskList"), first = DownloadManager.tasks.count
+        // Every row the list holds, those kept aside for reuse too.
+        const sweeping = () => {
+            const rows = list.contentItem.children
+            let count = 0
+            for (let i = 0; i < rows.length; ++i)
+                count += rows[i].taskId !== undefined && findChild(rows[i], "sweepAnimation").running ? 1 : 0
+            return count
+        }
+        TestHelper.setScenario('[{"out": "[Merger] Merging formats into \\"fake.mp4\\"\\n"}, {"sleep": 30}]', 0)
+        const links = []
+        for (let i = 0; i < 30; ++i)
+            links.push("https://sweep.example/" + i)
+        start(links)
+        tryCompare(DownloadManager, "runningCount", 3, 20000)
+        tryVerify(() => {
+            list.positionViewAtIndex(first, ListView.Beginning)
+            return sweeping() === 3
+        }, 20000)
+        // Just above the list's edge, where it keeps them made; then far away, kept for reuse.
+        list.positionViewAtIndex(first + 3, ListView.Beginning)
+        waitForRendering(list)
+        compare(sweeping(), 0)
+        list.positionViewAtEnd()
+        tryCompare(child("statusText", rowAt(first + 29)), "text", "等待中")
+        compare(sweeping(), 0)
+        list.positionViewAtIndex(first, ListView.Beginning)
+        tryVerify(() => sweeping() === 3)
     }
 
     // A long title ends before the actions over the row's corner; Tab shows on the row, then
