@@ -502,11 +502,6 @@ QList<std::pair<QString, QString>> summarise(
     return fields;
 }
 
-QString loadAverage()
-{
-    QFile in(u"/proc/loadavg"_s);
-    return in.open(QIODevice::ReadOnly) ? QString::fromLatin1(in.readAll()).section(u' ', 0, 2) : u"?"_s;
-}
 } // namespace
 
 int main(int argc, char **argv)

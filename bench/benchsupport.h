@@ -167,6 +167,13 @@ private:
 
 // --- Statistics
 
+// The machine's load averages over 1, 5 and 15 minutes, as /proc/loadavg gives them.
+inline QString loadAverage()
+{
+    QFile in(u"/proc/loadavg"_s);
+    return in.open(QIODevice::ReadOnly) ? QString::fromLatin1(in.readAll()).section(u' ', 0, 2) : u"?"_s;
+}
+
 inline double median(QList<double> values)
 {
     if (values.isEmpty())
