@@ -272,6 +272,10 @@ int runOne(int argc, char **argv, const QString &renderer)
             fail(u"no frame within %1 s"_s.arg(FirstFramePatienceMs / 1000));
 
         const QString drew = graphicsApiName(window->rendererInterface()->graphicsApi());
+        if (drew != renderer && QGuiApplication::platformName() == u"offscreen") {
+            say(label + u"SKIPPED: the offscreen platform has no %1; the window draws with %2"_s.arg(renderer, drew));
+            return 77;
+        }
         if (drew != renderer)
             fail(u"asked for %1, but the window draws with %2"_s.arg(renderer, drew));
         if (!waitUntil([&] { return downloads->tools()->isReady(); }, 60000, 20))
@@ -520,7 +524,7 @@ int runBoth(int argc, char **argv)
             if (child.exitStatus() == QProcess::CrashExit)
                 fail(u"the %1 run crashed"_s.arg(renderer));
             if (child.exitCode() == 77)
-                return 77;
+                continue;
             if (child.exitCode() != 0 || result.isEmpty())
                 fail(u"the %1 run failed (exit status %2)"_s.arg(renderer).arg(child.exitCode()));
             for (const QString &field : std::as_const(result)) {
@@ -528,6 +532,8 @@ int runBoth(int argc, char **argv)
                     fields.append({ renderer + u'_' + field.section(u'=', 0, 0), field.section(u'=', 1) });
             }
         }
+        if (fields.size() == 1)
+            return 77;
         writeResult("bench_downloads", fields);
         return 0;
     });

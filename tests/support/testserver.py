@@ -53,9 +53,18 @@ class Handler(BaseHTTPRequestHandler):
             self.close_connection = True
 
 
+class QuietServer(ThreadingHTTPServer):
+    def handle_error(self, request, client_address):
+        # A client that goes away before its answer is written (a picture whose loading was
+        # cancelled) is not the server's fault.
+        if isinstance(sys.exc_info()[1], (BrokenPipeError, ConnectionResetError)):
+            return
+        super().handle_error(request, client_address)
+
+
 def listen(handler, **attributes):
     """A server on a free port of 127.0.0.1 with `attributes` set on it, and its address."""
-    server = ThreadingHTTPServer((HOST, 0), handler)
+    server = QuietServer((HOST, 0), handler)
     for name, value in attributes.items():
         setattr(server, name, value)
     return server, f"http://{HOST}:{server.server_address[1]}/"
