@@ -44,12 +44,6 @@ constexpr int FirstFramePatienceMs = 60000;
 constexpr int SettleMs = 3000;
 constexpr int ProbeMs = 5;
 
-QString loadAverage()
-{
-    QFile file(u"/proc/loadavg"_s);
-    return file.open(QIODevice::ReadOnly) ? QString::fromLatin1(file.readAll()).section(u' ', 0, 2) : u"?"_s;
-}
-
 // What malloc holds for live allocations, all arenas (the render thread has its own), in KiB:
 // beside the resident size, it tells memory still in use from memory freed but not returned.
 qint64 heapInUseKiB()

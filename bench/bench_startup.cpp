@@ -3,8 +3,9 @@
 // (bench_barewindow) and the same window with a line of Chinese in each weight
 // (bench_barewindow --chinese), the floor of any Chinese interface. One start of each per round,
 // in an order that rotates from round to round; each one's resident memory 3 s after that frame,
-// and how much of it is font files. All draw on a private Xvfb (software OpenGL), so the frames
-// are really rendered.
+// and how much of it is font files. All draw on a private Xvfb, so the frames are really rendered,
+// each under both of Qt Quick's renderers in turn: OpenGL (Mesa's llvmpipe there) and the software
+// scene graph.
 //
 // The clock: this process reads CLOCK_MONOTONIC just before it starts the child; the child, run
 // with QUILLBOX_REPORT_FIRST_FRAME=FILE, appends CLOCK_MONOTONIC to FILE when its window's first
@@ -14,6 +15,7 @@
 #include "benchsupport.h"
 
 #include "history.h"
+#include "virtualdisplay.h"
 
 #include <QProcess>
 #include <QProcessEnvironment>
@@ -26,6 +28,7 @@
 #include <memory>
 #include <numeric>
 #include <tuple>
+#include <vector>
 
 #include <sys/prctl.h>
 #include <sys/stat.h>
@@ -163,60 +166,6 @@ QStringList endLeftovers(qint64 except)
     return names;
 }
 
-// A private X server on a free display number, ended when this goes.
-class VirtualDisplay
-{
-public:
-    explicit VirtualDisplay(const QString &xvfb, const QString &logFile)
-    {
-        for (int number = 99; number < 160 && m_name.isEmpty(); ++number) {
-            if (QFileInfo::exists(u"/tmp/.X%1-lock"_s.arg(number))
-                || QFileInfo::exists(u"/tmp/.X11-unix/X%1"_s.arg(number)))
-                continue;
-            m_process.setStandardInputFile(QProcess::nullDevice());
-            m_process.setStandardOutputFile(logFile, QIODevice::Append);
-            m_process.setStandardErrorFile(logFile, QIODevice::Append);
-            // Local connections only: no TCP listener.
-            m_process.start(
-                xvfb, { u":%1"_s.arg(number), u"-screen"_s, u"0"_s, u"1400x900x24"_s, u"-nolisten"_s, u"tcp"_s });
-            if (!m_process.waitForStarted(10000))
-                continue;
-            // Ready once its socket is there; gone early when another server took the number.
-            const QString socket = u"/tmp/.X11-unix/X%1"_s.arg(number);
-            waitUntil(
-                [&] { return QFileInfo::exists(socket) || m_process.state() == QProcess::NotRunning; }, 10000, 10);
-            if (m_process.state() == QProcess::Running && QFileInfo::exists(socket))
-                m_name = u":%1"_s.arg(number);
-            else
-                stop();
-        }
-    }
-
-    ~VirtualDisplay() { stop(); }
-
-    VirtualDisplay(const VirtualDisplay &) = delete;
-    VirtualDisplay &operator=(const VirtualDisplay &) = delete;
-
-    bool isValid() const { return !m_name.isEmpty(); }
-    QString name() const { return m_name; }
-    qint64 pid() const { return m_process.processId(); }
-
-private:
-    void stop()
-    {
-        if (m_process.state() == QProcess::NotRunning)
-            return;
-        m_process.terminate();
-        if (!m_process.waitForFinished(5000)) {
-            m_process.kill();
-            m_process.waitForFinished(5000);
-        }
-    }
-
-    QProcess m_process;
-    QString m_name;
-};
-
 struct Sample
 {
     double firstFrameMs = 0;
@@ -252,10 +201,12 @@ QString tail(const QString &file, int lines = 15)
 class Runner
 {
 public:
-    Runner(const Sandbox &sandbox, QProcessEnvironment environment, qint64 displayPid)
+    // `logPrefix` starts the names of the children's log files.
+    Runner(const Sandbox &sandbox, QProcessEnvironment environment, qint64 displayPid, QString logPrefix = {})
         : m_sandbox(sandbox)
         , m_environment(std::move(environment))
         , m_displayPid(displayPid)
+        , m_logPrefix(std::move(logPrefix))
     {
         m_environment.insert(u"QUILLBOX_REPORT_FIRST_FRAME"_s, report());
     }
@@ -268,7 +219,7 @@ public:
     {
         const QString &program = contender.program;
         QFile::remove(report());
-        const QString log = m_sandbox.path(u"logs/%1-%2.log"_s.arg(what).arg(++m_runs));
+        const QString log = m_sandbox.path(u"logs/%1%2-%3.log"_s.arg(m_logPrefix, what).arg(++m_runs));
         QProcess process;
         process.setProgram(program);
         process.setArguments(contender.arguments);
@@ -371,7 +322,27 @@ private:
     const Sandbox &m_sandbox;
     QProcessEnvironment m_environment;
     qint64 m_displayPid = 0;
+    QString m_logPrefix;
     int m_runs = 0;
+};
+
+// Every start of one renderer: the three of each round, and the extra starts asked for.
+struct Series
+{
+    QList<Sample> real, yardstick, chineseYardstick, held, stored;
+};
+
+// The starts under one renderer, with the runners that make them: plain, discovery held back,
+// stored rows.
+struct Renderer
+{
+    QString name;
+    std::vector<std::unique_ptr<Runner>> runners;
+    Series series;
+
+    Runner &runner() { return *runners.at(0); }
+    Runner &lateRunner() { return *runners.at(1); }
+    Runner &storedRunner() { return *runners.at(2); }
 };
 
 QList<double> mibOf(const QList<Sample> &samples, qint64 Sample::*field)
@@ -447,11 +418,90 @@ void fillStore(const QString &dataHome, int rows)
         fail(u"cannot fill the store: "_s + store.lastError());
 }
 
-QString loadAverage()
+// The lines and RESULT fields of one renderer's starts; the fields' names start with its name.
+QList<std::pair<QString, QString>> summarise(
+    const QString &renderer, const Series &series, int storedRows, bool lateDiscovery)
 {
-    QFile in(u"/proc/loadavg"_s);
-    return in.open(QIODevice::ReadOnly) ? QString::fromLatin1(in.readAll()).section(u' ', 0, 2) : u"?"_s;
+    const QList<Sample> &real = series.real;
+    const QList<Sample> &yardstick = series.yardstick;
+    const QList<Sample> &chineseYardstick = series.chineseYardstick;
+    const QList<double> realMs = valuesOf(real, &Sample::firstFrameMs);
+    const QList<double> realRss = mibOf(real, &Sample::rssKiB);
+    const QList<double> ratios = ratiosOf(real, yardstick, &Sample::firstFrameMs);
+    const QList<double> chineseRatios = ratiosOf(real, chineseYardstick, &Sample::firstFrameMs);
+    const QList<double> rssRatios = ratiosOf(real, yardstick, &Sample::rssKiB);
+    const QList<double> chineseRssRatios = ratiosOf(real, chineseYardstick, &Sample::rssKiB);
+    const double ratio = median(realMs) / median(valuesOf(yardstick, &Sample::firstFrameMs));
+    const double chineseRatio = median(realMs) / median(valuesOf(chineseYardstick, &Sample::firstFrameMs));
+    const double bareRss = median(mibOf(yardstick, &Sample::rssKiB));
+    const double chineseRss = median(mibOf(chineseYardstick, &Sample::rssKiB));
+    const double rssRatio = median(realRss) / bareRss;
+    const double chineseRssRatio = median(realRss) / chineseRss;
+    say(u"  %1:"_s.arg(renderer));
+    say(u"    application: "_s + describe(real));
+    say(u"    bare window: "_s + describe(yardstick));
+    say(u"    Chinese bare window: "_s + describe(chineseYardstick));
+    say(u"    first frame, application/bare: %1 of the medians; per round %2 (target ≤ 1.3)"_s.arg(
+        number(ratio, 2), spread(ratios, 2)));
+    say(u"    first frame, application/Chinese bare: %1 of the medians; per round %2"_s.arg(
+        number(chineseRatio, 2), spread(chineseRatios, 2)));
+    say(u"    RSS, application/bare: %1 of the medians (+%2 MiB); per round %3"_s.arg(
+        number(rssRatio, 2), number(median(realRss) - bareRss), spread(rssRatios, 2)));
+    say(u"    RSS, application/Chinese bare: %1 of the medians (+%2 MiB); per round %3"_s.arg(
+        number(chineseRssRatio, 2), number(median(realRss) - chineseRss), spread(chineseRssRatios, 2)));
+    // The second yardstick is only one if its text really was drawn with fonts of its own.
+    if (std::any_of(chineseYardstick.cbegin(), chineseYardstick.cend(),
+            [](const Sample &sample) { return sample.fontsTotalKiB == 0; }))
+        fail(u"the Chinese bare window had no font file mapped 3 s after its first frame: its text was not "
+             "drawn"_s);
+    if (lateDiscovery) {
+        const QList<double> heldMs = valuesOf(series.held, &Sample::firstFrameMs);
+        say(u"    application with discovery held back 2 s: first frame %1 ms; CPU by then %2 ms; the "
+            "application's median is %3 of this one's (discovery's share)"_s.arg(spread(heldMs),
+                spread(valuesOf(series.held, &Sample::cpuAtFrameMs), 0), number(median(realMs) / median(heldMs), 2)));
+    }
+    if (storedRows > 0) {
+        const QList<double> storedMs = valuesOf(series.stored, &Sample::firstFrameMs);
+        const QList<double> storedRss = mibOf(series.stored, &Sample::rssKiB);
+        say(u"    application with %1 stored rows: first frame %2 ms (%3 of the empty store's median); queue "
+            "filled at %4 ms; RSS %5 s later %6 MiB (+%7 MiB over the empty store)"_s.arg(QString::number(storedRows),
+                spread(storedMs), number(median(storedMs) / median(realMs), 2),
+                spread(valuesOf(series.stored, &Sample::restoredMs)), QString::number(SampleAfterMs / 1000),
+                spread(storedRss), number(median(storedRss) - median(realRss))));
+    }
+
+    const QString p = renderer + u'_';
+    QList<std::pair<QString, QString>> fields;
+    for (const auto &[kind, samples] : { std::pair { u"app"_s, &real }, std::pair { u"bare"_s, &yardstick },
+             std::pair { u"chinese"_s, &chineseYardstick } }) {
+        const QList<double> ms = valuesOf(*samples, &Sample::firstFrameMs);
+        fields.append({ p + kind + u"_ms"_s, number(median(ms)) });
+        fields.append({ p + kind + u"_ms_min"_s, number(minimum(ms)) });
+        fields.append({ p + kind + u"_ms_max"_s, number(maximum(ms)) });
+        fields.append({ p + kind + u"_rss_mib"_s, number(median(mibOf(*samples, &Sample::rssKiB))) });
+        fields.append(
+            { p + kind + u"_cpu_at_frame_ms"_s, number(median(valuesOf(*samples, &Sample::cpuAtFrameMs)), 0) });
+        fields.append({ p + kind + u"_fonts_mib"_s, number(median(mibOf(*samples, &Sample::fontsTotalKiB))) });
+    }
+    // "ratio…": against the bare window; "ratio_chinese…": against the Chinese one.
+    for (const auto &[suffix, ofMedians, perRound, ofRssMedians] : { std::tuple { QString(), ratio, &ratios, rssRatio },
+             std::tuple { u"_chinese"_s, chineseRatio, &chineseRatios, chineseRssRatio } }) {
+        fields.append({ p + u"ratio"_s + suffix, number(ofMedians, 3) });
+        fields.append({ p + u"ratio"_s + suffix + u"_pair_median"_s, number(median(*perRound), 3) });
+        fields.append({ p + u"ratio"_s + suffix + u"_min"_s, number(minimum(*perRound), 3) });
+        fields.append({ p + u"ratio"_s + suffix + u"_max"_s, number(maximum(*perRound), 3) });
+        fields.append({ p + u"rss_ratio"_s + suffix, number(ofRssMedians, 3) });
+    }
+    if (storedRows > 0) {
+        fields.append({ p + u"stored_ms"_s, number(median(valuesOf(series.stored, &Sample::firstFrameMs))) });
+        fields.append({ p + u"stored_filled_ms"_s, number(median(valuesOf(series.stored, &Sample::restoredMs))) });
+        fields.append({ p + u"stored_rss_mib"_s, number(median(mibOf(series.stored, &Sample::rssKiB))) });
+    }
+    if (lateDiscovery)
+        fields.append({ p + u"late_discovery_ms"_s, number(median(valuesOf(series.held, &Sample::firstFrameMs))) });
+    return fields;
 }
+
 } // namespace
 
 int main(int argc, char **argv)
@@ -464,7 +514,10 @@ int main(int argc, char **argv)
         const bool offscreenAsked = QCoreApplication::arguments().contains(u"--offscreen"_s);
         const bool lateDiscovery = QCoreApplication::arguments().contains(u"--late-discovery"_s);
         const int storedRows = std::max(0, intOption(argc, argv, "stored-rows", 10000));
-        const Contender application { u"application"_s, QStringLiteral(QUILLBOX_APP_EXECUTABLE), {} };
+        // --app: another build of the application (an earlier commit's, say) against the same yardsticks.
+        const Contender application { u"application"_s,
+            stringOption(argc, argv, "app", QStringLiteral(QUILLBOX_APP_EXECUTABLE)), {} };
+        const QString rendererAsked = stringOption(argc, argv, "renderer", u"both"_s);
         const Contender bare { u"bare"_s, QStringLiteral(QUILLBOX_BARE_WINDOW_EXECUTABLE), {} };
         const Contender chinese { u"chinese"_s, bare.program, { u"--chinese"_s } };
         for (const QString &program : { application.program, bare.program }) {
@@ -520,9 +573,11 @@ int main(int argc, char **argv)
         }
 
         say(u"bench_startup: %1 rounds (application, bare window, Chinese bare window; each round starts with "
-            "the next of them), %2, memory sampled %3 s after the first frame, load average %4%5"_s.arg(
+            "the next of them) under %6, %2, memory sampled %3 s after the first frame, load average %4%5"_s.arg(
                 QString::number(pairs), platform, QString::number(SampleAfterMs / 1000), loadAverage(),
-                quick ? u", short mode"_s : QString()));
+                quick ? u", short mode"_s : QString(),
+                rendererAsked == u"both"_s ? u"OpenGL and the software scene graph"_s : rendererAsked));
+        say(u"  application: "_s + application.program);
 
         // --late-discovery: a third start per round, with the application's tool discovery (its
         // shell commands: yt-dlp --version, ffmpeg -version, which) held back 2 s by a shell that
@@ -552,140 +607,97 @@ int main(int argc, char **argv)
             fillStore(sandbox.path(u"stored-data"_s), storedRows);
         }
 
-        Runner runner(sandbox, environment, display ? display->pid() : 0);
-        Runner lateRunner(sandbox, lateEnvironment, display ? display->pid() : 0);
-        Runner storedRunner(sandbox, storedEnvironment, display ? display->pid() : 0);
+        // Each kind of start is made under both of Qt Quick's ways of drawing, named in the
+        // environment, which wins over the application's own choice: OpenGL (under Xvfb, Mesa's
+        // llvmpipe) and the software scene graph.
+        std::vector<std::unique_ptr<Renderer>> renderers;
+        for (const QString &name : { u"opengl"_s, u"software"_s }) {
+            if (rendererAsked != u"both"_s && rendererAsked != name)
+                continue;
+            auto renderer = std::make_unique<Renderer>();
+            renderer->name = name;
+            for (QProcessEnvironment *env : { &environment, &lateEnvironment, &storedEnvironment }) {
+                QProcessEnvironment copy = *env;
+                copy.remove(u"QT_QUICK_BACKEND"_s);
+                copy.remove(u"QSG_RHI_BACKEND"_s);
+                copy.insert(name == u"software"_s ? u"QT_QUICK_BACKEND"_s : u"QSG_RHI_BACKEND"_s, name);
+                renderer->runners.push_back(
+                    std::make_unique<Runner>(sandbox, copy, display ? display->pid() : 0, name + u'-'));
+            }
+            renderers.push_back(std::move(renderer));
+        }
+        if (renderers.empty())
+            fail(u"--renderer is opengl, software or both, not "_s + rendererAsked);
+
         // One untimed run of each: the first start in a new home fills the shader and font caches.
-        runner.run(application, u"warm-up-application"_s);
-        runner.run(bare, u"warm-up-bare"_s);
-        runner.run(chinese, u"warm-up-chinese"_s);
-        if (storedRows > 0)
-            storedRunner.run(application, u"warm-up-stored"_s, storedRows);
+        for (const auto &renderer : renderers) {
+            renderer->runner().run(application, u"warm-up-application"_s);
+            renderer->runner().run(bare, u"warm-up-bare"_s);
+            renderer->runner().run(chinese, u"warm-up-chinese"_s);
+            if (storedRows > 0)
+                renderer->storedRunner().run(application, u"warm-up-stored"_s, storedRows);
+        }
 
         const MachineTimes machineBefore = MachineTimes::now();
-        QList<Sample> real, yardstick, chineseYardstick, held, stored;
         QStringList leftBehind;
         const std::array<const Contender *, 3> contenders { &application, &bare, &chinese };
-        const std::array<QList<Sample> *, 3> samplesOf { &real, &yardstick, &chineseYardstick };
         for (int i = 1; i <= pairs; ++i) {
-            // Each round starts one further along the three than the round before, so none of
-            // them always goes first or always follows the same one.
-            for (int k = 0; k < 3; ++k) {
-                const int which = (i - 1 + k) % 3;
-                samplesOf.at(which)->append(runner.run(*contenders.at(which), contenders.at(which)->name));
-                leftBehind << samplesOf.at(which)->constLast().leftBehind;
+            // The renderers take turns at going first.
+            for (size_t r = 0; r < renderers.size(); ++r) {
+                Renderer &renderer = *renderers.at((size_t(i) + r) % renderers.size());
+                Series &series = renderer.series;
+                const std::array<QList<Sample> *, 3> samplesOf { &series.real, &series.yardstick,
+                    &series.chineseYardstick };
+                // Each round starts one further along the three than the round before, so none of
+                // them always goes first or always follows the same one.
+                for (int k = 0; k < 3; ++k) {
+                    const int which = (i - 1 + k) % 3;
+                    samplesOf.at(which)->append(
+                        renderer.runner().run(*contenders.at(which), contenders.at(which)->name));
+                    leftBehind << samplesOf.at(which)->constLast().leftBehind;
+                }
+                const Sample &a = series.real.constLast();
+                const Sample &b = series.yardstick.constLast();
+                const Sample &c = series.chineseYardstick.constLast();
+                QString late;
+                if (lateDiscovery) {
+                    // What it leaves behind is its held-back shells, still waiting: not counted.
+                    series.held << renderer.lateRunner().run(application, u"late-discovery"_s);
+                    late = u"; discovery held back: %1 ms"_s.arg(number(series.held.constLast().firstFrameMs));
+                }
+                if (storedRows > 0) {
+                    series.stored << renderer.storedRunner().run(application, u"stored"_s, storedRows);
+                    late += u"; %1 stored rows: first frame %2 ms, queue filled at %3 ms, RSS %4 MiB"_s.arg(
+                        QString::number(storedRows), number(series.stored.constLast().firstFrameMs),
+                        number(series.stored.constLast().restoredMs), number(mib(series.stored.constLast().rssKiB)));
+                }
+                say(u"  round %1, %16: application / bare / Chinese bare: first frame %2 / %3 / %4 ms, ratios %5 / "
+                    "%6; RSS %7 / %8 / %9 MiB, ratios %10 / %11; CPU at the first frame %12 / %13 / %14 ms%15"_s
+                        .arg(QString::number(i), number(a.firstFrameMs), number(b.firstFrameMs), number(c.firstFrameMs),
+                            number(a.firstFrameMs / b.firstFrameMs, 2), number(a.firstFrameMs / c.firstFrameMs, 2),
+                            number(mib(a.rssKiB)), number(mib(b.rssKiB)), number(mib(c.rssKiB)))
+                        .arg(number(double(a.rssKiB) / double(b.rssKiB), 2),
+                            number(double(a.rssKiB) / double(c.rssKiB), 2), number(a.cpuAtFrameMs, 0),
+                            number(b.cpuAtFrameMs, 0), number(c.cpuAtFrameMs, 0), late, renderer.name));
             }
-            const Sample &a = real.constLast();
-            const Sample &b = yardstick.constLast();
-            const Sample &c = chineseYardstick.constLast();
-            QString late;
-            if (lateDiscovery) {
-                // What it leaves behind is its held-back shells, still waiting: not counted.
-                held << lateRunner.run(application, u"late-discovery"_s);
-                late = u"; discovery held back: %1 ms"_s.arg(number(held.constLast().firstFrameMs));
-            }
-            if (storedRows > 0) {
-                stored << storedRunner.run(application, u"stored"_s, storedRows);
-                late += u"; %1 stored rows: first frame %2 ms, queue filled at %3 ms, RSS %4 MiB"_s.arg(
-                    QString::number(storedRows), number(stored.constLast().firstFrameMs),
-                    number(stored.constLast().restoredMs), number(mib(stored.constLast().rssKiB)));
-            }
-            say(u"  round %1: application / bare / Chinese bare: first frame %2 / %3 / %4 ms, ratios %5 / %6; RSS "
-                "%7 / %8 / %9 MiB, ratios %10 / %11; CPU at the first frame %12 / %13 / %14 ms%15"_s
-                    .arg(QString::number(i), number(a.firstFrameMs), number(b.firstFrameMs), number(c.firstFrameMs),
-                        number(a.firstFrameMs / b.firstFrameMs, 2), number(a.firstFrameMs / c.firstFrameMs, 2),
-                        number(mib(a.rssKiB)), number(mib(b.rssKiB)), number(mib(c.rssKiB)))
-                    .arg(number(double(a.rssKiB) / double(b.rssKiB), 2), number(double(a.rssKiB) / double(c.rssKiB), 2),
-                        number(a.cpuAtFrameMs, 0), number(b.cpuAtFrameMs, 0), number(c.cpuAtFrameMs, 0), late));
         }
 
         const MachineTimes machineAfter = MachineTimes::now();
-        const QList<double> realMs = valuesOf(real, &Sample::firstFrameMs);
-        const QList<double> bareMs = valuesOf(yardstick, &Sample::firstFrameMs);
-        const QList<double> chineseMs = valuesOf(chineseYardstick, &Sample::firstFrameMs);
-        const QList<double> realRss = mibOf(real, &Sample::rssKiB);
-        const QList<double> bareRss = mibOf(yardstick, &Sample::rssKiB);
-        const QList<double> chineseRss = mibOf(chineseYardstick, &Sample::rssKiB);
-        const QList<double> ratios = ratiosOf(real, yardstick, &Sample::firstFrameMs);
-        const QList<double> chineseRatios = ratiosOf(real, chineseYardstick, &Sample::firstFrameMs);
-        const QList<double> rssRatios = ratiosOf(real, yardstick, &Sample::rssKiB);
-        const QList<double> chineseRssRatios = ratiosOf(real, chineseYardstick, &Sample::rssKiB);
-        const double ratio = median(realMs) / median(bareMs);
-        const double chineseRatio = median(realMs) / median(chineseMs);
-        const double rssRatio = median(realRss) / median(bareRss);
-        const double chineseRssRatio = median(realRss) / median(chineseRss);
         say(u"  each as median (min–max)"_s);
-        say(u"  application: "_s + describe(real));
-        say(u"  bare window: "_s + describe(yardstick));
-        say(u"  Chinese bare window: "_s + describe(chineseYardstick));
-        say(u"  first frame, application/bare: %1 of the medians; per round %2 (target ≤ 1.3)"_s.arg(
-            number(ratio, 2), spread(ratios, 2)));
-        say(u"  first frame, application/Chinese bare: %1 of the medians; per round %2"_s.arg(
-            number(chineseRatio, 2), spread(chineseRatios, 2)));
-        say(u"  RSS, application/bare: %1 of the medians (+%2 MiB); per round %3"_s.arg(
-            number(rssRatio, 2), number(median(realRss) - median(bareRss)), spread(rssRatios, 2)));
-        say(u"  RSS, application/Chinese bare: %1 of the medians (+%2 MiB); per round %3"_s.arg(
-            number(chineseRssRatio, 2), number(median(realRss) - median(chineseRss)), spread(chineseRssRatios, 2)));
-        // The second yardstick is only one if its text really was drawn with fonts of its own.
-        if (std::any_of(chineseYardstick.cbegin(), chineseYardstick.cend(),
-                [](const Sample &sample) { return sample.fontsTotalKiB == 0; }))
-            fail(u"the Chinese bare window had no font file mapped 3 s after its first frame: its text was not "
-                 "drawn"_s);
-        if (lateDiscovery) {
-            const QList<double> heldMs = valuesOf(held, &Sample::firstFrameMs);
-            say(u"  application with discovery held back 2 s: first frame %1 ms; CPU by then %2 ms; the "
-                "application's median is %3 of this one's (discovery's share)"_s.arg(spread(heldMs),
-                    spread(valuesOf(held, &Sample::cpuAtFrameMs), 0), number(median(realMs) / median(heldMs), 2)));
-        }
-        if (storedRows > 0) {
-            const QList<double> storedMs = valuesOf(stored, &Sample::firstFrameMs);
-            const QList<double> storedRss = mibOf(stored, &Sample::rssKiB);
-            say(u"  application with %1 stored rows: first frame %2 ms (%3 of the empty store's median); queue "
-                "filled at %4 ms; RSS %5 s later %6 MiB (+%7 MiB over the empty store)"_s.arg(
-                    QString::number(storedRows), spread(storedMs), number(median(storedMs) / median(realMs), 2),
-                    spread(valuesOf(stored, &Sample::restoredMs)), QString::number(SampleAfterMs / 1000),
-                    spread(storedRss), number(median(storedRss) - median(realRss))));
-        }
-        say(u"  the machine's CPUs during the timed runs: %1"_s.arg(machineAfter.describeSince(machineBefore)));
-        leftBehind.removeAll(QString());
-        say(u"  processes left running at SIGTERM and ended here: %1"_s.arg(
-            leftBehind.isEmpty() ? u"none"_s : leftBehind.join(u", "_s)));
-
         QList<std::pair<QString, QString>> fields {
             { u"pairs"_s, QString::number(pairs) },
             { u"display"_s, display ? u"xvfb"_s : u"offscreen"_s },
         };
-        for (const auto &[prefix, samples] : { std::pair { u"app"_s, &real }, std::pair { u"bare"_s, &yardstick },
-                 std::pair { u"chinese"_s, &chineseYardstick } }) {
-            const QList<double> ms = valuesOf(*samples, &Sample::firstFrameMs);
-            fields.append({ prefix + u"_ms"_s, number(median(ms)) });
-            fields.append({ prefix + u"_ms_min"_s, number(minimum(ms)) });
-            fields.append({ prefix + u"_ms_max"_s, number(maximum(ms)) });
-            fields.append({ prefix + u"_rss_mib"_s, number(median(mibOf(*samples, &Sample::rssKiB))) });
-            fields.append(
-                { prefix + u"_cpu_at_frame_ms"_s, number(median(valuesOf(*samples, &Sample::cpuAtFrameMs)), 0) });
-            fields.append({ prefix + u"_fonts_mib"_s, number(median(mibOf(*samples, &Sample::fontsTotalKiB))) });
-        }
-        // "ratio…": against the bare window; "ratio_chinese…": against the Chinese one.
-        for (const auto &[suffix, ofMedians, perRound, ofRssMedians] :
-            { std::tuple { QString(), ratio, &ratios, rssRatio },
-                std::tuple { u"_chinese"_s, chineseRatio, &chineseRatios, chineseRssRatio } }) {
-            fields.append({ u"ratio"_s + suffix, number(ofMedians, 3) });
-            fields.append({ u"ratio"_s + suffix + u"_pair_median"_s, number(median(*perRound), 3) });
-            fields.append({ u"ratio"_s + suffix + u"_min"_s, number(minimum(*perRound), 3) });
-            fields.append({ u"ratio"_s + suffix + u"_max"_s, number(maximum(*perRound), 3) });
-            fields.append({ u"rss_ratio"_s + suffix, number(ofRssMedians, 3) });
-        }
+        for (const auto &renderer : renderers)
+            fields << summarise(renderer->name, renderer->series, storedRows, lateDiscovery);
+        say(u"  the machine's CPUs during the timed runs: %1"_s.arg(machineAfter.describeSince(machineBefore)));
+        leftBehind.removeAll(QString());
+        say(u"  processes left running at SIGTERM and ended here: %1"_s.arg(
+            leftBehind.isEmpty() ? u"none"_s : leftBehind.join(u", "_s)));
+        if (storedRows > 0)
+            fields.append({ u"stored_rows"_s, QString::number(storedRows) });
         fields.append({ u"left_behind"_s, QString::number(leftBehind.size()) });
         fields.append({ u"stolen_pct"_s, number(machineAfter.stolenPercentSince(machineBefore), 0) });
-        if (storedRows > 0) {
-            fields.append({ u"stored_rows"_s, QString::number(storedRows) });
-            fields.append({ u"stored_ms"_s, number(median(valuesOf(stored, &Sample::firstFrameMs))) });
-            fields.append({ u"stored_filled_ms"_s, number(median(valuesOf(stored, &Sample::restoredMs))) });
-            fields.append({ u"stored_rss_mib"_s, number(median(mibOf(stored, &Sample::rssKiB))) });
-        }
-        if (lateDiscovery)
-            fields.append({ u"late_discovery_ms"_s, number(median(valuesOf(held, &Sample::firstFrameMs))) });
         writeResult("bench_startup", fields);
         return 0;
     });

@@ -41,8 +41,8 @@ inline bool shortMode(int argc, char **argv)
     return qEnvironmentVariableIntValue("QUILLBOX_BENCH_SHORT") == 1;
 }
 
-// The value of "--name=VALUE" or "--name VALUE", or an empty string.
-inline QString stringOption(int argc, char **argv, const char *name)
+// The value of "--name=VALUE" or "--name VALUE", or `fallback`.
+inline QString stringOption(int argc, char **argv, const char *name, const QString &fallback = QString())
 {
     const QByteArray flag = QByteArray("--") + name;
     const QByteArray withValue = flag + '=';
@@ -53,7 +53,7 @@ inline QString stringOption(int argc, char **argv, const char *name)
         if (arg.startsWith(withValue))
             return QString::fromLocal8Bit(arg.mid(withValue.size()));
     }
-    return QString();
+    return fallback;
 }
 
 // The value of "--name=VALUE" or "--name VALUE" as a number, or `fallback`.
@@ -166,6 +166,13 @@ private:
 };
 
 // --- Statistics
+
+// The machine's load averages over 1, 5 and 15 minutes, as /proc/loadavg gives them.
+inline QString loadAverage()
+{
+    QFile in(u"/proc/loadavg"_s);
+    return in.open(QIODevice::ReadOnly) ? QString::fromLatin1(in.readAll()).section(u' ', 0, 2) : u"?"_s;
+}
 
 inline double median(QList<double> values)
 {

@@ -44,6 +44,7 @@ public:
 
     bool isValid() const { return !m_name.isEmpty(); }
     QString name() const { return m_name; }
+    qint64 pid() const { return m_process.processId(); }
 
 private:
     void stop()

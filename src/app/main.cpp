@@ -3,6 +3,7 @@
 #include "app/cjkfont.h"
 #include "app/firstframe.h"
 #include "app/qmlsetup.h"
+#include "app/rendererchoice.h"
 #include "engine/downloadmanager.h"
 #include "model/appstate.h"
 #include "notify/notifier.h"
@@ -35,6 +36,8 @@ int main(int argc, char *argv[])
         icon.addFile(QStringLiteral(":/icons/quillbox-%1.png").arg(size), QSize(size, size));
     QGuiApplication::setWindowIcon(icon);
     QQuickStyle::setStyle(QStringLiteral("Basic"));
+    // Before the first window: software drawing where the machine's OpenGL is software anyway.
+    RendererChoice::applyAtStart();
     AppLifecycle::quitOnTerminationSignals();
     AppLifecycle::loadQtTranslations();
 

@@ -195,9 +195,14 @@ void QueueMemory::endLeftovers(const QList<TaskStore::ProcessGroup> &groups)
     QList<std::pair<qint64, qint64>> recorded;
     QList<qint64> ids;
     for (const TaskStore::ProcessGroup &group : groups) {
+        // A download of this run may have been recorded before the store was read: not a leftover.
+        if (m_ownGroups.contains(group.id))
+            continue;
         recorded.append({ group.id, group.started });
         ids.append(group.id);
     }
+    if (ids.isEmpty())
+        return;
     const int ended = endLeftoverGroups(recorded);
     if (ended > 0) {
         qCInfo(lcEngine, "[Quillbox] 已结束上次运行遗留的 %d 个下载进程组", ended);
@@ -212,11 +217,14 @@ void QueueMemory::follow()
     if (!m_downloads)
         return;
     connect(m_downloads, &DownloadManager::processGroupStarted, this, [this](qint64 group) {
+        m_ownGroups.insert(group);
         const TaskStore::ProcessGroup recorded { group, processStartTime(group) };
         onStoreThread([recorded](TaskStore &store) { store.recordProcessGroup(recorded); });
     });
-    connect(m_downloads, &DownloadManager::processGroupEnded, this,
-        [this](qint64 group) { onStoreThread([group](TaskStore &store) { store.forgetProcessGroups({ group }); }); });
+    connect(m_downloads, &DownloadManager::processGroupEnded, this, [this](qint64 group) {
+        m_ownGroups.remove(group);
+        onStoreThread([group](TaskStore &store) { store.forgetProcessGroups({ group }); });
+    });
     TaskModel *model = m_downloads->taskModel();
     connect(model, &QAbstractItemModel::rowsInserted, this, [this, model](const QModelIndex &, int first, int last) {
         for (int row = first; row <= last; ++row) {

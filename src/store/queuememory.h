@@ -82,6 +82,8 @@ private:
     bool m_writeErrorShown = false;
     // Each row's place: the restored ones keep theirs, new ones follow.
     QHash<QUuid, qint64> m_ordinals;
+    // The process groups of this run's downloads still running.
+    QSet<qint64> m_ownGroups;
     qint64 m_nextOrdinal;
     QSet<QUuid> m_dirty;
     QSet<QUuid> m_removed;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/desktop.h"
+#include "app/rendererchoice.h"
 #include "cookies/cookieservice.h"
 #include "engine/downloadmanager.h"
 #include "model/appstate.h"
@@ -39,6 +40,17 @@ struct DesktopForeign
 
 public:
     static Desktop *create(QQmlEngine *, QJSEngine *) { return new Desktop; }
+};
+
+struct RendererChoiceForeign
+{
+    Q_GADGET
+    QML_FOREIGN(RendererChoice)
+    QML_NAMED_ELEMENT(RendererChoice)
+    QML_SINGLETON
+
+public:
+    static RendererChoice *create(QQmlEngine *, QJSEngine *) { return new RendererChoice; }
 };
 
 struct AppStateForeign

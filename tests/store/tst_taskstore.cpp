@@ -355,6 +355,26 @@ private Q_SLOTS:
         QCOMPARE(store.loadTasks().at(2).task.status, DownloadStatus::Downloading);
     }
 
+    // A download started before the stored queue is read is this run's own: reading the store
+    // does not end it as a dead run's leftover.
+    void ownDownloadIsNoLeftover()
+    {
+        AppState state;
+        DownloadManager downloads(&state, locations());
+        QueueMemory memory(&downloads, &state, m_store);
+        downloads.startDownloads({ u"https://q.example/v=slow"_s },
+            { DownloadPreset::Default, {}, m_fixture->path(u"out"_s), false, false });
+        QTRY_VERIFY_WITH_TIMEOUT(downloads.tasks().at(0).progress > 0, 20000);
+        // Its process group is recorded on the store's thread meanwhile.
+        QTest::qWait(500);
+        memory.start();
+        QTRY_VERIFY(memory.isRestored());
+        QTest::qWait(500);
+        QCOMPARE(downloads.tasks().at(0).status, DownloadStatus::Downloading);
+        memory.close();
+        downloads.shutdown();
+    }
+
     void killedApplicationLosesNoRow_data()
     {
         QTest::addColumn<bool>("guardianKilled");

@@ -1,5 +1,6 @@
 #include "app/applifecycle.h"
 #include "app/qmlsetup.h"
+#include "app/rendererchoice.h"
 #include "model/appstate.h"
 
 #include "testsupport.h"
@@ -35,6 +36,9 @@ private Q_SLOTS:
     void menuKeysDoWhatTheySay();
     void undoBringsBackClearedLinks();
     void qtTextsAreChinese();
+    void rendererChosen_data();
+    void rendererChosen();
+    void renderNodesFound();
 
 private:
     IsolatedEnvironment m_env;
@@ -234,6 +238,78 @@ void TestMainWindow::qtTextsAreChinese()
     AppLifecycle::loadQtTranslations();
     QCOMPARE(QCoreApplication::translate("QPlatformTheme", "Cancel"), u"取消"_s);
     QCOMPARE(QCoreApplication::translate("FileDialog", "Filter"), u"文件类型"_s);
+}
+
+void TestMainWindow::rendererChosen_data()
+{
+    QTest::addColumn<QString>("setting");
+    QTest::addColumn<QStringList>("signs"); // NAME=VALUE of RendererChoice::Signs
+    QTest::addColumn<bool>("software");
+    QTest::addColumn<QString>("reason");
+
+    const QString gpu = u"node=/dev/dri/renderD128"_s;
+    QTest::newRow("a GPU") << u"auto"_s << QStringList { gpu, u"display=:0"_s } << false << u"renderD128"_s;
+    QTest::newRow("no render node") << u"auto"_s << QStringList { u"display=:0"_s } << true << u"GPU 渲染设备"_s;
+    QTest::newRow("Mesa told to use software")
+        << u"auto"_s << QStringList { gpu, u"libgl=yes"_s } << true << u"LIBGL_ALWAYS_SOFTWARE"_s;
+    QTest::newRow("Mesa's switch off") << u"auto"_s << QStringList { gpu, u"libgl=0"_s } << false << u"renderD128"_s;
+    QTest::newRow("llvmpipe asked for") << u"auto"_s << QStringList { gpu, u"gallium=llvmpipe"_s } << true
+                                        << u"GALLIUM_DRIVER"_s;
+    QTest::newRow("ssh -X") << u"auto"_s << QStringList { gpu, u"display=localhost:10.0"_s } << true << u"另一台机器"_s;
+    QTest::newRow("Wayland beside a remote X")
+        << u"auto"_s << QStringList { gpu, u"display=host:0"_s, u"wayland=wayland-0"_s } << false << u"renderD128"_s;
+    QTest::newRow("setting: software") << u"software"_s << QStringList { gpu } << true << u"设置为软件"_s;
+    QTest::newRow("setting: hardware") << u"hardware"_s << QStringList {} << false << u"设置为硬件加速"_s;
+    QTest::newRow("the environment over the setting")
+        << u"hardware"_s << QStringList { gpu, u"quick=software"_s } << true << u"QT_QUICK_BACKEND=software"_s;
+    QTest::newRow("an RHI named") << u"software"_s << QStringList { u"rhi=opengl"_s } << false
+                                  << u"QSG_RHI_BACKEND=opengl"_s;
+}
+
+// The renderer follows the user's environment, then the setting, then what the machine has.
+void TestMainWindow::rendererChosen()
+{
+    QFETCH(QString, setting);
+    QFETCH(QStringList, signs);
+    QFETCH(QString, reason);
+    RendererChoice::Signs given;
+    const QHash<QString, QString *> fields { { u"quick"_s, &given.quickBackend }, { u"rhi"_s, &given.rhiBackend },
+        { u"libgl"_s, &given.libglAlwaysSoftware }, { u"gallium"_s, &given.galliumDriver },
+        { u"display"_s, &given.display }, { u"wayland"_s, &given.waylandDisplay }, { u"node"_s, &given.renderNode } };
+    for (const QString &sign : std::as_const(signs))
+        *fields.value(sign.section(u'=', 0, 0)) = sign.section(u'=', 1);
+    const RendererChoice::Decision decision = RendererChoice::decide(setting, given);
+    QTEST(decision.software, "software");
+    QVERIFY2(decision.reason.contains(reason), qPrintable(decision.reason));
+}
+
+// Render nodes count when this user may open them and a GPU is behind them.
+void TestMainWindow::renderNodesFound()
+{
+    QTemporaryDir machine;
+    const QDir root(machine.path());
+    QVERIFY(root.mkpath(u"dri"_s) && root.mkpath(u"sys"_s));
+    const auto write = [](const QString &path, const QByteArray &bytes) {
+        QFile file(path);
+        return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
+    };
+    const auto node = [&](const QString &name, const QString &driver, const QByteArray &features = {}) {
+        QVERIFY(write(root.filePath(u"dri/"_s + name), {}));
+        const QString device = root.filePath(u"devices/"_s + name);
+        QVERIFY(QDir().mkpath(device) && root.mkpath(u"drivers/"_s + driver) && root.mkpath(u"sys/"_s + name));
+        QVERIFY(QFile::link(root.filePath(u"drivers/"_s + driver), device + u"/driver"_s));
+        QVERIFY(QFile::link(device, root.filePath(u"sys/%1/device"_s.arg(name))));
+        if (!features.isEmpty())
+            QVERIFY(write(device + u"/features"_s, features));
+    };
+    const auto found
+        = [&] { return RendererChoice::readSigns(root.filePath(u"dri"_s), root.filePath(u"sys"_s)).renderNode; };
+    QCOMPARE(found(), QString());
+    node(u"renderD128"_s, u"vkms"_s);
+    node(u"renderD129"_s, u"virtio_gpu"_s, "0000000000000000000000000000000000000000\n");
+    QCOMPARE(found(), QString());
+    node(u"renderD130"_s, u"virtio_gpu"_s, "1000000000000000000000000000000000000000\n");
+    QCOMPARE(found(), root.filePath(u"dri/renderD130"_s));
 }
 
 QTEST_MAIN(TestMainWindow)

@@ -3,7 +3,7 @@
 //     quillbox_screenshot OUT.png [--yt-dlp PATH] [--scenario DIR] [--settings] [--wait MS]
 //                         [--size WxH] [--log] [--tab N] [--stop N] [--select ROW]
 //                         [--focus ROW] [--copied ROW] [--info ROW] [--setting KEY=VALUE]...
-//                         [--custom-arguments TEXT] [--click NAME]...
+//                         [--custom-arguments TEXT] [--click NAME]... [--show NAME]
 // With --yt-dlp the window uses that yt-dlp; with --scenario it also starts the downloads listed
 // in DIR/downloads.txt (one "URL" per line), so the queue shows tasks in their states; with
 // --settings the settings sheet is open; --tab shows that sidebar entry's page (0 downloads,
@@ -13,11 +13,14 @@
 // 0) is selected, has the keyboard focus as Tab gives it, shows that its link was copied, or has
 // its video information opened in the sheet. Each --click presses the button of that object name,
 // in order, a second apart from the first second on ("folderButton" opens the folder dialog,
-// "listFormatsButton" the formats sheet).
+// "listFormatsButton" the formats sheet); --show scrolls the view holding the item of that name
+// until the item is at its top. The window is drawn the way the application would draw it here
+// (RendererChoice); QT_QUICK_BACKEND=software, or the setting interfaceRenderer, chooses.
 
 #include "app/applifecycle.h"
 #include "app/cjkfont.h"
 #include "app/qmlsetup.h"
+#include "app/rendererchoice.h"
 #include "engine/downloadmanager.h"
 #include "model/appstate.h"
 #include "store/queuememory.h"
@@ -43,11 +46,45 @@ Q_IMPORT_QML_PLUGIN(QuillboxPlugin)
 
 using namespace Qt::StringLiterals;
 
+namespace {
+// The item of that object name under `item`. Sheets (in the window's overlay) and their rows are
+// items, not all QObject children.
+QQuickItem *findItem(QQuickItem *item, const QString &name)
+{
+    if (item->objectName() == name)
+        return item;
+    for (QQuickItem *child : item->childItems()) {
+        if (QQuickItem *found = findItem(child, name))
+            return found;
+    }
+    return nullptr;
+}
+
+// Scrolls the nearest view around the item named `name` until the item is at its top, or the
+// view at its end.
+void scrollIntoView(QQuickWindow *window, const QString &name)
+{
+    QQuickItem *item = findItem(window->contentItem(), name);
+    QQuickItem *view = item ? item->parentItem() : nullptr;
+    while (view && view->metaObject()->indexOfProperty("contentY") < 0)
+        view = view->parentItem();
+    if (!view) {
+        std::fprintf(stderr, "nothing scrolls %s into view\n", qPrintable(name));
+        return;
+    }
+    auto *content = view->property("contentItem").value<QQuickItem *>();
+    const qreal top = item->mapToItem(content, QPointF()).y();
+    const qreal end = view->property("contentHeight").toReal() - view->height();
+    view->setProperty("contentY", std::max<qreal>(0, std::min(top, end)));
+}
+} // namespace
+
 int main(int argc, char *argv[])
 {
+    // Without a display nothing but the software scene graph can draw.
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
-    if (qEnvironmentVariableIsEmpty("QT_QUICK_BACKEND"))
+    if (qgetenv("QT_QPA_PLATFORM") == "offscreen" && qEnvironmentVariableIsEmpty("QT_QUICK_BACKEND"))
         qputenv("QT_QUICK_BACKEND", "software");
 
     QTemporaryDir sandbox;
@@ -79,10 +116,11 @@ int main(int argc, char *argv[])
     const QCommandLineOption copied(u"copied"_s, u"queue row whose link was just copied"_s, u"row"_s);
     const QCommandLineOption info(u"info"_s, u"queue row whose video information to open"_s, u"row"_s);
     const QCommandLineOption click(u"click"_s, u"press the button of this object name"_s, u"name"_s);
+    const QCommandLineOption show(u"show"_s, u"scroll the item of this object name into view"_s, u"name"_s);
     const QCommandLineOption setting(u"setting"_s, u"store a setting first"_s, u"key=value"_s);
     const QCommandLineOption customArguments(u"custom-arguments"_s, u"the custom preset's text"_s, u"text"_s);
     parser.addOptions({ ytDlp, scenario, wait, maxDownloads, settings, size, log, tab, stop, select, focus, copied,
-        info, click, setting, customArguments });
+        info, click, setting, customArguments, show });
     parser.addHelpOption();
     parser.process(app);
     if (parser.positionalArguments().size() != 1)
@@ -95,6 +133,7 @@ int main(int argc, char *argv[])
         QSettings().setValue(QLatin1String(DownloadManager::CustomYtDlpPathKey), parser.value(ytDlp));
     QQuickStyle::setStyle(u"Basic"_s);
     AppLifecycle::loadQtTranslations();
+    RendererChoice::applyAtStart();
     preferCjkFont();
 
     AppLifecycle lifecycle(DownloadManager::instance());
@@ -153,22 +192,14 @@ int main(int argc, char *argv[])
         auto *mainView = window->findChild<QQuickItem *>(u"mainView"_s);
         if (QQuickItem *row = parser.isSet(info) ? rowAt(parser.value(info)) : nullptr; row && mainView)
             QMetaObject::invokeMethod(mainView, "openVideoInfo", Q_ARG(QString, row->property("url").toString()));
+        if (parser.isSet(show))
+            scrollIntoView(window, parser.value(show));
     });
 
     const QStringList clicks = parser.values(click);
     for (qsizetype i = 0; i < clicks.size(); ++i) {
         QTimer::singleShot(1000 * int(i + 1), &app, [window, name = clicks.at(i)] {
-            // Sheets (in the window's overlay) and their rows are items, not all QObject children.
-            const std::function<QQuickItem *(QQuickItem *)> find = [&](QQuickItem *item) -> QQuickItem * {
-                if (item->objectName() == name)
-                    return item;
-                for (QQuickItem *child : item->childItems()) {
-                    if (QQuickItem *found = find(child))
-                        return found;
-                }
-                return nullptr;
-            };
-            QQuickItem *button = find(window->contentItem());
+            QQuickItem *button = findItem(window->contentItem(), name);
             if (!button || !QMetaObject::invokeMethod(button, "clicked"))
                 std::fprintf(stderr, "no button named %s\n", qPrintable(name));
         });

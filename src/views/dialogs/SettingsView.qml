@@ -510,6 +510,72 @@ Rectangle {
                     }
                 }
 
+                // How the windows are drawn; read once at start, so a change waits for the next.
+                SettingsGroup {
+                    objectName: "interfaceGroup"
+                    Layout.fillWidth: true
+                    title: "界面"
+                    symbol: "cpu"
+
+                    RowLayout {
+                        Layout.fillWidth: true
+                        spacing: Theme.spacingMedium
+                        Text {
+                            Layout.fillWidth: true
+                            text: "界面渲染"
+                            color: Theme.text
+                            font.pixelSize: Theme.body
+                        }
+                        ChoiceBox {
+                            id: rendererChoice
+
+                            readonly property var choices: [
+                                {
+                                    key: "auto",
+                                    label: "自动"
+                                },
+                                {
+                                    key: "hardware",
+                                    label: "硬件加速"
+                                },
+                                {
+                                    key: "software",
+                                    label: "软件"
+                                }
+                            ]
+
+                            objectName: "rendererChoice"
+                            Accessible.name: "界面渲染"
+                            Layout.preferredWidth: 140
+                            model: choices
+                            textRole: "label"
+                            valueRole: "key"
+                            // From the list itself: indexOfValue() knows nothing before the popup's
+                            // entries are made.
+                            currentIndex: Math.max(0, choices.findIndex(choice => choice.key === RendererChoice.setting))
+                            onActivated: RendererChoice.setting = rendererChoice.currentValue
+                        }
+                    }
+                    Caption {
+                        objectName: "rendererInUse"
+                        readonly property var apiNames: ({
+                                [GraphicsInfo.Software]: "软件",
+                                [GraphicsInfo.OpenGL]: "OpenGL",
+                                [GraphicsInfo.Metal]: "Metal",
+                                [GraphicsInfo.Vulkan]: "Vulkan",
+                                [GraphicsInfo.Direct3D11]: "Direct3D 11"
+                            })
+
+                        text: "正在使用：%1（%2）".arg(apiNames[GraphicsInfo.api] ?? "未知").arg(RendererChoice.reason)
+                    }
+                    Caption {
+                        objectName: "rendererNextStart"
+                        visible: RendererChoice.setting !== RendererChoice.settingAtStart
+                        text: "下次启动 Quillbox 时生效"
+                        color: Theme.orange
+                    }
+                }
+
                 Item {
                     implicitHeight: 0
                 }

@@ -93,4 +93,25 @@ TestCase {
         return item.visible && at.x >= 0 && at.y >= 0 && at.x + item.width <= view.width
             && at.y + item.height <= view.height
     }
+
+    // Whether two colours of a grabbed image are told apart by eye.
+    function differs(a, b) {
+        return Math.abs(a.r - b.r) + Math.abs(a.g - b.g) + Math.abs(a.b - b.b) > 0.25
+    }
+
+    // How many pixels of `item` in `image` (a grab of `ancestor`) stand out from the one at the
+    // item's top-left corner: its text or drawing; 0 where nothing was drawn.
+    function inkOf(image, item, ancestor) {
+        const at = item.mapToItem(ancestor, 0, 0)
+        const left = Math.round(at.x), top = Math.round(at.y)
+        const ground = image.pixel(left, top)
+        let ink = 0
+        for (let y = top; y < top + item.height && y < image.height; y += 2) {
+            for (let x = left; x < left + item.width && x < image.width; x += 2) {
+                if (differs(image.pixel(x, y), ground))
+                    ++ink
+            }
+        }
+        return ink
+    }
 }

@@ -14,6 +14,8 @@ ViewTestCase {
         id: sampleList
 
         ListView {
+            readonly property int graphicsApi: GraphicsInfo.api
+
             width: 500
             height: 780
             spacing: 4
@@ -100,6 +102,44 @@ ViewTestCase {
         compare(fill.width, fill.parent.width)
         verify(findChild(row, "noticeText").visible)
         compare(findChild(row, "noticeText").text, "60 秒无响应")
+    }
+
+    // Drawn by the software scene graph, as where OpenGL would be drawn in software: each state's
+    // row shows its title, status and icon; the bar is filled to its progress; the sweep of a step
+    // after the download moves along its track; the focus ring is there.
+    function test_drawnInSoftware() {
+        const statuses = ["等待中", "准备中", "下载中", "已完成", "失败", "已取消", "已暂停"]
+        const list = sampleRows(statuses, 0.5)
+        compare(list.graphicsApi, GraphicsInfo.Software)
+        // Half way along a fill, its gradient is half the accent and half cyan.
+        const blend = Qt.rgba((Theme.accent.r + Theme.cyan.r) / 2, (Theme.accent.g + Theme.cyan.g) / 2,
+                              (Theme.accent.b + Theme.cyan.b) / 2, 1)
+        for (let i = 0; i < statuses.length; ++i) {
+            const row = list.itemAtIndex(i)
+            // Icons are read in the background.
+            for (const part of ["titleText", "statusText", "statusIcon", "rowThumbnail"])
+                tryVerify(() => inkOf(grabImage(row), findChild(row, part), row) > 10, 5000, statuses[i] + " " + part)
+            if (!findChild(row, "progressRow").visible)
+                continue
+            const image = grabImage(row)
+            const fill = findChild(row, "progressFill")
+            const middle = fill.mapToItem(row, fill.width / 2, fill.height / 2)
+            verify(!differs(image.pixel(middle.x, middle.y), blend), statuses[i])
+        }
+
+        // The sweep, caught wholly inside its track, is drawn where it is.
+        const sweeping = sampleRows(["下载中"], 1, "", "合并中").itemAtIndex(0)
+        const sweep = findChild(sweeping, "progressFill")
+        tryVerify(() => sweep.x > 0 && sweep.x + sweep.width < sweep.parent.width * 0.9)
+        const image = grabImage(sweeping)
+        const middle = sweep.mapToItem(sweeping, sweep.width / 2, sweep.height / 2)
+        verify(!differs(image.pixel(middle.x, middle.y), blend))
+
+        const focused = list.itemAtIndex(3)
+        const ring = findChild(focused, "rowFocusRing")
+        focused.forceActiveFocus(Qt.TabFocusReason)
+        tryVerify(() => ring.visible)
+        verify(!differs(grabImage(focused).pixel(1, focused.height / 2), Theme.accent))
     }
 
     // A running row's progress, then its actions and what they do to the engine's tasks; the

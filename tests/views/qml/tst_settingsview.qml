@@ -154,6 +154,29 @@ ViewTestCase {
         DownloadManager.resumeAtStart = true
     }
 
+    // The renderer is chosen for the next start, and the sheet says what draws now and why.
+    function test_rendererForTheNextStart() {
+        compare(child("rendererInUse").text, "正在使用：软件（环境变量 QT_QUICK_BACKEND=software）")
+        const choice = child("rendererChoice")
+        compare(choice.displayText, "自动")
+        verify(!child("rendererNextStart").visible)
+        choice.forceActiveFocus()
+        keyClick(Qt.Key_Down)
+        keyClick(Qt.Key_Down)
+        compare(choice.displayText, "软件")
+        compare(TestHelper.setting("interfaceRenderer"), "software")
+        verify(child("rendererNextStart").visible)
+        // A stored choice is shown as it was stored.
+        view.destroy()
+        view = createTemporaryObject(sheetComponent, testCase)
+        compare(child("rendererChoice").displayText, "软件")
+        child("rendererChoice").forceActiveFocus()
+        keyClick(Qt.Key_Up)
+        keyClick(Qt.Key_Up)
+        compare(TestHelper.setting("interfaceRenderer"), "auto")
+        verify(!child("rendererNextStart").visible)
+    }
+
     // The picker offers the files there when it opens (not one that cannot run), the one in use
     // among them; choosing one fills the field and stores nothing.
     function test_pickerOffersExistingFiles() {
