@@ -180,6 +180,7 @@ struct Checkpoint
     int finished = 0;
     double seconds = 0;
     qint64 rssKiB = 0;
+    qint64 filesKiB = 0; // the part of RSS that is mapped files (libraries, fonts)
     qint64 heapKiB = 0;
 };
 
@@ -294,6 +295,7 @@ int runOne(int argc, char **argv, const QString &renderer)
 
         const qint64 settledKiB = rssKiB();
         const qint64 settledHeapKiB = heapInUseKiB();
+        const qint64 settledFilesKiB = procStatusKiB("RssFile");
         say(label
             + u"first frame settled: RSS %1 MiB, heap in use %2 MiB"_s.arg(
                 number(mib(settledKiB)), number(mib(settledHeapKiB))));
@@ -323,8 +325,8 @@ int runOne(int argc, char **argv, const QString &renderer)
                     ++finished;
             }
             while (checkpoints.size() < total / every && finished >= (checkpoints.size() + 1) * every) {
-                checkpoints.append(
-                    { int(checkpoints.size() + 1) * every, double(wall.elapsed()) / 1000, rssKiB(), heapInUseKiB() });
+                checkpoints.append({ int(checkpoints.size() + 1) * every, double(wall.elapsed()) / 1000, rssKiB(),
+                    procStatusKiB("RssFile"), heapInUseKiB() });
             }
             if (!failure.isEmpty() || finished == total) {
                 loop.quit();
@@ -401,9 +403,10 @@ int runOne(int argc, char **argv, const QString &renderer)
                 scrolled ? u"scrolled to its end"_s : u"NOT scrolled"_s));
         for (const Checkpoint &point : std::as_const(checkpoints)) {
             say(label
-                + u"  after %1: RSS %2 MiB (%3), heap in use %4 MiB (%5), at %6 s"_s.arg(
+                + u"  after %1: RSS %2 MiB (%3, files %4), heap in use %5 MiB (%6), at %7 s"_s.arg(
                     QString::number(point.finished), number(mib(point.rssKiB)), signedMiB(point.rssKiB - settledKiB),
-                    number(mib(point.heapKiB)), signedMiB(point.heapKiB - settledHeapKiB), number(point.seconds, 1)));
+                    signedMiB(point.filesKiB - settledFilesKiB), number(mib(point.heapKiB)),
+                    signedMiB(point.heapKiB - settledHeapKiB), number(point.seconds, 1)));
         }
         say(label
             + u"%1 s after the last: RSS %2 MiB (%3 MiB), heap in use %4 MiB (%5 MiB)"_s.arg(
