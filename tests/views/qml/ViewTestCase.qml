@@ -81,6 +81,20 @@ TestCase {
         return row
     }
 
+    // Scrolls the queue until `item`, inside one of its rows, is wholly in sight. Rows grow as
+    // their texts arrive, so it is asked again until it holds.
+    function bringIntoList(item) {
+        const list = child("taskList")
+        tryVerify(() => {
+            const at = item.mapToItem(list, 0, 0)
+            if (at.y >= 0 && at.y + item.height <= list.height)
+                return true
+            list.contentY += at.y < 0 ? at.y : at.y + item.height - list.height
+            return false
+        }, 20000)
+        waitForRendering(view)
+    }
+
     // Hovers `row` until its actions show, and clicks the one named `action`.
     function clickRowAction(row, action) {
         mouseMove(row, 20, 20)

@@ -209,10 +209,12 @@ ViewTestCase {
             list.positionViewAtIndex(first, ListView.Beginning)
             return sweeping() === 3
         }, 20000)
-        // Just above the list's edge, where it keeps them made; then far away, kept for reuse.
-        list.positionViewAtIndex(first + 3, ListView.Beginning)
-        waitForRendering(list)
-        compare(sweeping(), 0)
+        // Just above the list's edge, where it keeps them made (asked again while rows settle
+        // their heights); then far away, kept for reuse.
+        tryVerify(() => {
+            list.positionViewAtIndex(first + 3, ListView.Beginning)
+            return sweeping() === 0
+        }, 20000)
         list.positionViewAtEnd()
         tryCompare(child("statusText", rowAt(first + 29)), "text", "等待中")
         compare(sweeping(), 0)
@@ -324,24 +326,20 @@ ViewTestCase {
         compare(error.visible, false)
         compare(child("toolFixButton", row).visible, data.fix)
         if (data.fix) {
+            bringIntoList(child("toolFixButton", row))
             mouseClick(child("toolFixButton", row))
             compare(AppState.showSettings, true)
             AppState.showSettings = false
             return
         }
 
-        // The row grew with its explanation: bring its buttons into view before clicking.
-        const list = child("taskList")
         const toggle = child("toolOutputButton", row)
-        list.positionViewAtEnd()
-        tryVerify(() => {
-            const at = toggle.mapToItem(list, 0, 0)
-            return at.y >= 0 && at.y + toggle.height <= list.height
-        })
+        bringIntoList(toggle)
         mouseClick(toggle)
         tryVerify(() => error.visible)
         tryVerify(() => error.mapToItem(row, 0, 0).y > explanation.mapToItem(row, 0, 0).y)
         Desktop.setClipboardText("")
+        bringIntoList(child("copyErrorButton", row))
         mouseClick(child("copyErrorButton", row))
         compare(Desktop.clipboardText(), "ERROR: HTTP Error 404: Not Found")
     }
