@@ -46,6 +46,7 @@ public:
     bool isStalled() const { return m_stalled; }
     QString folder() const { return m_folder; }
     QString outputPath() const { return m_output.outputPath(); }
+    bool skippedByArchive() const { return m_output.skippedByArchive(); }
     QString phase() const { return m_output.phase(); }
     // For quitting: the process, while it lives.
     GroupProcess *process() const { return m_process; }

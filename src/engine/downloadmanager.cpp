@@ -13,6 +13,7 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QSettings>
+#include <QStandardPaths>
 #include <QTimer>
 
 #include <csignal>
@@ -136,8 +137,9 @@ QString DownloadManager::buildDownloadCommand(const QString &ytDlpPath, const Do
     command << ffmpegArgs << cookieArgs;
     if (!request.downloadPlaylist)
         command << u"--no-playlist"_s;
-    command << u"-o"_s << request.outputDir + u"/%(title)s.%(ext)s"_s;
+    command << u"-o"_s << request.choices.outputTemplate(request.outputDir);
     command << presetArguments(request.preset); // none for the custom preset
+    command << request.choices.words(archiveFile());
     // Split here rather than by the shell, so the text is only ever words: an odd quote cannot
     // reach the link, and nothing in it runs. executeDownload refuses a text that does not split.
     command << splitShellWords(request.customArgs).words;
@@ -148,7 +150,7 @@ QString DownloadManager::buildDownloadCommand(const QString &ytDlpPath, const Do
 void DownloadManager::startDownload(const QString &url, DownloadPreset preset, const QString &customArgs,
     const QString &outputDir, bool downloadPlaylist, bool useCookies)
 {
-    startDownloads({ url }, DownloadOptions { preset, customArgs, outputDir, downloadPlaylist, useCookies });
+    startDownloads({ url }, DownloadOptions { preset, customArgs, outputDir, downloadPlaylist, useCookies, {} });
 }
 
 void DownloadManager::startDownloads(const QStringList &urls, const DownloadOptions &options)
@@ -173,10 +175,16 @@ QUuid DownloadManager::createTask(const DownloadRequest &request, QList<Download
     addLog(u"开始下载任务"_s, LogEntry::LogType::Download);
     info(u"URL: "_s + request.url);
     info(u"预设: "_s + presetName);
-    const DownloadTask task = DownloadTask::create(request.url);
+    DownloadTask task = DownloadTask::create(request.url);
+    task.outcome = request.choices.outcomeText();
     created.append(task);
     qCInfo(lcEngine, "[Quillbox] 任务已添加 - ID: %ls", qUtf16Printable(task.id.toString(QUuid::WithoutBraces)));
     return task.id;
+}
+
+QString DownloadManager::archiveFile()
+{
+    return QStandardPaths::writableLocation(QStandardPaths::AppDataLocation) + u"/archive.txt"_s;
 }
 
 QString DownloadManager::expandHome(const QString &folder) const
@@ -264,6 +272,11 @@ void DownloadManager::executeDownload(const QUuid &taskId)
             qUtf16Printable(rawValue(request.preset)), qUtf16Printable(words.join(u", "_s)));
         info(u"预设参数: "_s + words.join(u' '));
     }
+    if (!request.choices.isDefault()) {
+        const QString summary = request.choices.summary();
+        qCInfo(lcEngine, "[Quillbox] [executeDownload] 下载选项: %ls", qUtf16Printable(summary));
+        info(u"下载选项: "_s + summary);
+    }
     // Passwords typed into the custom arguments are run but never shown: not in either log, not
     // on the row (nor in the store's copy of it).
     const QString shownArguments = maskSecrets(request.customArgs);
@@ -290,6 +303,14 @@ void DownloadManager::executeDownload(const QUuid &taskId)
     }
     if (const ShellWords custom = splitShellWords(request.customArgs); !custom.ok()) {
         failToLaunch(taskId, custom.error + u": "_s + shownArguments);
+        return;
+    }
+    if (const QString problem = request.choices.problem(); !problem.isEmpty()) {
+        failToLaunch(taskId, problem);
+        return;
+    }
+    if (request.choices.useArchive && !QDir().mkpath(QFileInfo(archiveFile()).path())) {
+        failToLaunch(taskId, u"无法创建下载存档所在的目录: "_s + QFileInfo(archiveFile()).path());
         return;
     }
     if (!QDir().mkpath(request.outputDir)) {
@@ -374,8 +395,28 @@ void DownloadManager::fetchInfoFor(const QUuid &taskId, const DownloadRequest &r
                         task.duration = result.info.durationString();
                     task.thumbnail = result.info.thumbnailUrl();
                 });
+                if (!result.info.formats.isEmpty()) {
+                    m_offeredFormats.insert(taskId, result.info.formats);
+                    addOfferedFormats(taskId);
+                }
             },
-            false));
+            false, request.choices.networkWords()));
+}
+
+void DownloadManager::addOfferedFormats(const QUuid &taskId)
+{
+    // The download and the information request ask for the same page side by side: whichever
+    // answers last completes the explanation.
+    const DownloadTask *task = m_tasks->find(taskId);
+    const auto offered = m_offeredFormats.constFind(taskId);
+    if (!task || offered == m_offeredFormats.cend() || task->status != DownloadStatus::Failed || !task->explanation
+        || !task->errorMessage || !isMissingFormat({ *task->errorMessage }))
+        return;
+    const QString note = offeredFormatsNote(*offered);
+    if (note.isEmpty() || task->explanation->contains(note))
+        return;
+    info(note);
+    m_tasks->update(taskId, [&note](DownloadTask &task) { task.explanation = *task.explanation + u'\n' + note; });
 }
 
 void DownloadManager::failToLaunch(
@@ -462,9 +503,13 @@ void DownloadManager::completeDownload(const QUuid &taskId, DownloadJob *job, co
     }
     if (exitCode == 0 && !end.crashed) {
         qCInfo(lcEngine, "[Quillbox] [executeDownload] 下载成功!");
+        m_offeredFormats.remove(taskId);
         info(u"✅ 下载完成！"_s);
         const QFileInfo file(outputPath);
-        m_tasks->update(taskId, [&file](DownloadTask &task) {
+        const bool skipped = job->skippedByArchive();
+        if (skipped)
+            info(u"已在下载存档中，未再下载: "_s + nameOf(taskId));
+        m_tasks->update(taskId, [&file, skipped](DownloadTask &task) {
             task.status = DownloadStatus::Completed;
             task.progress = 1.0;
             task.phase.clear();
@@ -473,6 +518,8 @@ void DownloadManager::completeDownload(const QUuid &taskId, DownloadJob *job, co
             // The size of what is on disk now, after merging or converting.
             if (file.isFile())
                 task.size = DownloadOutput::formatBytes(file.size());
+            if (skipped)
+                task.notice = u"已在下载存档中，未再下载"_s;
         });
     } else {
         qCInfo(lcEngine, "[Quillbox] [executeDownload] 下载失败, 错误码: %d", exitCode);
@@ -499,6 +546,7 @@ void DownloadManager::completeDownload(const QUuid &taskId, DownloadJob *job, co
             FailedRun { end.stderrTail + end.stdoutTail, exitCode, end.crashed, m_tools->ytDlpPath() });
         markFailed(taskId, message, explanation ? std::optional(explanation->text) : std::nullopt,
             explanation && explanation->toolchainFix);
+        addOfferedFormats(taskId);
         qCInfo(lcEngine, "[Quillbox] [executeDownload] 错误信息: %ls", qUtf16Printable(message));
     }
     pumpQueue();
@@ -563,6 +611,7 @@ void DownloadManager::retryDownload(const QString &taskId)
         return;
     info((task->status == DownloadStatus::Paused ? u"▶ 继续: "_s : u"🔄 重试: "_s) + task->title);
     m_tasks->update(id, &DownloadManager::clearLastRun);
+    m_offeredFormats.remove(id);
     m_waiting.push_back(id);
     pumpQueue();
 }
@@ -593,6 +642,7 @@ void DownloadManager::removeDownload(const QString &taskId)
     m_tasks->remove(id);
     m_requests.remove(id);
     m_infoFetches.remove(id);
+    m_offeredFormats.remove(id);
 }
 
 void DownloadManager::clearCompleted()
@@ -602,6 +652,7 @@ void DownloadManager::clearCompleted()
             return false;
         m_requests.remove(task.id);
         m_infoFetches.remove(task.id);
+        m_offeredFormats.remove(task.id);
         return true;
     });
 }
@@ -622,6 +673,7 @@ void DownloadManager::restoreTasks(const QList<StoredTask> &rows)
         if (m_tasks->find(row.task.id))
             continue;
         DownloadTask task = row.task;
+        task.outcome = row.request.choices.outcomeText();
         // Nothing of ours runs before we do: what was running then has been stopped, its
         // ".part" file kept. A stopped row (the user's "停止") is not among them.
         const bool wasRunning = task.status == DownloadStatus::Preparing || task.status == DownloadStatus::Downloading;

@@ -10,6 +10,7 @@
 #include "model/downloadtask.h"
 #include "model/enginehost.h"
 #include "model/logentry.h"
+#include "model/videoinfo.h"
 #include "model/storedtask.h"
 #include "model/taskmodel.h"
 
@@ -109,17 +110,18 @@ public:
     {
         m_maintenance->updateYtDlp(std::move(completion));
     }
-    void listFormats(const QString &url, bool useCookies, std::function<void(const FormatListResult &)> completion)
+    void listFormats(const QString &url, bool useCookies, std::function<void(const FormatListResult &)> completion,
+        const QStringList &networkWords = {})
     {
-        m_maintenance->listFormats(url, useCookies, std::move(completion));
+        m_maintenance->listFormats(url, useCookies, std::move(completion), networkWords);
     }
     // Asks yt-dlp for the information of `url` ("-J", one video even of a playlist, the runtime,
     // ffmpeg and cookie words of a download); `completion` once, on this thread. The fetch can be
     // cancelled until it answers, and is gone after.
-    VideoInfoFetch *fetchVideoInfo(
-        const QString &url, bool useCookies, std::function<void(const VideoInfoResult &)> completion)
+    VideoInfoFetch *fetchVideoInfo(const QString &url, bool useCookies,
+        std::function<void(const VideoInfoResult &)> completion, const QStringList &networkWords = {})
     {
-        return m_maintenance->fetchVideoInfo(url, useCookies, std::move(completion));
+        return m_maintenance->fetchVideoInfo(url, useCookies, std::move(completion), true, networkWords);
     }
 
     // --- Downloads
@@ -166,6 +168,8 @@ public:
     // are held instead: shown stopped, for "重试", while the store keeps them unfinished.
     void restoreTasks(const QList<StoredTask> &rows);
 
+    // The download archive "下载存档" keeps, in the per-user data folder.
+    static QString archiveFile();
     // The command text for one download (its ShellCommand rendered), given the raw tool words.
     static QString buildDownloadCommand(const QString &ytDlpPath, const DownloadRequest &request,
         const QStringList &jsRuntimeArgs, const QStringList &ffmpegArgs, const QStringList &cookieArgs);
@@ -209,6 +213,9 @@ private:
     // Asks for the video's information beside its download, once per task, and puts its title,
     // length and picture on the row.
     void fetchInfoFor(const QUuid &taskId, const DownloadRequest &request);
+    // A task that failed for a format its link does not offer: its explanation names what the
+    // link does offer, once both are known.
+    void addOfferedFormats(const QUuid &taskId);
 
     LogSink *m_log;
     TaskModel *m_tasks;
@@ -230,4 +237,6 @@ private:
     QHash<QUuid, QUuid> m_progressEntry;
     // Per task, its information request while it runs; a task that has one never asks again.
     QHash<QUuid, QPointer<VideoInfoFetch>> m_infoFetches;
+    // Per task, the formats its link offers, from its information, until it has succeeded.
+    QHash<QUuid, QList<VideoFormat>> m_offeredFormats;
 };

@@ -29,6 +29,8 @@ struct Expressions
     // The file a download writes, or already has.
     QRegularExpression destination { u"^\\[download\\] Destination: (.+)$"_s };
     QRegularExpression already { u"^\\[download\\] (.+) has already been downloaded$"_s };
+    // "[download] TITLE has already …" or, when the id is known before extraction, "[site] ID: has …".
+    QRegularExpression archived { u"^\\[[\\w:]+\\] .+ has already been recorded in the archive$"_s };
     // Steps that write their target directly, naming it.
     QRegularExpression converts { u"^\\[(ExtractAudio|VideoConvertor|VideoRemuxer)\\] (?:.*; )?Destination: (.+)$"_s };
     // Steps that write a ".temp." file beside the one they name in quotes, then rename it.
@@ -178,6 +180,8 @@ void DownloadOutput::readLine(const QString &line, ProgressUpdate &update)
         m_outputPath = m_source;
         m_shown = std::max(m_shown, combined());
         update.progress = m_shown;
+    } else if (e.archived.match(line).hasMatch()) {
+        m_skippedByArchive = true;
     } else if (const QRegularExpressionMatch match = e.converts.match(line); match.hasMatch()) {
         const QString target = absolute(match.captured(2));
         m_phase = match.capturedView(1) == u"ExtractAudio" ? extractingAudio : postProcessing;

@@ -28,6 +28,8 @@ public:
     QString phase() const { return m_phase; }
     // The file the download ends in so far (absolute), or empty.
     QString outputPath() const { return m_outputPath; }
+    // yt-dlp found the video in the download archive and skipped it.
+    bool skippedByArchive() const { return m_skippedByArchive; }
     // The whole task's progress, 0–1, never lower than before.
     double progress() const { return m_shown; }
     // What the step under way writes (absolute): removed if the download is stopped before the
@@ -61,6 +63,7 @@ private:
     QString m_source;
     QStringList m_partialFiles;
     QDateTime m_partialSince;
+    bool m_skippedByArchive = false;
 
     int m_item = 1; // the playlist item being downloaded, from 1
     int m_items = 1;

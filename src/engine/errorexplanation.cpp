@@ -1,9 +1,13 @@
 #include "engine/errorexplanation.h"
 
+#include "model/videoinfo.h"
+
 #include <QList>
 #include <QRegularExpression>
 
+#include <algorithm>
 #include <csignal>
+#include <functional>
 
 using namespace Qt::StringLiterals;
 
@@ -211,4 +215,68 @@ QString explainLaunchFailure(const QString &shell, const QString &reason)
 QString explainFolderFailure(const QString &folder)
 {
     return u"无法创建输出目录 %1：没有写入权限，或路径中有同名的文件。请换一个输出目录。"_s.arg(folder);
+}
+
+bool isMissingFormat(const QStringList &lines)
+{
+    return std::any_of(lines.cbegin(), lines.cend(),
+        [](const QString &line) { return line.contains(u"Requested format is not available"); });
+}
+
+namespace {
+bool hasStream(const std::optional<QString> &codec)
+{
+    return codec && !codec->isEmpty() && *codec != u"none";
+}
+
+// Higher for a format a download would rather have: more pixels, then more bits.
+double worth(const VideoFormat &format)
+{
+    double pixels = 0;
+    if (format.resolution) {
+        const QStringList sides = format.resolution->split(u'x');
+        if (sides.size() == 2)
+            pixels = sides.at(0).toDouble() * sides.at(1).toDouble();
+    }
+    return pixels * 1e4 + format.tbr.value_or(0);
+}
+
+QString describe(const VideoFormat &format)
+{
+    QStringList parts { format.ext };
+    if (format.resolution && *format.resolution != u"audio only")
+        parts << *format.resolution;
+    QStringList codecs;
+    for (const auto &codec : { format.vcodec, format.acodec }) {
+        if (hasStream(codec))
+            codecs << *codec;
+    }
+    if (!codecs.isEmpty())
+        parts << codecs.join(u'+');
+    return format.formatId + u"（"_s + parts.join(u" · "_s) + u"）"_s;
+}
+} // namespace
+
+QString offeredFormatsNote(const QList<VideoFormat> &formats)
+{
+    // Unknown codecs count as present: yt-dlp leaves them out for many sites' only format.
+    const auto combined = [](const VideoFormat &f) {
+        return (!f.vcodec || hasStream(f.vcodec)) && (!f.acodec || hasStream(f.acodec));
+    };
+    const auto videoOnly = [](const VideoFormat &f) { return hasStream(f.vcodec) && f.acodec == u"none"; };
+    const auto audioOnly = [](const VideoFormat &f) { return hasStream(f.acodec) && f.vcodec == u"none"; };
+    QStringList picked;
+    for (const auto &fits : { std::function<bool(const VideoFormat &)>(combined), { videoOnly }, { audioOnly } }) {
+        const VideoFormat *best = nullptr;
+        for (const VideoFormat &format : formats) {
+            if (fits(format) && (!best || worth(format) > worth(*best)))
+                best = &format;
+        }
+        if (best)
+            picked << describe(*best);
+    }
+    if (picked.isEmpty())
+        return {};
+    const QString more = formats.size() > picked.size() ? u"，共 %1 种"_s.arg(formats.size()) : QString();
+    return u"这个链接提供的格式有："_s + picked.join(u"、"_s) + more + u"。"_s;
 }

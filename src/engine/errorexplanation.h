@@ -5,6 +5,8 @@
 
 #include <optional>
 
+struct VideoFormat;
+
 // Turns what a failed yt-dlp run printed into a short explanation in plain Chinese: what went
 // wrong and what to do about it. The tool's own lines stay as they are; this is said beside them.
 
@@ -28,6 +30,13 @@ struct Explanation
 std::optional<Explanation> describeFailure(const FailedRun &run);
 // describeFailure()'s text alone.
 std::optional<QString> explainFailure(const FailedRun &run);
+
+// The output says the format asked for is not offered.
+bool isMissingFormat(const QStringList &lines);
+// What a link offers nearest to what a download usually wants, for an explanation of a missing
+// format: the best format with both streams, the best video alone and the best audio alone
+// ("这个链接提供的格式有：22（mp4 · 1280x720 · avc1.64001F+mp4a.40.2）…"); empty when none is known.
+QString offeredFormatsNote(const QList<VideoFormat> &formats);
 
 // The explanation for a shell that could not be started at all.
 QString explainLaunchFailure(const QString &shell, const QString &reason);

@@ -82,15 +82,16 @@ void Maintenance::updateYtDlp(std::function<void(const UpdateResult &)> completi
     });
 }
 
-void Maintenance::listFormats(
-    const QString &url, bool useCookies, std::function<void(const FormatListResult &)> completion)
+void Maintenance::listFormats(const QString &url, bool useCookies,
+    std::function<void(const FormatListResult &)> completion, const QStringList &networkWords)
 {
-    m_tools->whenYtDlpPathKnown([this, url, useCookies, completion = std::move(completion)] {
+    m_tools->whenYtDlpPathKnown([this, url, useCookies, networkWords, completion = std::move(completion)] {
         info(u"正在获取可用格式..."_s);
         ShellCommand command(m_tools->ytDlpPath(), { u"--list-formats"_s });
         command << m_tools->jsRuntimeArgs();
         if (useCookies)
             command << m_tools->cookieArgs().words;
+        command << networkWords;
         command.link(url);
         const QString shown = command.text();
 
@@ -128,17 +129,18 @@ void Maintenance::listFormats(
     });
 }
 
-VideoInfoFetch *Maintenance::fetchVideoInfo(
-    const QString &url, bool useCookies, std::function<void(const VideoInfoResult &)> completion, bool logged)
+VideoInfoFetch *Maintenance::fetchVideoInfo(const QString &url, bool useCookies,
+    std::function<void(const VideoInfoResult &)> completion, bool logged, const QStringList &networkWords)
 {
     auto *fetch = new VideoInfoFetch(url, logged ? m_log : nullptr, std::move(completion), this);
-    m_tools->whenYtDlpPathKnown([this, fetch = QPointer<VideoInfoFetch>(fetch), url, useCookies] {
+    m_tools->whenYtDlpPathKnown([this, fetch = QPointer<VideoInfoFetch>(fetch), url, useCookies, networkWords] {
         if (!fetch)
             return;
         ShellCommand command(m_tools->ytDlpPath(), { u"-J"_s, u"--no-playlist"_s });
         command << m_tools->jsRuntimeArgs() << m_tools->ffmpegArgs();
         if (useCookies)
             command << m_tools->cookieArgs().words;
+        command << networkWords;
         fetch->run(command.link(url));
     });
     return fetch;

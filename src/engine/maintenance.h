@@ -41,12 +41,15 @@ public:
     // the user ("✅ …" or "❌ …") and, for a failure, advice on it; the version is probed again
     // after a success.
     void updateYtDlp(std::function<void(const UpdateResult &)> completion);
-    void listFormats(const QString &url, bool useCookies, std::function<void(const FormatListResult &)> completion);
+    // `networkWords` (a proxy's) go with the cookie words, as in a download.
+    void listFormats(const QString &url, bool useCookies, std::function<void(const FormatListResult &)> completion,
+        const QStringList &networkWords = {});
     // "-J" for one video (the first of a playlist) with the words a download would use; see
     // VideoInfoFetch. The fetch can be cancelled until it answers, and is gone after. Unless
     // `logged`, it says nothing in the in-app log (a download's own request is a detail).
     VideoInfoFetch *fetchVideoInfo(const QString &url, bool useCookies,
-        std::function<void(const VideoInfoResult &)> completion, bool logged = true);
+        std::function<void(const VideoInfoResult &)> completion, bool logged = true,
+        const QStringList &networkWords = {});
 
 private:
     void addLog(const QString &message, LogEntry::LogType type) const;

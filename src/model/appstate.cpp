@@ -69,6 +69,12 @@ void AppState::loadPreferences()
         setNotifyOnFinish(*notify);
     if (const auto logPanel = readSwitch(ShowLogPanelKey))
         setShowLogPanel(*logPanel);
+    QSettings options;
+    options.beginGroup(QLatin1String(DownloadOptionsGroup));
+    QVariantMap stored;
+    for (const QString &key : options.childKeys())
+        stored.insert(key, options.value(key));
+    setDownloadChoices(DownloadChoices::fromMap(stored));
     m_remembering = true;
 }
 
@@ -258,6 +264,22 @@ void AppState::setShowSettings(bool value)
 void AppState::setSelectedTab(int value)
 {
     assign(this, m_selectedTab, value, &AppState::selectedTabChanged);
+}
+
+void AppState::setDownloadChoices(const DownloadChoices &value)
+{
+    if (!assign(this, m_downloadChoices, value, &AppState::downloadChoicesChanged) || !m_remembering)
+        return;
+    QSettings settings;
+    settings.beginGroup(QLatin1String(DownloadOptionsGroup));
+    const QVariantMap map = value.toMap();
+    for (auto it = map.cbegin(); it != map.cend(); ++it)
+        settings.setValue(it.key(), it.value());
+}
+
+void AppState::setKnownVideo(const QJsonObject &fields)
+{
+    assign(this, m_knownVideo, fields, &AppState::knownVideoChanged);
 }
 
 void AppState::setShowLogPanel(bool value)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "cookies/cookiewords.h"
+#include "model/downloadchoices.h"
 #include "model/downloadpreset.h"
 #include "model/downloadtask.h"
 #include "model/enginehost.h"
@@ -8,6 +9,7 @@
 #include "model/logmodel.h"
 
 #include <QHash>
+#include <QJsonObject>
 #include <QList>
 #include <QMutex>
 #include <QObject>
@@ -54,6 +56,8 @@ public:
     static constexpr auto NotifyOnFinishKey = "notifyOnFinish";
     // Whether the log panel is shown: the next start opens it as this one left it.
     static constexpr auto ShowLogPanelKey = "showLogPanel";
+    // The group "下载选项" keeps its choices in, each under its key (DownloadChoices::toMap()).
+    static constexpr auto DownloadOptionsGroup = "downloadOptions";
 
     explicit AppState(QObject *parent = nullptr);
     ~AppState() override;
@@ -111,6 +115,13 @@ public:
     bool showLogPanel() const { return m_showLogPanel; }
     void setShowLogPanel(bool value);
     int unseenLogCount() const { return m_unseenLogCount; }
+    // What "下载选项" holds, remembered like the form.
+    DownloadChoices downloadChoices() const { return m_downloadChoices; }
+    void setDownloadChoices(const DownloadChoices &value);
+    // yt-dlp's fields of the video whose information was fetched last ("webpage_url" its link),
+    // for showing what a file-name template makes of it.
+    QJsonObject knownVideo() const { return m_knownVideo; }
+    void setKnownVideo(const QJsonObject &fields);
 
     LogModel *logModel() const { return m_log; }
     QList<LogEntry> logEntries() const { return m_log->entries(); }
@@ -132,6 +143,8 @@ Q_SIGNALS:
     void selectedTabChanged();
     void showLogPanelChanged();
     void unseenLogCountChanged();
+    void downloadChoicesChanged();
+    void knownVideoChanged();
 
 private:
     struct PendingLog
@@ -161,6 +174,8 @@ private:
     int m_selectedTab = 0;
     bool m_showLogPanel = true;
     int m_unseenLogCount = 0;
+    DownloadChoices m_downloadChoices;
+    QJsonObject m_knownVideo;
     bool m_remembering = false;
     LogModel *m_log;
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "model/downloadchoices.h"
 #include "model/enums.h"
 
 #include <QString>
@@ -12,6 +13,8 @@ struct DownloadOptions
     QString outputDir;
     bool downloadPlaylist = true;
     bool useCookies = true;
+    // What "下载选项" adds.
+    DownloadChoices choices;
 
     bool operator==(const DownloadOptions &) const = default;
 };

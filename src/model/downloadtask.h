@@ -56,6 +56,8 @@ public:
     // From the video's information, once known: its length ("3:25") and picture's address.
     QString duration;
     QString thumbnail;
+    // The outcome its download options ask for ("H.264 · AAC · MP4"), or empty.
+    QString outcome;
 
     // A new task for `url`: fresh id, title = url, pending, started now.
     static DownloadTask create(const QString &url);

@@ -153,6 +153,8 @@ QString TaskModel::details(const DownloadTask &task)
     QStringList parts;
     if (!task.duration.isEmpty())
         parts.append(task.duration);
+    if (!task.outcome.isEmpty())
+        parts.append(task.outcome);
     const bool stopped = isStopped(task.status);
     if (stopped && task.progress > 0) {
         // A stopped task has no bar and no speed any more: the line says how far it got.

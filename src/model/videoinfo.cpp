@@ -281,9 +281,25 @@ std::optional<VideoInfo> VideoInfo::fromYtDlpJson(const QByteArray &json, const 
     info.uploadDate = ytText(object, QLatin1String("upload_date"));
     info.viewCount = ytWholeNumber(object, QLatin1String("view_count"));
     info.likeCount = ytWholeNumber(object, QLatin1String("like_count"));
+    info.videoId = ytText(object, QLatin1String("id")).value_or(QString());
+    info.ext = ytText(object, QLatin1String("ext")).value_or(QString());
     for (const QJsonValue &item : object.value(QLatin1String("formats")).toArray()) {
         if (auto format = ytFormat(item.toObject()))
             info.formats.append(std::move(*format));
     }
     return info;
+}
+
+QJsonObject VideoInfo::templateFields() const
+{
+    QJsonObject fields { { u"webpage_url"_s, url }, { u"title"_s, title }, { u"uploader"_s, uploader } };
+    if (!videoId.isEmpty())
+        fields.insert(u"id"_s, videoId);
+    if (!ext.isEmpty())
+        fields.insert(u"ext"_s, ext);
+    if (duration > 0)
+        fields.insert(u"duration"_s, duration);
+    if (uploadDate)
+        fields.insert(u"upload_date"_s, *uploadDate);
+    return fields;
 }

@@ -55,8 +55,13 @@ public:
     std::optional<qint64> viewCount;
     std::optional<qint64> likeCount;
     QList<VideoFormat> formats;
+    // yt-dlp's id of the video and the extension of what it would download, when given.
+    QString videoId;
+    QString ext;
 
     QString id() const { return url; }
+    // The fields a file-name template can name, by yt-dlp's keys, with "webpage_url" the link.
+    QJsonObject templateFields() const;
 
     // "m:ss" below an hour, "h:mm:ss" from an hour on; a negative duration takes the first form.
     QString durationString() const;

@@ -25,7 +25,7 @@ QAtomicInt connectionCount;
 
 const QString taskColumns = u"id, ordinal, url, title, status, progress, speed, size, error_message, explanation, "
                             u"start_time, end_time, output_path, duration, thumbnail, preset, custom_args, "
-                            u"output_dir, playlist, cookies"_s;
+                            u"output_dir, playlist, cookies, options"_s;
 
 QVariant optionalText(const std::optional<QString> &text)
 {
@@ -180,8 +180,12 @@ bool TaskStore::migrate(int from)
             u"CREATE TABLE process_groups (id INTEGER PRIMARY KEY, started INTEGER NOT NULL)"_s,
         }),
         [this] { return labelsToKeys(); },
+        statements({
+            u"ALTER TABLE tasks ADD COLUMN options TEXT NOT NULL DEFAULT ''"_s,
+            u"ALTER TABLE presets ADD COLUMN options TEXT NOT NULL DEFAULT ''"_s,
+        }),
     };
-    static_assert(SchemaVersion == 4, "one migration step per schema version");
+    static_assert(SchemaVersion == 5, "one migration step per schema version");
     QSqlDatabase db = QSqlDatabase::database(m_connection, false);
     for (int version = from; version < SchemaVersion; ++version) {
         if (!db.transaction()) {
@@ -328,6 +332,7 @@ QList<StoredTask> TaskStore::loadTasks()
         request.outputDir = query.value(17).toString();
         request.downloadPlaylist = query.value(18).toBool();
         request.useCookies = query.value(19).toBool();
+        request.choices = DownloadChoices::fromJsonText(query.value(20).toString());
         rows.append(std::move(row));
     }
     return rows;
@@ -349,7 +354,7 @@ bool TaskStore::apply(const StoreBatch &batch)
         // that cannot be NULL take it as empty.
         const QString text = u"COALESCE(?, '')"_s;
         const QStringList values = { u"?"_s, u"?"_s, text, text, text, u"?"_s, text, text, u"?"_s, u"?"_s, u"?"_s,
-            u"?"_s, u"?"_s, text, text, text, text, text, u"?"_s, u"?"_s };
+            u"?"_s, u"?"_s, text, text, text, text, text, u"?"_s, u"?"_s, text };
         ok = write.prepare(u"INSERT OR REPLACE INTO tasks (%1) VALUES (%2)"_s.arg(taskColumns, values.join(u", "_s)));
         for (qsizetype i = 0; ok && i < batch.upserts.size(); ++i) {
             const StoredTask &row = batch.upserts.at(i);
@@ -359,7 +364,7 @@ bool TaskStore::apply(const StoreBatch &batch)
                 optionalText(task.explanation), timeValue(task.startTime),
                 timeValue(task.endTime.value_or(QDateTime())), optionalText(task.outputPath), task.duration,
                 task.thumbnail, storageKey(row.request.preset), row.request.customArgs, row.request.outputDir,
-                int(row.request.downloadPlaylist), int(row.request.useCookies) };
+                int(row.request.downloadPlaylist), int(row.request.useCookies), row.request.choices.toJsonText() };
             for (int column = 0; column < values.size(); ++column)
                 write.bindValue(column, values.at(column));
             ok = write.exec();
@@ -389,10 +394,12 @@ QList<SavedPreset> TaskStore::loadPresets()
 {
     QList<SavedPreset> presets;
     QSqlQuery query(QSqlDatabase::database(m_connection, false));
-    if (!isOpen() || !query.exec(u"SELECT id, name, arguments FROM presets ORDER BY id"_s))
+    if (!isOpen() || !query.exec(u"SELECT id, name, arguments, options FROM presets ORDER BY id"_s))
         return presets;
-    while (query.next())
-        presets.append({ query.value(0).toLongLong(), query.value(1).toString(), query.value(2).toString() });
+    while (query.next()) {
+        presets.append({ query.value(0).toLongLong(), query.value(1).toString(), query.value(2).toString(),
+            DownloadChoices::fromJsonText(query.value(3).toString()) });
+    }
     return presets;
 }
 
@@ -402,13 +409,15 @@ qint64 TaskStore::savePreset(const SavedPreset &preset)
         return 0;
     QSqlQuery query(QSqlDatabase::database(m_connection, false));
     if (preset.id == 0) {
-        query.prepare(u"INSERT INTO presets (name, arguments) VALUES (?, ?)"_s);
+        query.prepare(u"INSERT INTO presets (name, arguments, options) VALUES (?, ?, ?)"_s);
     } else {
-        query.prepare(u"UPDATE presets SET name = ?, arguments = ? WHERE id = ?"_s);
-        query.bindValue(2, preset.id);
+        query.prepare(u"UPDATE presets SET name = ?, arguments = ?, options = ? WHERE id = ?"_s);
+        query.bindValue(3, preset.id);
     }
     query.bindValue(0, preset.name);
     query.bindValue(1, preset.arguments);
+    // Never NULL, which the column refuses.
+    query.bindValue(2, preset.choices.isDefault() ? u""_s : preset.choices.toJsonText());
     if (!query.exec()) {
         m_lastError = query.lastError().text();
         return 0;

@@ -6,12 +6,13 @@
 #include <QString>
 #include <QUuid>
 
-// A preset the user saved: a name and yt-dlp arguments.
+// A preset the user saved: a name, yt-dlp arguments and download options.
 struct SavedPreset
 {
     qint64 id = 0; // 0 until stored
     QString name;
     QString arguments;
+    DownloadChoices choices;
 
     bool operator==(const SavedPreset &) const = default;
 };
@@ -35,7 +36,8 @@ public:
     // length and picture, and the saved presets. Version 3 adds the process groups of running
     // downloads, so that a run that died can have its leftovers ended at the next start. Version
     // 4 keeps a row's status and preset by key ("completed", "bestAudio") instead of by label.
-    static constexpr int SchemaVersion = 4;
+    // Version 5 keeps the download options of a row and of a saved preset.
+    static constexpr int SchemaVersion = 5;
     // Finished rows beyond this many, oldest first, are dropped when the store is opened.
     static constexpr int HistoryLimit = 10000;
 

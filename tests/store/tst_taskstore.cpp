@@ -181,7 +181,7 @@ private Q_SLOTS:
         QCOMPARE(store.loadPresets().size(), presets);
         QCOMPARE(store.loadProcessGroups().size(), groups);
         // What the new version adds works on the migrated file.
-        QVERIFY(store.savePreset({ 0, u"字幕"_s, u"--write-subs"_s }) > 0);
+        QVERIFY(store.savePreset({ 0, u"字幕"_s, u"--write-subs"_s, {} }) > 0);
         QVERIFY(store.apply({ { sampleRow(DownloadStatus::Failed, 2000) }, {} }));
         QCOMPARE(store.loadTasks().last().task.status, DownloadStatus::Failed);
     }
@@ -257,7 +257,7 @@ private Q_SLOTS:
         TaskStore store(path);
         QCOMPARE(store.open().state, TaskStore::OpenState::Opened);
         QVERIFY(store.apply({ { sampleRow(DownloadStatus::Failed, 2) }, {} }));
-        QVERIFY(store.savePreset({ 0, u"登录"_s, u"--password secret"_s }) > 0);
+        QVERIFY(store.savePreset({ 0, u"登录"_s, u"--password secret"_s, {} }) > 0);
         QCOMPARE(modeOf(folder), 0700);
         if (!existedWide)
             QCOMPARE(modeOf(QFileInfo(folder).absolutePath()), 0700);
@@ -293,7 +293,7 @@ private Q_SLOTS:
             QTRY_VERIFY(memory.isRestored());
             downloads.setMaxConcurrentDownloads(1);
             DownloadOptions options { DownloadPreset::Custom, u"--no-mtime --password 'hunter 2'"_s,
-                m_fixture->path(u"out"_s), false, false };
+                m_fixture->path(u"out"_s), false, false, {} };
             downloads.startDownloads({ u"https://q.example/v=done"_s, u"https://q.example/v=fail"_s,
                                          u"https://q.example/v=slow"_s, u"https://q.example/v=later"_s },
                 options);
@@ -363,7 +363,7 @@ private Q_SLOTS:
         DownloadManager downloads(&state, locations());
         QueueMemory memory(&downloads, &state, m_store);
         downloads.startDownloads({ u"https://q.example/v=slow"_s },
-            { DownloadPreset::Default, {}, m_fixture->path(u"out"_s), false, false });
+            { DownloadPreset::Default, {}, m_fixture->path(u"out"_s), false, false, {} });
         QTRY_VERIFY_WITH_TIMEOUT(downloads.tasks().at(0).progress > 0, 20000);
         // Its process group is recorded on the store's thread meanwhile.
         QTest::qWait(500);
@@ -504,7 +504,7 @@ private Q_SLOTS:
         QTRY_VERIFY(secondMemory.isRestored());
         QTRY_VERIFY(EngineFixture::messages(secondState).join(u'\n').contains(u"另一个 Quillbox 正在使用它"_s));
         second.startDownloads(
-            { u"https://q.example/v=done"_s }, { DownloadPreset::Default, {}, m_fixture->path(u"out"_s), true, false });
+            { u"https://q.example/v=done"_s }, { DownloadPreset::Default, {}, m_fixture->path(u"out"_s), true, false, {} });
         secondMemory.close();
         firstMemory.close();
         TaskStore store(m_store);
@@ -536,7 +536,7 @@ private Q_SLOTS:
         QCOMPARE(downloads.tasks().size(), 1);
         QCOMPARE(downloads.tasks().at(0).id, earlier.task.id);
         downloads.startDownloads(
-            { u"https://n.example/v=done"_s }, { DownloadPreset::Default, {}, m_fixture->path(u"out"_s), true, false });
+            { u"https://n.example/v=done"_s }, { DownloadPreset::Default, {}, m_fixture->path(u"out"_s), true, false, {} });
         QTRY_COMPARE_WITH_TIMEOUT(downloads.tasks().at(1).status, DownloadStatus::Completed, 20000);
         downloads.removeDownload(idOf(downloads.tasks().at(0)));
         // Writes whatever is pending, as quitting does.

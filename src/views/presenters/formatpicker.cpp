@@ -103,6 +103,8 @@ void FormatPicker::fetch(const QString &url)
     m_fetch = m_downloads->fetchVideoInfo(url, m_state && m_state->useCookies(), [self](const VideoInfoResult &result) {
         if (!self || result.cancelled)
             return;
+        if (result.ok && self->m_state)
+            self->m_state->setKnownVideo(result.info.templateFields());
         self->m_fetch = nullptr;
         Q_EMIT self->loadingChanged();
         if (!result.ok)
@@ -111,7 +113,7 @@ void FormatPicker::fetch(const QString &url)
             self->setErrorText(u"没有可以选择的格式"_s);
         else
             self->setFormats(result.info.formats, result.info.duration);
-    });
+    }, m_state ? m_state->downloadChoices().networkWords() : QStringList());
     Q_EMIT loadingChanged();
 }
 

@@ -67,6 +67,10 @@ void InputPresenter::startDownload(bool again)
         setNotices(m_rejectedLines, m_customArgumentsError);
         return;
     }
+    if (const QString problem = m_state->downloadChoices().problem(); !problem.isEmpty()) {
+        setNotices(m_rejectedLines, u"下载选项："_s + problem);
+        return;
+    }
     const LinkInput input = readLinkInput(m_state->urlInput());
     if (!again && alreadyQueued(input.links)) {
         Q_EMIT repeatAsked(int(input.links.size()));
@@ -81,6 +85,7 @@ void InputPresenter::startDownload(bool again)
     options.outputDir = m_state->outputDirectory();
     options.downloadPlaylist = m_state->downloadPlaylist();
     options.useCookies = m_state->useCookies();
+    options.choices = m_state->downloadChoices();
     if (!input.links.isEmpty()) {
         m_downloads->startDownloads(input.links, options);
         // The new tasks are the last ones of the queue.
@@ -106,15 +111,18 @@ void InputPresenter::listFormats()
     const QString url = firstLineOf(m_state->urlInput());
     m_formatPicker->fetch(url);
     QPointer<InputPresenter> self(this);
-    m_downloads->listFormats(url, m_state->useCookies(), [self](const FormatListResult &result) {
-        if (!self)
-            return;
-        self->setListingFormats(false);
-        if (result.ok)
-            Q_EMIT self->formatsListed(result.text);
-        else
-            Q_EMIT self->formatsFailed(result.error.localizedDescription);
-    });
+    m_downloads->listFormats(
+        url, m_state->useCookies(),
+        [self](const FormatListResult &result) {
+            if (!self)
+                return;
+            self->setListingFormats(false);
+            if (result.ok)
+                Q_EMIT self->formatsListed(result.text);
+            else
+                Q_EMIT self->formatsFailed(result.error.localizedDescription);
+        },
+        m_state->downloadChoices().networkWords());
 }
 
 bool InputPresenter::paste(const QString &text)

@@ -39,6 +39,8 @@ QVariant SavedPresetModel::data(const QModelIndex &index, int role) const
         return entry.preset.name;
     case ArgumentsRole:
         return entry.preset.arguments;
+    case OptionsRole:
+        return entry.preset.choices.isDefault() ? QString() : entry.preset.choices.summary();
     case SavingRole:
         return entry.saving;
     default:
@@ -49,7 +51,7 @@ QVariant SavedPresetModel::data(const QModelIndex &index, int role) const
 QHash<int, QByteArray> SavedPresetModel::roleNames() const
 {
     return { { PresetIdRole, "presetId" }, { NameRole, "name" }, { ArgumentsRole, "arguments" },
-        { SavingRole, "saving" } };
+        { OptionsRole, "options" }, { SavingRole, "saving" } };
 }
 
 void SavedPresetModel::load(const QList<SavedPreset> &presets)
@@ -82,9 +84,10 @@ QString SavedPresetModel::checkName(const QString &name, int exceptRow) const
     return taken ? u"已有名为“%1”的预设，请换一个名称"_s.arg(name) : QString();
 }
 
-QString SavedPresetModel::checkArguments(const QString &arguments)
+QString SavedPresetModel::checkArguments(const QString &arguments, const DownloadChoices &choices)
 {
-    if (arguments.isEmpty())
+    // A preset of download options alone needs no words of its own.
+    if (arguments.isEmpty() && choices.isDefault())
         return u"请填写 yt-dlp 参数"_s;
     // Refused now rather than when a download is started with them.
     return splitShellWords(arguments).error;
@@ -106,14 +109,15 @@ QString SavedPresetModel::add(const QString &name, const QString &arguments)
         return u"还在读取已保存的预设，请稍后再试"_s;
     const QString cleanName = name.simplified();
     const QString cleanArguments = arguments.trimmed();
+    const DownloadChoices choices = m_state ? m_state->downloadChoices() : DownloadChoices();
     QString error = checkName(cleanName, -1);
     if (error.isEmpty())
-        error = checkArguments(cleanArguments);
+        error = checkArguments(cleanArguments, choices);
     if (!error.isEmpty())
         return error;
     const int row = int(m_entries.size());
     beginInsertRows(QModelIndex(), row, row);
-    m_entries.append({ { 0, cleanName, cleanArguments }, m_nextKey++ });
+    m_entries.append({ { 0, cleanName, cleanArguments, choices }, m_nextKey++ });
     endInsertRows();
     store(row);
     return QString();
@@ -140,7 +144,7 @@ QString SavedPresetModel::setArguments(int row, const QString &arguments)
     const QString cleanArguments = arguments.trimmed();
     QString error = checkChangeable(row);
     if (error.isEmpty())
-        error = checkArguments(cleanArguments);
+        error = checkArguments(cleanArguments, m_entries.at(row).preset.choices);
     if (!error.isEmpty())
         return error;
     if (m_entries.at(row).preset.arguments == cleanArguments)
@@ -174,6 +178,7 @@ void SavedPresetModel::choose(int row)
     const SavedPreset preset = m_entries.at(row).preset;
     m_state->setSelectedPreset(DownloadPreset::Custom);
     m_state->setCustomArguments(preset.arguments);
+    m_state->setDownloadChoices(preset.choices);
     m_state->addLog(u"已选用预设: "_s + preset.name, LogEntry::LogType::Info);
     // Last: the page that holds this model may go with it.
     m_state->setSelectedTab(0);

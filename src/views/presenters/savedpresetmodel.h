@@ -9,8 +9,8 @@
 class AppState;
 class QueueMemory;
 
-// "我的预设": the presets the user saved, each a name and yt-dlp arguments, in the order they were
-// made. A change shows at once and is written to the store behind it; a preset the store could
+// "我的预设": the presets the user saved, each a name, yt-dlp arguments and the download options
+// that were set when it was made, in the order they were made. A change shows at once and is written to the store behind it; a preset the store could
 // not keep stays for this run and is named in `storeError`.
 class SavedPresetModel : public QAbstractListModel
 {
@@ -26,6 +26,7 @@ public:
         PresetIdRole = Qt::UserRole + 1,
         NameRole,
         ArgumentsRole,
+        OptionsRole, // the download options' summary, or empty when it keeps none
         // Its first write has not been answered yet: it cannot be changed until it is.
         SavingRole,
     };
@@ -50,7 +51,8 @@ public:
     Q_INVOKABLE QString rename(int row, const QString &name);
     Q_INVOKABLE QString setArguments(int row, const QString &arguments);
     Q_INVOKABLE QString remove(int row);
-    // The download form takes the preset's arguments under "自定义", and the download page shows.
+    // The download form takes the preset's arguments under "自定义" and its download options, and
+    // the download page shows.
     Q_INVOKABLE void choose(int row);
 
 Q_SIGNALS:
@@ -69,7 +71,7 @@ private:
 
     void load(const QList<SavedPreset> &presets);
     QString checkName(const QString &name, int exceptRow) const;
-    static QString checkArguments(const QString &arguments);
+    static QString checkArguments(const QString &arguments, const DownloadChoices &choices);
     QString checkChangeable(int row) const;
     void store(int row);
     void stored(quint64 key, bool inserted, qint64 id);
