@@ -191,6 +191,11 @@ Rectangle {
                     }
                 }
 
+                DownloadOptionsPanel {
+                    objectName: "optionsPanel"
+                    Layout.fillWidth: true
+                }
+
                 // Switches
                 RowLayout {
                     Layout.fillWidth: true

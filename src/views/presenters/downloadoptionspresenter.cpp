@@ -1,0 +1,166 @@
+#include "views/presenters/downloadoptionspresenter.h"
+
+#include "engine/downloadmanager.h"
+#include "model/appstate.h"
+#include "model/linkinput.h"
+
+#include <QJsonObject>
+
+using namespace Qt::StringLiterals;
+
+DownloadOptionsPresenter::DownloadOptionsPresenter(QObject *parent)
+    : DownloadOptionsPresenter(AppState::instance(), parent)
+{
+}
+
+DownloadOptionsPresenter::DownloadOptionsPresenter(AppState *state, QObject *parent)
+    : QObject(parent)
+    , m_state(state)
+{
+    if (!m_state)
+        return;
+    read();
+    connect(m_state, &AppState::downloadChoicesChanged, this, [this] {
+        read();
+        Q_EMIT changed();
+        Q_EMIT previewChanged();
+    });
+    connect(m_state, &AppState::knownVideoChanged, this, &DownloadOptionsPresenter::previewChanged);
+    connect(m_state, &AppState::urlInputChanged, this, &DownloadOptionsPresenter::previewChanged);
+    connect(m_state, &AppState::selectedPresetChanged, this, &DownloadOptionsPresenter::previewChanged);
+}
+
+void DownloadOptionsPresenter::read()
+{
+    m_choices = m_state->downloadChoices();
+}
+
+void DownloadOptionsPresenter::change(const std::function<void(DownloadChoices &)> &edit)
+{
+    if (!m_state)
+        return;
+    DownloadChoices choices = m_choices;
+    edit(choices);
+    m_state->setDownloadChoices(choices);
+}
+
+void DownloadOptionsPresenter::setSubtitles(const QString &value)
+{
+    if (DownloadChoices::subtitleModes().contains(value))
+        change([&](DownloadChoices &c) { c.subtitles = value; });
+}
+
+void DownloadOptionsPresenter::setSubtitleLanguages(const QString &value)
+{
+    change([&](DownloadChoices &c) { c.subtitleLanguages = value; });
+}
+
+void DownloadOptionsPresenter::setAutoSubtitles(bool value)
+{
+    change([&](DownloadChoices &c) { c.autoSubtitles = value; });
+}
+
+void DownloadOptionsPresenter::setSubtitleFormat(const QString &value)
+{
+    if (value.isEmpty() || value == u"srt")
+        change([&](DownloadChoices &c) { c.subtitleFormat = value; });
+}
+
+void DownloadOptionsPresenter::setEmbedThumbnail(bool value)
+{
+    change([&](DownloadChoices &c) { c.embedThumbnail = value; });
+}
+
+void DownloadOptionsPresenter::setEmbedMetadata(bool value)
+{
+    change([&](DownloadChoices &c) { c.embedMetadata = value; });
+}
+
+void DownloadOptionsPresenter::setEmbedChapters(bool value)
+{
+    change([&](DownloadChoices &c) { c.embedChapters = value; });
+}
+
+void DownloadOptionsPresenter::setSponsorBlock(const QString &value)
+{
+    if (DownloadChoices::sponsorBlockModes().contains(value))
+        change([&](DownloadChoices &c) { c.sponsorBlock = value; });
+}
+
+void DownloadOptionsPresenter::setSponsorCategory(const QString &category, bool on)
+{
+    if (!DownloadChoices::allSponsorCategories().contains(category))
+        return;
+    change([&](DownloadChoices &c) {
+        QStringList chosen;
+        for (const QString &each : DownloadChoices::allSponsorCategories()) {
+            if (each == category ? on : c.sponsorCategories.contains(each))
+                chosen << each;
+        }
+        c.sponsorCategories = chosen;
+    });
+}
+
+void DownloadOptionsPresenter::setRateLimit(const QString &value)
+{
+    change([&](DownloadChoices &c) { c.rateLimit = value.trimmed(); });
+}
+
+void DownloadOptionsPresenter::setProxy(const QString &value)
+{
+    change([&](DownloadChoices &c) { c.proxy = value.trimmed(); });
+}
+
+void DownloadOptionsPresenter::setFileTemplate(const QString &value)
+{
+    change([&](DownloadChoices &c) { c.fileTemplate = value; });
+}
+
+void DownloadOptionsPresenter::setUseArchive(bool value)
+{
+    change([&](DownloadChoices &c) { c.useArchive = value; });
+}
+
+void DownloadOptionsPresenter::setCompatibility(const QString &value)
+{
+    if (DownloadChoices::compatibilityModes().contains(value))
+        change([&](DownloadChoices &c) { c.compatibility = value; });
+}
+
+void DownloadOptionsPresenter::reset()
+{
+    change([](DownloadChoices &c) { c = DownloadChoices(); });
+}
+
+QString DownloadOptionsPresenter::archiveFile()
+{
+    return DownloadManager::archiveFile();
+}
+
+bool DownloadOptionsPresenter::previewIsExample() const
+{
+    if (!m_state)
+        return true;
+    const QString link = firstLineOf(m_state->urlInput()).trimmed();
+    return link.isEmpty() || m_state->knownVideo().value(u"webpage_url"_s).toString() != link;
+}
+
+QString DownloadOptionsPresenter::templatePreview() const
+{
+    QJsonObject fields;
+    if (!previewIsExample()) {
+        fields = m_state->knownVideo();
+    } else {
+        fields = { { u"title"_s, u"示例视频"_s }, { u"id"_s, u"a1B2c3D4e5F"_s }, { u"uploader"_s, u"上传者"_s },
+            { u"upload_date"_s, u"20260101"_s }, { u"duration"_s, 213 }, { u"ext"_s, u"webm"_s },
+            { u"resolution"_s, u"1920x1080"_s }, { u"playlist_index"_s, 1 }, { u"playlist_title"_s, u"示例列表"_s } };
+    }
+    // The extension the chosen outcome ends in, where that is known before the download.
+    if (m_state && (m_state->selectedPreset() == DownloadPreset::AudioOnly
+            || m_state->selectedPreset() == DownloadPreset::BestAudio))
+        fields.insert(u"ext"_s, u"mp3"_s);
+    else if (m_choices.compatibility == u"everywhere")
+        fields.insert(u"ext"_s, u"mp4"_s);
+    const QString chosen = m_choices.effectiveTemplate();
+    return previewFileName(chosen.isEmpty() ? u"%(title)s.%(ext)s"_s : chosen, fields);
+}
