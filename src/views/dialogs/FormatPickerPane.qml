@@ -27,6 +27,7 @@ Rectangle {
 
     // Column widths; the codecs take what is left.
     readonly property var columns: [
+        { title: "", role: "mark", width: 12 },
         { title: "ID", role: "formatId", width: 64 },
         { title: "格式", role: "ext", width: 44 },
         { title: "分辨率", role: "resolution", width: 76 },
@@ -49,6 +50,13 @@ Rectangle {
         Hint {
             Layout.fillWidth: true
             text: "选择一个视频格式和一个音频格式，或一个音视频合一的格式"
+        }
+        Hint {
+            objectName: "outcomeHint"
+            Layout.fillWidth: true
+            visible: text.length > 0
+            text: root.picker ? root.picker.outcomeHint : ""
+            color: Theme.green
         }
 
         RowLayout {
@@ -96,6 +104,8 @@ Rectangle {
                 required property string note
                 required property int kind
                 required property bool selected
+                required property bool fits
+                readonly property string mark: fits ? "✓" : ""
 
                 objectName: "formatRow" + formatId
                 width: table.width
@@ -125,7 +135,7 @@ Rectangle {
                             Layout.fillWidth: modelData.width < 0
                             text: row[modelData.role]
                             textFormat: Text.PlainText
-                            color: row.selected ? Theme.text : Theme.secondaryText
+                            color: modelData.role === "mark" ? Theme.green : row.selected ? Theme.text : Theme.secondaryText
                             font.family: Theme.fixedFont.family
                             font.pixelSize: Theme.monoCaption
                             elide: Text.ElideRight

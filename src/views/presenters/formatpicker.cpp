@@ -36,7 +36,81 @@ QString sizeCell(const VideoFormat &format, qint64 duration)
         return u"~"_s + FormatPicker::sizeText(qint64(double(duration) * *format.tbr * (1000.0 / 8)));
     return {};
 }
+
+bool startsWithAny(const std::optional<QString> &codec, std::initializer_list<QStringView> prefixes)
+{
+    return codec && std::any_of(prefixes.begin(), prefixes.end(), [&](QStringView p) { return codec->startsWith(p); });
+}
+
+double pixelsOf(const VideoFormat &format)
+{
+    const QStringList sides = format.resolution.value_or(QString()).split(u'x');
+    return sides.size() == 2 ? sides.at(0).toDouble() * sides.at(1).toDouble() : 0;
+}
+
+// Bytes, known or guessed from the bitrate; a very large number when neither is known.
+double bytesOf(const VideoFormat &format, qint64 duration)
+{
+    if (format.filesize)
+        return double(*format.filesize);
+    if (format.tbr && duration > 0)
+        return double(duration) * *format.tbr * 125;
+    return 1e18;
+}
 } // namespace
+
+QList<bool> FormatPicker::fitting(const QList<VideoFormat> &formats, const QString &outcome, qint64 duration)
+{
+    QList<bool> fits(formats.size(), false);
+    if (outcome == u"everywhere") {
+        for (qsizetype i = 0; i < formats.size(); ++i) {
+            const VideoFormat &f = formats.at(i);
+            const bool video = isNone(f.vcodec) || !f.vcodec || startsWithAny(f.vcodec, { u"avc1", u"h264" });
+            const bool audio = isNone(f.acodec) || !f.acodec || startsWithAny(f.acodec, { u"mp4a", u"aac" });
+            fits[i] = kindOf(f) != Kind::Other && video && audio && (f.ext == u"mp4" || f.ext == u"m4a");
+        }
+        return fits;
+    }
+    if (outcome != u"quality" && outcome != u"smallest")
+        return fits;
+    // What the sorting puts first: one format with video and, when it has no sound, one audio.
+    const bool smallest = outcome == u"smallest";
+    const auto better = [&](const VideoFormat &a, const VideoFormat &b) {
+        if (smallest)
+            return bytesOf(a, duration) < bytesOf(b, duration);
+        const auto worth = [](const VideoFormat &f) { return std::tuple(pixelsOf(f), f.fps.value_or(0), f.tbr.value_or(0)); };
+        return worth(a) > worth(b);
+    };
+    qsizetype video = -1, audio = -1;
+    for (qsizetype i = 0; i < formats.size(); ++i) {
+        const Kind kind = kindOf(formats.at(i));
+        qsizetype &best = kind == Kind::AudioOnly ? audio : video;
+        if (kind != Kind::Other && (best < 0 || better(formats.at(i), formats.at(best))))
+            best = i;
+    }
+    if (video >= 0)
+        fits[video] = true;
+    if (audio >= 0 && (video < 0 || kindOf(formats.at(video)) == Kind::VideoOnly))
+        fits[audio] = true;
+    return fits;
+}
+
+QString FormatPicker::outcomeHint() const
+{
+    const QString outcome = m_state ? m_state->downloadChoices().compatibility : QString();
+    if (outcome == u"everywhere")
+        return u"✓ 标出的格式符合“到处都能播放”（H.264 · AAC · MP4）"_s;
+    if (outcome == u"quality")
+        return u"✓ 标出的是“画质最佳”会选的格式"_s;
+    if (outcome == u"smallest")
+        return u"✓ 标出的是“体积最小”会选的格式"_s;
+    return {};
+}
+
+void FormatPicker::refit()
+{
+    m_fits = fitting(m_formats, m_state ? m_state->downloadChoices().compatibility : QString(), m_duration);
+}
 
 FormatPicker::FormatPicker(QObject *parent)
     : FormatPicker(AppState::instance(), DownloadManager::instance(), parent)
@@ -48,6 +122,15 @@ FormatPicker::FormatPicker(AppState *state, DownloadManager *downloads, QObject 
     , m_state(state)
     , m_downloads(downloads)
 {
+    if (!m_state)
+        return;
+    connect(m_state, &AppState::downloadChoicesChanged, this, [this] {
+        const QList<bool> before = m_fits;
+        refit();
+        if (m_fits != before && !m_formats.isEmpty())
+            Q_EMIT dataChanged(index(0), index(int(m_formats.size()) - 1), { FitsRole });
+        Q_EMIT outcomeHintChanged();
+    });
 }
 
 FormatPicker::~FormatPicker()
@@ -124,6 +207,7 @@ void FormatPicker::setFormats(const QList<VideoFormat> &formats, qint64 duration
     m_formats = formats;
     m_duration = duration;
     m_selected.clear();
+    refit();
     endResetModel();
     Q_EMIT selectionChanged();
     if (countChanges)
@@ -226,6 +310,8 @@ QVariant FormatPicker::data(const QModelIndex &index, int role) const
         return int(kindOf(format));
     case SelectedRole:
         return m_selected.contains(index.row());
+    case FitsRole:
+        return m_fits.value(index.row());
     default:
         return {};
     }
@@ -243,5 +329,6 @@ QHash<int, QByteArray> FormatPicker::roleNames() const
         { NoteRole, "note" },
         { KindRole, "kind" },
         { SelectedRole, "selected" },
+        { FitsRole, "fits" },
     };
 }

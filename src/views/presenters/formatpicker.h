@@ -24,6 +24,8 @@ class FormatPicker : public QAbstractListModel
     // "-f 5+1" for the rows chosen; empty while none is.
     Q_PROPERTY(QString arguments READ arguments NOTIFY selectionChanged)
     Q_PROPERTY(int count READ count NOTIFY countChanged)
+    // What the ✓ of the rows means for the compatibility chosen in "下载选项"; empty when none is.
+    Q_PROPERTY(QString outcomeHint READ outcomeHint NOTIFY outcomeHintChanged)
 
 public:
     enum class Kind { Combined, VideoOnly, AudioOnly, Other };
@@ -39,6 +41,7 @@ public:
         NoteRole,
         KindRole,
         SelectedRole,
+        FitsRole, // the format fits the compatibility chosen in "下载选项"
     };
     Q_ENUM(Role)
 
@@ -67,6 +70,11 @@ public:
     Q_INVOKABLE QString replaceQuestion() const;
 
     static Kind kindOf(const VideoFormat &format);
+    // Per format, whether it fits `outcome` (DownloadChoices::compatibility): for "everywhere"
+    // every H.264/AAC format in MP4 or M4A; for "quality" and "smallest" the format with video
+    // the sorting puts first, and the audio it would be joined with. None for "any".
+    static QList<bool> fitting(const QList<VideoFormat> &formats, const QString &outcome, qint64 duration);
+    QString outcomeHint() const;
     // Bytes in binary units as yt-dlp writes them: "512.00B", "1.18MiB".
     static QString sizeText(qint64 bytes);
 
@@ -79,16 +87,19 @@ Q_SIGNALS:
     void errorTextChanged();
     void selectionChanged();
     void countChanged();
+    void outcomeHintChanged();
 
 private:
     void setErrorText(const QString &text);
     void select(const QList<int> &rows);
+    void refit();
 
     QPointer<AppState> m_state;
     QPointer<DownloadManager> m_downloads;
     QPointer<VideoInfoFetch> m_fetch;
     QList<VideoFormat> m_formats;
     QList<int> m_selected; // a video-only row before an audio-only one
+    QList<bool> m_fits;
     qint64 m_duration = 0;
     QString m_errorText;
 };
