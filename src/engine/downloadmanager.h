@@ -10,9 +10,9 @@
 #include "model/downloadtask.h"
 #include "model/enginehost.h"
 #include "model/logentry.h"
-#include "model/videoinfo.h"
 #include "model/storedtask.h"
 #include "model/taskmodel.h"
+#include "model/videoinfo.h"
 
 #include <QHash>
 #include <QList>

@@ -260,9 +260,8 @@ QString describe(const VideoFormat &format)
 QString offeredFormatsNote(const QList<VideoFormat> &formats)
 {
     // Unknown codecs count as present: yt-dlp leaves them out for many sites' only format.
-    const auto combined = [](const VideoFormat &f) {
-        return (!f.vcodec || hasStream(f.vcodec)) && (!f.acodec || hasStream(f.acodec));
-    };
+    const auto combined
+        = [](const VideoFormat &f) { return (!f.vcodec || hasStream(f.vcodec)) && (!f.acodec || hasStream(f.acodec)); };
     const auto videoOnly = [](const VideoFormat &f) { return hasStream(f.vcodec) && f.acodec == u"none"; };
     const auto audioOnly = [](const VideoFormat &f) { return hasStream(f.acodec) && f.vcodec == u"none"; };
     QStringList picked;

@@ -2,6 +2,7 @@
 
 #include "model/enginehost.h"
 
+#include "engine/secretarguments.h"
 #include "engine/shellrunner.h"
 #include "engine/tooldiscovery.h"
 #include "engine/tooltext.h"
@@ -93,7 +94,7 @@ void Maintenance::listFormats(const QString &url, bool useCookies,
             command << m_tools->cookieArgs().words;
         command << networkWords;
         command.link(url);
-        const QString shown = command.text();
+        const QString shown = maskSecrets(command.text());
 
         qCInfo(lcEngine, "%s", separatorLine);
         qCInfo(lcEngine, "[Quillbox] [listFormats] 命令: %ls", qUtf16Printable(shown));

@@ -1,5 +1,6 @@
 #include "engine/videoinfofetch.h"
 
+#include "engine/secretarguments.h"
 #include "engine/shellrunner.h"
 #include "engine/tooltext.h"
 #include "model/enginehost.h"
@@ -33,7 +34,7 @@ void VideoInfoFetch::run(const ShellCommand &command, int timeoutMs)
     if (m_answered || m_started)
         return;
     info(u"正在获取视频信息..."_s);
-    const QString shown = command.text();
+    const QString shown = maskSecrets(command.text());
     qCInfo(lcEngine, "[Quillbox] [fetchVideoInfo] 命令: %ls", qUtf16Printable(shown));
     info(u"执行命令: "_s + shown);
     m_started = true;

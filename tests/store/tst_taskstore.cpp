@@ -503,8 +503,8 @@ private Q_SLOTS:
         secondMemory.start();
         QTRY_VERIFY(secondMemory.isRestored());
         QTRY_VERIFY(EngineFixture::messages(secondState).join(u'\n').contains(u"另一个 Quillbox 正在使用它"_s));
-        second.startDownloads(
-            { u"https://q.example/v=done"_s }, { DownloadPreset::Default, {}, m_fixture->path(u"out"_s), true, false, {} });
+        second.startDownloads({ u"https://q.example/v=done"_s },
+            { DownloadPreset::Default, {}, m_fixture->path(u"out"_s), true, false, {} });
         secondMemory.close();
         firstMemory.close();
         TaskStore store(m_store);
@@ -535,8 +535,8 @@ private Q_SLOTS:
         // The queue works for this run: what was there comes back, a new download runs to the end.
         QCOMPARE(downloads.tasks().size(), 1);
         QCOMPARE(downloads.tasks().at(0).id, earlier.task.id);
-        downloads.startDownloads(
-            { u"https://n.example/v=done"_s }, { DownloadPreset::Default, {}, m_fixture->path(u"out"_s), true, false, {} });
+        downloads.startDownloads({ u"https://n.example/v=done"_s },
+            { DownloadPreset::Default, {}, m_fixture->path(u"out"_s), true, false, {} });
         QTRY_COMPARE_WITH_TIMEOUT(downloads.tasks().at(1).status, DownloadStatus::Completed, 20000);
         downloads.removeDownload(idOf(downloads.tasks().at(0)));
         // Writes whatever is pending, as quitting does.

@@ -156,7 +156,8 @@ QString DownloadOptionsPresenter::templatePreview() const
             { u"resolution"_s, u"1920x1080"_s }, { u"playlist_index"_s, 1 }, { u"playlist_title"_s, u"示例列表"_s } };
     }
     // The extension the chosen outcome ends in, where that is known before the download.
-    if (m_state && (m_state->selectedPreset() == DownloadPreset::AudioOnly
+    if (m_state
+        && (m_state->selectedPreset() == DownloadPreset::AudioOnly
             || m_state->selectedPreset() == DownloadPreset::BestAudio))
         fields.insert(u"ext"_s, u"mp3"_s);
     else if (m_choices.compatibility == u"everywhere")

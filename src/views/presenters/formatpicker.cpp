@@ -78,7 +78,8 @@ QList<bool> FormatPicker::fitting(const QList<VideoFormat> &formats, const QStri
     const auto better = [&](const VideoFormat &a, const VideoFormat &b) {
         if (smallest)
             return bytesOf(a, duration) < bytesOf(b, duration);
-        const auto worth = [](const VideoFormat &f) { return std::tuple(pixelsOf(f), f.fps.value_or(0), f.tbr.value_or(0)); };
+        const auto worth
+            = [](const VideoFormat &f) { return std::tuple(pixelsOf(f), f.fps.value_or(0), f.tbr.value_or(0)); };
         return worth(a) > worth(b);
     };
     qsizetype video = -1, audio = -1;
@@ -183,20 +184,23 @@ void FormatPicker::fetch(const QString &url)
     if (!m_downloads)
         return;
     QPointer<FormatPicker> self(this);
-    m_fetch = m_downloads->fetchVideoInfo(url, m_state && m_state->useCookies(), [self](const VideoInfoResult &result) {
-        if (!self || result.cancelled)
-            return;
-        if (result.ok && self->m_state)
-            self->m_state->setKnownVideo(result.info.templateFields());
-        self->m_fetch = nullptr;
-        Q_EMIT self->loadingChanged();
-        if (!result.ok)
-            self->setErrorText(result.error.localizedDescription);
-        else if (result.info.formats.isEmpty())
-            self->setErrorText(u"没有可以选择的格式"_s);
-        else
-            self->setFormats(result.info.formats, result.info.duration);
-    }, m_state ? m_state->downloadChoices().networkWords() : QStringList());
+    m_fetch = m_downloads->fetchVideoInfo(
+        url, m_state && m_state->useCookies(),
+        [self](const VideoInfoResult &result) {
+            if (!self || result.cancelled)
+                return;
+            if (result.ok && self->m_state)
+                self->m_state->setKnownVideo(result.info.templateFields());
+            self->m_fetch = nullptr;
+            Q_EMIT self->loadingChanged();
+            if (!result.ok)
+                self->setErrorText(result.error.localizedDescription);
+            else if (result.info.formats.isEmpty())
+                self->setErrorText(u"没有可以选择的格式"_s);
+            else
+                self->setFormats(result.info.formats, result.info.duration);
+        },
+        m_state ? m_state->downloadChoices().networkWords() : QStringList());
     Q_EMIT loadingChanged();
 }
 

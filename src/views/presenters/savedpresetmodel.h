@@ -10,8 +10,8 @@ class AppState;
 class QueueMemory;
 
 // "我的预设": the presets the user saved, each a name, yt-dlp arguments and the download options
-// that were set when it was made, in the order they were made. A change shows at once and is written to the store behind it; a preset the store could
-// not keep stays for this run and is named in `storeError`.
+// that were set when it was made, in the order they were made. A change shows at once and is written to the store
+// behind it; a preset the store could not keep stays for this run and is named in `storeError`.
 class SavedPresetModel : public QAbstractListModel
 {
     Q_OBJECT

@@ -29,18 +29,21 @@ void VideoInfoPresenter::fetch(const QString &url)
     cancel();
     setLoadingUrl(url);
     QPointer<VideoInfoPresenter> self(this);
-    m_fetch = m_downloads->fetchVideoInfo(url, m_state && m_state->useCookies(), [self](const VideoInfoResult &result) {
-        if (!self || result.cancelled)
-            return;
-        if (result.ok && self->m_state)
-            self->m_state->setKnownVideo(result.info.templateFields());
-        self->m_fetch = nullptr;
-        self->setLoadingUrl({});
-        if (result.ok)
-            Q_EMIT self->fetched(result.info);
-        else
-            Q_EMIT self->failed(result.error.localizedDescription);
-    }, m_state ? m_state->downloadChoices().networkWords() : QStringList());
+    m_fetch = m_downloads->fetchVideoInfo(
+        url, m_state && m_state->useCookies(),
+        [self](const VideoInfoResult &result) {
+            if (!self || result.cancelled)
+                return;
+            if (result.ok && self->m_state)
+                self->m_state->setKnownVideo(result.info.templateFields());
+            self->m_fetch = nullptr;
+            self->setLoadingUrl({});
+            if (result.ok)
+                Q_EMIT self->fetched(result.info);
+            else
+                Q_EMIT self->failed(result.error.localizedDescription);
+        },
+        m_state ? m_state->downloadChoices().networkWords() : QStringList());
 }
 
 void VideoInfoPresenter::fetchFirstLink()
