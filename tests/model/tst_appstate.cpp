@@ -18,6 +18,10 @@ private Q_SLOTS:
     void init() { IsolatedEnvironment::clearSettings(); }
     void formIsRemembered();
     void previousSettingsAreRead();
+    void optionChecks_data();
+    void optionChecks();
+    void templatePreview_data();
+    void templatePreview();
     void settingsAreOwnerOnly();
     void logCapKeepsNewest();
     void longMessagesAreCut_data();
@@ -44,6 +48,11 @@ void TestAppState::formIsRemembered()
         first.setUseCookies(false);
         first.setCookieSource(u"firefox"_s);
         first.setCookieSource(u"no such browser"_s); // refused
+        DownloadChoices choices;
+        choices.subtitles = u"embed"_s;
+        choices.sponsorCategories.clear(); // none is not the default
+        choices.proxy = u"socks5://127.0.0.1:1080"_s;
+        first.setDownloadChoices(choices);
     }
     QCOMPARE(QSettings().value(u"selectedPreset"_s).toString(), u"audioOnly"_s);
     QSettings().setValue(u"cookiePath"_s, u"/tmp/c.txt"_s);
@@ -56,17 +65,84 @@ void TestAppState::formIsRemembered()
     QCOMPARE(next.useCookies(), false);
     QCOMPARE(next.cookieSource(), u"firefox"_s);
     QCOMPARE(next.showLogPanel(), false);
+    QCOMPARE(next.downloadChoices().subtitles, u"embed"_s);
+    QCOMPARE(next.downloadChoices().sponsorCategories, QStringList());
+    QCOMPARE(next.downloadChoices().proxy, u"socks5://127.0.0.1:1080"_s);
 
     QSettings().setValue(u"cookieSource"_s, u"$(rm -rf ~)"_s);
     QSettings().setValue(u"selectedPreset"_s, u"no such preset"_s);
     QSettings().setValue(u"downloadPlaylist"_s, u"maybe"_s);
     QSettings().setValue(u"outputDirectory"_s, QString()); // cleared by hand: stays cleared
+    QSettings().setValue(u"downloadOptions/subtitles"_s, u"burn"_s);
+    QSettings().setValue(u"downloadOptions/compatibility"_s, 3);
     AppState garbled;
     QCOMPARE(garbled.selectedPreset(), DownloadPreset::Default);
     QCOMPARE(garbled.downloadPlaylist(), true);
     QCOMPARE(garbled.useCookies(), false);
     QCOMPARE(garbled.outputDirectory(), QString());
     QCOMPARE(garbled.cookieSource(), u"chrome"_s);
+    QCOMPARE(garbled.downloadChoices().subtitles, u"off"_s);
+    QCOMPARE(garbled.downloadChoices().compatibility, u"any"_s);
+    QCOMPARE(garbled.downloadChoices().proxy, u"socks5://127.0.0.1:1080"_s);
+}
+
+void TestAppState::optionChecks_data()
+{
+    QTest::addColumn<QString>("kind");
+    QTest::addColumn<QString>("value");
+    QTest::addColumn<bool>("usable");
+
+    const QList<std::tuple<const char *, QString, bool>> rows {
+        { "proxy", u"socks5h://127.0.0.1:1080"_s, true },
+        { "proxy", u"http://user:it's@[::1]:8080/"_s, true },
+        { "proxy", u"127.0.0.1:8080"_s, false }, // no scheme
+        { "proxy", u"ftp://127.0.0.1"_s, false },
+        { "proxy", u"http://127.0.0.1:8080/path"_s, false },
+        { "proxy", u"http://127.0.0.1:99999"_s, false },
+        { "rate", u"2M"_s, true },
+        { "rate", u"0.5K"_s, true },
+        { "rate", u"0M"_s, false },
+        { "rate", u"2 MB"_s, false },
+        { "rate", u"-1M"_s, false },
+        { "template", u"%(uploader)s/%(title)s"_s, true },
+        { "template", u"/etc/%(title)s"_s, false },
+        { "template", u"~/%(title)s"_s, false },
+        { "template", u"a/../../%(title)s"_s, false },
+        { "template", u"two\nlines"_s, false },
+    };
+    for (const auto &[kind, value, usable] : rows)
+        QTest::addRow("%s %s", kind, qPrintable(value)) << QString::fromLatin1(kind) << value << usable;
+}
+
+void TestAppState::optionChecks()
+{
+    QFETCH(QString, kind);
+    QFETCH(QString, value);
+    QFETCH(bool, usable);
+    const QString problem = kind == u"proxy" ? DownloadChoices::proxyProblem(value)
+        : kind == u"rate"                    ? DownloadChoices::rateLimitProblem(value)
+                                             : DownloadChoices::templateProblem(value);
+    QCOMPARE(problem.isEmpty(), usable);
+}
+
+void TestAppState::templatePreview_data()
+{
+    QTest::addColumn<QString>("fileTemplate");
+    QTest::addColumn<QString>("name");
+
+    QTest::newRow("a slash in a value") << u"%(title)s.%(ext)s"_s << u"A⧸B 视频.mp4"_s;
+    QTest::newRow("widths and flags") << u"%(playlist_index)03d-%(title).3s|%(id)6s"_s << u"007-A⧸B|    x1"_s;
+    QTest::newRow("fields not given, a %") << u"100%% %(uploader)s [%(none)d]"_s << u"100% NA [NA]"_s;
+}
+
+// What yt-dlp would call the file, from the information known.
+void TestAppState::templatePreview()
+{
+    QFETCH(QString, fileTemplate);
+    QFETCH(QString, name);
+    const QJsonObject fields { { u"title"_s, u"A/B 视频"_s }, { u"ext"_s, u"mp4"_s }, { u"id"_s, u"x1"_s },
+        { u"playlist_index"_s, 7 } };
+    QCOMPARE(previewFileName(fileTemplate, fields), name);
 }
 
 // The settings the previous version wrote, its preset by label: read, and kept by key from then on.

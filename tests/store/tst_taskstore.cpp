@@ -48,6 +48,9 @@ StoredTask sampleRow(DownloadStatus status, qint64 ordinal)
         row.task.thumbnail = u"http://127.0.0.1:1/t.jpg"_s;
     }
     if (status == DownloadStatus::Failed) {
+        row.request.choices.subtitles = u"embed"_s;
+        row.request.choices.proxy = u"socks5://127.0.0.1:1080"_s;
+        row.request.choices.sponsorCategories.clear();
         row.task.errorMessage = u"ERROR: HTTP Error 404: Not Found"_s;
         row.task.explanation = u"链接指向的视频不存在"_s;
     }
@@ -181,9 +184,13 @@ private Q_SLOTS:
         QCOMPARE(store.loadPresets().size(), presets);
         QCOMPARE(store.loadProcessGroups().size(), groups);
         // What the new version adds works on the migrated file.
-        QVERIFY(store.savePreset({ 0, u"字幕"_s, u"--write-subs"_s, {} }) > 0);
-        QVERIFY(store.apply({ { sampleRow(DownloadStatus::Failed, 2000) }, {} }));
-        QCOMPARE(store.loadTasks().last().task.status, DownloadStatus::Failed);
+        const SavedPreset preset { 0, u"字幕"_s, u"--write-subs"_s,
+            sampleRow(DownloadStatus::Failed, 0).request.choices };
+        QVERIFY(store.savePreset(preset) > 0);
+        QCOMPARE(store.loadPresets().last().choices, preset.choices);
+        const StoredTask failed = sampleRow(DownloadStatus::Failed, 2000);
+        QVERIFY(store.apply({ { failed }, {} }));
+        QCOMPARE(store.loadTasks().last().request, failed.request);
     }
 
     // A real store with its middle overwritten. (A file that is not a database at all, through the
