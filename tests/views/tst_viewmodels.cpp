@@ -66,6 +66,8 @@ private Q_SLOTS:
     void hexColor();
     void formatChoice_data();
     void formatChoice();
+    void formatsFitTheOutcome_data();
+    void formatsFitTheOutcome();
     void formatCells_data();
     void formatCells();
     void presetInsertIsAwaited();
@@ -134,6 +136,50 @@ void TestViewModels::formatChoice()
     QCOMPARE(picker.apply(), !arguments.isEmpty());
     QCOMPARE(state.customArguments(), arguments.isEmpty() ? u"--limit-rate 1M"_s : arguments);
     QCOMPARE(state.selectedPreset() == DownloadPreset::Custom, !arguments.isEmpty());
+}
+
+void TestViewModels::formatsFitTheOutcome_data()
+{
+    QTest::addColumn<QString>("outcome");
+    QTest::addColumn<QStringList>("marked");
+    QTest::newRow("any") << u"any"_s << QStringList();
+    QTest::newRow("everywhere: H.264 and AAC in MP4") << u"everywhere"_s << QStringList { u"h"_s, u"aac"_s, u"c"_s };
+    QTest::newRow("quality: the most pixels, the best sound") << u"quality"_s << QStringList { u"vp9"_s, u"opus"_s };
+    QTest::newRow("smallest: a whole small file needs no sound") << u"smallest"_s << QStringList { u"c"_s };
+}
+
+// The formats sheet marks what the compatibility chosen in "下载选项" would take, and follows a
+// change of it.
+void TestViewModels::formatsFitTheOutcome()
+{
+    QFETCH(QString, outcome);
+    QFETCH(QStringList, marked);
+    AppState state;
+    FormatPicker picker(&state, nullptr);
+    const auto sized = [](VideoFormat f, const char *ext, const char *resolution, double tbr, qint64 bytes) {
+        f.ext = QString::fromLatin1(ext);
+        f.resolution = QString::fromLatin1(resolution);
+        f.tbr = tbr;
+        if (bytes)
+            f.filesize = bytes;
+        return f;
+    };
+    picker.setFormats({ sized(format(u"vp9"_s, "vp9", "none"), "webm", "1920x1080", 2000, 0),
+        sized(format(u"h"_s, "avc1.640028", "none"), "mp4", "1280x720", 1500, 5'000'000),
+        sized(format(u"opus"_s, "none", "opus"), "webm", "audio only", 128, 0),
+        sized(format(u"aac"_s, "none", "mp4a.40.2"), "m4a", "audio only", 96, 1'000'000),
+        sized(format(u"c"_s, "avc1.42001E", "mp4a.40.2"), "mp4", "640x360", 600, 3'000'000),
+        format(u"sb0"_s, "none", "none") });
+    DownloadChoices choices;
+    choices.compatibility = outcome;
+    state.setDownloadChoices(choices);
+    QStringList fitting;
+    for (int row = 0; row < picker.rowCount(); ++row) {
+        if (picker.index(row).data(FormatPicker::FitsRole).toBool())
+            fitting << picker.index(row).data(FormatPicker::FormatIdRole).toString();
+    }
+    QCOMPARE(fitting, marked);
+    QCOMPARE(picker.outcomeHint().isEmpty(), marked.isEmpty());
 }
 
 // The size and frame-rate cells say what yt-dlp's own table says of each format, in its units:

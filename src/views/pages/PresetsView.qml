@@ -60,6 +60,11 @@ Rectangle {
         id: saved
     }
 
+    // The download options a new preset keeps with its words.
+    DownloadOptionsPresenter {
+        id: formOptions
+    }
+
     ScrollView {
         id: scroll
 
@@ -112,6 +117,7 @@ Rectangle {
                         required property int index
                         required property string name
                         required property string arguments
+                        required property string options
                         required property bool saving
                         property bool editing: false
 
@@ -157,7 +163,15 @@ Rectangle {
                                 }
                                 Words {
                                     objectName: "savedArguments"
+                                    visible: text.length > 0
                                     text: savedRow.arguments
+                                }
+                                Caption {
+                                    objectName: "savedOptions"
+                                    Layout.fillWidth: true
+                                    visible: savedRow.options.length > 0
+                                    text: "下载选项：" + savedRow.options
+                                    wrapMode: Text.Wrap
                                 }
                             }
                             BorderedButton {
@@ -285,6 +299,13 @@ Rectangle {
                         placeholderText: "-f \"bv*[height<=1080]+ba\" --embed-subs"
                         onAccepted: addButton.clicked()
                     }
+                }
+                Caption {
+                    objectName: "newPresetOptions"
+                    Layout.fillWidth: true
+                    visible: !formOptions.isDefault
+                    text: "同时保存当前的下载选项：" + formOptions.summary
+                    wrapMode: Text.Wrap
                 }
                 RowLayout {
                     Layout.fillWidth: true

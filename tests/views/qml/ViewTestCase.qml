@@ -18,6 +18,11 @@ TestCase {
     visible: true
     when: windowShown
 
+    // The download options, as the form's panel sets them.
+    DownloadOptionsPresenter {
+        id: formOptions
+    }
+
     Component {
         id: mainViewComponent
 
@@ -43,6 +48,7 @@ TestCase {
 
     // Downloads go to `folder` in the sandbox with the stand-in's plain success.
     function resetForm(folder) {
+        formOptions.reset()
         AppState.urlInput = ""
         AppState.customArguments = ""
         AppState.selectedPreset = Download.Default
@@ -60,14 +66,20 @@ TestCase {
     // Presses "开始下载" as a person would: scrolled into view first if the form is taller than
     // the pane.
     function pressStart() {
+        clickInForm(child("startButton"))
+    }
+
+    // Clicks `item` of the download form, scrolled into view first.
+    function clickInForm(item) {
         waitForRendering(view)
-        const start = child("startButton")
         const flickable = child("inputScroller").contentItem
-        const bottom = start.mapToItem(flickable.contentItem, 0, start.height).y
-        if (bottom > flickable.contentY + flickable.height)
-            flickable.contentY = bottom - flickable.height
+        const top = item.mapToItem(flickable.contentItem, 0, 0).y
+        if (top < flickable.contentY)
+            flickable.contentY = top
+        else if (top + item.height > flickable.contentY + flickable.height)
+            flickable.contentY = top + item.height - flickable.height
         waitForRendering(view)
-        mouseClick(start)
+        mouseClick(item)
     }
 
     // The row of the queue's task `index`, once it is laid out.
@@ -79,6 +91,12 @@ TestCase {
             return (row = list.itemAtIndex(index)) !== null
         }, 20000)
         return row
+    }
+
+    // Types `text` into the item that has the focus, a key at a time.
+    function typeText(text) {
+        for (const character of text)
+            keyClick(character)
     }
 
     // Scrolls the queue until `item`, inside one of its rows, is wholly in sight. Rows grow as

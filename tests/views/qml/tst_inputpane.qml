@@ -71,7 +71,7 @@ ViewTestCase {
         keyClick(Qt.Key_Tab)
         verify(editor.activeFocus)
 
-        const order = ["preset0", "preset1", "preset2", "preset3", "preset4", "preset5", "playlistSwitch",
+        const order = ["preset0", "preset1", "preset2", "preset3", "preset4", "preset5", "optionsHeader", "playlistSwitch",
                        "cookieSwitch", "outputField", "folderButton", "listFormatsButton", "videoInfoButton"]
         // The toolchain notice's "修复", when there is one (no JavaScript runtime in the sandbox).
         if (child("toolchainNotice").visible)
@@ -154,6 +154,45 @@ ViewTestCase {
             tryCompare(dialog, "opened", false)
         }
         compare(TestHelper.taskUrls().slice(before + 12), ["https://again.example/1", "https://again.example/2"])
+    }
+
+    // "下载选项", folded, says what is set in one line and is not made until opened; its controls
+    // change the options at once; a value that cannot be used keeps "开始下载" from queuing, and the
+    // row of a download shows the outcome asked for.
+    function test_downloadOptions() {
+        const body = child("optionsBody")
+        const summary = child("optionsSummary")
+        compare(body.item, null)
+        compare(summary.text, "未设置")
+        mouseClick(child("optionsHeader"))
+        tryVerify(() => body.item !== null)
+        child("compatibilityChoice").forceActiveFocus()
+        keyClick(Qt.Key_Down)
+        clickInForm(child("embedThumbnailSwitch"))
+        compare(summary.text, "嵌入封面 · 到处都能播放")
+
+        const proxy = child("proxyField")
+        proxy.forceActiveFocus()
+        typeText("127.0.0.1:8080")
+        verify(child("proxyError").visible)
+        const before = DownloadManager.tasks.count
+        AppState.urlInput = "https://options.example/1"
+        pressStart()
+        compare(child("startNotice").text, "下载选项：代理地址应形如 http://127.0.0.1:7890 或 socks5://127.0.0.1:1080")
+        compare(DownloadManager.tasks.count, before)
+        proxy.forceActiveFocus()
+        proxy.selectAll()
+        typeText("socks5://127.0.0.1:1080")
+        compare(proxy.text, "socks5://127.0.0.1:1080")
+        verify(!child("proxyError").visible)
+        compare(summary.text, "嵌入封面 · 代理 SOCKS5 · 到处都能播放")
+        pressStart()
+        compare(DownloadManager.tasks.count, before + 1)
+        verify(child("detailsText", rowAt(before)).text.includes("H.264 · AAC · MP4"))
+
+        clickInForm(child("resetOptionsButton"))
+        compare(summary.text, "未设置")
+        compare(proxy.text, "")
     }
 
     // Every row of presets is full, and as many show before any scrolling as the window allows; a

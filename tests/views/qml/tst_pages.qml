@@ -56,6 +56,38 @@ ViewTestCase {
         AppState.selectedTab = 0
     }
 
+    DownloadOptionsPresenter {
+        id: options
+    }
+
+    // A preset keeps the download options set when it was made, even with no words of its own,
+    // and choosing it brings them back.
+    function test_savedPresetKeepsOptions() {
+        showMainView()
+        let page = openPresets()
+        options.embedChapters = true
+        compare(child("newPresetOptions", page).text, "同时保存当前的下载选项：嵌入章节")
+        child("newNameField", page).text = "章节"
+        mouseClick(child("addButton", page))
+        compare(child("addProblem", page).text, "")
+        let row = savedRow(page, child("savedList", page).count - 1)
+        compare(child("savedOptions", row).text, "下载选项：嵌入章节")
+        options.reset()
+        tryVerify(() => child("chooseButton", row).enabled)
+        mouseClick(child("chooseButton", row))
+        verify(options.embedChapters)
+        compare(AppState.customArguments, "")
+        options.reset()
+
+        page = openPresets()
+        row = savedRow(page, 0)
+        const dialog = child("removeDialog", page)
+        mouseClick(child("removeButton", row))
+        tryVerify(() => dialog.opened)
+        keyClick(Qt.Key_Return)
+        tryCompare(child("savedList", page), "count", 0)
+    }
+
     // The built-in presets, each with the words it adds, quoted as the command has them.
     function test_builtInPresets() {
         showMainView()
