@@ -1,3 +1,5 @@
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import QtQuick.Controls.Basic
 import QtQuick.Layouts
@@ -49,8 +51,8 @@ GridLayout {
 
         property bool on: false
 
-        implicitWidth: chipText.implicitWidth + 2 * Theme.spacingMedium
-        implicitHeight: chipText.implicitHeight + Theme.spacingSmall
+        implicitWidth: contentItem.implicitWidth + 2 * Theme.spacingMedium
+        implicitHeight: contentItem.implicitHeight + Theme.spacingSmall
         focusPolicy: Qt.StrongFocus
         Keys.onReturnPressed: chip.clicked()
         Accessible.name: chip.text
@@ -61,8 +63,6 @@ GridLayout {
             border.color: chip.visualFocus ? Theme.accent : Theme.border
         }
         contentItem: Text {
-            id: chipText
-
             text: chip.text
             textFormat: Text.PlainText
             color: Theme.text
@@ -173,14 +173,10 @@ GridLayout {
                     ]
                     delegate: Chip {
                         required property var modelData
-                        readonly property var chosen: root.options.subtitleLanguages.split(/[,\s，、]+/).filter(s => s.length > 0)
 
                         text: modelData.label
-                        on: chosen.includes(modelData.code)
-                        onClicked: {
-                            const next = on ? chosen.filter(code => code !== modelData.code) : chosen.concat([modelData.code])
-                            root.options.subtitleLanguages = next.join(",")
-                        }
+                        on: root.options.languageCodes.includes(modelData.code)
+                        onClicked: root.options.setSubtitleLanguage(modelData.code, !on)
                     }
                 }
             }

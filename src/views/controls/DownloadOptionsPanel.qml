@@ -21,7 +21,7 @@ ColumnLayout {
 
         objectName: "optionsHeader"
         Layout.fillWidth: true
-        implicitHeight: headerRow.implicitHeight + 2 * Theme.spacingSmall
+        implicitHeight: contentItem.implicitHeight + 2 * Theme.spacingSmall
         focusPolicy: Qt.StrongFocus
         Accessible.name: "下载选项：" + options.summary
         onClicked: root.expanded = !root.expanded
@@ -35,11 +35,10 @@ ColumnLayout {
         }
 
         contentItem: RowLayout {
-            id: headerRow
-
             spacing: Theme.spacingMedium
             Text {
                 text: root.expanded ? "▾" : "▸"
+                textFormat: Text.PlainText
                 color: Theme.gray
                 font.pixelSize: Theme.body
             }

@@ -55,6 +55,15 @@ void DownloadOptionsPresenter::setSubtitleLanguages(const QString &value)
     change([&](DownloadChoices &c) { c.subtitleLanguages = value; });
 }
 
+void DownloadOptionsPresenter::setSubtitleLanguage(const QString &code, bool on)
+{
+    QStringList codes = languageCodes();
+    codes.removeAll(code);
+    if (on)
+        codes << code;
+    setSubtitleLanguages(codes.join(u','));
+}
+
 void DownloadOptionsPresenter::setAutoSubtitles(bool value)
 {
     change([&](DownloadChoices &c) { c.autoSubtitles = value; });

@@ -19,6 +19,8 @@ class DownloadOptionsPresenter : public QObject
     QML_ELEMENT
     Q_PROPERTY(QString subtitles READ subtitles WRITE setSubtitles NOTIFY changed)
     Q_PROPERTY(QString subtitleLanguages READ subtitleLanguages WRITE setSubtitleLanguages NOTIFY changed)
+    // The languages one by one, as they are passed on.
+    Q_PROPERTY(QStringList languageCodes READ languageCodes NOTIFY changed)
     Q_PROPERTY(bool autoSubtitles READ autoSubtitles WRITE setAutoSubtitles NOTIFY changed)
     Q_PROPERTY(QString subtitleFormat READ subtitleFormat WRITE setSubtitleFormat NOTIFY changed)
     Q_PROPERTY(bool embedThumbnail READ embedThumbnail WRITE setEmbedThumbnail NOTIFY changed)
@@ -56,6 +58,7 @@ public:
     void setSubtitles(const QString &value);
     QString subtitleLanguages() const { return m_choices.subtitleLanguages; }
     void setSubtitleLanguages(const QString &value);
+    QStringList languageCodes() const { return m_choices.languageList().split(u',', Qt::SkipEmptyParts); }
     bool autoSubtitles() const { return m_choices.autoSubtitles; }
     void setAutoSubtitles(bool value);
     QString subtitleFormat() const { return m_choices.subtitleFormat; }
@@ -90,6 +93,8 @@ public:
     bool previewIsExample() const;
     static QString archiveFile();
 
+    // Adds a language to the list, or takes it out.
+    Q_INVOKABLE void setSubtitleLanguage(const QString &code, bool on);
     // Turns one SponsorBlock category on or off; the list keeps the order they are offered in.
     Q_INVOKABLE void setSponsorCategory(const QString &category, bool on);
     // Every option back to "not set".
