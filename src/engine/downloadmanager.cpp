@@ -176,10 +176,17 @@ QUuid DownloadManager::createTask(const DownloadRequest &request, QList<Download
     info(u"URL: "_s + request.url);
     info(u"预设: "_s + presetName);
     DownloadTask task = DownloadTask::create(request.url);
-    task.outcome = request.choices.outcomeText();
+    task.outcome = outcomeOf(request);
     created.append(task);
     qCInfo(lcEngine, "[Quillbox] 任务已添加 - ID: %ls", qUtf16Printable(task.id.toString(QUuid::WithoutBraces)));
     return task.id;
+}
+
+QString DownloadManager::outcomeOf(const DownloadRequest &request)
+{
+    // An audio preset converts to MP3 whatever the sorting chose.
+    const bool audio = request.preset == DownloadPreset::AudioOnly || request.preset == DownloadPreset::BestAudio;
+    return audio ? QString() : request.choices.outcomeText();
 }
 
 QString DownloadManager::archiveFile()
@@ -409,8 +416,7 @@ void DownloadManager::addOfferedFormats(const QUuid &taskId)
     // answers last completes the explanation.
     const DownloadTask *task = m_tasks->find(taskId);
     const auto offered = m_offeredFormats.constFind(taskId);
-    if (!task || offered == m_offeredFormats.cend() || task->status != DownloadStatus::Failed || !task->explanation
-        || !task->errorMessage || !isMissingFormat({ *task->errorMessage }))
+    if (!task || offered == m_offeredFormats.cend() || !m_formatMissing.contains(taskId) || !task->explanation)
         return;
     const QString note = offeredFormatsNote(*offered);
     if (note.isEmpty() || task->explanation->contains(note))
@@ -546,7 +552,10 @@ void DownloadManager::completeDownload(const QUuid &taskId, DownloadJob *job, co
             FailedRun { end.stderrTail + end.stdoutTail, exitCode, end.crashed, m_tools->ytDlpPath() });
         markFailed(taskId, message, explanation ? std::optional(explanation->text) : std::nullopt,
             explanation && explanation->toolchainFix);
-        addOfferedFormats(taskId);
+        if (isMissingFormat(end.stderrTail + end.stdoutTail)) {
+            m_formatMissing.insert(taskId);
+            addOfferedFormats(taskId);
+        }
         qCInfo(lcEngine, "[Quillbox] [executeDownload] 错误信息: %ls", qUtf16Printable(message));
     }
     pumpQueue();
@@ -612,6 +621,7 @@ void DownloadManager::retryDownload(const QString &taskId)
     info((task->status == DownloadStatus::Paused ? u"▶ 继续: "_s : u"🔄 重试: "_s) + task->title);
     m_tasks->update(id, &DownloadManager::clearLastRun);
     m_offeredFormats.remove(id);
+    m_formatMissing.remove(id);
     m_waiting.push_back(id);
     pumpQueue();
 }
@@ -643,6 +653,7 @@ void DownloadManager::removeDownload(const QString &taskId)
     m_requests.remove(id);
     m_infoFetches.remove(id);
     m_offeredFormats.remove(id);
+    m_formatMissing.remove(id);
 }
 
 void DownloadManager::clearCompleted()
@@ -653,6 +664,7 @@ void DownloadManager::clearCompleted()
         m_requests.remove(task.id);
         m_infoFetches.remove(task.id);
         m_offeredFormats.remove(task.id);
+        m_formatMissing.remove(task.id);
         return true;
     });
 }
@@ -673,7 +685,7 @@ void DownloadManager::restoreTasks(const QList<StoredTask> &rows)
         if (m_tasks->find(row.task.id))
             continue;
         DownloadTask task = row.task;
-        task.outcome = row.request.choices.outcomeText();
+        task.outcome = outcomeOf(row.request);
         // Nothing of ours runs before we do: what was running then has been stopped, its
         // ".part" file kept. A stopped row (the user's "停止") is not among them.
         const bool wasRunning = task.status == DownloadStatus::Preparing || task.status == DownloadStatus::Downloading;

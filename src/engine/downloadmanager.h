@@ -15,6 +15,7 @@
 #include "model/videoinfo.h"
 
 #include <QHash>
+#include <QSet>
 #include <QList>
 #include <QObject>
 #include <QPointer>
@@ -168,6 +169,8 @@ public:
     // are held instead: shown stopped, for "重试", while the store keeps them unfinished.
     void restoreTasks(const QList<StoredTask> &rows);
 
+    // The outcome a task's row shows ("H.264 · AAC · MP4"): none when an audio preset makes an MP3.
+    static QString outcomeOf(const DownloadRequest &request);
     // The download archive "下载存档" keeps, in the per-user data folder.
     static QString archiveFile();
     // The command text for one download (its ShellCommand rendered), given the raw tool words.
@@ -239,4 +242,6 @@ private:
     QHash<QUuid, QPointer<VideoInfoFetch>> m_infoFetches;
     // Per task, the formats its link offers, from its information, until it has succeeded.
     QHash<QUuid, QList<VideoFormat>> m_offeredFormats;
+    // Tasks whose last run failed for a format their link does not offer.
+    QSet<QUuid> m_formatMissing;
 };

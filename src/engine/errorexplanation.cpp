@@ -232,13 +232,7 @@ bool hasStream(const std::optional<QString> &codec)
 // Higher for a format a download would rather have: more pixels, then more bits.
 double worth(const VideoFormat &format)
 {
-    double pixels = 0;
-    if (format.resolution) {
-        const QStringList sides = format.resolution->split(u'x');
-        if (sides.size() == 2)
-            pixels = sides.at(0).toDouble() * sides.at(1).toDouble();
-    }
-    return pixels * 1e4 + format.tbr.value_or(0);
+    return format.pixels() * 1e4 + format.tbr.value_or(0);
 }
 
 QString describe(const VideoFormat &format)

@@ -303,3 +303,9 @@ QJsonObject VideoInfo::templateFields() const
         fields.insert(u"upload_date"_s, *uploadDate);
     return fields;
 }
+
+double VideoFormat::pixels() const
+{
+    const QStringList sides = resolution.value_or(QString()).split(u'x');
+    return sides.size() == 2 ? sides.at(0).toDouble() * sides.at(1).toDouble() : 0;
+}

@@ -24,6 +24,9 @@ struct VideoFormat
     std::optional<double> fps;
     std::optional<QString> formatNote;
 
+    // Width × height from the resolution ("1920x1080"); 0 when it gives none ("audio only").
+    double pixels() const;
+
     // Decodes the camel-case JSON form; a missing required key or a value of the wrong type fails.
     static std::optional<VideoFormat> fromJson(const QJsonObject &object);
 

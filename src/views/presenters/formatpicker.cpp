@@ -42,12 +42,6 @@ bool startsWithAny(const std::optional<QString> &codec, std::initializer_list<QS
     return codec && std::any_of(prefixes.begin(), prefixes.end(), [&](QStringView p) { return codec->startsWith(p); });
 }
 
-double pixelsOf(const VideoFormat &format)
-{
-    const QStringList sides = format.resolution.value_or(QString()).split(u'x');
-    return sides.size() == 2 ? sides.at(0).toDouble() * sides.at(1).toDouble() : 0;
-}
-
 // Bytes, known or guessed from the bitrate; a very large number when neither is known.
 double bytesOf(const VideoFormat &format, qint64 duration)
 {
@@ -79,7 +73,7 @@ QList<bool> FormatPicker::fitting(const QList<VideoFormat> &formats, const QStri
         if (smallest)
             return bytesOf(a, duration) < bytesOf(b, duration);
         const auto worth
-            = [](const VideoFormat &f) { return std::tuple(pixelsOf(f), f.fps.value_or(0), f.tbr.value_or(0)); };
+            = [](const VideoFormat &f) { return std::tuple(f.pixels(), f.fps.value_or(0), f.tbr.value_or(0)); };
         return worth(a) > worth(b);
     };
     qsizetype video = -1, audio = -1;
