@@ -28,6 +28,7 @@ private Q_SLOTS:
     void cleanupTestCase() { m_engine.reset(); }
     void files_data();
     void files();
+    void unreachableSubtitlesExplained();
     void archiveSkipsTheSecondRun();
     void rateLimitHoldsTheDownloadBack();
     void everyRequestGoesThroughTheProxy();
@@ -99,16 +100,18 @@ void TestOptionsEndToEnd::initTestCase()
     QVERIFY(m_media.isValid());
     // Pages as the generic extractor reads them: a video, its poster (the thumbnail) and an
     // English subtitle track.
-    const auto page = [](const char *video) -> QByteArray {
+    const auto page = [](const char *video, const char *subtitles) -> QByteArray {
         return "<!DOCTYPE html>\n<html><head><title>" + pageTitle.toUtf8()
             + "</title></head><body>\n<video controls poster=\"poster.jpg\"><source src=\"" + video
-            + "\" type=\"video/mp4\">\n<track kind=\"subtitles\" srclang=\"en\" label=\"English\" "
-              "src=\"sub.vtt\"></video>\n</body></html>\n";
+            + "\" type=\"video/mp4\">\n<track kind=\"subtitles\" srclang=\"en\" label=\"English\" src=\"" + subtitles
+            + "\"></video>\n</body></html>\n";
     };
     const QByteArray subtitles = "WEBVTT\n\n00:00:00.000 --> 00:00:02.000\nHello from the track\n\n00:00:02.000 --> "
                                  "00:00:04.000\nSecond cue\n";
-    for (const auto &[name, content] : { std::pair { "page.html", page("video.mp4") },
-             std::pair { "noise.html", page("noise.mp4") }, std::pair { "sub.vtt", subtitles } }) {
+    for (const auto &[name, content] : { std::pair { "page.html", page("video.mp4", "sub.vtt") },
+             std::pair { "noise.html", page("noise.mp4", "sub.vtt") },
+             std::pair { "missing-subtitles.html", page("video.mp4", "missing.vtt") },
+             std::pair { "sub.vtt", subtitles } }) {
         QFile file(m_media.filePath(QString::fromLatin1(name)));
         QVERIFY(file.open(QIODevice::WriteOnly) && file.write(content) == content.size());
     }
@@ -210,6 +213,21 @@ void TestOptionsEndToEnd::files()
         const QString srt = QString::fromUtf8(fileBytes(folder + u'/' + video.completeBaseName() + u".en.srt"_s));
         QVERIFY2(srt.contains(u"00:00:00,000 --> 00:00:02,000\nHello from the track"_s), qPrintable(srt));
     }
+}
+
+// A subtitle file that cannot be fetched stops the whole download: the row says that the
+// subtitles did it, not the link.
+void TestOptionsEndToEnd::unreachableSubtitlesExplained()
+{
+    DownloadChoices choices;
+    choices.subtitles = u"download"_s;
+    choices.subtitleLanguages = u"en"_s;
+    const DownloadTask task
+        = download(u"missing-subtitles.html"_s, choices, m_engine->fixture.path(u"unreachable subtitles"_s));
+    QVERIFY2(task.status == DownloadStatus::Failed, lastWords());
+    QVERIFY2(task.errorMessage && task.errorMessage->contains(u"404"_s), lastWords());
+    QVERIFY(task.explanation);
+    QVERIFY2(task.explanation->startsWith(u"字幕下载失败：yt-dlp 没能取得“en”字幕"_s), qPrintable(*task.explanation));
 }
 
 void TestOptionsEndToEnd::archiveSkipsTheSecondRun()
