@@ -29,6 +29,8 @@ struct Expressions
     // The file a download writes, or already has.
     QRegularExpression destination { u"^\\[download\\] Destination: (.+)$"_s };
     QRegularExpression already { u"^\\[download\\] (.+) has already been downloaded$"_s };
+    // Said before a subtitle file is fetched, which then has a destination and progress of its own.
+    QRegularExpression subtitleFile { u"^\\[info\\] Writing video subtitles to: (.+)$"_s };
     // "[download] TITLE has already …" or, when the id is known before extraction, "[site] ID: has …".
     QRegularExpression archived { u"^\\[[\\w:]+\\] .+ has already been recorded in the archive$"_s };
     // Steps that write their target directly, naming it.
@@ -126,6 +128,8 @@ double DownloadOutput::combined() const
 
 void DownloadOutput::readProgress(const QString &line, ProgressUpdate &update)
 {
+    if (m_fetchingSubtitle)
+        return;
     const ProgressUpdate parsed = parseProgress({ line });
     if (m_streams.isEmpty())
         startStream();
@@ -157,6 +161,7 @@ void DownloadOutput::readLine(const QString &line, ProgressUpdate &update)
     // yt-dlp waits for ffmpeg in silence, so any later line means the step announced before
     // it has ended, one way or the other.
     m_partialFiles.clear();
+    m_fetchingSubtitle = false;
 
     if (const QRegularExpressionMatch match = e.item.match(line); match.hasMatch()) {
         m_item = std::max(1, match.capturedView(1).toInt());
@@ -169,10 +174,16 @@ void DownloadOutput::readLine(const QString &line, ProgressUpdate &update)
     } else if (const QRegularExpressionMatch match = e.formats.match(line); match.hasMatch()) {
         m_expectedStreams = int(match.capturedView(1).count(u'+')) + 1;
         m_streams.clear();
+    } else if (const QRegularExpressionMatch match = e.subtitleFile.match(line); match.hasMatch()) {
+        m_subtitleFile = absolute(match.captured(1));
     } else if (const QRegularExpressionMatch match = e.destination.match(line); match.hasMatch()) {
-        startStream();
-        m_source = absolute(match.captured(1));
-        m_outputPath = m_source;
+        const QString file = absolute(match.captured(1));
+        m_fetchingSubtitle = file == m_subtitleFile;
+        if (!m_fetchingSubtitle) {
+            startStream();
+            m_source = file;
+            m_outputPath = file;
+        }
     } else if (const QRegularExpressionMatch match = e.already.match(line); match.hasMatch()) {
         startStream();
         m_streams.last().fraction = 1.0;

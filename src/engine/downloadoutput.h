@@ -64,6 +64,10 @@ private:
     QStringList m_partialFiles;
     QDateTime m_partialSince;
     bool m_skippedByArchive = false;
+    // The subtitle file yt-dlp said it writes next, and whether it is being fetched now: its
+    // download lines are not the video's, so they neither fill the bar nor name the file.
+    QString m_subtitleFile;
+    bool m_fetchingSubtitle = false;
 
     int m_item = 1; // the playlist item being downloaded, from 1
     int m_items = 1;

@@ -57,6 +57,10 @@ const QList<Rule> &rules()
         rule(u"Only images are available|storyboard",
             u"yt-dlp 版本太旧，跟不上网站的变化：只拿到了预览图，没有视频格式。"_s + updateYtDlp,
             ToolchainFix | ToolchainLikelier),
+        // A subtitle file that cannot be fetched stops the whole download, whatever the reason
+        // (a 404, YouTube's 429): the cause is the subtitle choice, not the link.
+        rule(u"Unable to download video subtitles for '([^']*)'",
+            u"字幕下载失败：yt-dlp 没能取得“%1”字幕，因此整个下载停止了，视频没有下载。请在“下载选项”中关闭字幕或换一种语言后重试。"_s),
         rule(u"does not look like a Netscape format cookies file|invalid Netscape format cookies file|"
              u"must be Netscape formatted",
             u"Cookie 文件无法使用：它不是 yt-dlp 接受的 Netscape 格式（cookies.txt）。请在“Cookie 管理”中重新导出 Chrome Cookie，或选择另一个 Cookie 文件。"_s),
@@ -78,7 +82,7 @@ const QList<Rule> &rules()
             u"需要登录：这个视频只对登录的用户开放。"_s + cookieAdvice),
         rule(u"geo.?restrict|not available (from|in) your (location|country)|available in your country|"
              u"in your country",
-            u"地区限制：这个视频在你所在的地区不可用。可以在自定义参数中用 --proxy 指定代理后重试。"_s),
+            u"地区限制：这个视频在你所在的地区不可用。可以在“下载选项”中填写代理后重试。"_s),
         rule(u"HTTP Error 404\\b|HTTP Error 410\\b|video unavailable|has been removed|no longer available",
             u"链接不存在或已删除（HTTP 404/410）：请检查链接是否完整、正确，或视频是否已被删除。"_s),
         rule(u"HTTP Error 403\\b|HTTP Error 429\\b|Too Many Requests",
