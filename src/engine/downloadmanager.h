@@ -15,10 +15,10 @@
 #include "model/videoinfo.h"
 
 #include <QHash>
-#include <QSet>
 #include <QList>
 #include <QObject>
 #include <QPointer>
+#include <QSet>
 #include <QString>
 #include <QStringList>
 
