@@ -1,6 +1,7 @@
 #include "views/presenters/downloadoptionspresenter.h"
 
 #include "engine/downloadmanager.h"
+#include "engine/videoinfofetch.h"
 #include "model/appstate.h"
 #include "model/linkinput.h"
 
@@ -144,6 +145,20 @@ void DownloadOptionsPresenter::reset()
 QString DownloadOptionsPresenter::archiveFile()
 {
     return DownloadManager::archiveFile();
+}
+
+VideoInfoFetch *DownloadOptionsPresenter::fetchAsTheForm(DownloadManager *downloads, AppState *state,
+    const QString &url, std::function<void(const VideoInfoResult &)> completion)
+{
+    const QPointer<AppState> known(state);
+    return downloads->fetchVideoInfo(
+        url, state && state->useCookies(),
+        [known, completion = std::move(completion)](const VideoInfoResult &result) {
+            if (result.ok && !result.cancelled && known)
+                known->setKnownVideo(result.info.templateFields());
+            completion(result);
+        },
+        state ? state->downloadChoices().networkWords() : QStringList());
 }
 
 bool DownloadOptionsPresenter::previewIsExample() const

@@ -9,6 +9,9 @@
 #include <functional>
 
 class AppState;
+class DownloadManager;
+class VideoInfoFetch;
+struct VideoInfoResult;
 
 // "下载选项" over AppState's download choices: every control reads its value here and writes it
 // back at once, and the panel's one-line summary, the checks of the typed values and the name a
@@ -92,6 +95,11 @@ public:
     QString templatePreview() const;
     bool previewIsExample() const;
     static QString archiveFile();
+
+    // Asks for `url`'s information as the form would download it (its cookie switch, its proxy),
+    // and keeps what it learns for the file-name preview; `completion` as fetchVideoInfo's.
+    static VideoInfoFetch *fetchAsTheForm(DownloadManager *downloads, AppState *state, const QString &url,
+        std::function<void(const VideoInfoResult &)> completion);
 
     // Adds a language to the list, or takes it out.
     Q_INVOKABLE void setSubtitleLanguage(const QString &code, bool on);

@@ -5,6 +5,7 @@
 #include "engine/shellcommand.h"
 #include "engine/videoinfofetch.h"
 #include "model/appstate.h"
+#include "views/presenters/downloadoptionspresenter.h"
 
 #include <algorithm>
 
@@ -178,23 +179,19 @@ void FormatPicker::fetch(const QString &url)
     if (!m_downloads)
         return;
     QPointer<FormatPicker> self(this);
-    m_fetch = m_downloads->fetchVideoInfo(
-        url, m_state && m_state->useCookies(),
-        [self](const VideoInfoResult &result) {
-            if (!self || result.cancelled)
-                return;
-            if (result.ok && self->m_state)
-                self->m_state->setKnownVideo(result.info.templateFields());
-            self->m_fetch = nullptr;
-            Q_EMIT self->loadingChanged();
-            if (!result.ok)
-                self->setErrorText(result.error.localizedDescription);
-            else if (result.info.formats.isEmpty())
-                self->setErrorText(u"没有可以选择的格式"_s);
-            else
-                self->setFormats(result.info.formats, result.info.duration);
-        },
-        m_state ? m_state->downloadChoices().networkWords() : QStringList());
+    m_fetch
+        = DownloadOptionsPresenter::fetchAsTheForm(m_downloads, m_state, url, [self](const VideoInfoResult &result) {
+              if (!self || result.cancelled)
+                  return;
+              self->m_fetch = nullptr;
+              Q_EMIT self->loadingChanged();
+              if (!result.ok)
+                  self->setErrorText(result.error.localizedDescription);
+              else if (result.info.formats.isEmpty())
+                  self->setErrorText(u"没有可以选择的格式"_s);
+              else
+                  self->setFormats(result.info.formats, result.info.duration);
+          });
     Q_EMIT loadingChanged();
 }
 

@@ -4,6 +4,7 @@
 #include "engine/videoinfofetch.h"
 #include "model/appstate.h"
 #include "model/linkinput.h"
+#include "views/presenters/downloadoptionspresenter.h"
 
 VideoInfoPresenter::VideoInfoPresenter(QObject *parent)
     : VideoInfoPresenter(AppState::instance(), DownloadManager::instance(), parent)
@@ -29,21 +30,17 @@ void VideoInfoPresenter::fetch(const QString &url)
     cancel();
     setLoadingUrl(url);
     QPointer<VideoInfoPresenter> self(this);
-    m_fetch = m_downloads->fetchVideoInfo(
-        url, m_state && m_state->useCookies(),
-        [self](const VideoInfoResult &result) {
-            if (!self || result.cancelled)
-                return;
-            if (result.ok && self->m_state)
-                self->m_state->setKnownVideo(result.info.templateFields());
-            self->m_fetch = nullptr;
-            self->setLoadingUrl({});
-            if (result.ok)
-                Q_EMIT self->fetched(result.info);
-            else
-                Q_EMIT self->failed(result.error.localizedDescription);
-        },
-        m_state ? m_state->downloadChoices().networkWords() : QStringList());
+    m_fetch
+        = DownloadOptionsPresenter::fetchAsTheForm(m_downloads, m_state, url, [self](const VideoInfoResult &result) {
+              if (!self || result.cancelled)
+                  return;
+              self->m_fetch = nullptr;
+              self->setLoadingUrl({});
+              if (result.ok)
+                  Q_EMIT self->fetched(result.info);
+              else
+                  Q_EMIT self->failed(result.error.localizedDescription);
+          });
 }
 
 void VideoInfoPresenter::fetchFirstLink()

@@ -189,6 +189,13 @@ ViewTestCase {
         pressStart()
         compare(DownloadManager.tasks.count, before + 1)
         verify(child("detailsText", rowAt(before)).text.includes("H.264 · AAC · MP4"))
+        // Once the first link's information is in, the preview names its file, not an example's.
+        compare(child("templatePreview").text, "示例：示例视频.mp4")
+        clickInForm(child("videoInfoButton"))
+        tryVerify(() => child("templatePreview").text.startsWith("预览："), 20000)
+        tryCompare(child("videoInfoSheet"), "opened", true)
+        keyClick(Qt.Key_Escape)
+        tryCompare(child("videoInfoSheet"), "opened", false)
 
         clickInForm(child("resetOptionsButton"))
         compare(summary.text, "未设置")
