@@ -160,6 +160,7 @@ int main(int argc, char *argv[])
             DownloadOptions options;
             options.outputDir = QDir(sandbox.path()).filePath(u"home/Downloads"_s);
             options.useCookies = false;
+            options.choices = AppState::instance()->downloadChoices(); // as --setting downloadOptions/… left them
             DownloadManager::instance()->startDownloads(urls, options);
         }
     }
