@@ -548,8 +548,8 @@ void DownloadManager::completeDownload(const QUuid &taskId, DownloadJob *job, co
         // are not logged a second time.
         if (!kept.isEmpty())
             message = kept.mid(0, 3).join(u'\n');
-        const std::optional<Explanation> explanation = describeFailure(
-            FailedRun { end.stderrTail + end.stdoutTail, exitCode, end.crashed, m_tools->ytDlpPath() });
+        const std::optional<Explanation> explanation = describeFailure(FailedRun { end.stderrTail + end.stdoutTail,
+            exitCode, end.crashed, m_tools->ytDlpPath(), m_requests.value(taskId).choices.proxy });
         markFailed(taskId, message, explanation ? std::optional(explanation->text) : std::nullopt,
             explanation && explanation->toolchainFix);
         if (isMissingFormat(end.stderrTail + end.stdoutTail)) {

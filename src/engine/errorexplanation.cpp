@@ -4,6 +4,7 @@
 
 #include <QList>
 #include <QRegularExpression>
+#include <QUrl>
 
 #include <algorithm>
 #include <csignal>
@@ -190,6 +191,22 @@ std::optional<Explanation> describeFailure(const FailedRun &run)
                 run.ytDlpPath),
             true
         };
+
+    // With a proxy, a connection that fails is first of all the proxy's: the link's host is only
+    // ever reached through it.
+    static const QRegularExpression unreachable(u"Connection refused|Errno 111\\b|timed out|Errno 110\\b|"
+                                                u"ProxyError|Unable to connect to proxy|Tunnel connection failed|"
+                                                u"SOCKS|Connection reset"_s);
+    if (!run.proxy.isEmpty() && std::any_of(run.lines.cbegin(), run.lines.cend(), [](const QString &line) {
+            return isErrorLine(line) && unreachable.match(line).hasMatch();
+        })) {
+        const QUrl proxy(run.proxy);
+        return Explanation {
+            u"无法通过代理连接：“下载选项”中设置了代理 %1。请确认代理正在运行、地址和端口正确，或清除代理后重试。"_s
+                .arg(proxy.adjusted(QUrl::RemoveUserInfo).toString()),
+            false
+        };
+    }
 
     const std::optional<Explanation> toolchain = toolchainCause(run.lines);
     // The error lines say what ended the run; warnings before them only sometimes do.

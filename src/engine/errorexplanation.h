@@ -16,6 +16,7 @@ struct FailedRun
     int exitCode = 0;
     bool crashed = false; // ended by a signal rather than an exit status
     QString ytDlpPath; // named when the tool itself is missing
+    QString proxy; // the download's proxy ("下载选项"), or empty
 };
 
 struct Explanation
