@@ -2,6 +2,7 @@
 
 #include "app/iconprovider.h"
 #include "app/thumbnailcache.h"
+#include "model/appstate.h"
 #include "model/logcategories.h"
 
 #include <QCoreApplication>
@@ -21,6 +22,12 @@ void setupQmlEngine(QQmlEngine &engine)
     // Made once, when first needed; the engines do not own their factory.
     static ThumbnailNetworkFactory networkFactory;
     engine.setNetworkAccessManagerFactory(&networkFactory);
+    static const QMetaObject::Connection followsTheOptions = [] {
+        AppState *state = AppState::instance();
+        ImageProxy::set(state->downloadChoices().proxy);
+        return QObject::connect(state, &AppState::downloadChoicesChanged, state,
+            [state] { ImageProxy::set(state->downloadChoices().proxy); });
+    }();
 }
 
 std::unique_ptr<QQuickWindow> loadMainWindow(QQmlApplicationEngine &engine, const std::function<void()> &meanwhile)

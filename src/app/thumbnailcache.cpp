@@ -3,8 +3,10 @@
 #include "engine/privatefiles.h"
 
 #include <QDateTime>
+#include <QMutex>
 #include <QNetworkAccessManager>
 #include <QStandardPaths>
+#include <QUrl>
 
 using namespace Qt::StringLiterals;
 
@@ -43,5 +45,31 @@ QNetworkAccessManager *ThumbnailNetworkFactory::create(QObject *parent)
     // (QNetworkDiskCache writes each entry to a temporary file and renames it into place).
     auto *manager = new QNetworkAccessManager(parent);
     manager->setCache(new ThumbnailCache(m_directory, manager));
+    manager->setProxyFactory(new ImageProxy);
     return manager;
+}
+
+namespace {
+QMutex imageProxyMutex;
+QNetworkProxy imageProxy(QNetworkProxy::NoProxy);
+} // namespace
+
+void ImageProxy::set(const QString &proxyUrl)
+{
+    const QUrl url(proxyUrl);
+    QNetworkProxy proxy(QNetworkProxy::NoProxy);
+    if (url.scheme() == u"http")
+        proxy = QNetworkProxy(QNetworkProxy::HttpProxy, url.host(), quint16(url.port(8080)));
+    else if (url.scheme() == u"socks5" || url.scheme() == u"socks5h")
+        proxy = QNetworkProxy(QNetworkProxy::Socks5Proxy, url.host(), quint16(url.port(1080)));
+    proxy.setUser(url.userName());
+    proxy.setPassword(url.password());
+    const QMutexLocker locker(&imageProxyMutex);
+    imageProxy = proxy;
+}
+
+QList<QNetworkProxy> ImageProxy::queryProxy(const QNetworkProxyQuery &)
+{
+    const QMutexLocker locker(&imageProxyMutex);
+    return { imageProxy };
 }

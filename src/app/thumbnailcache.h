@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QNetworkDiskCache>
+#include <QNetworkProxyFactory>
 #include <QQmlNetworkAccessManagerFactory>
 #include <QString>
 
@@ -32,4 +33,14 @@ public:
 
 private:
     const QString m_directory;
+};
+
+// The proxy the views' images go through: the one chosen in "下载选项" where Qt speaks its kind
+// (HTTP, SOCKS5), so that a video's picture comes the way its download does; none otherwise.
+// set() may be called from any thread, and every manager of the factory follows at once.
+class ImageProxy : public QNetworkProxyFactory
+{
+public:
+    static void set(const QString &proxyUrl);
+    QList<QNetworkProxy> queryProxy(const QNetworkProxyQuery &query) override;
 };

@@ -11,6 +11,7 @@
 #include "store/queuememory.h"
 
 #include "engine/enginefixture.h"
+#include "support/localserver.h"
 #include "support/mediaserver.h"
 
 #include <QAbstractItemModelTester>
@@ -395,6 +396,17 @@ void TestViewModels::thumbnailsKeptOnDisk()
 
     QCOMPARE(get(factory, url), std::pair(picture, false));
     QCOMPARE(modeOf(m_env.root() + u"/cache"_s), 0700);
+    // Through the proxy chosen in "下载选项", while it is chosen.
+    const QString record = m_env.root() + u"/proxy.txt"_s;
+    const LocalServer proxy(u"proxy"_s,
+        { qEnvironmentVariable("QUILLBOX_TESTS_DIR") + u"/support/proxyserver.py"_s, u"--record"_s, record }, 30000);
+    QVERIFY2(!proxy.base().isEmpty(), qPrintable(proxy.error()));
+    ImageProxy::set(proxy.base().chopped(1));
+    QCOMPARE(get(factory, QUrl(url.toString() + u"?proxied"_s)).first, picture);
+    ImageProxy::set({});
+    QCOMPARE(get(factory, QUrl(url.toString() + u"?direct"_s)).first, picture);
+    const QString carried = QString::fromUtf8(fileBytes(record));
+    QVERIFY2(carried.contains(u"thumb.jpg?proxied"_s) && !carried.contains(u"direct"_s), qPrintable(carried));
     server.reset();
     QCOMPARE(get(factory, url), std::pair(picture, true));
     QCOMPARE(get(factory, QUrl(url.toString().replace(u"thumb"_s, u"other"_s))).first,
