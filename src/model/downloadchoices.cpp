@@ -49,7 +49,8 @@ QStringList DownloadChoices::words(const QString &archiveFile) const
         words << u"-S"_s << u"+size,+br,+res,+fps"_s;
 
     if (subtitles != u"off") {
-        // Embedding alone writes the files only to put them in, and deletes them after.
+        // Embedding alone writes the files only to put them in, and deletes them after. With the
+        // automatic ones too, yt-dlp fetches the others only when asked, and then keeps the files.
         if (subtitles == u"download" || autoSubtitles)
             words << u"--write-subs"_s;
         if (autoSubtitles)
