@@ -162,6 +162,10 @@ void TestErrorExplanation::withoutOutput_data()
     QTest::newRow("refused through a proxy")
         << QStringList { u"ERROR: [generic] Unable to download webpage: <urlopen error [Errno 111] Connection refused>"_s }
         << 1 << false << u"“下载选项”中设置了代理 http://127.0.0.1:9。"_s << false << proxy;
+    // A subtitle file that cannot be fetched stops the whole download, yet the link is fine.
+    QTest::newRow("subtitles not fetched")
+        << QStringList { u"ERROR: Unable to download video subtitles for 'en': HTTP Error 404: Not Found"_s } << 1
+        << false << u"字幕下载失败：yt-dlp 没能取得“en”字幕"_s << false << QString();
     QTest::newRow("404 through a proxy") << QStringList { u"ERROR: HTTP Error 404: Not Found"_s } << 1 << false
                                          << u"链接不存在或已删除"_s << false << proxy;
 }

@@ -28,7 +28,6 @@ private Q_SLOTS:
     void cleanupTestCase() { m_engine.reset(); }
     void files_data();
     void files();
-    void unreachableSubtitlesExplained();
     void archiveSkipsTheSecondRun();
     void rateLimitHoldsTheDownloadBack();
     void everyRequestGoesThroughTheProxy();
@@ -109,9 +108,7 @@ void TestOptionsEndToEnd::initTestCase()
     const QByteArray subtitles = "WEBVTT\n\n00:00:00.000 --> 00:00:02.000\nHello from the track\n\n00:00:02.000 --> "
                                  "00:00:04.000\nSecond cue\n";
     for (const auto &[name, content] : { std::pair { "page.html", page("video.mp4", "sub.vtt") },
-             std::pair { "noise.html", page("noise.mp4", "sub.vtt") },
-             std::pair { "missing-subtitles.html", page("video.mp4", "missing.vtt") },
-             std::pair { "sub.vtt", subtitles } }) {
+             std::pair { "noise.html", page("noise.mp4", "sub.vtt") }, std::pair { "sub.vtt", subtitles } }) {
         QFile file(m_media.filePath(QString::fromLatin1(name)));
         QVERIFY(file.open(QIODevice::WriteOnly) && file.write(content) == content.size());
     }
@@ -213,21 +210,6 @@ void TestOptionsEndToEnd::files()
         const QString srt = QString::fromUtf8(fileBytes(folder + u'/' + video.completeBaseName() + u".en.srt"_s));
         QVERIFY2(srt.contains(u"00:00:00,000 --> 00:00:02,000\nHello from the track"_s), qPrintable(srt));
     }
-}
-
-// A subtitle file that cannot be fetched stops the whole download: the row says that the
-// subtitles did it, not the link.
-void TestOptionsEndToEnd::unreachableSubtitlesExplained()
-{
-    DownloadChoices choices;
-    choices.subtitles = u"download"_s;
-    choices.subtitleLanguages = u"en"_s;
-    const DownloadTask task
-        = download(u"missing-subtitles.html"_s, choices, m_engine->fixture.path(u"unreachable subtitles"_s));
-    QVERIFY2(task.status == DownloadStatus::Failed, lastWords());
-    QVERIFY2(task.errorMessage && task.errorMessage->contains(u"404"_s), lastWords());
-    QVERIFY(task.explanation);
-    QVERIFY2(task.explanation->startsWith(u"字幕下载失败：yt-dlp 没能取得“en”字幕"_s), qPrintable(*task.explanation));
 }
 
 void TestOptionsEndToEnd::archiveSkipsTheSecondRun()
