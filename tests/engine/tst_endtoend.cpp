@@ -3,6 +3,7 @@
 
 #include "enginefixture.h"
 #include "support/mediaserver.h"
+#include "support/mediatools.h"
 
 #include <QProcess>
 
@@ -32,39 +33,8 @@ private:
 };
 
 namespace {
-constexpr int Patience = 60000;
+using namespace MediaTools;
 const QString ytDlp = u"/usr/bin/yt-dlp"_s;
-const QString ffmpeg = u"/usr/bin/ffmpeg"_s;
-const QString ffprobe = u"/usr/bin/ffprobe"_s;
-
-// The kinds of the file's streams ("audio", "video"), sorted; empty if ffprobe cannot read it.
-QStringList streamKinds(const QString &file)
-{
-    QProcess probe;
-    probe.start(
-        ffprobe, { u"-v"_s, u"error"_s, u"-show_entries"_s, u"stream=codec_type"_s, u"-of"_s, u"csv=p=0"_s, file });
-    if (!probe.waitForFinished(Patience) || probe.exitCode() != 0)
-        return {};
-    QStringList kinds = QString::fromUtf8(probe.readAllStandardOutput()).split(u'\n', Qt::SkipEmptyParts);
-    for (QString &kind : kinds)
-        kind = kind.trimmed();
-    kinds.sort();
-    return kinds;
-}
-
-// Makes `file` from an ffmpeg test source with the given encoder words; empty, or what ffmpeg said.
-QString encode(const QString &source, const QStringList &codec, const QString &file)
-{
-    QProcess encoder;
-    encoder.setProcessChannelMode(QProcess::MergedChannels);
-    encoder.start(ffmpeg,
-        QStringList { u"-hide_banner"_s, u"-nostdin"_s, u"-y"_s, u"-f"_s, u"lavfi"_s, u"-i"_s, source } + codec
-            + QStringList { file });
-    if (encoder.waitForFinished(Patience) && encoder.exitStatus() == QProcess::NormalExit && encoder.exitCode() == 0)
-        return {};
-    return QString::fromLocal8Bit(encoder.readAll()) + encoder.errorString();
-}
-
 // Ids of the processes whose command line mentions `text`.
 QList<qint64> processesMentioning(const QString &text)
 {
@@ -181,7 +151,7 @@ void TestEndToEnd::downloads()
     QVERIFY(task.endTime && *task.endTime >= task.startTime);
     QVERIFY(!task.errorMessage.has_value());
     QCOMPARE(QDir(outputDir).entryList(QDir::Files | QDir::Hidden), QStringList { file });
-    QCOMPARE(streamKinds(outputDir + u'/' + file), streams);
+    QCOMPARE(streamsOf(outputDir + u'/' + file), streams);
     // The row names the file it ended in, after merging or converting, with that file's size.
     QCOMPARE(task.outputPath, std::optional(outputDir + u'/' + file));
     QCOMPARE(task.size, DownloadOutput::formatBytes(QFileInfo(outputDir + u'/' + file).size()));
@@ -265,7 +235,7 @@ void TestEndToEnd::stoppedDownloadResumesItsPartFile()
     QTRY_COMPARE_WITH_TIMEOUT(engine->only().status, DownloadStatus::Completed, Patience);
     QVERIFY2(!engine->log().filter(u"Resuming download at byte"_s).isEmpty(), qPrintable(engine->log().join(u'\n')));
     QCOMPARE(QFileInfo(*engine->only().outputPath).size(), QFileInfo(m_media.filePath(u"long.mp4"_s)).size());
-    QCOMPARE(streamKinds(*engine->only().outputPath), QStringList { u"video"_s });
+    QCOMPARE(streamsOf(*engine->only().outputPath), QStringList { u"video"_s });
     memory.close();
 }
 

@@ -1,5 +1,6 @@
 #include "enginefixture.h"
 #include "support/mediaserver.h"
+#include "support/mediatools.h"
 
 #include <QElapsedTimer>
 #include <QProcess>
@@ -48,39 +49,9 @@ private:
 };
 
 namespace {
-constexpr int Patience = 60000;
-const QString ffmpeg = u"/usr/bin/ffmpeg"_s;
-const QString ffprobe = u"/usr/bin/ffprobe"_s;
+using namespace MediaTools;
 const QString pageTitle = u"Clip with subtitles"_s;
 constexpr qint64 RateLimit = 512 * 1024; // "512K", in bytes a second
-
-// Runs `program` to its end; what it printed, or nothing with `failed` set to what went wrong.
-QString run(const QString &program, const QStringList &arguments, QString *failed = nullptr)
-{
-    QProcess process;
-    process.start(program, arguments);
-    if (process.waitForFinished(Patience) && process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0)
-        return QString::fromUtf8(process.readAllStandardOutput());
-    if (failed)
-        *failed = program + u": "_s + QString::fromLocal8Bit(process.readAllStandardError()) + process.errorString();
-    return {};
-}
-
-// The file's streams as ffprobe sees them, sorted: "audio", "subtitle", "video", and "picture"
-// for a video stream that is an attached picture (a cover).
-QStringList streamsOf(const QString &file)
-{
-    QStringList streams;
-    const QString listed = run(ffprobe,
-        { u"-v"_s, u"error"_s, u"-show_entries"_s, u"stream=codec_type:stream_disposition=attached_pic"_s, u"-of"_s,
-            u"csv=p=0"_s, file });
-    for (const QString &line : listed.split(u'\n', Qt::SkipEmptyParts)) {
-        const QStringList fields = line.trimmed().split(u',');
-        streams << (fields.value(1) == u"1" ? u"picture"_s : fields.value(0));
-    }
-    streams.sort();
-    return streams;
-}
 
 QStringList linesOf(const QString &file)
 {
@@ -112,18 +83,12 @@ void TestOptionsEndToEnd::initTestCase()
         QFile file(m_media.filePath(QString::fromLatin1(name)));
         QVERIFY(file.open(QIODevice::WriteOnly) && file.write(content) == content.size());
     }
-    QString failed;
-    const QStringList make { u"-hide_banner"_s, u"-nostdin"_s, u"-y"_s, u"-f"_s, u"lavfi"_s, u"-i"_s };
-    run(ffmpeg,
-        make + QStringList { u"color=c=red:s=160x120"_s, u"-frames:v"_s, u"1"_s, m_media.filePath(u"poster.jpg"_s) },
-        &failed);
+    QString failed = encode(u"color=c=red:s=160x120"_s, { u"-frames:v"_s, u"1"_s }, m_media.filePath(u"poster.jpg"_s));
     QVERIFY2(failed.isEmpty(), qPrintable(failed));
     // About 2 MiB in one second of noise, which no encoder can make small.
-    run(ffmpeg,
-        make
-            + QStringList { u"nullsrc=s=320x240:r=25:d=1,geq=random(1)*255:128:128"_s, u"-c:v"_s, u"mpeg4"_s, u"-q:v"_s,
-                u"2"_s, u"-movflags"_s, u"+faststart"_s, m_media.filePath(u"noise.mp4"_s) },
-        &failed);
+    failed = encode(u"nullsrc=s=320x240:r=25:d=1,geq=random(1)*255:128:128"_s,
+        { u"-c:v"_s, u"mpeg4"_s, u"-q:v"_s, u"2"_s, u"-movflags"_s, u"+faststart"_s },
+        m_media.filePath(u"noise.mp4"_s));
     QVERIFY2(failed.isEmpty(), qPrintable(failed));
 
     m_server = std::make_unique<MediaServer>(qEnvironmentVariable("QUILLBOX_TESTS_DIR"), m_media.path());
