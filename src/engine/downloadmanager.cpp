@@ -185,8 +185,7 @@ QUuid DownloadManager::createTask(const DownloadRequest &request, QList<Download
 QString DownloadManager::outcomeOf(const DownloadRequest &request)
 {
     // An audio preset converts to MP3 whatever the sorting chose.
-    const bool audio = request.preset == DownloadPreset::AudioOnly || request.preset == DownloadPreset::BestAudio;
-    return audio ? QString() : request.choices.outcomeText();
+    return makesMp3(request.preset) ? QString() : request.choices.outcomeText();
 }
 
 QString DownloadManager::archiveFile()

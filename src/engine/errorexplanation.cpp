@@ -245,11 +245,6 @@ bool isMissingFormat(const QStringList &lines)
 }
 
 namespace {
-bool hasStream(const std::optional<QString> &codec)
-{
-    return codec && !codec->isEmpty() && *codec != u"none";
-}
-
 // Higher for a format a download would rather have: more pixels, then more bits.
 double worth(const VideoFormat &format)
 {
@@ -261,12 +256,7 @@ QString describe(const VideoFormat &format)
     QStringList parts { format.ext };
     if (format.resolution && *format.resolution != u"audio only")
         parts << *format.resolution;
-    QStringList codecs;
-    for (const auto &codec : { format.vcodec, format.acodec }) {
-        if (hasStream(codec))
-            codecs << *codec;
-    }
-    if (!codecs.isEmpty())
+    if (const QStringList codecs = format.codecs(); !codecs.isEmpty())
         parts << codecs.join(u'+');
     return format.formatId + u"（"_s + parts.join(u" · "_s) + u"）"_s;
 }
@@ -274,11 +264,9 @@ QString describe(const VideoFormat &format)
 
 QString offeredFormatsNote(const QList<VideoFormat> &formats)
 {
-    // Unknown codecs count as present: yt-dlp leaves them out for many sites' only format.
-    const auto combined
-        = [](const VideoFormat &f) { return (!f.vcodec || hasStream(f.vcodec)) && (!f.acodec || hasStream(f.acodec)); };
-    const auto videoOnly = [](const VideoFormat &f) { return hasStream(f.vcodec) && f.acodec == u"none"; };
-    const auto audioOnly = [](const VideoFormat &f) { return hasStream(f.acodec) && f.vcodec == u"none"; };
+    const auto combined = [](const VideoFormat &f) { return f.hasVideo() && f.hasAudio(); };
+    const auto videoOnly = [](const VideoFormat &f) { return f.hasVideo() && !f.hasAudio(); };
+    const auto audioOnly = [](const VideoFormat &f) { return !f.hasVideo() && f.hasAudio(); };
     QStringList picked;
     for (const auto &fits : { std::function<bool(const VideoFormat &)>(combined), { videoOnly }, { audioOnly } }) {
         const VideoFormat *best = nullptr;

@@ -97,10 +97,15 @@ QString DownloadChoices::effectiveTemplate() const
     return trimmed + u".%(ext)s"_s;
 }
 
-QString DownloadChoices::outputTemplate(const QString &outputDir) const
+QString DownloadChoices::fileNameTemplate() const
 {
     const QString chosen = effectiveTemplate();
-    return outputDir + u'/' + (chosen.isEmpty() ? u"%(title)s.%(ext)s"_s : chosen);
+    return chosen.isEmpty() ? u"%(title)s.%(ext)s"_s : chosen;
+}
+
+QString DownloadChoices::outputTemplate(const QString &outputDir) const
+{
+    return outputDir + u'/' + fileNameTemplate();
 }
 
 QString DownloadChoices::proxyScheme(const QString &proxy)
@@ -160,15 +165,20 @@ QString DownloadChoices::problem() const
     return {};
 }
 
-QString DownloadChoices::outcomeText() const
+QString DownloadChoices::compatibilityLabel(const QString &compatibility)
 {
     if (compatibility == u"everywhere")
-        return u"H.264 · AAC · MP4"_s;
+        return u"到处都能播放"_s;
     if (compatibility == u"quality")
         return u"画质最佳"_s;
     if (compatibility == u"smallest")
         return u"体积最小"_s;
     return {};
+}
+
+QString DownloadChoices::outcomeText() const
+{
+    return compatibility == u"everywhere" ? u"H.264 · AAC · MP4"_s : compatibilityLabel(compatibility);
 }
 
 QString DownloadChoices::summary() const
@@ -198,10 +208,8 @@ QString DownloadChoices::summary() const
         parts << u"文件名 "_s + effectiveTemplate();
     if (useArchive)
         parts << u"下载存档"_s;
-    if (compatibility == u"everywhere")
-        parts << u"到处都能播放"_s;
-    else if (!outcomeText().isEmpty())
-        parts << outcomeText();
+    if (const QString label = compatibilityLabel(compatibility); !label.isEmpty())
+        parts << label;
     return parts.isEmpty() ? u"未设置"_s : parts.join(u" · "_s);
 }
 
@@ -278,8 +286,9 @@ DownloadChoices DownloadChoices::fromMap(const QVariantMap &map)
 
 QString DownloadChoices::toJsonText() const
 {
+    // Empty, not null: the stores' columns refuse NULL.
     if (isDefault())
-        return {};
+        return u""_s;
     return QString::fromUtf8(QJsonDocument(QJsonObject::fromVariantMap(toMap())).toJson(QJsonDocument::Compact));
 }
 

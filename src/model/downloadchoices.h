@@ -46,7 +46,10 @@ struct DownloadChoices
     QStringList words(const QString &archiveFile) const;
     // The proxy's words: what every request for the link carries, a download's and a listing's.
     QStringList networkWords() const;
-    // The -o template: the file-name template below `outputDir`, or the usual one.
+    // The file-name template in use: the chosen one as effectiveTemplate() has it, or the usual
+    // "%(title)s.%(ext)s".
+    QString fileNameTemplate() const;
+    // The -o template: fileNameTemplate() below `outputDir`.
     QString outputTemplate(const QString &outputDir) const;
     // The template as it is used: with ".%(ext)s" added where it names no extension; empty when
     // none is chosen.
@@ -55,6 +58,8 @@ struct DownloadChoices
     QString problem() const;
     // What is chosen, on one line ("字幕：嵌入 zh.*,en · 限速 2 MB/s"); "未设置" when nothing is.
     QString summary() const;
+    // The name a compatibility is offered by ("到处都能播放"); empty for "any" and anything unknown.
+    static QString compatibilityLabel(const QString &compatibility);
     // The outcome shown on a row ("H.264 · AAC · MP4"); empty when none is chosen.
     QString outcomeText() const;
     // Nothing is chosen: the command is the usual one.
@@ -77,7 +82,7 @@ struct DownloadChoices
     // the default for a key that is missing or holds something unknown.
     QVariantMap toMap() const;
     static DownloadChoices fromMap(const QVariantMap &map);
-    // The same as compact JSON text; "" for the default, so that stored rows stay small.
+    // The same as compact JSON text; "" (never null) for the default, so that stored rows stay small.
     QString toJsonText() const;
     static DownloadChoices fromJsonText(const QString &text);
 

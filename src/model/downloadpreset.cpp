@@ -65,3 +65,8 @@ const QList<DownloadPreset> &allDownloadPresets()
         DownloadPreset::BestAudio, DownloadPreset::BestVideoAudio, DownloadPreset::AudioOnly, DownloadPreset::Custom };
     return all;
 }
+
+bool makesMp3(DownloadPreset preset)
+{
+    return preset == DownloadPreset::AudioOnly || preset == DownloadPreset::BestAudio;
+}

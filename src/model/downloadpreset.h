@@ -18,6 +18,8 @@ std::optional<DownloadPreset> downloadPresetFromStorageKey(QStringView key);
 
 // The yt-dlp words of a preset. The lists are shared constants: reading them allocates nothing.
 const QStringList &presetArguments(DownloadPreset preset);
+// The preset extracts the audio into an MP3, whatever format was downloaded.
+bool makesMp3(DownloadPreset preset);
 
 // All presets in declaration order.
 const QList<DownloadPreset> &allDownloadPresets();

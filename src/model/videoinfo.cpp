@@ -309,3 +309,13 @@ double VideoFormat::pixels() const
     const QStringList sides = resolution.value_or(QString()).split(u'x');
     return sides.size() == 2 ? sides.at(0).toDouble() * sides.at(1).toDouble() : 0;
 }
+
+QStringList VideoFormat::codecs() const
+{
+    QStringList named;
+    for (const auto &codec : { vcodec, acodec }) {
+        if (codec && !codec->isEmpty() && *codec != u"none")
+            named << *codec;
+    }
+    return named;
+}

@@ -26,6 +26,12 @@ struct VideoFormat
 
     // Width × height from the resolution ("1920x1080"); 0 when it gives none ("audio only").
     double pixels() const;
+    // A stream of that kind is there: a codec other than "none", or none given (yt-dlp gives no
+    // codecs for a bare file, which may hold both).
+    bool hasVideo() const { return !vcodec || *vcodec != u"none"; }
+    bool hasAudio() const { return !acodec || *acodec != u"none"; }
+    // The codecs that are named, video first ("avc1.4d401f", "mp4a.40.2").
+    QStringList codecs() const;
 
     // Decodes the camel-case JSON form; a missing required key or a value of the wrong type fails.
     static std::optional<VideoFormat> fromJson(const QJsonObject &object);

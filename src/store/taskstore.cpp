@@ -416,8 +416,7 @@ qint64 TaskStore::savePreset(const SavedPreset &preset)
     }
     query.bindValue(0, preset.name);
     query.bindValue(1, preset.arguments);
-    // Never NULL, which the column refuses.
-    query.bindValue(2, preset.choices.isDefault() ? u""_s : preset.choices.toJsonText());
+    query.bindValue(2, preset.choices.toJsonText());
     if (!query.exec()) {
         m_lastError = query.lastError().text();
         return 0;

@@ -36,15 +36,6 @@ GridLayout {
         font.pixelSize: Theme.caption
     }
 
-    component Problem: Text {
-        Layout.fillWidth: true
-        visible: text.length > 0
-        textFormat: Text.PlainText
-        color: Theme.red
-        font.pixelSize: Theme.caption2
-        wrapMode: Text.Wrap
-    }
-
     // A small word that is on or off (a language, a category) or puts something in (a field).
     component Chip: AbstractButton {
         id: chip

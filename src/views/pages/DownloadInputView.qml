@@ -173,17 +173,11 @@ Rectangle {
                             }
                         }
                         // Said as the text is typed, before "开始下载" refuses it.
-                        Text {
+                        Problem {
                             id: customError
 
                             objectName: "customArgumentsError"
-                            Layout.fillWidth: true
-                            visible: text.length > 0
                             text: customColumn.error
-                            textFormat: Text.PlainText
-                            color: Theme.red
-                            font.pixelSize: Theme.caption
-                            wrapMode: Text.Wrap
                         }
                         Hint {
                             text: "输入 yt-dlp 的自定义参数，使用空格分隔"

@@ -28,15 +28,6 @@ Rectangle {
         wrapMode: Text.Wrap
     }
 
-    component Problem: Text {
-        textFormat: Text.PlainText
-        Layout.fillWidth: true
-        visible: text.length > 0
-        color: Theme.red
-        font.pixelSize: Theme.caption
-        wrapMode: Text.Wrap
-    }
-
     component Words: Text {
         textFormat: Text.PlainText
         Layout.fillWidth: true

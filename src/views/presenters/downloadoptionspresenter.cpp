@@ -20,9 +20,7 @@ DownloadOptionsPresenter::DownloadOptionsPresenter(AppState *state, QObject *par
 {
     if (!m_state)
         return;
-    read();
     connect(m_state, &AppState::downloadChoicesChanged, this, [this] {
-        read();
         Q_EMIT changed();
         Q_EMIT previewChanged();
     });
@@ -31,18 +29,18 @@ DownloadOptionsPresenter::DownloadOptionsPresenter(AppState *state, QObject *par
     connect(m_state, &AppState::selectedPresetChanged, this, &DownloadOptionsPresenter::previewChanged);
 }
 
-void DownloadOptionsPresenter::read()
+DownloadChoices DownloadOptionsPresenter::choices() const
 {
-    m_choices = m_state->downloadChoices();
+    return m_state ? m_state->downloadChoices() : DownloadChoices();
 }
 
 void DownloadOptionsPresenter::change(const std::function<void(DownloadChoices &)> &edit)
 {
     if (!m_state)
         return;
-    DownloadChoices choices = m_choices;
-    edit(choices);
-    m_state->setDownloadChoices(choices);
+    DownloadChoices changed = m_state->downloadChoices();
+    edit(changed);
+    m_state->setDownloadChoices(changed);
 }
 
 void DownloadOptionsPresenter::setSubtitles(const QString &value)
@@ -180,12 +178,10 @@ QString DownloadOptionsPresenter::templatePreview() const
             { u"resolution"_s, u"1920x1080"_s }, { u"playlist_index"_s, 1 }, { u"playlist_title"_s, u"示例列表"_s } };
     }
     // The extension the chosen outcome ends in, where that is known before the download.
-    if (m_state
-        && (m_state->selectedPreset() == DownloadPreset::AudioOnly
-            || m_state->selectedPreset() == DownloadPreset::BestAudio))
+    const DownloadChoices chosen = choices();
+    if (m_state && makesMp3(m_state->selectedPreset()))
         fields.insert(u"ext"_s, u"mp3"_s);
-    else if (m_choices.compatibility == u"everywhere")
+    else if (chosen.compatibility == u"everywhere")
         fields.insert(u"ext"_s, u"mp4"_s);
-    const QString chosen = m_choices.effectiveTemplate();
-    return previewFileName(chosen.isEmpty() ? u"%(title)s.%(ext)s"_s : chosen, fields);
+    return previewFileName(chosen.fileNameTemplate(), fields);
 }

@@ -57,41 +57,41 @@ public:
     explicit DownloadOptionsPresenter(QObject *parent = nullptr);
     explicit DownloadOptionsPresenter(AppState *state, QObject *parent = nullptr);
 
-    QString subtitles() const { return m_choices.subtitles; }
+    QString subtitles() const { return choices().subtitles; }
     void setSubtitles(const QString &value);
-    QString subtitleLanguages() const { return m_choices.subtitleLanguages; }
+    QString subtitleLanguages() const { return choices().subtitleLanguages; }
     void setSubtitleLanguages(const QString &value);
-    QStringList languageCodes() const { return m_choices.languageList().split(u',', Qt::SkipEmptyParts); }
-    bool autoSubtitles() const { return m_choices.autoSubtitles; }
+    QStringList languageCodes() const { return choices().languageList().split(u',', Qt::SkipEmptyParts); }
+    bool autoSubtitles() const { return choices().autoSubtitles; }
     void setAutoSubtitles(bool value);
-    QString subtitleFormat() const { return m_choices.subtitleFormat; }
+    QString subtitleFormat() const { return choices().subtitleFormat; }
     void setSubtitleFormat(const QString &value);
-    bool embedThumbnail() const { return m_choices.embedThumbnail; }
+    bool embedThumbnail() const { return choices().embedThumbnail; }
     void setEmbedThumbnail(bool value);
-    bool embedMetadata() const { return m_choices.embedMetadata; }
+    bool embedMetadata() const { return choices().embedMetadata; }
     void setEmbedMetadata(bool value);
-    bool embedChapters() const { return m_choices.embedChapters; }
+    bool embedChapters() const { return choices().embedChapters; }
     void setEmbedChapters(bool value);
-    QString sponsorBlock() const { return m_choices.sponsorBlock; }
+    QString sponsorBlock() const { return choices().sponsorBlock; }
     void setSponsorBlock(const QString &value);
-    QStringList sponsorCategories() const { return m_choices.sponsorCategories; }
-    QString rateLimit() const { return m_choices.rateLimit; }
+    QStringList sponsorCategories() const { return choices().sponsorCategories; }
+    QString rateLimit() const { return choices().rateLimit; }
     void setRateLimit(const QString &value);
-    QString proxy() const { return m_choices.proxy; }
+    QString proxy() const { return choices().proxy; }
     void setProxy(const QString &value);
-    QString fileTemplate() const { return m_choices.fileTemplate; }
+    QString fileTemplate() const { return choices().fileTemplate; }
     void setFileTemplate(const QString &value);
-    bool useArchive() const { return m_choices.useArchive; }
+    bool useArchive() const { return choices().useArchive; }
     void setUseArchive(bool value);
-    QString compatibility() const { return m_choices.compatibility; }
+    QString compatibility() const { return choices().compatibility; }
     void setCompatibility(const QString &value);
 
-    QString summary() const { return m_choices.summary(); }
-    bool isDefault() const { return m_choices.isDefault(); }
-    QString proxyError() const { return DownloadChoices::proxyProblem(m_choices.proxy); }
-    QString rateLimitError() const { return DownloadChoices::rateLimitProblem(m_choices.rateLimit); }
-    QString templateError() const { return DownloadChoices::templateProblem(m_choices.fileTemplate); }
-    QString proxyScheme() const { return DownloadChoices::proxyScheme(m_choices.proxy); }
+    QString summary() const { return choices().summary(); }
+    bool isDefault() const { return choices().isDefault(); }
+    QString proxyError() const { return DownloadChoices::proxyProblem(choices().proxy); }
+    QString rateLimitError() const { return DownloadChoices::rateLimitProblem(choices().rateLimit); }
+    QString templateError() const { return DownloadChoices::templateProblem(choices().fileTemplate); }
+    QString proxyScheme() const { return DownloadChoices::proxyScheme(choices().proxy); }
     QString templatePreview() const;
     bool previewIsExample() const;
     static QString archiveFile();
@@ -113,9 +113,9 @@ Q_SIGNALS:
     void previewChanged();
 
 private:
+    // The options as AppState holds them (the defaults without one).
+    DownloadChoices choices() const;
     void change(const std::function<void(DownloadChoices &)> &edit);
-    void read();
 
     QPointer<AppState> m_state;
-    DownloadChoices m_choices;
 };

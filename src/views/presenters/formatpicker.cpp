@@ -12,29 +12,21 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-bool isNone(const std::optional<QString> &codec)
+// The bytes of a streamed format as yt-dlp guesses them: its bitrate over the whole duration.
+std::optional<qint64> guessedBytes(const VideoFormat &format, qint64 duration)
 {
-    return codec && *codec == u"none"_s;
+    if (format.tbr && *format.tbr > 0 && duration > 0)
+        return qint64(double(duration) * *format.tbr * (1000.0 / 8));
+    return std::nullopt;
 }
 
-QString codecsText(const VideoFormat &format)
-{
-    QStringList codecs;
-    for (const auto &codec : { format.vcodec, format.acodec }) {
-        if (codec && !codec->isEmpty() && !isNone(codec))
-            codecs << *codec;
-    }
-    return codecs.join(u" + "_s);
-}
-
-// The size as yt-dlp's format table shows it: exact, its estimate "≈", or else "~" the bitrate
-// over the whole duration (what yt-dlp itself guesses for streamed formats).
+// The size as yt-dlp's format table shows it: exact, its estimate "≈", or else "~" the guess.
 QString sizeCell(const VideoFormat &format, qint64 duration)
 {
     if (format.filesize)
         return (format.filesizeApproximate ? u"≈"_s : QString()) + FormatPicker::sizeText(*format.filesize);
-    if (format.tbr && *format.tbr > 0 && duration > 0)
-        return u"~"_s + FormatPicker::sizeText(qint64(double(duration) * *format.tbr * (1000.0 / 8)));
+    if (const auto guess = guessedBytes(format, duration))
+        return u"~"_s + FormatPicker::sizeText(*guess);
     return {};
 }
 
@@ -43,14 +35,10 @@ bool startsWithAny(const std::optional<QString> &codec, std::initializer_list<QS
     return codec && std::any_of(prefixes.begin(), prefixes.end(), [&](QStringView p) { return codec->startsWith(p); });
 }
 
-// Bytes, known or guessed from the bitrate; a very large number when neither is known.
+// Bytes, known or guessed; a very large number when neither is known.
 double bytesOf(const VideoFormat &format, qint64 duration)
 {
-    if (format.filesize)
-        return double(*format.filesize);
-    if (format.tbr && duration > 0)
-        return double(duration) * *format.tbr * 125;
-    return 1e18;
+    return double(format.filesize.value_or(guessedBytes(format, duration).value_or(qint64(1) << 62)));
 }
 } // namespace
 
@@ -60,8 +48,9 @@ QList<bool> FormatPicker::fitting(const QList<VideoFormat> &formats, const QStri
     if (outcome == u"everywhere") {
         for (qsizetype i = 0; i < formats.size(); ++i) {
             const VideoFormat &f = formats.at(i);
-            const bool video = isNone(f.vcodec) || !f.vcodec || startsWithAny(f.vcodec, { u"avc1", u"h264" });
-            const bool audio = isNone(f.acodec) || !f.acodec || startsWithAny(f.acodec, { u"mp4a", u"aac" });
+            // A stream that is not there, or not named, does not stand in the way.
+            const bool video = !f.vcodec || !f.hasVideo() || startsWithAny(f.vcodec, { u"avc1", u"h264" });
+            const bool audio = !f.acodec || !f.hasAudio() || startsWithAny(f.acodec, { u"mp4a", u"aac" });
             fits[i] = kindOf(f) != Kind::Other && video && audio && (f.ext == u"mp4" || f.ext == u"m4a");
         }
         return fits;
@@ -93,14 +82,13 @@ QList<bool> FormatPicker::fitting(const QList<VideoFormat> &formats, const QStri
 
 QString FormatPicker::outcomeHint() const
 {
-    const QString outcome = m_state ? m_state->downloadChoices().compatibility : QString();
-    if (outcome == u"everywhere")
-        return u"✓ 标出的格式符合“到处都能播放”（H.264 · AAC · MP4）"_s;
-    if (outcome == u"quality")
-        return u"✓ 标出的是“画质最佳”会选的格式"_s;
-    if (outcome == u"smallest")
-        return u"✓ 标出的是“体积最小”会选的格式"_s;
-    return {};
+    const DownloadChoices choices = m_state ? m_state->downloadChoices() : DownloadChoices();
+    const QString label = DownloadChoices::compatibilityLabel(choices.compatibility);
+    if (label.isEmpty())
+        return {};
+    if (choices.compatibility == u"everywhere")
+        return u"✓ 标出的格式符合“%1”（%2）"_s.arg(label, choices.outcomeText());
+    return u"✓ 标出的是“%1”会选的格式"_s.arg(label);
 }
 
 void FormatPicker::refit()
@@ -137,14 +125,9 @@ FormatPicker::~FormatPicker()
 
 FormatPicker::Kind FormatPicker::kindOf(const VideoFormat &format)
 {
-    // Unknown codecs (yt-dlp prints null for a bare file) may hold both streams.
-    if (isNone(format.vcodec) && isNone(format.acodec))
-        return Kind::Other;
-    if (isNone(format.vcodec))
-        return Kind::AudioOnly;
-    if (isNone(format.acodec))
-        return Kind::VideoOnly;
-    return Kind::Combined;
+    if (!format.hasVideo())
+        return format.hasAudio() ? Kind::AudioOnly : Kind::Other;
+    return format.hasAudio() ? Kind::Combined : Kind::VideoOnly;
 }
 
 QString FormatPicker::sizeText(qint64 bytes)
@@ -296,7 +279,7 @@ QVariant FormatPicker::data(const QModelIndex &index, int role) const
     case FpsRole:
         return format.fps ? QString::number(*format.fps, 'g', 6) : QString();
     case CodecsRole:
-        return codecsText(format);
+        return format.codecs().join(u" + "_s);
     case SizeRole:
         return sizeCell(format, m_duration);
     case NoteRole:
