@@ -31,6 +31,21 @@ const QStringList &DownloadChoices::compatibilityModes()
     return modes;
 }
 
+namespace {
+// What is embedded: the switch, yt-dlp's word for it and what the summary calls it.
+struct Embedding
+{
+    bool DownloadChoices::*on;
+    QStringView word;
+    QStringView label;
+};
+constexpr Embedding embeddings[] = {
+    { &DownloadChoices::embedThumbnail, u"--embed-thumbnail", u"封面" },
+    { &DownloadChoices::embedMetadata, u"--embed-metadata", u"元数据" },
+    { &DownloadChoices::embedChapters, u"--embed-chapters", u"章节" },
+};
+} // namespace
+
 QString DownloadChoices::languageList() const
 {
     static const QRegularExpression separators(u"[,\\s，、]+"_s);
@@ -63,12 +78,10 @@ QStringList DownloadChoices::words(const QString &archiveFile) const
             words << u"--embed-subs"_s;
     }
 
-    if (embedThumbnail)
-        words << u"--embed-thumbnail"_s;
-    if (embedMetadata)
-        words << u"--embed-metadata"_s;
-    if (embedChapters)
-        words << u"--embed-chapters"_s;
+    for (const Embedding &embedding : embeddings) {
+        if (this->*embedding.on)
+            words << embedding.word.toString();
+    }
 
     if (sponsorBlock != u"off" && !sponsorCategories.isEmpty()) {
         words << (sponsorBlock == u"remove" ? u"--sponsorblock-remove"_s : u"--sponsorblock-mark"_s)
@@ -190,12 +203,10 @@ QString DownloadChoices::summary() const
                 + (languages.isEmpty() ? QString() : u" "_s + languages);
     }
     QStringList embedded;
-    if (embedThumbnail)
-        embedded << u"封面"_s;
-    if (embedMetadata)
-        embedded << u"元数据"_s;
-    if (embedChapters)
-        embedded << u"章节"_s;
+    for (const Embedding &embedding : embeddings) {
+        if (this->*embedding.on)
+            embedded << embedding.label.toString();
+    }
     if (!embedded.isEmpty())
         parts << u"嵌入"_s + embedded.join(u'、');
     if (sponsorBlock != u"off" && !sponsorCategories.isEmpty())
