@@ -132,6 +132,7 @@ ViewTestCase {
         let row = savedRow(page, 0)
         tryVerify(() => findChild(row, "editButton").enabled)
         mouseClick(findChild(row, "editButton"))
+        waitForRendering(view) // the edit form laid out before its button is clicked
         const nameEdit = findChild(row, "nameEdit")
         const argumentsEdit = findChild(row, "argumentsEdit")
         nameEdit.text = " "
