@@ -84,7 +84,7 @@ Run engineRun(DownloadManager &manager, const AppState &state, const QString &ur
     // The command the engine logged is the one the direct run uses (log entries arrive a turn of
     // the event loop after they are made).
     const QString expected = DownloadManager::buildDownloadCommand(manager.ytDlpPath(),
-        DownloadRequest { optionsInto(folder), url }, manager.jsRuntimeArgs(), manager.ffmpegArgs(), {});
+        DownloadRequest { optionsInto(folder), url, {} }, manager.jsRuntimeArgs(), manager.ffmpegArgs(), {});
     if (!waitUntil([&] { return loggedCommand(state) == expected; }, 5000))
         fail(u"the engine ran «%1», not «%2»"_s.arg(loggedCommand(state), expected));
     return run;

@@ -5,6 +5,7 @@
 #include "engine/shellrunner.h"
 #include "engine/shellwords.h"
 #include "engine/tooltext.h"
+#include "engine/playlistlisting.h"
 #include "engine/videoinfofetch.h"
 #include "model/enginehost.h"
 #include "model/logcategories.h"
@@ -12,8 +13,11 @@
 #include <QDeadlineTimer>
 #include <QDir>
 #include <QFileInfo>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QSettings>
 #include <QStandardPaths>
+#include <QTemporaryDir>
 #include <QTimer>
 
 #include <csignal>
@@ -131,18 +135,26 @@ LogEntry::LogType typeOfStderrLine(const QString &line)
 
 // --- Downloads
 QString DownloadManager::buildDownloadCommand(const QString &ytDlpPath, const DownloadRequest &request,
-    const QStringList &jsRuntimeArgs, const QStringList &ffmpegArgs, const QStringList &cookieArgs)
+    const QStringList &jsRuntimeArgs, const QStringList &ffmpegArgs, const QStringList &cookieArgs,
+    const QString &infoFile)
 {
     ShellCommand command(ytDlpPath, jsRuntimeArgs);
     command << ffmpegArgs << cookieArgs;
     if (!request.downloadPlaylist)
         command << u"--no-playlist"_s;
-    command << u"-o"_s << request.choices.outputTemplate(request.outputDir);
+    // A playlist's item goes to the playlist's folder, numbered, unless a file name was chosen.
+    const bool intoPlaylistFolder = request.playlist.isSet() && request.choices.effectiveTemplate().isEmpty();
+    command << u"-o"_s
+            << (intoPlaylistFolder ? request.playlist.outputTemplate(request.outputDir)
+                                   : request.choices.outputTemplate(request.outputDir));
     command << presetArguments(request.preset); // none for the custom preset
     command << request.choices.words(archiveFile());
     // Split here rather than by the shell, so the text is only ever words: an odd quote cannot
     // reach the link, and nothing in it runs. executeDownload refuses a text that does not split.
     command << splitShellWords(request.customArgs).words;
+    // A file name is a template to yt-dlp, where "%" is "%%".
+    if (!infoFile.isEmpty())
+        command << u"--print-to-file"_s << u"%()j"_s << QString(infoFile).replace(u'%', u"%%"_s);
     command << u"--progress"_s;
     return command.link(request.url).text();
 }
@@ -158,13 +170,60 @@ void DownloadManager::startDownloads(const QStringList &urls, const DownloadOpti
     QList<DownloadTask> created;
     created.reserve(urls.size());
     for (const QString &url : urls) {
-        DownloadRequest request { options, url };
+        DownloadRequest request { options, url, {} };
         const QUuid id = createTask(request, created);
         m_requests.insert(id, std::move(request));
         m_waiting.push_back(id);
     }
     m_tasks->appendAll(created);
     pumpQueue();
+}
+
+void DownloadManager::startPlaylistItems(
+    const PlaylistPlace &playlist, const QList<PlaylistEntry> &items, const DownloadOptions &options)
+{
+    if (items.isEmpty())
+        return;
+    qCInfo(lcEngine, "[Quillbox] 播放列表「%ls」: 加入 %lld 项", qUtf16Printable(playlist.title),
+        qlonglong(items.size()));
+    addLog(u"开始下载播放列表「%1」中的 %2 项"_s.arg(playlist.title).arg(items.size()), LogEntry::LogType::Download);
+    info(u"预设: "_s + rawValue(options.preset));
+    QList<DownloadTask> created;
+    created.reserve(items.size());
+    for (const PlaylistEntry &item : items) {
+        DownloadRequest request { options, item.url, playlist };
+        request.downloadPlaylist = false;
+        request.playlist.index = item.index;
+        DownloadTask task = DownloadTask::create(item.url);
+        task.outcome = outcomeOf(request);
+        if (!item.title.isEmpty())
+            task.title = item.title;
+        task.duration = item.durationText();
+        task.playlist = request.playlist;
+        m_requests.insert(task.id, std::move(request));
+        m_waiting.push_back(task.id);
+        created.append(std::move(task));
+    }
+    m_tasks->appendAll(created);
+    pumpQueue();
+}
+
+QUuid DownloadManager::startListedVideo(const QString &url, const VideoInfo &video, const DownloadOptions &options)
+{
+    QList<DownloadTask> created;
+    DownloadRequest request { options, url, {} };
+    const QUuid id = createTask(request, created);
+    DownloadTask &task = created.last();
+    if (!video.title.isEmpty())
+        task.title = video.title;
+    if (video.duration > 0)
+        task.duration = video.durationString();
+    task.thumbnail = video.thumbnailUrl();
+    m_requests.insert(id, std::move(request));
+    m_waiting.push_back(id);
+    m_tasks->appendAll(created);
+    pumpQueue();
+    return id;
 }
 
 QUuid DownloadManager::createTask(const DownloadRequest &request, QList<DownloadTask> &created)
@@ -289,8 +348,8 @@ void DownloadManager::executeDownload(const QUuid &taskId)
     if (!request.customArgs.isEmpty())
         qCInfo(lcEngine, "[Quillbox] [executeDownload] 自定义参数: %ls", qUtf16Printable(shownArguments));
 
-    const QString command
-        = buildDownloadCommand(m_tools->ytDlpPath(), request, runtimeArgs, ffmpegWords, cookies.words);
+    const QString command = buildDownloadCommand(
+        m_tools->ytDlpPath(), request, runtimeArgs, ffmpegWords, cookies.words, infoFileFor(taskId));
     const QString shownCommand = maskSecrets(command);
     qCInfo(lcEngine, "%s", separatorLine);
     qCInfo(lcEngine, "[Quillbox] [executeDownload] 完整命令:");
@@ -345,6 +404,7 @@ void DownloadManager::executeDownload(const QUuid &taskId)
         qCInfo(lcEngine, "[Quillbox] [executeDownload] 异常: %ls", qUtf16Printable(message));
         const QString explanation = explainLaunchFailure(shellProgram(), message);
         m_jobs.remove(taskId);
+        dropInfoFile(taskId);
         job->deleteLater();
         Q_EMIT runningCountChanged();
         if (!job->isCancelled())
@@ -358,6 +418,7 @@ void DownloadManager::executeDownload(const QUuid &taskId)
         }
         for (const QString &line : lines)
             logOutputLine(taskId, line, standardError ? typeOfStderrLine(line) : LogEntry::LogType::Download);
+        takeInfo(taskId);
     });
     connect(job, &DownloadJob::progressed, this,
         [this, taskId](const ProgressUpdate &update) { applyProgress(taskId, update); });
@@ -377,36 +438,67 @@ void DownloadManager::executeDownload(const QUuid &taskId)
 
     qCInfo(lcEngine, "[Quillbox] [executeDownload] 启动进程...");
     job->start();
-    fetchInfoFor(taskId, request);
 }
 
-void DownloadManager::fetchInfoFor(const QUuid &taskId, const DownloadRequest &request)
+QString DownloadManager::infoFileFor(const QUuid &taskId)
 {
-    if (m_infoFetches.contains(taskId))
+    if (!m_infoDir) {
+        m_infoDir = std::make_unique<QTemporaryDir>(QDir::tempPath() + u"/quillbox-info-XXXXXX"_s);
+        if (!m_infoDir->isValid())
+            qCWarning(lcEngine, "[Quillbox] 无法创建临时目录: %ls", qUtf16Printable(m_infoDir->errorString()));
+    }
+    if (!m_infoDir->isValid())
+        return {};
+    const QString path = m_infoDir->filePath(taskId.toString(QUuid::WithoutBraces) + u".json"_s);
+    // A run before this one (a retry) may have left its lines.
+    QFile::remove(path);
+    m_infoFiles.insert(taskId, InfoFile { path, false });
+    return path;
+}
+
+void DownloadManager::takeInfo(const QUuid &taskId)
+{
+    const auto file = m_infoFiles.find(taskId);
+    if (file == m_infoFiles.end() || file->taken)
         return;
-    const bool wholePlaylist = request.downloadPlaylist;
-    m_infoFetches.insert(taskId,
-        m_maintenance->fetchVideoInfo(
-            request.url, request.useCookies,
-            [this, taskId, wholePlaylist](const VideoInfoResult &result) {
-                if (!result.ok)
-                    return;
-                // A playlist downloaded whole keeps its link as its title: the first video's
-                // would say less than the truth.
-                const bool partOfPlaylist = result.playlistEntries > 0 && wholePlaylist;
-                m_tasks->update(taskId, [&result, partOfPlaylist](DownloadTask &task) {
-                    if (!partOfPlaylist && !result.info.title.isEmpty())
-                        task.title = result.info.title;
-                    if (!partOfPlaylist && result.info.duration > 0)
-                        task.duration = result.info.durationString();
-                    task.thumbnail = result.info.thumbnailUrl();
-                });
-                if (!result.info.formats.isEmpty()) {
-                    m_offeredFormats.insert(taskId, result.info.formats);
-                    addOfferedFormats(taskId);
-                }
-            },
-            false, request.choices.networkWords()));
+    QFile written(file->path);
+    if (!written.open(QIODevice::ReadOnly))
+        return;
+    // yt-dlp writes the line, then its newline: until then the line is not whole.
+    const QByteArray line = written.readLine();
+    if (!line.endsWith('\n'))
+        return;
+    file->taken = true;
+    const QJsonObject object = QJsonDocument::fromJson(line).object();
+    const auto request = m_requests.constFind(taskId);
+    if (object.isEmpty() || request == m_requests.cend())
+        return;
+    const VideoInfo info = VideoInfo::fromYtDlpObject(object, request->url);
+    // A playlist downloaded whole is called by its title: its first video's would say less
+    // than the truth.
+    const bool wholePlaylist = request->downloadPlaylist && object.value(u"playlist_index").isDouble();
+    const QString playlistTitle = object.value(u"playlist_title").toString();
+    m_tasks->update(taskId, [&](DownloadTask &task) {
+        if (wholePlaylist && !playlistTitle.isEmpty())
+            task.title = playlistTitle;
+        if (!wholePlaylist && !info.title.isEmpty())
+            task.title = info.title;
+        if (!wholePlaylist && info.duration > 0)
+            task.duration = info.durationString();
+        task.thumbnail = info.thumbnailUrl();
+    });
+    if (!info.formats.isEmpty()) {
+        m_offeredFormats.insert(taskId, info.formats);
+        addOfferedFormats(taskId);
+    }
+}
+
+void DownloadManager::dropInfoFile(const QUuid &taskId)
+{
+    if (const auto file = m_infoFiles.constFind(taskId); file != m_infoFiles.cend()) {
+        QFile::remove(file->path);
+        m_infoFiles.erase(file);
+    }
 }
 
 void DownloadManager::addOfferedFormats(const QUuid &taskId)
@@ -429,6 +521,7 @@ void DownloadManager::failToLaunch(
 {
     // With an explanation, that is the line the log gets (from markFailed): the platform's own
     // words ("execvp: …") stay in the task's message, for whoever copies it.
+    dropInfoFile(taskId);
     if (!explanation)
         addLog(u"❌ "_s + message, LogEntry::LogType::Error);
     markFailed(taskId, message, explanation);
@@ -491,6 +584,9 @@ void DownloadManager::completeDownload(const QUuid &taskId, DownloadJob *job, co
     qCInfo(lcEngine, "[Quillbox] [executeDownload] stderr:\n%ls",
         qUtf16Printable(end.stderrTail.mid(end.stderrTail.size() - 1).join(u'\n')));
     const QString outputPath = job->outputPath();
+    // A download that failed early may have written its information only now.
+    takeInfo(taskId);
+    dropInfoFile(taskId);
     m_jobs.remove(taskId);
     if (const qint64 group = m_processGroups.take(taskId))
         Q_EMIT processGroupEnded(group);
@@ -579,11 +675,6 @@ QString DownloadManager::nameOf(const QUuid &taskId) const
 
 bool DownloadManager::stopTask(const QUuid &taskId)
 {
-    // A stopped task's information is asked for again if it is retried.
-    if (const QPointer<VideoInfoFetch> fetch = m_infoFetches.value(taskId); fetch) {
-        m_infoFetches.remove(taskId);
-        fetch->cancel();
-    }
     if (DownloadJob *job = m_jobs.value(taskId)) {
         if (job->isCancelled())
             return false;
@@ -650,7 +741,6 @@ void DownloadManager::removeDownload(const QString &taskId)
         info(u"⏹ 已停止: "_s + nameOf(id));
     m_tasks->remove(id);
     m_requests.remove(id);
-    m_infoFetches.remove(id);
     m_offeredFormats.remove(id);
     m_formatMissing.remove(id);
 }
@@ -661,11 +751,38 @@ void DownloadManager::clearCompleted()
         if (task.status != DownloadStatus::Completed)
             return false;
         m_requests.remove(task.id);
-        m_infoFetches.remove(task.id);
         m_offeredFormats.remove(task.id);
         m_formatMissing.remove(task.id);
         return true;
     });
+}
+
+QList<QUuid> DownloadManager::groupTasks(const QString &group) const
+{
+    const QUuid id = QUuid::fromString(group);
+    QList<QUuid> found;
+    if (id.isNull())
+        return found;
+    for (const DownloadTask &task : m_tasks->tasks()) {
+        if (task.playlist.group == id)
+            found.append(task.id);
+    }
+    return found;
+}
+
+void DownloadManager::stopGroup(const QString &group)
+{
+    int stopped = 0;
+    for (const QUuid &id : groupTasks(group))
+        stopped += stopTask(id) ? 1 : 0;
+    if (stopped > 0)
+        info(u"⏹ 已停止播放列表中的 %1 项"_s.arg(stopped));
+}
+
+void DownloadManager::retryGroup(const QString &group)
+{
+    for (const QUuid &id : groupTasks(group))
+        retryDownload(id.toString(QUuid::WithoutBraces));
 }
 
 std::optional<DownloadRequest> DownloadManager::requestFor(const QUuid &taskId) const

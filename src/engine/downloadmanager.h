@@ -26,6 +26,8 @@
 #include <functional>
 #include <memory>
 
+class PlaylistListing;
+class QTemporaryDir;
 class VideoInfoFetch;
 struct VideoInfoResult;
 
@@ -124,6 +126,12 @@ public:
     {
         return m_maintenance->fetchVideoInfo(url, useCookies, std::move(completion), true, networkWords);
     }
+    // A flat listing of `url` (see PlaylistListing), owned by `owner`.
+    PlaylistListing *listPlaylist(
+        const QString &url, bool useCookies, const QStringList &networkWords, QObject *owner)
+    {
+        return m_maintenance->listPlaylist(url, useCookies, networkWords, owner);
+    }
 
     // --- Downloads
     TaskModel *taskModel() const { return m_tasks; }
@@ -142,6 +150,14 @@ public:
         const QString &outputDir, bool downloadPlaylist, bool useCookies);
     // startDownload for each link, in order, with one insertion into the task model.
     void startDownloads(const QStringList &urls, const DownloadOptions &options);
+    // One task per picked item of a playlist, in the given order, each run alone ("--no-playlist")
+    // into the playlist's folder, with `playlist`'s group and title and the item's number; the
+    // item's title and length are on its row from the start.
+    void startPlaylistItems(
+        const PlaylistPlace &playlist, const QList<PlaylistEntry> &items, const DownloadOptions &options);
+    // A task made from a link that a listing found to be one video: its title, length and
+    // picture are on its row from the start.
+    QUuid startListedVideo(const QString &url, const VideoInfo &video, const DownloadOptions &options);
     // Every running and waiting task becomes cancelled and stays so; running process groups get
     // SIGTERM, then SIGKILL after CancelGraceMs if still alive.
     Q_INVOKABLE void cancelAllDownloads();
@@ -160,6 +176,9 @@ public:
     Q_INVOKABLE void removeDownload(const QString &taskId);
     // Every completed task's row goes; the others stay as they are.
     Q_INVOKABLE void clearCompleted();
+    // stopDownload and retryDownload for every task of a playlist group (its id as text).
+    Q_INVOKABLE void stopGroup(const QString &group);
+    Q_INVOKABLE void retryGroup(const QString &group);
 
     // The request a task was made from, as retrying it would run it again.
     std::optional<DownloadRequest> requestFor(const QUuid &taskId) const;
@@ -174,8 +193,11 @@ public:
     // The download archive "下载存档" keeps, in the per-user data folder.
     static QString archiveFile();
     // The command text for one download (its ShellCommand rendered), given the raw tool words.
+    // With `infoFile`, yt-dlp also writes the video's information there as one JSON line
+    // ("--print-to-file"), for the row, instead of a second yt-dlp extracting the page again.
     static QString buildDownloadCommand(const QString &ytDlpPath, const DownloadRequest &request,
-        const QStringList &jsRuntimeArgs, const QStringList &ffmpegArgs, const QStringList &cookieArgs);
+        const QStringList &jsRuntimeArgs, const QStringList &ffmpegArgs, const QStringList &cookieArgs,
+        const QString &infoFile = {});
 
 Q_SIGNALS:
     void installationChecked(int request, bool installed, const QString &output);
@@ -213,9 +235,14 @@ private:
     // Stops a running task's job or takes a waiting one out of the queue; false if neither.
     bool stopTask(const QUuid &taskId);
     QString nameOf(const QUuid &taskId) const;
-    // Asks for the video's information beside its download, once per task, and puts its title,
-    // length and picture on the row.
-    void fetchInfoFor(const QUuid &taskId, const DownloadRequest &request);
+    // Where a download writes its information: a file in a private folder of ours, or empty when
+    // that folder cannot be made (the download then runs without).
+    QString infoFileFor(const QUuid &taskId);
+    // Reads the information a running download has written, once it is whole, and puts its
+    // title, length and picture on the row.
+    void takeInfo(const QUuid &taskId);
+    void dropInfoFile(const QUuid &taskId);
+    QList<QUuid> groupTasks(const QString &group) const;
     // A task that failed for a format its link does not offer: its explanation names what the
     // link does offer, once both are known.
     void addOfferedFormats(const QUuid &taskId);
@@ -238,8 +265,14 @@ private:
     QHash<QUuid, qint64> m_processGroups;
     // Per task, the log entry its progress redraws replace; none after any other line.
     QHash<QUuid, QUuid> m_progressEntry;
-    // Per task, its information request while it runs; a task that has one never asks again.
-    QHash<QUuid, QPointer<VideoInfoFetch>> m_infoFetches;
+    // Per running task, the file its yt-dlp writes its information to, and whether it was read.
+    struct InfoFile
+    {
+        QString path;
+        bool taken = false;
+    };
+    QHash<QUuid, InfoFile> m_infoFiles;
+    std::unique_ptr<QTemporaryDir> m_infoDir;
     // Per task, the formats its link offers, from its information, until it has succeeded.
     QHash<QUuid, QList<VideoFormat>> m_offeredFormats;
     // Tasks whose last run failed for a format their link does not offer.

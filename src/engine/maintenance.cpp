@@ -6,6 +6,7 @@
 #include "engine/shellrunner.h"
 #include "engine/tooldiscovery.h"
 #include "engine/tooltext.h"
+#include "engine/playlistlisting.h"
 #include "engine/videoinfofetch.h"
 #include "model/logcategories.h"
 
@@ -145,4 +146,23 @@ VideoInfoFetch *Maintenance::fetchVideoInfo(const QString &url, bool useCookies,
         fetch->run(command.link(url));
     });
     return fetch;
+}
+
+PlaylistListing *Maintenance::listPlaylist(
+    const QString &url, bool useCookies, const QStringList &networkWords, QObject *owner)
+{
+    auto *listing = new PlaylistListing(url, m_log, owner);
+    m_tools->whenYtDlpPathKnown([this, listing = QPointer<PlaylistListing>(listing), url, useCookies, networkWords] {
+        if (!listing || !listing->isRunning())
+            return;
+        // "--yes-playlist": a video's link that names a list lists the list.
+        ShellCommand command(m_tools->ytDlpPath(),
+            { u"--flat-playlist"_s, u"--yes-playlist"_s, u"--print"_s, PlaylistListing::printTemplate() });
+        command << m_tools->jsRuntimeArgs();
+        if (useCookies)
+            command << m_tools->cookieArgs().words;
+        command << networkWords;
+        listing->run(command.link(url));
+    });
+    return listing;
 }

@@ -10,6 +10,7 @@
 class LogSink;
 class ToolDiscovery;
 class VideoInfoFetch;
+class PlaylistListing;
 struct VideoInfoResult;
 
 struct UpdateResult
@@ -44,6 +45,10 @@ public:
     // `networkWords` (a proxy's) go with the cookie words, as in a download.
     void listFormats(const QString &url, bool useCookies, std::function<void(const FormatListResult &)> completion,
         const QStringList &networkWords = {});
+    // A flat listing of `url` with the words a download would use (see PlaylistListing), owned
+    // by `owner`. It runs once the yt-dlp path is known.
+    PlaylistListing *listPlaylist(
+        const QString &url, bool useCookies, const QStringList &networkWords, QObject *owner);
     // "-J" for one video (the first of a playlist) with the words a download would use; see
     // VideoInfoFetch. The fetch can be cancelled until it answers, and is gone after. Unless
     // `logged`, it says nothing in the in-app log (a download's own request is a detail).

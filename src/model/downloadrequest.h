@@ -2,6 +2,7 @@
 
 #include "model/downloadchoices.h"
 #include "model/enums.h"
+#include "model/playlist.h"
 
 #include <QString>
 
@@ -23,6 +24,8 @@ struct DownloadOptions
 struct DownloadRequest : DownloadOptions
 {
     QString url;
+    // An item picked from a playlist, downloaded alone into the playlist's folder.
+    PlaylistPlace playlist;
 
     bool operator==(const DownloadRequest &) const = default;
 };

@@ -9,6 +9,7 @@
 #include <optional>
 
 #include "model/enums.h"
+#include "model/playlist.h"
 
 // The label a status is shown by.
 QString rawValue(DownloadStatus status);
@@ -58,6 +59,8 @@ public:
     QString thumbnail;
     // The outcome its download options ask for ("H.264 · AAC · MP4"), or empty.
     QString outcome;
+    // The playlist the task was picked from, if any: the row says its title and the item's number.
+    PlaylistPlace playlist;
 
     // A new task for `url`: fresh id, title = url, pending, started now.
     static DownloadTask create(const QString &url);

@@ -78,6 +78,12 @@ QVariant TaskModel::data(const QModelIndex &index, int role) const
         return details(task);
     case FileNameRole:
         return task.outputPath ? task.outputPath->mid(task.outputPath->lastIndexOf(u'/') + 1) : QString();
+    case GroupRole:
+        return task.playlist.isSet() ? task.playlist.group.toString(QUuid::WithoutBraces) : QString();
+    case PlaylistTitleRole:
+        return task.playlist.title;
+    case PlaylistIndexRole:
+        return task.playlist.index;
     default:
         return QVariant();
     }
@@ -113,6 +119,9 @@ QHash<int, QByteArray> TaskModel::roleNames() const
         { NeedsToolFixRole, "needsToolFix" },
         { StatusTextRole, "statusText" },
         { DetailsRole, "details" },
+        { GroupRole, "group" },
+        { PlaylistTitleRole, "playlistTitle" },
+        { PlaylistIndexRole, "playlistIndex" },
     };
 }
 

@@ -48,6 +48,9 @@ public:
         NeedsToolFixRole, // the explanation's fix is in the settings' tools
         StatusTextRole, // what the row says the task is doing: the phase, else the status label
         DetailsRole, // "3:25 • 1.50MiB/s • 10.00MiB • 剩余 00:31": the parts that are known
+        GroupRole, // the playlist group's id as text, or empty for a task of no playlist
+        PlaylistTitleRole, // that playlist's title
+        PlaylistIndexRole, // the item's number in it (0: none)
     };
     Q_ENUM(Role)
 

@@ -270,7 +270,11 @@ std::optional<VideoInfo> VideoInfo::fromYtDlpJson(const QByteArray &json, const 
             *playlistEntries = int(entries.size());
         object = first->toObject();
     }
+    return fromYtDlpObject(object, url);
+}
 
+VideoInfo VideoInfo::fromYtDlpObject(const QJsonObject &object, const QString &url)
+{
     VideoInfo info;
     info.url = url;
     info.title = ytText(object, QLatin1String("title")).value_or(url);

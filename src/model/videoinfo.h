@@ -93,6 +93,8 @@ public:
     // single video). Nothing when the text is not a JSON object or the playlist is empty.
     static std::optional<VideoInfo> fromYtDlpJson(
         const QByteArray &json, const QString &url, int *playlistEntries = nullptr);
+    // One video's object of that JSON.
+    static VideoInfo fromYtDlpObject(const QJsonObject &object, const QString &url);
 
     bool operator==(const VideoInfo &) const = default;
 };

@@ -25,7 +25,7 @@ QAtomicInt connectionCount;
 
 const QString taskColumns = u"id, ordinal, url, title, status, progress, speed, size, error_message, explanation, "
                             u"start_time, end_time, output_path, duration, thumbnail, preset, custom_args, "
-                            u"output_dir, playlist, cookies, options"_s;
+                            u"output_dir, playlist, cookies, options, playlist_item"_s;
 
 QVariant optionalText(const std::optional<QString> &text)
 {
@@ -184,8 +184,9 @@ bool TaskStore::migrate(int from)
             u"ALTER TABLE tasks ADD COLUMN options TEXT NOT NULL DEFAULT ''"_s,
             u"ALTER TABLE presets ADD COLUMN options TEXT NOT NULL DEFAULT ''"_s,
         }),
+        statements({ u"ALTER TABLE tasks ADD COLUMN playlist_item TEXT NOT NULL DEFAULT ''"_s }),
     };
-    static_assert(SchemaVersion == 5, "one migration step per schema version");
+    static_assert(SchemaVersion == 6, "one migration step per schema version");
     QSqlDatabase db = QSqlDatabase::database(m_connection, false);
     for (int version = from; version < SchemaVersion; ++version) {
         if (!db.transaction()) {
@@ -333,6 +334,7 @@ QList<StoredTask> TaskStore::loadTasks()
         request.downloadPlaylist = query.value(18).toBool();
         request.useCookies = query.value(19).toBool();
         request.choices = DownloadChoices::fromJsonText(query.value(20).toString());
+        request.playlist = task.playlist = PlaylistPlace::fromJsonText(query.value(21).toString());
         rows.append(std::move(row));
     }
     return rows;
@@ -354,7 +356,7 @@ bool TaskStore::apply(const StoreBatch &batch)
         // that cannot be NULL take it as empty.
         const QString text = u"COALESCE(?, '')"_s;
         const QStringList values = { u"?"_s, u"?"_s, text, text, text, u"?"_s, text, text, u"?"_s, u"?"_s, u"?"_s,
-            u"?"_s, u"?"_s, text, text, text, text, text, u"?"_s, u"?"_s, text };
+            u"?"_s, u"?"_s, text, text, text, text, text, u"?"_s, u"?"_s, text, text };
         ok = write.prepare(u"INSERT OR REPLACE INTO tasks (%1) VALUES (%2)"_s.arg(taskColumns, values.join(u", "_s)));
         for (qsizetype i = 0; ok && i < batch.upserts.size(); ++i) {
             const StoredTask &row = batch.upserts.at(i);
@@ -364,7 +366,8 @@ bool TaskStore::apply(const StoreBatch &batch)
                 optionalText(task.explanation), timeValue(task.startTime),
                 timeValue(task.endTime.value_or(QDateTime())), optionalText(task.outputPath), task.duration,
                 task.thumbnail, storageKey(row.request.preset), row.request.customArgs, row.request.outputDir,
-                int(row.request.downloadPlaylist), int(row.request.useCookies), row.request.choices.toJsonText() };
+                int(row.request.downloadPlaylist), int(row.request.useCookies), row.request.choices.toJsonText(),
+                task.playlist.toJsonText() };
             for (int column = 0; column < values.size(); ++column)
                 write.bindValue(column, values.at(column));
             ok = write.exec();

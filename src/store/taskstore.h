@@ -37,7 +37,7 @@ public:
     // downloads, so that a run that died can have its leftovers ended at the next start. Version
     // 4 keeps a row's status and preset by key ("completed", "bestAudio") instead of by label.
     // Version 5 keeps the download options of a row and of a saved preset.
-    static constexpr int SchemaVersion = 5;
+    static constexpr int SchemaVersion = 6;
     // Finished rows beyond this many, oldest first, are dropped when the store is opened.
     static constexpr int HistoryLimit = 10000;
 

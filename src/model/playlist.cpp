@@ -1,0 +1,172 @@
+#include "model/playlist.h"
+
+#include <QJsonDocument>
+#include <QRegularExpression>
+#include <QUrl>
+#include <QUrlQuery>
+
+#include <algorithm>
+#include <cmath>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+// Longer names are cut here, in characters, well below the 255 bytes a file name may have.
+constexpr qsizetype FolderNameLimit = 80;
+
+QString escapedForTemplate(QString text)
+{
+    return text.replace(u'%', u"%%"_s);
+}
+} // namespace
+
+QString PlaylistPlace::folderName() const
+{
+    QString name;
+    name.reserve(title.size());
+    for (const QChar c : title) {
+        // A path separator or a control character would make another folder or a broken name;
+        // ":" is a separator to the macOS Finder.
+        if (c == u'/' || c == u'\\' || c == u':' || c.category() == QChar::Other_Control)
+            name += u'_';
+        else
+            name += c;
+    }
+    name = name.simplified();
+    while (name.startsWith(u'.'))
+        name.remove(0, 1);
+    if (name.size() > FolderNameLimit)
+        name = name.left(FolderNameLimit).trimmed();
+    return name.isEmpty() ? u"播放列表"_s : name;
+}
+
+QString PlaylistPlace::outputTemplate(const QString &outputDir) const
+{
+    const int width = int(QString::number(std::max(count, index)).size());
+    const QString number = QString::number(index).rightJustified(std::max(width, 2), u'0');
+    return outputDir + u'/' + escapedForTemplate(folderName()) + u'/' + number + u" - %(title)s.%(ext)s"_s;
+}
+
+QString PlaylistPlace::toJsonText() const
+{
+    if (!isSet())
+        return {};
+    const QJsonObject object { { u"group"_s, group.toString(QUuid::WithoutBraces) }, { u"title"_s, title },
+        { u"index"_s, index }, { u"count"_s, count } };
+    return QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact));
+}
+
+PlaylistPlace PlaylistPlace::fromJsonText(const QString &text)
+{
+    const QJsonObject object = QJsonDocument::fromJson(text.toUtf8()).object();
+    PlaylistPlace place;
+    place.group = QUuid::fromString(object.value(u"group").toString());
+    if (place.group.isNull())
+        return {};
+    place.title = object.value(u"title").toString();
+    place.index = std::max(0, object.value(u"index").toInt());
+    place.count = std::max(0, object.value(u"count").toInt());
+    return place;
+}
+
+QString PlaylistEntry::durationText() const
+{
+    if (duration <= 0)
+        return {};
+    if (duration < 3600)
+        return QString::asprintf("%lld:%02lld", duration / 60, duration % 60);
+    return QString::asprintf("%lld:%02lld:%02lld", duration / 3600, (duration % 3600) / 60, duration % 60);
+}
+
+std::optional<PlaylistEntry> PlaylistEntry::fromListing(const QJsonObject &object)
+{
+    const QJsonValue index = object.value(u"playlist_index");
+    if (!index.isDouble())
+        return std::nullopt;
+    PlaylistEntry entry;
+    entry.index = index.toInt();
+    // A flat entry is a link ("url"); a fully extracted one has its page ("webpage_url").
+    entry.url = object.value(u"url").toString();
+    if (entry.url.isEmpty() || object.value(u"_type").toString() == u"video")
+        entry.url = object.value(u"webpage_url").toString(entry.url);
+    if (entry.url.isEmpty())
+        return std::nullopt;
+    entry.title = object.value(u"title").toString();
+    entry.duration = qint64(std::llround(std::max(0.0, object.value(u"duration").toDouble())));
+    const QString extractor = object.value(u"ie_key").toString(object.value(u"extractor_key").toString());
+    const QString id = object.value(u"id").toString();
+    if (!extractor.isEmpty() && !id.isEmpty())
+        entry.archiveKey = extractor.toLower() + u' ' + id;
+    return entry;
+}
+
+std::optional<QList<int>> parseItemRanges(const QString &text, int last, QString *error)
+{
+    const auto fail = [error](const QString &why) -> std::optional<QList<int>> {
+        if (error)
+            *error = why;
+        return std::nullopt;
+    };
+    static const QRegularExpression separators(u"[,，、;；\\s]+"_s);
+    static const QRegularExpression range(u"^(\\d+)(?:[-–~～](\\d*))?$"_s);
+    QList<int> numbers;
+    for (const QString &part : text.split(separators, Qt::SkipEmptyParts)) {
+        const QRegularExpressionMatch match = range.match(part);
+        if (!match.hasMatch())
+            return fail(u"看不懂“%1”，请写成 1-20, 25 这样"_s.arg(part));
+        const int from = match.captured(1).toInt();
+        // "5-" runs to the end; a single number is its own range.
+        const int to = !match.hasCaptured(2) ? from : match.captured(2).isEmpty() ? last : match.captured(2).toInt();
+        if (from < 1 || from > last || to < from)
+            return fail(u"“%1”不在 1-%2 之内"_s.arg(part).arg(last));
+        for (int n = from; n <= std::min(to, last); ++n)
+            numbers.append(n);
+    }
+    if (numbers.isEmpty())
+        return fail(u"请写出要下载的序号，例如 1-20, 25"_s);
+    std::sort(numbers.begin(), numbers.end());
+    numbers.erase(std::unique(numbers.begin(), numbers.end()), numbers.end());
+    return numbers;
+}
+
+namespace {
+bool isYouTubeHost(const QString &host)
+{
+    return host == u"youtube.com" || host.endsWith(u".youtube.com") || host == u"youtube-nocookie.com"
+        || host.endsWith(u".youtube-nocookie.com");
+}
+} // namespace
+
+bool isVideoInPlaylist(const QString &link)
+{
+    const QUrl url(link.trimmed());
+    const QUrlQuery query(url);
+    return url.isValid() && query.hasQueryItem(u"v"_s) && !query.queryItemValue(u"v"_s).isEmpty()
+        && query.hasQueryItem(u"list"_s) && !query.queryItemValue(u"list"_s).isEmpty();
+}
+
+QString withoutPlaylist(const QString &link)
+{
+    QUrl url(link.trimmed());
+    QUrlQuery query(url);
+    for (const QString &key : { u"list"_s, u"index"_s, u"start_radio"_s })
+        query.removeAllQueryItems(key);
+    url.setQuery(query);
+    return url.toString();
+}
+
+bool isSingleVideoLink(const QString &link)
+{
+    const QUrl url(link.trimmed());
+    const QString host = url.host().toLower();
+    const QUrlQuery query(url);
+    if (query.hasQueryItem(u"list"_s))
+        return false;
+    if (host == u"youtu.be")
+        return url.path().size() > 1;
+    if (!isYouTubeHost(host))
+        return false;
+    const QString path = url.path();
+    return (path == u"/watch" && !query.queryItemValue(u"v"_s).isEmpty()) || path.startsWith(u"/shorts/")
+        || path.startsWith(u"/live/");
+}
