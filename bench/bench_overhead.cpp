@@ -81,10 +81,12 @@ Run engineRun(DownloadManager &manager, const AppState &state, const QString &ur
     const DownloadTask &task = manager.taskModel()->tasks().at(row);
     if (task.status != DownloadStatus::Completed)
         fail(u"the engine's download did not complete: "_s + task.errorMessage.value_or(rawValue(task.status)));
-    // The command the engine logged is the one the direct run uses (log entries arrive a turn of
-    // the event loop after they are made).
+    // The command the engine logged is the one the direct run uses, plus the file the download
+    // wrote the video's information to for the row (log entries arrive a turn of the event loop
+    // after they are made).
     const QString expected = DownloadManager::buildDownloadCommand(manager.ytDlpPath(),
-        DownloadRequest { optionsInto(folder), url, {} }, manager.jsRuntimeArgs(), manager.ffmpegArgs(), {});
+        DownloadRequest { optionsInto(folder), url, {} }, manager.jsRuntimeArgs(), manager.ffmpegArgs(), {},
+        manager.infoFolder() + u'/' + task.id.toString(QUuid::WithoutBraces) + u".json"_s);
     if (!waitUntil([&] { return loggedCommand(state) == expected; }, 5000))
         fail(u"the engine ran «%1», not «%2»"_s.arg(loggedCommand(state), expected));
     return run;
@@ -170,7 +172,7 @@ int main(int argc, char **argv)
         if (manager.detectedFfmpeg() != ffmpeg)
             fail(u"the engine did not take ffmpeg from "_s + ffmpeg);
         const auto commandFor = [&](const QString &folder) {
-            const DownloadRequest request { optionsInto(folder), url };
+            const DownloadRequest request { optionsInto(folder), url, {} };
             return DownloadManager::buildDownloadCommand(
                 manager.ytDlpPath(), request, manager.jsRuntimeArgs(), manager.ffmpegArgs(), {});
         };

@@ -208,6 +208,13 @@ void DownloadManager::startPlaylistItems(
     pumpQueue();
 }
 
+void DownloadManager::startUnlisted(const QString &url, const DownloadOptions &options, const QString &reason)
+{
+    addLog(u"⚠️ 无法列出播放列表中的视频（%1），整个链接作为一个任务下载: %2"_s.arg(leftCharacters(reason, 200), url),
+        LogEntry::LogType::Warning);
+    startDownloads({ url }, options);
+}
+
 QUuid DownloadManager::startListedVideo(const QString &url, const VideoInfo &video, const DownloadOptions &options)
 {
     QList<DownloadTask> created;
@@ -454,6 +461,11 @@ QString DownloadManager::infoFileFor(const QUuid &taskId)
     QFile::remove(path);
     m_infoFiles.insert(taskId, InfoFile { path, false });
     return path;
+}
+
+QString DownloadManager::infoFolder() const
+{
+    return m_infoDir && m_infoDir->isValid() ? m_infoDir->path() : QString();
 }
 
 void DownloadManager::takeInfo(const QUuid &taskId)

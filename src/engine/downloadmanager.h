@@ -158,6 +158,9 @@ public:
     // A task made from a link that a listing found to be one video: its title, length and
     // picture are on its row from the start.
     QUuid startListedVideo(const QString &url, const VideoInfo &video, const DownloadOptions &options);
+    // A link that could not be listed (`reason`) runs as one task, the playlist and all, as it
+    // would have without listing; the log says why.
+    void startUnlisted(const QString &url, const DownloadOptions &options, const QString &reason);
     // Every running and waiting task becomes cancelled and stays so; running process groups get
     // SIGTERM, then SIGKILL after CancelGraceMs if still alive.
     Q_INVOKABLE void cancelAllDownloads();
@@ -192,6 +195,8 @@ public:
     static QString outcomeOf(const DownloadRequest &request);
     // The download archive "下载存档" keeps, in the per-user data folder.
     static QString archiveFile();
+    // The private folder where running downloads write their information; empty before the first.
+    QString infoFolder() const;
     // The command text for one download (its ShellCommand rendered), given the raw tool words.
     // With `infoFile`, yt-dlp also writes the video's information there as one JSON line
     // ("--print-to-file"), for the row, instead of a second yt-dlp extracting the page again.

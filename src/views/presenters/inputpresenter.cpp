@@ -21,7 +21,9 @@ InputPresenter::InputPresenter(AppState *state, DownloadManager *downloads, QObj
     , m_state(state)
     , m_downloads(downloads)
     , m_formatPicker(new FormatPicker(state, downloads, this))
+    , m_playlistPicker(new PlaylistPicker(downloads, this))
 {
+    connect(m_playlistPicker, &PlaylistPicker::queued, this, &InputPresenter::queued);
     if (!m_state)
         return;
     connect(m_state, &AppState::urlInputChanged, this, [this] { setNotices({}, {}); });
@@ -76,9 +78,6 @@ void InputPresenter::startDownload(bool again)
         Q_EMIT repeatAsked(int(input.links.size()));
         return;
     }
-    m_isLoading = true;
-    Q_EMIT isLoadingChanged();
-
     DownloadOptions options;
     options.preset = m_state->selectedPreset();
     options.customArgs = options.preset == DownloadPreset::Custom ? m_state->customArguments() : QString();
@@ -86,21 +85,62 @@ void InputPresenter::startDownload(bool again)
     options.downloadPlaylist = m_state->downloadPlaylist();
     options.useCookies = m_state->useCookies();
     options.choices = m_state->downloadChoices();
-    if (!input.links.isEmpty()) {
-        m_downloads->startDownloads(input.links, options);
-        // The new tasks are the last ones of the queue.
-        const QList<DownloadTask> &tasks = m_downloads->taskModel()->tasks();
-        m_queuedLinks = input.links;
-        m_queuedIds.clear();
-        for (qsizetype i = tasks.size() - input.links.size(); i < tasks.size(); ++i)
-            m_queuedIds.append(tasks.at(i).id);
+
+    // With the playlist switch off every link is one download, as it always was. With it on, a
+    // link that may be a playlist is listed first, for its items to be picked.
+    QStringList direct;
+    QStringList videosAlone;
+    QStringList listed;
+    if (!options.downloadPlaylist) {
+        direct = input.links;
+    } else {
+        const auto asking = std::count_if(input.links.cbegin(), input.links.cend(), isVideoInPlaylist);
+        if (asking > 0 && !m_wholeLists) {
+            Q_EMIT playlistQuestionAsked(int(asking));
+            return;
+        }
+        for (const QString &link : input.links) {
+            if (isVideoInPlaylist(link))
+                (*m_wholeLists ? listed : videosAlone).append(*m_wholeLists ? link : withoutPlaylist(link));
+            else if (isSingleVideoLink(link))
+                direct.append(link);
+            else
+                listed.append(link);
+        }
+        m_wholeLists.reset();
     }
+
+    m_isLoading = true;
+    Q_EMIT isLoadingChanged();
+    if (!direct.isEmpty())
+        m_downloads->startDownloads(direct, options);
+    if (!videosAlone.isEmpty()) {
+        DownloadOptions alone = options;
+        alone.downloadPlaylist = false;
+        m_downloads->startDownloads(videosAlone, alone);
+    }
+    const qsizetype started = direct.size() + videosAlone.size();
+    // The new tasks are the last ones of the queue. A start that lists links is not asked about
+    // again: the playlist sheet marks what is already queued.
+    const QList<DownloadTask> &tasks = m_downloads->taskModel()->tasks();
+    m_queuedLinks = listed.isEmpty() ? input.links : QStringList();
+    m_queuedIds.clear();
+    for (qsizetype i = tasks.size() - started; started > 0 && i < tasks.size(); ++i)
+        m_queuedIds.append(tasks.at(i).id);
+    if (!listed.isEmpty())
+        m_playlistPicker->list(listed, options);
     setNotices(input.rejected, input.links.isEmpty() ? u"没有可以下载的链接"_s : QString());
 
     m_isLoading = false;
     Q_EMIT isLoadingChanged();
-    if (!input.links.isEmpty())
-        Q_EMIT queued(int(input.links.size()));
+    if (started > 0)
+        Q_EMIT queued(int(started));
+}
+
+void InputPresenter::answerPlaylistQuestion(bool wholeList)
+{
+    m_wholeLists = wholeList;
+    startDownload(true);
 }
 
 void InputPresenter::listFormats()

@@ -1,12 +1,15 @@
 #pragma once
 
 #include "views/presenters/formatpicker.h"
+#include "views/presenters/playlistpicker.h"
 
 #include <QList>
 #include <QObject>
 #include <QPointer>
 #include <QUrl>
 #include <QUuid>
+
+#include <optional>
 #include <QtQml/qqmlregistration.h>
 
 class AppState;
@@ -32,6 +35,8 @@ class InputPresenter : public QObject
     Q_PROPERTY(QString customArgumentsError READ customArgumentsError NOTIFY customArgumentsErrorChanged)
     // The listed link's formats to choose from, fetched alongside each listing.
     Q_PROPERTY(FormatPicker *formatPicker READ formatPicker CONSTANT)
+    // With the playlist switch on, the links that may be playlists are listed first, here.
+    Q_PROPERTY(PlaylistPicker *playlistPicker READ playlistPicker CONSTANT)
 
 public:
     // Bound to the process-wide AppState and DownloadManager.
@@ -45,13 +50,20 @@ public:
     QString startNotice() const { return m_startNotice; }
     QString customArgumentsError() const { return m_customArgumentsError; }
     FormatPicker *formatPicker() const { return m_formatPicker; }
+    PlaylistPicker *playlistPicker() const { return m_playlistPicker; }
 
     // One download per link of the editor, in order, with the form's preset, folder and
     // switches; custom arguments only under the custom preset. The editor keeps its text; what
     // is not a link is left out and named in rejectedLines. Custom arguments that cannot be used
     // queue nothing: startNotice says why. When every link of the text was queued by the last
     // start and is still in the queue, nothing is queued unless `again`: repeatAsked() asks first.
+    // With the playlist switch on, a link that can only be one video is queued at once, a video's
+    // link that also names a list is first asked about (playlistQuestionAsked()), and any other
+    // link goes to the playlist picker to be listed.
     Q_INVOKABLE void startDownload(bool again = false);
+    // The answer to playlistQuestionAsked(): the whole list, or only the video, for each such
+    // link of the editor; the start then goes on.
+    Q_INVOKABLE void answerPlaylistQuestion(bool wholeList);
     // Lists the formats of the editor's first line; the answer comes as formatsListed() or
     // formatsFailed(). One listing at a time. The picker fetches the same link's formats meanwhile.
     Q_INVOKABLE void listFormats();
@@ -71,6 +83,8 @@ Q_SIGNALS:
     void queued(int count);
     // The `count` links of the editor are all in the queue from the last start already.
     void repeatAsked(int count);
+    // `count` links name a video and the list it is in: "只下载这个视频" or "下载整个列表"?
+    void playlistQuestionAsked(int count);
 
 private:
     void setListingFormats(bool value);
@@ -90,4 +104,7 @@ private:
     QStringList m_queuedLinks;
     QList<QUuid> m_queuedIds;
     FormatPicker *m_formatPicker;
+    PlaylistPicker *m_playlistPicker;
+    // The answer to the playlist question, for the start it was asked for.
+    std::optional<bool> m_wholeLists;
 };
