@@ -178,7 +178,7 @@ public:
     }
 
     // The argv of every run so far, without the --version probes and, unless asked for, without
-    // the "-J" information requests that go with each download.
+    // "-J" information requests and the words by which a download writes its own information.
     QList<QStringList> runs(bool withInfo = false) const
     {
         QList<QStringList> result;
@@ -189,6 +189,8 @@ public:
                 argv << word.toString();
             // "-v" without a link is discovery asking how yt-dlp was built.
             const bool selfReport = argv.contains(QStringLiteral("-v")) && !argv.contains(QStringLiteral("--"));
+            if (const qsizetype at = argv.indexOf(QStringLiteral("--print-to-file")); at >= 0 && !withInfo)
+                argv.remove(at, 3);
             if (argv != QStringList { QStringLiteral("--version") } && !selfReport
                 && (withInfo || !argv.contains(QStringLiteral("-J"))))
                 result << argv;

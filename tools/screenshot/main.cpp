@@ -3,12 +3,13 @@
 //     quillbox_screenshot OUT.png [--yt-dlp PATH] [--scenario DIR] [--settings] [--wait MS]
 //                         [--size WxH] [--log] [--tab N] [--stop N] [--select ROW]
 //                         [--focus ROW] [--copied ROW] [--info ROW] [--setting KEY=VALUE]...
-//                         [--custom-arguments TEXT] [--click NAME]... [--show NAME]
+//                         [--custom-arguments TEXT] [--links TEXT] [--click NAME]... [--show NAME]
 // With --yt-dlp the window uses that yt-dlp; with --scenario it also starts the downloads listed
 // in DIR/downloads.txt (one "URL" per line), so the queue shows tasks in their states; with
 // --settings the settings sheet is open; --tab shows that sidebar entry's page (0 downloads,
 // 1 presets, 2 cookies); each --setting is stored before the window reads its settings
-// ("cookiePath=/tmp/c.txt"); --custom-arguments fills the custom preset's text. Then, half-way
+// ("cookiePath=/tmp/c.txt"); --custom-arguments fills the custom preset's text and --links the
+// links box (in a folder of the sandbox; "\\n" parts the links). Then, half-way
 // through the wait, --stop stops the first N tasks, and a little later the queue's row ROW (from
 // 0) is selected, has the keyboard focus as Tab gives it, shows that its link was copied, or has
 // its video information opened in the sheet. Each --click presses the button of that object name,
@@ -118,7 +119,9 @@ int main(int argc, char *argv[])
     const QCommandLineOption click(u"click"_s, u"press the button of this object name"_s, u"name"_s);
     const QCommandLineOption show(u"show"_s, u"scroll the item of this object name into view"_s, u"name"_s);
     const QCommandLineOption setting(u"setting"_s, u"store a setting first"_s, u"key=value"_s);
+    const QCommandLineOption links(u"links"_s, u"text for the links box (\\n between links)"_s, u"text"_s);
     const QCommandLineOption customArguments(u"custom-arguments"_s, u"the custom preset's text"_s, u"text"_s);
+    parser.addOption(links);
     parser.addOptions({ ytDlp, scenario, wait, maxDownloads, settings, size, log, tab, stop, select, focus, copied,
         info, click, setting, customArguments, show });
     parser.addHelpOption();
@@ -165,6 +168,10 @@ int main(int argc, char *argv[])
         }
     }
 
+    if (parser.isSet(links)) {
+        AppState::instance()->setUrlInput(parser.value(links).replace(u"\\n"_s, u"\n"_s));
+        AppState::instance()->setOutputDirectory(QDir(sandbox.path()).filePath(u"home/Downloads"_s));
+    }
     if (parser.isSet(settings))
         AppState::instance()->setShowSettings(true);
 

@@ -33,6 +33,7 @@ AbstractButton {
     required property string explanation
     // The explanation's fix is in the settings' tools (yt-dlp, a JavaScript runtime).
     required property bool needsToolFix
+    required property int playlistIndex
     property bool isSelected: false
     // Whether any of the row is in sight; a list says so of its delegates. A row out of sight
     // keeps still: an animation would have the window draw every frame for nothing.
@@ -194,7 +195,8 @@ AbstractButton {
             Text {
                 objectName: "titleText"
                 Layout.fillWidth: true
-                text: root.title
+                // A playlist's item says its number in the playlist, whose title heads its group.
+                text: root.playlistIndex > 0 ? "%1. %2".arg(root.playlistIndex).arg(root.title) : root.title
                 textFormat: Text.PlainText
                 color: Theme.text
                 font.pixelSize: Theme.bodyLarge

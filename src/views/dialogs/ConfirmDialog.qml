@@ -13,8 +13,11 @@ Dialog {
     property string message
     property string confirmText: "确定"
     property bool destructive: true
+    // A second answer, beside "取消" and the one that does it; none when empty.
+    property string alternativeText
 
     signal confirmed
+    signal alternative
 
     function confirm() {
         root.accept()
@@ -64,6 +67,15 @@ Dialog {
                 objectName: "confirmCancelButton"
                 text: "取消"
                 onClicked: root.reject()
+            }
+            BorderedButton {
+                objectName: "confirmAlternativeButton"
+                visible: root.alternativeText.length > 0
+                text: root.alternativeText
+                onClicked: {
+                    root.accept()
+                    root.alternative()
+                }
             }
             BorderedButton {
                 objectName: "confirmButton"

@@ -42,6 +42,16 @@ Rectangle {
             queuedNotice.shown = true
             queuedNoticeTimer.restart()
         }
+        onPlaylistQuestionAsked: count => {
+            const message = count === 1 ? "这个视频链接还带有一个播放列表。"
+                                        : "这 %1 个视频链接还带有播放列表。".arg(count)
+            playlistQuestion.open({
+                                      message: message,
+                                      confirmText: "下载整个列表",
+                                      alternativeText: "只下载这个视频",
+                                      destructive: false
+                                  })
+        }
         onRepeatAsked: count => {
             const message = count === 1 ? "这个链接已在队列中，要再加入一次吗？"
                                         : "这 %1 个链接都已在队列中，要再加入一次吗？".arg(count)
@@ -368,6 +378,18 @@ Rectangle {
                 fillOpacity: down ? 0.85 : 1
                 onClicked: inputPresenter.startDownload()
             }
+            // A link is being looked at before its playlist sheet opens, or it is queued.
+            Text {
+                objectName: "listingNotice"
+                Layout.alignment: Qt.AlignHCenter
+                Layout.maximumWidth: footerColumn.width
+                visible: inputPresenter.playlistPicker.listing && !inputPresenter.playlistPicker.active
+                text: inputPresenter.playlistPicker.progressText
+                textFormat: Text.PlainText
+                color: Theme.gray
+                font.pixelSize: Theme.caption
+                elide: Text.ElideMiddle
+            }
             Text {
                 objectName: "startNotice"
                 Layout.alignment: Qt.AlignHCenter
@@ -387,6 +409,43 @@ Rectangle {
 
         objectName: "repeatDialog"
         source: "dialogs/ConfirmDialog.qml"
+    }
+
+    OnDemand {
+        id: playlistQuestion
+
+        objectName: "playlistQuestion"
+        source: "dialogs/ConfirmDialog.qml"
+    }
+
+    Connections {
+        target: playlistQuestion.item
+        ignoreUnknownSignals: true
+
+        function onConfirmed() {
+            inputPresenter.answerPlaylistQuestion(true)
+        }
+
+        function onAlternative() {
+            inputPresenter.answerPlaylistQuestion(false)
+        }
+    }
+
+    // The sheet is made when the first playlist is found, and follows the picker from then on.
+    OnDemand {
+        id: playlistSheet
+
+        objectName: "playlistSheet"
+        source: "dialogs/PlaylistSheet.qml"
+    }
+
+    Connections {
+        target: inputPresenter.playlistPicker
+
+        function onActiveChanged() {
+            if (inputPresenter.playlistPicker.active && !playlistSheet.item)
+                playlistSheet.open({ picker: inputPresenter.playlistPicker })
+        }
     }
 
     Connections {

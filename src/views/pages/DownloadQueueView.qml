@@ -18,6 +18,13 @@ Rectangle {
 
     color: Theme.surface
 
+    QueueFilter {
+        id: shown
+
+        objectName: "queueFilter"
+        tasks: DownloadManager.tasks
+    }
+
     ColumnLayout {
         anchors.fill: parent
         spacing: 0
@@ -57,6 +64,18 @@ Rectangle {
             }
         }
 
+        // Looks through the queue and what it kept of earlier runs, by title, link and status.
+        TextInputField {
+            objectName: "queueSearch"
+            Layout.fillWidth: true
+            Layout.leftMargin: Theme.spacingWide
+            Layout.rightMargin: Theme.spacingWide
+            Layout.topMargin: Theme.spacingSmall
+            visible: DownloadManager.tasks.count > 0
+            placeholderText: "查找：标题、链接或状态"
+            onTextChanged: shown.text = text
+        }
+
         Item {
             Layout.fillWidth: true
             Layout.fillHeight: true
@@ -86,6 +105,15 @@ Rectangle {
                 }
             }
 
+            Text {
+                objectName: "noMatch"
+                anchors.centerIn: parent
+                visible: DownloadManager.tasks.count > 0 && shown.count === 0
+                text: "没有找到匹配的任务"
+                color: Theme.gray
+                font.pixelSize: Theme.bodyLarge
+            }
+
             ListView {
                 id: list
 
@@ -94,6 +122,12 @@ Rectangle {
                 anchors.margins: Theme.spacingLarge
                 visible: count > 0
                 clip: true
+                section.property: "group"
+                section.criteria: ViewSection.FullString
+                section.delegate: PlaylistGroupHeader {
+                    width: ListView.view.width
+                    filter: shown
+                }
                 spacing: Theme.spacingMedium
                 reuseItems: true
                 boundsBehavior: Flickable.StopAtBounds
@@ -102,7 +136,7 @@ Rectangle {
                 // invisible highlight would glide after it, drawing every frame while it does.
                 currentIndex: -1
                 highlightFollowsCurrentItem: false
-                model: DownloadManager.tasks
+                model: shown
 
                 delegate: DownloadTaskRow {
                     id: row
@@ -110,8 +144,12 @@ Rectangle {
                     // Kept for reuse once scrolled away: the model no longer updates it, so it
                     // would go on showing the step it was in.
                     property bool pooled: false
+                    // The first row of a folded playlist stays in the list for its header, unseen.
+                    required property bool folded
 
                     width: ListView.view.width
+                    height: row.folded ? 0 : implicitHeight
+                    visible: !row.folded
                     inView: !pooled && y + height > list.contentY && y < list.contentY + list.height
                     isSelected: root.selectedTaskId === taskId
                     loadingInfo: root.videoInfoLoadingUrl === url
@@ -130,10 +168,10 @@ Rectangle {
                 // at start goes before the others, and an empty one shows its top anyway: neither
                 // moves.
                 Connections {
-                    target: DownloadManager.tasks
+                    target: shown
 
                     function onRowsInserted(parent: var, first: int, last: int) {
-                        if (first > 0 && last === DownloadManager.tasks.count - 1) {
+                        if (first > 0 && last === shown.count - 1) {
                             showAdded.first = showAdded.running ? Math.min(showAdded.first, first) : first
                             showAdded.restart()
                         }
