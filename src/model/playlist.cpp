@@ -157,7 +157,8 @@ QString withoutPlaylist(const QString &link)
 
 bool isSingleVideoLink(const QString &link)
 {
-    const QUrl url(link.trimmed());
+    // "youtu.be/…" is a link too, typed without its scheme.
+    const QUrl url = QUrl::fromUserInput(link.trimmed());
     const QString host = url.host().toLower();
     const QUrlQuery query(url);
     if (query.hasQueryItem(u"list"_s))

@@ -19,7 +19,7 @@ SheetHost {
     onDismissed: root.picker.cancel()
 
     Rectangle {
-        objectName: "playlistSheet"
+        objectName: "playlistSheetBody"
         width: Window.width > 0 ? Math.min(680, Window.width - 40) : 680
         height: Window.height > 0 ? Math.min(640, Window.height - 40) : 640
         color: Theme.background

@@ -122,12 +122,6 @@ Rectangle {
                 anchors.margins: Theme.spacingLarge
                 visible: count > 0
                 clip: true
-                section.property: "group"
-                section.criteria: ViewSection.FullString
-                section.delegate: PlaylistGroupHeader {
-                    width: ListView.view.width
-                    filter: shown
-                }
                 spacing: Theme.spacingMedium
                 reuseItems: true
                 boundsBehavior: Flickable.StopAtBounds

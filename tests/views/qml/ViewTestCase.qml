@@ -46,9 +46,11 @@ TestCase {
         return item
     }
 
-    // Downloads go to `folder` in the sandbox with the stand-in's plain success.
+    // Downloads go to `folder` in the sandbox with the stand-in's plain success, each link one
+    // download (the playlist switch off: nothing is listed first).
     function resetForm(folder) {
         formOptions.reset()
+        AppState.downloadPlaylist = false
         AppState.urlInput = ""
         AppState.customArguments = ""
         AppState.selectedPreset = Download.Default

@@ -129,7 +129,7 @@ ViewTestCase {
             explanation: given("explanationText"), hasError: given("errorText").length > 0,
             errorMessage: given("errorText"), details: "1:05", thumbnail: "",
             statusSymbol: "arrow.down.circle", statusTint: 0, progress: 0.5,
-            showsProgress: false, percentText: "50%", needsToolFix: false
+            showsProgress: false, percentText: "50%", needsToolFix: false, playlistIndex: 0
         })
         verify(row)
         row.openError = given("openErrorText")
