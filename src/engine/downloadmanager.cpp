@@ -1,11 +1,11 @@
 #include "engine/downloadmanager.h"
 
 #include "engine/errorexplanation.h"
+#include "engine/playlistlisting.h"
 #include "engine/secretarguments.h"
 #include "engine/shellrunner.h"
 #include "engine/shellwords.h"
 #include "engine/tooltext.h"
-#include "engine/playlistlisting.h"
 #include "engine/videoinfofetch.h"
 #include "model/enginehost.h"
 #include "model/logcategories.h"
@@ -184,8 +184,8 @@ void DownloadManager::startPlaylistItems(
 {
     if (items.isEmpty())
         return;
-    qCInfo(lcEngine, "[Quillbox] 播放列表「%ls」: 加入 %lld 项", qUtf16Printable(playlist.title),
-        qlonglong(items.size()));
+    qCInfo(
+        lcEngine, "[Quillbox] 播放列表「%ls」: 加入 %lld 项", qUtf16Printable(playlist.title), qlonglong(items.size()));
     addLog(u"开始下载播放列表「%1」中的 %2 项"_s.arg(playlist.title).arg(items.size()), LogEntry::LogType::Download);
     info(u"预设: "_s + rawValue(options.preset));
     QList<DownloadTask> created;
@@ -210,7 +210,8 @@ void DownloadManager::startPlaylistItems(
 
 void DownloadManager::startUnlisted(const QString &url, const DownloadOptions &options, const QString &reason)
 {
-    addLog(u"⚠️ 无法列出播放列表中的视频（%1），整个链接作为一个任务下载: %2"_s.arg(leftCharacters(reason, 200), url),
+    addLog(u"⚠️ 无法列出播放列表中的视频（%1），整个链接作为一个任务下载: %2"_s.arg(
+               leftCharacters(reason, 200), url),
         LogEntry::LogType::Warning);
     startDownloads({ url }, options);
 }

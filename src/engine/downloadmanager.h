@@ -127,8 +127,7 @@ public:
         return m_maintenance->fetchVideoInfo(url, useCookies, std::move(completion), true, networkWords);
     }
     // A flat listing of `url` (see PlaylistListing), owned by `owner`.
-    PlaylistListing *listPlaylist(
-        const QString &url, bool useCookies, const QStringList &networkWords, QObject *owner)
+    PlaylistListing *listPlaylist(const QString &url, bool useCookies, const QStringList &networkWords, QObject *owner)
     {
         return m_maintenance->listPlaylist(url, useCookies, networkWords, owner);
     }

@@ -2,11 +2,11 @@
 
 #include "model/enginehost.h"
 
+#include "engine/playlistlisting.h"
 #include "engine/secretarguments.h"
 #include "engine/shellrunner.h"
 #include "engine/tooldiscovery.h"
 #include "engine/tooltext.h"
-#include "engine/playlistlisting.h"
 #include "engine/videoinfofetch.h"
 #include "model/logcategories.h"
 

@@ -47,8 +47,7 @@ public:
         const QStringList &networkWords = {});
     // A flat listing of `url` with the words a download would use (see PlaylistListing), owned
     // by `owner`. It runs once the yt-dlp path is known.
-    PlaylistListing *listPlaylist(
-        const QString &url, bool useCookies, const QStringList &networkWords, QObject *owner);
+    PlaylistListing *listPlaylist(const QString &url, bool useCookies, const QStringList &networkWords, QObject *owner);
     // "-J" for one video (the first of a playlist) with the words a download would use; see
     // VideoInfoFetch. The fetch can be cancelled until it answers, and is gone after. Unless
     // `logged`, it says nothing in the in-app log (a download's own request is a detail).

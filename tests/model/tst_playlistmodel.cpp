@@ -53,7 +53,8 @@ void TestPlaylistModel::itemFiles_data()
     QTest::addColumn<QString>("output");
     QTest::newRow("padded to the count") << u"周末厨房"_s << 7 << 120 << u"/o/周末厨房/007 - %(title)s.%(ext)s"_s;
     QTest::newRow("two digits at least") << u"a"_s << 3 << 0 << u"/o/a/03 - %(title)s.%(ext)s"_s;
-    QTest::newRow("separators, dots and %") << u"../a/b:c 100%"_s << 1 << 9 << u"/o/_a_b_c 100%%/01 - %(title)s.%(ext)s"_s;
+    QTest::newRow("separators, dots and %")
+        << u"../a/b:c 100%"_s << 1 << 9 << u"/o/_a_b_c 100%%/01 - %(title)s.%(ext)s"_s;
     QTest::newRow("nothing left") << u" .. "_s << 1 << 1 << u"/o/播放列表/01 - %(title)s.%(ext)s"_s;
 }
 
@@ -71,9 +72,8 @@ void TestPlaylistModel::itemFiles()
 // A flat listing's line is an item only with its number; a fully extracted one is known by its page.
 void TestPlaylistModel::listingLines()
 {
-    const auto entry = [](const char *json) {
-        return PlaylistEntry::fromListing(QJsonDocument::fromJson(json).object());
-    };
+    const auto entry
+        = [](const char *json) { return PlaylistEntry::fromListing(QJsonDocument::fromJson(json).object()); };
     const std::optional<PlaylistEntry> flat = entry(
         R"({"_type": "url", "url": "https://y.example/watch?v=a", "title": "A", "duration": 61.6,
             "playlist_index": 3, "ie_key": "Youtube", "id": "a"})");
@@ -106,8 +106,8 @@ void TestPlaylistModel::linkShapes_data()
     QTest::newRow("shorts") << u"https://youtube.com/shorts/a"_s << false << true << QString();
     QTest::newRow("a playlist") << u"https://www.youtube.com/playlist?list=PL1"_s << false << false << QString();
     QTest::newRow("a channel") << u"https://www.youtube.com/@someone"_s << false << false << QString();
-    QTest::newRow("another site's watch") << u"https://v.example/watch?v=a&list=b"_s << true << false
-                                          << u"https://v.example/watch?v=a"_s;
+    QTest::newRow("another site's watch")
+        << u"https://v.example/watch?v=a&list=b"_s << true << false << u"https://v.example/watch?v=a"_s;
     QTest::newRow("a look-alike host") << u"https://notyoutube.com/watch?v=a"_s << false << false << QString();
 }
 

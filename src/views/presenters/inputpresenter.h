@@ -9,8 +9,8 @@
 #include <QUrl>
 #include <QUuid>
 
-#include <optional>
 #include <QtQml/qqmlregistration.h>
+#include <optional>
 
 class AppState;
 class DownloadManager;

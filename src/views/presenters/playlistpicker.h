@@ -74,9 +74,18 @@ public:
 
     // Selection: one row; every row shown, none of them, or each the other way.
     Q_INVOKABLE void setSelected(int row, bool selected);
-    Q_INVOKABLE void selectAll() { selectShown([](bool) { return true; }); }
-    Q_INVOKABLE void selectNone() { selectShown([](bool) { return false; }); }
-    Q_INVOKABLE void invertSelection() { selectShown([](bool was) { return !was; }); }
+    Q_INVOKABLE void selectAll()
+    {
+        selectShown([](bool) { return true; });
+    }
+    Q_INVOKABLE void selectNone()
+    {
+        selectShown([](bool) { return false; });
+    }
+    Q_INVOKABLE void invertSelection()
+    {
+        selectShown([](bool was) { return !was; });
+    }
     // Selects exactly the items whose numbers `ranges` names ("1-20, 25"); returns why it cannot
     // be read, or empty.
     Q_INVOKABLE QString selectRange(const QString &ranges);

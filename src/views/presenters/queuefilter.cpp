@@ -80,8 +80,8 @@ bool QueueFilter::filterAcceptsRow(int sourceRow, const QModelIndex &sourceParen
     if (!m_text.isEmpty()) {
         // A search shows every row that holds the text, folded or not.
         const auto holds = [this](const QString &field) { return field.contains(m_text, Qt::CaseInsensitive); };
-        return holds(task.title) || holds(task.url) || holds(TaskModel::statusText(task))
-            || holds(task.playlist.title) || holds(task.outputPath.value_or(QString()));
+        return holds(task.title) || holds(task.url) || holds(TaskModel::statusText(task)) || holds(task.playlist.title)
+            || holds(task.outputPath.value_or(QString()));
     }
     if (!task.playlist.isSet() || m_folded.isEmpty()
         || !m_folded.contains(task.playlist.group.toString(QUuid::WithoutBraces)))
@@ -135,6 +135,7 @@ QVariantMap QueueFilter::groupInfo(const QString &group) const
         }
         m_groupsRevision = m_revision;
     }
-    return m_groups.value(group, { { u"title"_s, QString() }, { u"count"_s, 0 }, { u"completed"_s, 0 },
-                                     { u"failed"_s, 0 }, { u"active"_s, 0 } });
+    return m_groups.value(group,
+        { { u"title"_s, QString() }, { u"count"_s, 0 }, { u"completed"_s, 0 }, { u"failed"_s, 0 },
+            { u"active"_s, 0 } });
 }
