@@ -136,6 +136,7 @@ SheetHost {
                 Text {
                     objectName: "selectedCount"
                     text: root.picker ? "已选 %1 / %2 项".arg(root.picker.selectedCount).arg(root.picker.listedCount) : ""
+                    textFormat: Text.PlainText
                     color: Theme.gray
                     font.pixelSize: Theme.caption
                 }
@@ -207,6 +208,7 @@ SheetHost {
                             Text {
                                 Layout.preferredWidth: 40
                                 text: item.number
+                                textFormat: Text.PlainText
                                 color: Theme.gray
                                 font.pixelSize: Theme.caption
                                 font.family: Theme.fixedFont.family
@@ -225,11 +227,13 @@ SheetHost {
                                 objectName: "itemMark"
                                 visible: item.mark.length > 0
                                 text: item.mark
+                                textFormat: Text.PlainText
                                 color: Theme.orange
                                 font.pixelSize: Theme.caption2
                             }
                             Text {
                                 text: item.duration
+                                textFormat: Text.PlainText
                                 color: Theme.gray
                                 font.pixelSize: Theme.caption
                                 font.family: Theme.fixedFont.family
@@ -246,6 +250,7 @@ SheetHost {
                     Layout.fillWidth: true
                     visible: root.picker !== null && root.picker.waitingLinks > 0
                     text: root.picker ? "之后还有 %1 个链接待检查".arg(root.picker.waitingLinks) : ""
+                    textFormat: Text.PlainText
                     color: Theme.gray
                     font.pixelSize: Theme.caption
                 }
