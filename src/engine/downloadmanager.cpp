@@ -428,8 +428,11 @@ void DownloadManager::executeDownload(const QUuid &taskId)
             logOutputLine(taskId, line, standardError ? typeOfStderrLine(line) : LogEntry::LogType::Download);
         takeInfo(taskId);
     });
-    connect(job, &DownloadJob::progressed, this,
-        [this, taskId](const ProgressUpdate &update) { applyProgress(taskId, update); });
+    connect(job, &DownloadJob::progressed, this, [this, taskId](const ProgressUpdate &update) {
+        applyProgress(taskId, update);
+        // A redraw that no whole line has followed yet also means the information is written.
+        takeInfo(taskId);
+    });
     connect(job, &DownloadJob::phaseChanged, this, [this, taskId](const QString &phase) {
         m_tasks->update(taskId, [&phase](DownloadTask &task) { task.phase = phase; });
     });
