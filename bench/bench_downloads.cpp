@@ -109,6 +109,9 @@ int runOne(int argc, char **argv, const QString &renderer)
         DownloadManager *downloads = DownloadManager::instance();
         AppState *state = AppState::instance();
         state->setOutputDirectory(sandbox.path(u"Downloads"_s));
+        // Each link is one video, queued as "开始下载" is pressed; with "下载播放列表" on, each
+        // would be listed first, one after another (bench_playlist measures that).
+        state->setDownloadPlaylist(false);
         AppLifecycle lifecycle(downloads);
         QQmlApplicationEngine engine;
         const std::unique_ptr<QQuickWindow> owner = loadMainWindow(engine, &preferCjkFont);

@@ -262,7 +262,8 @@ inline ChildResult runSelf(const QStringList &arguments, const QProcessEnvironme
     const QString marker = u"RESULT "_s + tag + u' ';
     const auto readLines = [&] {
         while (child.canReadLine()) {
-            const QString line = QString::fromUtf8(child.readLine()).trimmed();
+            // Its own indentation kept: only the line's end goes.
+            const QString line = QString::fromUtf8(child.readLine()).chopped(1);
             if (line.startsWith(marker))
                 result.fields = line.mid(marker.size()).split(u' ', Qt::SkipEmptyParts);
             else
