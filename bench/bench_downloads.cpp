@@ -11,7 +11,7 @@
 // OpenGL, which on a machine without a GPU is Mesa's llvmpipe) on a private Xvfb, and reports both.
 
 #include "benchengine.h"
-#include "virtualdisplay.h"
+#include "windowbench.h"
 
 #include "app/applifecycle.h"
 #include "app/cjkfont.h"
@@ -21,20 +21,10 @@
 
 #include <QGuiApplication>
 #include <QImage>
-#include <QMouseEvent>
-#include <QOpenGLContext>
-#include <QOpenGLFunctions>
-#include <QProcess>
 #include <QQmlApplicationEngine>
 #include <QQuickItem>
 #include <QQuickStyle>
 #include <QQuickWindow>
-#include <QSGRendererInterface>
-
-#include <atomic>
-#include <mutex>
-
-#include <malloc.h>
 
 using namespace Qt::StringLiterals;
 using namespace bench;
@@ -42,138 +32,6 @@ using namespace bench;
 namespace {
 constexpr int FirstFramePatienceMs = 60000;
 constexpr int SettleMs = 3000;
-constexpr int ProbeMs = 5;
-
-// What malloc holds for live allocations, all arenas (the render thread has its own), in KiB:
-// beside the resident size, it tells memory still in use from memory freed but not returned.
-qint64 heapInUseKiB()
-{
-    const struct mallinfo2 info = mallinfo2();
-    return qint64((info.uordblks + info.hblkhd) / 1024);
-}
-
-// Each frame's time from the start of its synchronisation to its swap (or, with the software
-// renderer, to the window's backing store being flushed), on whichever thread renders; and the
-// OpenGL renderer's name, read once from the context the window draws with.
-class FrameClock
-{
-public:
-    explicit FrameClock(QQuickWindow *window)
-    {
-        m_clock.start();
-        QObject::connect(
-            window, &QQuickWindow::beforeSynchronizing, window, [this] { m_begun.store(m_clock.nsecsElapsed()); },
-            Qt::DirectConnection);
-        QObject::connect(
-            window, &QQuickWindow::afterRendering, window,
-            [this] {
-                QOpenGLContext *context = QOpenGLContext::currentContext();
-                if (!context || m_glRendererRead.exchange(true))
-                    return;
-                const auto *name = reinterpret_cast<const char *>(context->functions()->glGetString(GL_RENDERER));
-                const std::scoped_lock lock(m_mutex);
-                m_glRenderer = QString::fromLatin1(name ? name : "?");
-            },
-            Qt::DirectConnection);
-        QObject::connect(
-            window, &QQuickWindow::frameSwapped, window,
-            [this] {
-                const qint64 begun = m_begun.exchange(-1);
-                m_count.fetch_add(1);
-                if (begun < 0)
-                    return;
-                const std::scoped_lock lock(m_mutex);
-                if (m_recording)
-                    m_frames.append(double(m_clock.nsecsElapsed() - begun) / 1e6);
-            },
-            Qt::DirectConnection);
-    }
-
-    int count() const { return m_count.load(); }
-    void record(bool on)
-    {
-        const std::scoped_lock lock(m_mutex);
-        m_recording = on;
-    }
-    QList<double> frames() const
-    {
-        const std::scoped_lock lock(m_mutex);
-        return m_frames;
-    }
-    QString glRenderer() const
-    {
-        const std::scoped_lock lock(m_mutex);
-        return m_glRenderer;
-    }
-
-private:
-    QElapsedTimer m_clock;
-    std::atomic<qint64> m_begun { -1 };
-    std::atomic<int> m_count { 0 };
-    std::atomic_bool m_glRendererRead { false };
-    mutable std::mutex m_mutex;
-    bool m_recording = false;
-    QList<double> m_frames;
-    QString m_glRenderer;
-};
-
-// How late a 5 ms timer on the GUI thread fires: how long the window keeps a click, a key or a
-// redraw waiting.
-class AnswerProbe
-{
-public:
-    AnswerProbe()
-    {
-        m_timer.setTimerType(Qt::PreciseTimer);
-        m_timer.setInterval(ProbeMs);
-        QObject::connect(&m_timer, &QTimer::timeout, [this] {
-            const qint64 now = m_clock.nsecsElapsed();
-            m_late.append(double(std::max<qint64>(0, now - m_last - qint64(ProbeMs) * 1'000'000)) / 1e6);
-            m_last = now;
-        });
-    }
-    void start()
-    {
-        m_clock.start();
-        m_last = 0;
-        m_timer.start();
-    }
-    void stop() { m_timer.stop(); }
-    const QList<double> &late() const { return m_late; }
-
-private:
-    QTimer m_timer;
-    QElapsedTimer m_clock;
-    qint64 m_last = 0;
-    QList<double> m_late;
-};
-
-QString graphicsApiName(QSGRendererInterface::GraphicsApi api)
-{
-    switch (api) {
-    case QSGRendererInterface::Software:
-        return u"software"_s;
-    case QSGRendererInterface::OpenGL:
-        return u"opengl"_s;
-    case QSGRendererInterface::Vulkan:
-        return u"vulkan"_s;
-    default:
-        return u"api %1"_s.arg(int(api));
-    }
-}
-
-// A click in the middle of `item`, as the window system would deliver it.
-void click(QQuickWindow *window, QQuickItem *item)
-{
-    const QPointF at = item->mapToScene(QPointF(item->width() / 2, item->height() / 2));
-    if (!item->isVisible() || !QRectF(0, 0, window->width(), window->height()).contains(at))
-        fail(u"\"%1\" is not in view"_s.arg(item->objectName()));
-    for (const QEvent::Type type : { QEvent::MouseButtonPress, QEvent::MouseButtonRelease }) {
-        QMouseEvent event(type, at, window->mapToGlobal(at), Qt::LeftButton,
-            type == QEvent::MouseButtonPress ? Qt::LeftButton : Qt::NoButton, Qt::NoModifier);
-        QCoreApplication::sendEvent(window, &event);
-    }
-}
 
 struct Checkpoint
 {
@@ -211,15 +69,7 @@ int runOne(int argc, char **argv, const QString &renderer)
 
         Sandbox sandbox;
         QuietEngineLog quiet;
-        for (const auto &[variable, folder] :
-            { std::pair { "XDG_CONFIG_HOME", u"config"_s }, std::pair { "XDG_CACHE_HOME", u"cache"_s },
-                std::pair { "XDG_DATA_HOME", u"data"_s }, std::pair { "XDG_STATE_HOME", u"state"_s } }) {
-            QDir().mkpath(sandbox.path(folder));
-            qputenv(variable, sandbox.path(folder).toUtf8());
-        }
-        qputenv("QUILLBOX_NO_BROWSER", "1");
-        // Nothing asks for releases here; should anything, it stays on this machine.
-        qputenv("QUILLBOX_RELEASES_URL", "http://127.0.0.1:9");
+        useSandboxFolders(sandbox);
         const QString ytDlp = standInYtDlp();
         if (!QFileInfo(ytDlp).isExecutable())
             fail(u"the stand-in yt-dlp is missing: "_s + ytDlp);
@@ -259,6 +109,9 @@ int runOne(int argc, char **argv, const QString &renderer)
         DownloadManager *downloads = DownloadManager::instance();
         AppState *state = AppState::instance();
         state->setOutputDirectory(sandbox.path(u"Downloads"_s));
+        // Each link is one video, queued as "开始下载" is pressed; with "下载播放列表" on, each
+        // would be listed first, one after another (bench_playlist measures that).
+        state->setDownloadPlaylist(false);
         AppLifecycle lifecycle(downloads);
         QQmlApplicationEngine engine;
         const std::unique_ptr<QQuickWindow> owner = loadMainWindow(engine, &preferCjkFont);
@@ -468,69 +321,23 @@ int runBoth(int argc, char **argv)
     return run("bench_downloads", [&] {
         const bool quick = shortMode(argc, argv);
         const QStringList arguments = QCoreApplication::arguments().mid(1);
-        const bool offscreenAsked = arguments.contains(u"--offscreen"_s);
-        const QString xvfb = QStandardPaths::findExecutable(u"Xvfb"_s);
-        QTemporaryDir logs;
-
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        for (const QString &variable :
-            { u"DISPLAY"_s, u"WAYLAND_DISPLAY"_s, u"QT_QPA_PLATFORM"_s, u"QT_QUICK_BACKEND"_s, u"QUILLBOX_SHELL"_s })
-            environment.remove(variable);
-        std::unique_ptr<VirtualDisplay> display;
-        if (!offscreenAsked && !xvfb.isEmpty()) {
-            display = std::make_unique<VirtualDisplay>(xvfb, logs.filePath(u"xvfb.log"_s));
-            if (!display->isValid()) {
-                say(u"bench_downloads: Xvfb did not start; falling back to QT_QPA_PLATFORM=offscreen"_s);
-                display.reset();
-            }
-        } else if (!offscreenAsked) {
-            say(u"bench_downloads: Xvfb is not installed (Debian: xvfb); falling back to QT_QPA_PLATFORM=offscreen"_s);
-        }
-        QString platform;
-        if (display) {
-            environment.insert(u"DISPLAY"_s, display->name());
-            environment.insert(u"QT_QPA_PLATFORM"_s, u"xcb"_s);
-            platform = u"Xvfb "_s + display->name() + u" 1400x900x24"_s;
-        } else {
-            environment.insert(u"QT_QPA_PLATFORM"_s, u"offscreen"_s);
-            platform = u"QT_QPA_PLATFORM=offscreen (no X server: not the figures of a real display)"_s;
-        }
+        const ChildDisplay display("bench_downloads", arguments.contains(u"--offscreen"_s));
         say(u"bench_downloads: short downloads of the stand-in yt-dlp in the real main window, under each "
-            "renderer; %1, load average %2%3"_s.arg(platform, loadAverage(), quick ? u", short mode"_s : QString()));
+            "renderer; %1, load average %2%3"_s.arg(
+                display.platform(), loadAverage(), quick ? u", short mode"_s : QString()));
 
-        QList<std::pair<QString, QString>> fields { { u"display"_s, display ? u"xvfb"_s : u"offscreen"_s } };
+        QList<std::pair<QString, QString>> fields { { u"display"_s, display.isX() ? u"xvfb"_s : u"offscreen"_s } };
         for (const QString &renderer : { u"software"_s, u"opengl"_s }) {
-            QProcessEnvironment childEnvironment = environment;
+            QProcessEnvironment environment = display.environment();
             if (renderer == u"software")
-                childEnvironment.insert(u"QT_QUICK_BACKEND"_s, u"software"_s);
-            QProcess child;
-            child.setProcessEnvironment(childEnvironment);
-            child.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-            child.start(QCoreApplication::applicationFilePath(), arguments + QStringList { u"--renderer"_s, renderer });
-            if (!child.waitForStarted(10000))
-                fail(u"the %1 run did not start: %2"_s.arg(renderer, child.errorString()));
-            QStringList result;
-            const auto readLines = [&] {
-                while (child.canReadLine()) {
-                    const QString line = QString::fromUtf8(child.readLine()).trimmed();
-                    if (line.startsWith(u"RESULT bench_downloads_one "_s))
-                        result = line.split(u' ').mid(2);
-                    else
-                        say(line);
-                }
-            };
-            while (child.state() != QProcess::NotRunning) {
-                child.waitForReadyRead(1000);
-                readLines();
-            }
-            readLines();
-            if (child.exitStatus() == QProcess::CrashExit)
-                fail(u"the %1 run crashed"_s.arg(renderer));
-            if (child.exitCode() == 77)
+                environment.insert(u"QT_QUICK_BACKEND"_s, u"software"_s);
+            const ChildResult child
+                = runSelf(arguments + QStringList { u"--renderer"_s, renderer }, environment, u"bench_downloads_one"_s);
+            if (child.exitCode == 77)
                 continue;
-            if (child.exitCode() != 0 || result.isEmpty())
-                fail(u"the %1 run failed (exit status %2)"_s.arg(renderer).arg(child.exitCode()));
-            for (const QString &field : std::as_const(result)) {
+            if (child.exitCode != 0 || child.fields.isEmpty())
+                fail(u"the %1 run failed (exit status %2)"_s.arg(renderer).arg(child.exitCode));
+            for (const QString &field : child.fields) {
                 if (!field.startsWith(u"renderer="_s))
                     fields.append({ renderer + u'_' + field.section(u'=', 0, 0), field.section(u'=', 1) });
             }
