@@ -4,6 +4,12 @@
     python3 tests/support/mediaserver.py --root DIR [--generate] [--duration SECONDS]
 
 /slow/RATE/PATH serves PATH at about RATE bytes a second, for a download that can be watched.
+
+Playlists, as RSS feeds that yt-dlp's generic extractor reads (each item's enclosure is an entry):
+/feed/N.xml is "测试列表 N" with N items, item i "第 i 个视频" at /clip/i.mp4; /clip/NAME.mp4 is the
+generated video.mp4 under an address of its own, so every item gets its own id and file name.
+/watch?v=ID is that clip, and with &list=L the feed of 5 items instead, as a video link that also
+names a list. /empty-feed.xml has no items; /broken-feed.xml answers 500.
 """
 
 import argparse
@@ -16,12 +22,16 @@ import subprocess
 import sys
 import tempfile
 import urllib.parse
+from xml.sax.saxutils import escape, quoteattr
 
-from testserver import Handler, listen, serve
+from testserver import HOST, Handler, listen, serve
 
 CONTENT_TYPES = {".mp4": "video/mp4", ".m4a": "audio/mp4", ".m4s": "video/iso.segment", ".ts": "video/mp2t",
                  ".m3u8": "application/vnd.apple.mpegurl", ".mpd": "application/dash+xml",
                  ".html": "text/html; charset=utf-8", ".jpg": "image/jpeg"}
+CLIP = "video.mp4"
+FEED_LIMIT = 100_000  # items; a larger feed is a typo, not a test
+LIST_LENGTH = 5  # items of the list a /watch link names
 
 
 def generate(root, duration):
@@ -80,18 +90,49 @@ class MediaHandler(Handler):
     def do_HEAD(self):
         self.do_GET()
 
+    def feed(self, count):
+        """An RSS 2.0 feed of `count` items, each an enclosure at /clip/i.mp4."""
+        base = f"http://{HOST}:{self.server.server_address[1]}"
+        clip = os.path.join(self.server.root, CLIP)
+        size = os.path.getsize(clip) if os.path.isfile(clip) else 0
+        duration = f"{self.server.duration:g}"
+        items = "".join(
+            f"<item><title>第 {i} 个视频</title>"
+            f"<enclosure url={quoteattr(f'{base}/clip/{i}.mp4')} length=\"{size}\" type=\"video/mp4\"/>"
+            f"<itunes:duration>{duration}</itunes:duration></item>\n" for i in range(1, count + 1))
+        body = ('<?xml version="1.0" encoding="UTF-8"?>\n'
+                '<rss version="2.0" xmlns:itunes="http://www.itunes.com/dtds/podcast-1.0.dtd"><channel>\n'
+                f"<title>{escape(f'测试列表 {count}')}</title><link>{escape(base + self.path)}</link>"
+                f"<description>{count} 个测试视频</description>\n{items}</channel></rss>\n")
+        self.answer(200, body.encode(), content_type="application/rss+xml; charset=utf-8")
+
     def do_GET(self):
-        path = urllib.parse.urlsplit(self.path).path
+        url = urllib.parse.urlsplit(self.path)
+        path = url.path
         status = re.match(r"/status/(\d{3})(/|$)", path)
         if status:
             code = int(status.group(1))
             return self.answer(code, f"{code}\n".encode(), [("Retry-After", "60")] if code == 429 else [])
+        feed = re.fullmatch(r"/feed/(\d+)\.xml", path)
+        if feed and int(feed.group(1)) <= FEED_LIMIT:
+            return self.feed(int(feed.group(1)))
+        if path == "/empty-feed.xml":
+            return self.feed(0)
+        if path == "/broken-feed.xml":
+            return self.answer(500, b"Internal Server Error\n")
+        query = urllib.parse.parse_qs(url.query)
+        if path == "/watch" and query.get("list"):
+            return self.feed(LIST_LENGTH)
         parts = [p for p in posixpath.normpath(urllib.parse.unquote(path)).split("/") if p not in ("", ".", "..")]
         rate = 0
         if len(parts) >= 3 and parts[0] == "slow" and parts[1].isdigit():
             rate, parts = int(parts[1]), parts[2:]
         if len(parts) >= 3 and parts[0] == "named":
             parts = [parts[1]]
+        elif len(parts) == 2 and parts[0] == "clip" and parts[1].endswith(".mp4"):
+            parts = [CLIP]
+        elif parts == ["watch"] and query.get("v"):
+            parts = [CLIP]
         local = os.path.join(self.server.root, *parts)
         if not os.path.isfile(local):
             return self.answer(404, b"Not Found\n")
@@ -124,7 +165,7 @@ def main():
     os.makedirs(root, exist_ok=True)
     if args.generate:
         generate(root, args.duration)
-    serve(listen(MediaHandler, root=root)[0])
+    serve(listen(MediaHandler, root=root, duration=args.duration)[0])
 
 
 if __name__ == "__main__":
