@@ -37,7 +37,10 @@ private:
     // The tasks queued since the queue held `before`, once every task has ended.
     QList<DownloadTask> settledSince(qsizetype before) const;
     QStringList logSince(qsizetype before) const { return m_engine->log().sliced(before); }
-    QByteArray lastWords() const;
+    QByteArray lastWords() const
+    {
+        return logSince(std::max<qsizetype>(0, m_engine->log().size() - 8)).join(u'\n').toUtf8();
+    }
 
     QString m_name;
     QString m_ytDlp;
@@ -49,7 +52,6 @@ private:
 
 namespace {
 using namespace MediaTools;
-const QString listingStarted = u"正在读取播放列表: "_s;
 const QString fellBack = u"⚠️ 无法列出播放列表中的视频"_s;
 } // namespace
 
@@ -96,12 +98,6 @@ QList<DownloadTask> TestPlaylistEndToEnd::settledSince(qsizetype before) const
     return m_engine->manager->taskModel()->tasks().sliced(before);
 }
 
-QByteArray TestPlaylistEndToEnd::lastWords() const
-{
-    const QStringList log = m_engine->log();
-    return log.sliced(std::max<qsizetype>(0, log.size() - 8)).join(u'\n').toUtf8();
-}
-
 void TestPlaylistEndToEnd::picksThreeOfAThousand()
 {
     const QString folder = m_engine->fixture.path(u"thousand"_s);
@@ -124,7 +120,6 @@ void TestPlaylistEndToEnd::picksThreeOfAThousand()
     qInfo("%s yt-dlp: first item listed after %lld ms, the 1000th after %lld ms", qPrintable(m_name),
         qlonglong(firstItem), qlonglong(lastItem));
     QCOMPARE(picker->title(), u"测试列表 1000"_s);
-    QCOMPARE(picker->listedCount(), 1000);
     QCOMPARE(picker->rowCount(), 1000);
     QCOMPARE(picker->progressText(), u"共 1000 项"_s);
     for (int row = 0; row < 1000; ++row) {
@@ -191,8 +186,7 @@ void TestPlaylistEndToEnd::videoLinkWithAList()
     QCOMPARE(QDir(folder).entryList(QDir::Files | QDir::Hidden),
         QStringList { QFileInfo(*tasks.first().outputPath).fileName() });
     QVERIFY2(streamsOf(*tasks.first().outputPath).contains(u"video"_s), qPrintable(*tasks.first().outputPath));
-    QCOMPARE(logSince(logBefore).filter(listingStarted), QStringList());
-    QVERIFY(!picker->isActive());
+    QCOMPARE(logSince(logBefore).filter(u"正在读取播放列表: "_s), QStringList()); // not listed
 
     // The whole list: listed in the picker, and nothing queued when it is cancelled.
     presenter->answerPlaylistQuestion(true);
