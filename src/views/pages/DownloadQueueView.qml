@@ -18,6 +18,13 @@ Rectangle {
 
     color: Theme.surface
 
+    PlaylistGroupHeaders {
+        id: groupHeaders
+
+        filter: shown
+        width: list.width
+    }
+
     QueueFilter {
         id: shown
 
@@ -131,6 +138,10 @@ Rectangle {
                 currentIndex: -1
                 highlightFollowsCurrentItem: false
                 model: shown
+                // A playlist's rows under its header, which folds them and stops or retries them all.
+                section.property: "group"
+                section.criteria: ViewSection.FullString
+                section.delegate: groupHeaders.header
 
                 delegate: DownloadTaskRow {
                     id: row

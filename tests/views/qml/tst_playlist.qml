@@ -49,12 +49,25 @@ ViewTestCase {
         return item
     }
 
+    // The queue's header of the playlist titled `title`, once made.
+    function headerOf(title) {
+        const items = child("taskList").contentItem.children
+        for (let i = 0; i < items.length; ++i) {
+            const item = items[i]
+            const shown = findChild(item, "groupTitle")
+            if (shown && shown.text === title && item.visible)
+                return item
+        }
+        return null
+    }
+
     // Select none, a range, a wrong range, the filter, then "下载所选": one task per picked item,
     // in the playlist's group, the sheet closed.
     function test_pickAndQueue() {
         const before = DownloadManager.tasks.count
+        TestHelper.writeFile(listFile, JSON.stringify({ title: "精选", count: 30 }))
         const sheet = openSheet("https://lists.example/playlist?list=pick", 30)
-        compare(sheetChild(sheet, "playlistTitle").text, "周末厨房")
+        compare(sheetChild(sheet, "playlistTitle").text, "精选")
         compare(sheetChild(sheet, "playlistProgress").text, "共 30 项")
         compare(sheet.picker.selectedCount, 30)
         mouseClick(sheetChild(sheet, "selectNoneButton"))
@@ -92,6 +105,23 @@ ViewTestCase {
                                                   "https://lists.example/playlist?list=pick/item=6"])
         const row = rowAt(before)
         compare(findChild(row, "titleText").text, "2. 第 2 个视频")
+        // The group's header: its title and figures; it stops the whole group at once, retries
+        // it, and folds it to nothing but itself.
+        let header = null
+        tryVerify(() => (header = headerOf("精选")) !== null, 20000)
+        compare(findChild(header, "groupFigures").text, "3 项")
+        mouseClick(findChild(header, "stopGroupButton"))
+        tryCompare(DownloadManager, "runningCount", 0, 20000)
+        tryCompare(findChild(header, "groupFigures"), "text", "3 项 · 3 未完成")
+        verify(!findChild(header, "stopGroupButton").visible)
+        mouseClick(findChild(header, "retryGroupButton"))
+        tryCompare(DownloadManager, "runningCount", 3, 20000)
+        mouseClick(findChild(header, "foldGroupButton"))
+        tryCompare(child("queueFilter"), "count", before + 1)
+        compare(findChild(header, "foldGroupButton").text, "展开")
+        mouseClick(findChild(header, "foldGroupButton"))
+        tryCompare(child("queueFilter"), "count", before + 3)
+
         // The queue's search finds a row by its link and by its status.
         const search = child("queueSearch")
         mouseClick(search)
