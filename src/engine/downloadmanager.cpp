@@ -194,6 +194,7 @@ void DownloadManager::startPlaylistItems(
         DownloadRequest request { options, item.url, playlist };
         request.downloadPlaylist = false;
         request.playlist.index = item.index;
+        request.playlist.itemTitle = item.title;
         DownloadTask task = DownloadTask::create(item.url);
         task.outcome = outcomeOf(request);
         if (!item.title.isEmpty())

@@ -12,7 +12,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 // Longer names are cut here, in characters, well below the 255 bytes a file name may have.
-constexpr qsizetype FolderNameLimit = 80;
+constexpr qsizetype NameLimit = 80;
 
 QString escapedForTemplate(QString text)
 {
@@ -20,11 +20,14 @@ QString escapedForTemplate(QString text)
 }
 } // namespace
 
-QString PlaylistPlace::folderName() const
+namespace {
+// `text` as one safe file name: no separators or control characters, no leading dots, not too
+// long; `fallback` when nothing is left.
+QString safeName(const QString &text, const QString &fallback)
 {
     QString name;
-    name.reserve(title.size());
-    for (const QChar c : title) {
+    name.reserve(text.size());
+    for (const QChar c : text) {
         // A path separator or a control character would make another folder or a broken name;
         // ":" is a separator to the macOS Finder.
         if (c == u'/' || c == u'\\' || c == u':' || c.category() == QChar::Other_Control)
@@ -35,16 +38,24 @@ QString PlaylistPlace::folderName() const
     name = name.simplified();
     while (name.startsWith(u'.'))
         name.remove(0, 1);
-    if (name.size() > FolderNameLimit)
-        name = name.left(FolderNameLimit).trimmed();
-    return name.isEmpty() ? u"播放列表"_s : name;
+    if (name.size() > NameLimit)
+        name = name.left(NameLimit).trimmed();
+    return name.isEmpty() ? fallback : name;
+}
+} // namespace
+
+QString PlaylistPlace::folderName() const
+{
+    return safeName(title, u"播放列表"_s);
 }
 
 QString PlaylistPlace::outputTemplate(const QString &outputDir) const
 {
     const int width = int(QString::number(std::max(count, index)).size());
     const QString number = QString::number(index).rightJustified(std::max(width, 2), u'0');
-    return outputDir + u'/' + escapedForTemplate(folderName()) + u'/' + number + u" - %(title)s.%(ext)s"_s;
+    const QString name = itemTitle.trimmed().isEmpty() ? u"%(title)s"_s
+                                                       : escapedForTemplate(safeName(itemTitle, u"_"_s));
+    return outputDir + u'/' + escapedForTemplate(folderName()) + u'/' + number + u" - "_s + name + u".%(ext)s"_s;
 }
 
 QString PlaylistPlace::toJsonText() const
@@ -52,7 +63,7 @@ QString PlaylistPlace::toJsonText() const
     if (!isSet())
         return {};
     const QJsonObject object { { u"group"_s, group.toString(QUuid::WithoutBraces) }, { u"title"_s, title },
-        { u"index"_s, index }, { u"count"_s, count } };
+        { u"index"_s, index }, { u"count"_s, count }, { u"itemTitle"_s, itemTitle } };
     return QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact));
 }
 
@@ -66,6 +77,7 @@ PlaylistPlace PlaylistPlace::fromJsonText(const QString &text)
     place.title = object.value(u"title").toString();
     place.index = std::max(0, object.value(u"index").toInt());
     place.count = std::max(0, object.value(u"count").toInt());
+    place.itemTitle = object.value(u"itemTitle").toString();
     return place;
 }
 

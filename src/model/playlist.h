@@ -15,13 +15,16 @@ struct PlaylistPlace
     // The item's number in the playlist (from 1), and how many the playlist has (0: unknown).
     int index = 0;
     int count = 0;
+    // The item's title as the listing gave it (empty: not given), which names its file, so that
+    // the files are called what the sheet showed.
+    QString itemTitle;
 
     bool isSet() const { return !group.isNull(); }
     // The folder below the output folder that the playlist's items go to: its title, made a
     // safe file name ("播放列表" when nothing of it is left).
     QString folderName() const;
-    // The `-o` value for the item: "<folder>/<playlist>/<number> - %(title)s.%(ext)s", the number
-    // padded to the width of the count.
+    // The `-o` value for the item: "<folder>/<playlist>/<number> - <item title>.%(ext)s", the
+    // number padded to the width of the count; yt-dlp's %(title)s when the listing gave none.
     QString outputTemplate(const QString &outputDir) const;
 
     // For the store: "" for no place.

@@ -143,13 +143,15 @@ void TestPlaylistEndToEnd::picksThreeOfAThousand()
         QVERIFY2(task.status == DownloadStatus::Completed, lastWords());
         QCOMPARE(task.url, m_base + u"clip/%1.mp4"_s.arg(number));
         QVERIFY(task.playlist.isSet());
-        QCOMPARE(task.playlist, (PlaylistPlace { tasks.first().playlist.group, u"测试列表 1000"_s, number, 1000 }));
+        QCOMPARE(task.playlist,
+            (PlaylistPlace { tasks.first().playlist.group, u"测试列表 1000"_s, number, 1000, u"第 %1 个视频"_s.arg(number) }));
         QCOMPARE(task.progress, 1.0);
         QVERIFY(task.outputPath);
         const QFileInfo file(*task.outputPath);
         QCOMPARE(file.path(), playlistFolder);
-        // Numbered to the width of the playlist's count, so that the folder sorts in its order.
-        QVERIFY2(file.fileName().startsWith(u"%1 - "_s.arg(number, 4, 10, QChar(u'0'))), qPrintable(file.fileName()));
+        // Numbered to the width of the playlist's count, so that the folder sorts in its order, and
+        // named as the sheet showed the item.
+        QCOMPARE(file.fileName(), u"%1 - 第 %2 个视频.mp4"_s.arg(number, 4, 10, QChar(u'0')).arg(number));
         QVERIFY2(streamsOf(file.filePath()).contains(u"video"_s), qPrintable(file.filePath()));
         files << file.fileName();
     }

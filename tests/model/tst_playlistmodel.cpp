@@ -50,12 +50,15 @@ void TestPlaylistModel::itemFiles_data()
     QTest::addColumn<QString>("title");
     QTest::addColumn<int>("index");
     QTest::addColumn<int>("count");
+    QTest::addColumn<QString>("itemTitle");
     QTest::addColumn<QString>("output");
-    QTest::newRow("padded to the count") << u"周末厨房"_s << 7 << 120 << u"/o/周末厨房/007 - %(title)s.%(ext)s"_s;
-    QTest::newRow("two digits at least") << u"a"_s << 3 << 0 << u"/o/a/03 - %(title)s.%(ext)s"_s;
+    QTest::newRow("padded to the count, named as listed")
+        << u"周末厨房"_s << 7 << 120 << u"红烧肉"_s << u"/o/周末厨房/007 - 红烧肉.%(ext)s"_s;
+    QTest::newRow("two digits at least, yt-dlp's title when none was listed")
+        << u"a"_s << 3 << 0 << QString() << u"/o/a/03 - %(title)s.%(ext)s"_s;
     QTest::newRow("separators, dots and %")
-        << u"../a/b:c 100%"_s << 1 << 9 << u"/o/_a_b_c 100%%/01 - %(title)s.%(ext)s"_s;
-    QTest::newRow("nothing left") << u" .. "_s << 1 << 1 << u"/o/播放列表/01 - %(title)s.%(ext)s"_s;
+        << u"../a/b:c 100%"_s << 1 << 9 << u"50% / off"_s << u"/o/_a_b_c 100%%/01 - 50%% _ off.%(ext)s"_s;
+    QTest::newRow("nothing left") << u" .. "_s << 1 << 1 << u"/"_s << u"/o/播放列表/01 - _.%(ext)s"_s;
 }
 
 void TestPlaylistModel::itemFiles()
@@ -63,8 +66,9 @@ void TestPlaylistModel::itemFiles()
     QFETCH(QString, title);
     QFETCH(int, index);
     QFETCH(int, count);
+    QFETCH(QString, itemTitle);
     QFETCH(QString, output);
-    const PlaylistPlace place { QUuid::createUuid(), title, index, count };
+    const PlaylistPlace place { QUuid::createUuid(), title, index, count, itemTitle };
     QCOMPARE(place.outputTemplate(u"/o"_s), output);
     QCOMPARE(PlaylistPlace::fromJsonText(place.toJsonText()), place);
 }

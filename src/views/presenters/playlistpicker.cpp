@@ -185,7 +185,7 @@ void PlaylistPicker::confirm()
             picked.append(m_entries.at(i));
     }
     const PlaylistPlace playlist { QUuid::createUuid(), m_listing->title(), 0,
-        std::max(m_listing->expectedCount(), int(m_entries.size())) };
+        std::max(m_listing->expectedCount(), int(m_entries.size())), {} };
     m_listing->cancel();
     m_downloads->startPlaylistItems(playlist, picked, m_current.options);
     if (!picked.isEmpty())
