@@ -215,6 +215,7 @@ void DownloadManager::startUnlisted(const QString &url, const DownloadOptions &o
                leftCharacters(reason, 200), url),
         LogEntry::LogType::Warning);
     startDownloads({ url }, options);
+    m_unlisted.insert(m_tasks->tasks().constLast().id);
 }
 
 QUuid DownloadManager::startListedVideo(const QString &url, const VideoInfo &video, const DownloadOptions &options)
@@ -627,7 +628,11 @@ void DownloadManager::completeDownload(const QUuid &taskId, DownloadJob *job, co
         const bool skipped = job->skippedByArchive();
         if (skipped)
             info(u"已在下载存档中，未再下载: "_s + nameOf(taskId));
-        m_tasks->update(taskId, [&file, skipped](DownloadTask &task) {
+        // A link that listed nothing ends without error and without a file: the row says so.
+        const bool nothing = !skipped && outputPath.isEmpty() && m_unlisted.contains(taskId);
+        if (nothing)
+            addLog(u"⚠️ 没有下载任何文件: "_s + nameOf(taskId), LogEntry::LogType::Warning);
+        m_tasks->update(taskId, [&file, skipped, nothing](DownloadTask &task) {
             task.status = DownloadStatus::Completed;
             task.progress = 1.0;
             task.phase.clear();
@@ -638,6 +643,8 @@ void DownloadManager::completeDownload(const QUuid &taskId, DownloadJob *job, co
                 task.size = DownloadOutput::formatBytes(file.size());
             if (skipped)
                 task.notice = u"已在下载存档中，未再下载"_s;
+            if (nothing)
+                task.notice = u"没有下载任何文件"_s;
         });
     } else {
         qCInfo(lcEngine, "[Quillbox] [executeDownload] 下载失败, 错误码: %d", exitCode);
@@ -760,6 +767,7 @@ void DownloadManager::removeDownload(const QString &taskId)
     m_requests.remove(id);
     m_offeredFormats.remove(id);
     m_formatMissing.remove(id);
+    m_unlisted.remove(id);
 }
 
 void DownloadManager::clearCompleted()
@@ -770,6 +778,7 @@ void DownloadManager::clearCompleted()
         m_requests.remove(task.id);
         m_offeredFormats.remove(task.id);
         m_formatMissing.remove(task.id);
+        m_unlisted.remove(task.id);
         return true;
     });
 }

@@ -281,4 +281,6 @@ private:
     QHash<QUuid, QList<VideoFormat>> m_offeredFormats;
     // Tasks whose last run failed for a format their link does not offer.
     QSet<QUuid> m_formatMissing;
+    // Tasks of links that could not be listed, run whole.
+    QSet<QUuid> m_unlisted;
 };

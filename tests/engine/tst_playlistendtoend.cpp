@@ -206,9 +206,11 @@ void TestPlaylistEndToEnd::unlistableLinkIsOneTask_data()
     QTest::addColumn<QString>("path");
     QTest::addColumn<DownloadStatus>("ending");
     QTest::addColumn<QString>("why"); // in the log's fallback line
+    QTest::addColumn<QString>("notice"); // on the row
     // The listing fails on the server's 500, and the download of the link then fails on it too.
-    QTest::newRow("broken") << u"broken-feed.xml"_s << DownloadStatus::Failed << u"HTTP Error 500"_s;
-    QTest::newRow("empty") << u"empty-feed.xml"_s << DownloadStatus::Completed << u"yt-dlp 没有列出任何视频"_s;
+    QTest::newRow("broken") << u"broken-feed.xml"_s << DownloadStatus::Failed << u"HTTP Error 500"_s << QString();
+    QTest::newRow("empty") << u"empty-feed.xml"_s << DownloadStatus::Completed << u"yt-dlp 没有列出任何视频"_s
+                           << u"没有下载任何文件"_s;
 }
 
 void TestPlaylistEndToEnd::unlistableLinkIsOneTask()
@@ -216,6 +218,7 @@ void TestPlaylistEndToEnd::unlistableLinkIsOneTask()
     QFETCH(QString, path);
     QFETCH(DownloadStatus, ending);
     QFETCH(QString, why);
+    QFETCH(QString, notice);
     const QString folder = m_engine->fixture.path(u"unlisted/"_s + QString::fromLatin1(QTest::currentDataTag()));
     const auto presenter = presenterFor(path, folder);
     QSignalSpy opened(presenter->playlistPicker(), &PlaylistPicker::activeChanged);
@@ -228,6 +231,7 @@ void TestPlaylistEndToEnd::unlistableLinkIsOneTask()
     QCOMPARE(tasks.size(), 1);
     QCOMPARE(tasks.first().url, m_base + path);
     QVERIFY2(tasks.first().status == ending, lastWords());
+    QCOMPARE(tasks.first().notice, notice);
     QCOMPARE(opened.size(), 0);
     const QStringList fallback = logSince(logBefore).filter(fellBack);
     QCOMPARE(fallback.size(), 1);
