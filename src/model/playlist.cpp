@@ -53,8 +53,8 @@ QString PlaylistPlace::outputTemplate(const QString &outputDir) const
 {
     const int width = int(QString::number(std::max(count, index)).size());
     const QString number = QString::number(index).rightJustified(std::max(width, 2), u'0');
-    const QString name = itemTitle.trimmed().isEmpty() ? u"%(title)s"_s
-                                                       : escapedForTemplate(safeName(itemTitle, u"_"_s));
+    const QString name
+        = itemTitle.trimmed().isEmpty() ? u"%(title)s"_s : escapedForTemplate(safeName(itemTitle, u"_"_s));
     return outputDir + u'/' + escapedForTemplate(folderName()) + u'/' + number + u" - "_s + name + u".%(ext)s"_s;
 }
 

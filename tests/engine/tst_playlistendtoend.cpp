@@ -144,7 +144,8 @@ void TestPlaylistEndToEnd::picksThreeOfAThousand()
         QCOMPARE(task.url, m_base + u"clip/%1.mp4"_s.arg(number));
         QVERIFY(task.playlist.isSet());
         QCOMPARE(task.playlist,
-            (PlaylistPlace { tasks.first().playlist.group, u"测试列表 1000"_s, number, 1000, u"第 %1 个视频"_s.arg(number) }));
+            (PlaylistPlace {
+                tasks.first().playlist.group, u"测试列表 1000"_s, number, 1000, u"第 %1 个视频"_s.arg(number) }));
         QCOMPARE(task.progress, 1.0);
         QVERIFY(task.outputPath);
         const QFileInfo file(*task.outputPath);

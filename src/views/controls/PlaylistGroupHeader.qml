@@ -51,6 +51,7 @@ Item {
                     parts.push("%1 未完成".arg(root.info.failed))
                 return parts.join(" · ")
             }
+            textFormat: Text.PlainText
             color: Theme.gray
             font.pixelSize: Theme.caption
         }

@@ -10,10 +10,12 @@ QtObject {
     property QueueFilter filter: null
     property real width: 0
 
+    // The component reaches this object through the context it was declared in, as an unbound
+    // component does; qmllint, which cannot see that, calls it unqualified.
     readonly property Component header: Component {
         PlaylistGroupHeader {
-            width: root.width
-            filter: root.filter
+            width: root.width // qmllint disable unqualified
+            filter: root.filter // qmllint disable unqualified
         }
     }
 }
