@@ -378,17 +378,27 @@ Rectangle {
                 fillOpacity: down ? 0.85 : 1
                 onClicked: inputPresenter.startDownload()
             }
-            // A link is being looked at before its playlist sheet opens, or it is queued.
-            Text {
-                objectName: "listingNotice"
+            // A link is being looked at before its playlist sheet opens, or it is queued; a look
+            // that takes too long (a site that does not answer) can be given up.
+            RowLayout {
                 Layout.alignment: Qt.AlignHCenter
                 Layout.maximumWidth: footerColumn.width
                 visible: inputPresenter.playlistPicker.listing && !inputPresenter.playlistPicker.active
-                text: inputPresenter.playlistPicker.progressText
-                textFormat: Text.PlainText
-                color: Theme.gray
-                font.pixelSize: Theme.caption
-                elide: Text.ElideMiddle
+                spacing: Theme.spacingSmall
+                Text {
+                    objectName: "listingNotice"
+                    Layout.fillWidth: true
+                    text: inputPresenter.playlistPicker.progressText
+                    textFormat: Text.PlainText
+                    color: Theme.gray
+                    font.pixelSize: Theme.caption
+                    elide: Text.ElideMiddle
+                }
+                TextButton {
+                    objectName: "listingCancelButton"
+                    text: "取消"
+                    onClicked: inputPresenter.playlistPicker.cancel()
+                }
             }
             Text {
                 objectName: "startNotice"

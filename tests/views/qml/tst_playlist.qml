@@ -151,6 +151,24 @@ ViewTestCase {
         compare(DownloadManager.tasks.count, queued)
     }
 
+    // A look at a link that takes long says so under "开始下载" and can be given up: nothing of it
+    // is queued.
+    function test_cancelWhileChecking() {
+        const before = DownloadManager.tasks.count
+        TestHelper.setEnv("FAKE_YTDLP_PLAYLIST", "")
+        TestHelper.setEnv("FAKE_YTDLP_INFO_DELAY", "30")
+        AppState.urlInput = "https://lists.example/slow"
+        pressStart()
+        const notice = child("listingNotice")
+        tryVerify(() => notice.visible, 20000)
+        compare(notice.text, "正在检查链接：https://lists.example/slow")
+        mouseClick(child("listingCancelButton"))
+        tryCompare(notice, "visible", false)
+        TestHelper.setEnv("FAKE_YTDLP_INFO_DELAY", "")
+        wait(300)
+        compare(DownloadManager.tasks.count, before)
+    }
+
     // A link that is one video is queued without a sheet; one that cannot be listed runs as one
     // task and the log says why.
     function test_notAPlaylist() {
