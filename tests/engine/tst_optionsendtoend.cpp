@@ -95,16 +95,7 @@ void TestOptionsEndToEnd::initTestCase()
     m_base = m_server->base();
     QVERIFY2(!m_base.isEmpty(), qPrintable(m_server->error()));
 
-    m_engine = SandboxEngine::start(
-        [this](SandboxEngine &, ToolLocations &locations) {
-            locations.ytDlp = { m_ytDlp };
-            locations.ffmpeg << ffmpeg;
-        },
-        [](const DownloadManager &manager) {
-            return manager.tools()->isReady() && !manager.ytDlpVersion().isEmpty()
-                && manager.detectedFfmpeg() == ffmpeg;
-        },
-        Patience);
+    m_engine = startWithRealTools(m_ytDlp);
     QVERIFY(m_engine);
     qInfo("%s yt-dlp %s: %s", qPrintable(m_name), qPrintable(m_engine->manager->ytDlpVersion()), qPrintable(m_ytDlp));
 }

@@ -1,10 +1,13 @@
 #pragma once
 
+#include "engine/enginefixture.h"
+
 #include <QProcess>
 #include <QString>
 #include <QStringList>
 
-// Debian's ffmpeg and ffprobe, for the tests that make media and look into what was downloaded.
+// Debian's ffmpeg and ffprobe, for the tests that make media and look into what was downloaded,
+// and an engine that uses them with a real yt-dlp.
 namespace MediaTools {
 inline const QString ffmpeg = QStringLiteral("/usr/bin/ffmpeg");
 inline const QString ffprobe = QStringLiteral("/usr/bin/ffprobe");
@@ -50,5 +53,20 @@ inline QStringList streamsOf(const QString &file)
     }
     streams.sort();
     return streams;
+}
+
+// An engine in a sandbox with the real `ytDlp` and Debian's ffmpeg, once it has found both.
+inline std::unique_ptr<SandboxEngine> startWithRealTools(const QString &ytDlp)
+{
+    return SandboxEngine::start(
+        [ytDlp](SandboxEngine &, ToolLocations &locations) {
+            locations.ytDlp = { ytDlp };
+            locations.ffmpeg << ffmpeg;
+        },
+        [](const DownloadManager &manager) {
+            return manager.tools()->isReady() && !manager.ytDlpVersion().isEmpty()
+                && manager.detectedFfmpeg() == ffmpeg;
+        },
+        Patience);
 }
 } // namespace MediaTools
