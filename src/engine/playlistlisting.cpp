@@ -72,16 +72,26 @@ void PlaylistListing::run(const ShellCommand &command)
 
 void PlaylistListing::cancel()
 {
+    end(Outcome::Cancelled, u"已取消读取播放列表: "_s + m_url);
+}
+
+void PlaylistListing::stopHere()
+{
+    end(Outcome::Playlist, u"播放列表「%1」: 读到第 %2 项时停止，只用已读到的项"_s.arg(m_title).arg(m_entries.size()));
+}
+
+void PlaylistListing::end(Outcome outcome, const QString &message)
+{
     if (m_outcome != Outcome::Running)
         return;
-    m_outcome = Outcome::Cancelled;
+    m_outcome = outcome;
     if (m_process) {
         m_process->disconnect(this);
         m_process->signalGroup(SIGTERM);
         // The group is killed if it is still there when the process object goes.
         m_process->deleteLater();
     }
-    info(u"已取消读取播放列表: "_s + m_url);
+    info(message);
     Q_EMIT finished();
 }
 

@@ -37,6 +37,8 @@ public:
     void run(const ShellCommand &command);
     // Stops the listing; it ends as cancelled, keeping what it had read.
     void cancel();
+    // Stops the listing where it is: a playlist of the items read so far.
+    void stopHere();
 
     QString url() const { return m_url; }
     Outcome outcome() const { return m_outcome; }
@@ -63,6 +65,8 @@ Q_SIGNALS:
 
 private:
     void finish(int exitCode, bool crashed);
+    // Ends the child and the listing with `outcome`, saying `message` in the log.
+    void end(Outcome outcome, const QString &message);
     void info(const QString &message) const;
 
     QString m_url;

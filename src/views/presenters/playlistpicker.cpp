@@ -186,7 +186,9 @@ void PlaylistPicker::confirm()
     }
     const PlaylistPlace playlist { QUuid::createUuid(), m_listing->title(), 0,
         std::max(m_listing->expectedCount(), int(m_entries.size())), {} };
-    m_listing->cancel();
+    // Disconnected first: the sheet is done with, whatever the listing says as it stops.
+    m_listing->disconnect(this);
+    m_listing->stopHere();
     m_downloads->startPlaylistItems(playlist, picked, m_current.options);
     if (!picked.isEmpty())
         Q_EMIT queued(int(picked.size()));
