@@ -1,9 +1,11 @@
 #include "app/applifecycle.h"
 #include "app/buildinfo.h"
 #include "app/cjkfont.h"
+#include "app/commandline.h"
 #include "app/firstframe.h"
 #include "app/qmlsetup.h"
 #include "app/rendererchoice.h"
+#include "app/singleinstance.h"
 #include "engine/downloadmanager.h"
 #include "model/appstate.h"
 #include "notify/notifier.h"
@@ -16,10 +18,36 @@
 #include <QQuickWindow>
 #include <QtQml/qqmlextensionplugin.h>
 
+#include <cstdio>
+
 Q_IMPORT_QML_PLUGIN(QuillboxPlugin)
+
+using namespace Qt::StringLiterals;
 
 int main(int argc, char *argv[])
 {
+    QStringList arguments;
+    for (int i = 1; i < argc; ++i)
+        arguments << QString::fromLocal8Bit(argv[i]);
+    const CommandLine line = CommandLine::parse(arguments);
+    switch (line.action) {
+    case CommandLine::Action::Help:
+        std::fputs(CommandLine::helpText().toLocal8Bit().constData(), stdout);
+        return 0;
+    case CommandLine::Action::Version:
+        std::printf("Quillbox %s\n", QuillboxVersion);
+        return 0;
+    case CommandLine::Action::Refused:
+        std::fprintf(stderr, "%s\n", line.error.toLocal8Bit().constData());
+        return 2;
+    case CommandLine::Action::Run:
+        break;
+    }
+    // A Quillbox already running takes the links and shows its window; this one is done.
+    const Handover handover { line.start, line.texts, QStringLiteral("命令行") };
+    if (SingleInstance::handOver(handover.encode()))
+        return 0;
+
     if (!AppLifecycle::checkDisplay())
         return 1;
 
@@ -53,6 +81,22 @@ int main(int argc, char *argv[])
     lifecycle.restoreQueueAfterFirstFrame(window.get(), QueueMemory::instance());
     QObject::connect(QueueMemory::instance(), &QueueMemory::restored, &reportMoment);
     lifecycle.attachMainWindow(window.get());
+    // Later starts hand their links over here; this start's own go the same way.
+    InstanceServer instance;
+    QObject::connect(&instance, &InstanceServer::received, AppState::instance(),
+        [window = window.get()](const Handover &given) {
+            AppState::instance()->receiveLinks(given.texts, given.from, given.start);
+            window->show();
+            window->raise();
+            window->requestActivate();
+        });
+    QObject::connect(&instance, &InstanceServer::refused, AppState::instance(), [](const QString &why) {
+        AppState::instance()->addLog(u"已拒绝一个交给 Quillbox 链接的连接：%1"_s.arg(why), LogEntry::LogType::Warning);
+    });
+    if (!instance.listen())
+        qWarning("Quillbox: cannot listen for later starts: %s", qPrintable(instance.errorString()));
+    if (!line.texts.isEmpty())
+        AppState::instance()->receiveLinks(line.texts, handover.from, line.start);
     // Once the tools are known, the newest yt-dlp release is looked for (at most once a day).
     ToolKeeper *keeper = DownloadManager::instance()->keeper();
     QObject::connect(

@@ -86,6 +86,11 @@ public:
 
     QString urlInput() const { return m_urlInput; }
     void setUrlInput(const QString &value);
+    // Links from outside the box (the command line, a quillbox:// link, a second start, a file):
+    // read with the box's rule and its limits; the log says how many came `from` where and what
+    // was left out. Without `start` they join the box; with it they go to linksToStart() for the
+    // form to queue. Returns how many links were taken.
+    Q_INVOKABLE int receiveLinks(const QStringList &texts, const QString &from, bool start = false);
     QList<DownloadTask> downloadQueue() const { return m_downloadQueue; }
     void setDownloadQueue(const QList<DownloadTask> &value);
     DownloadPreset selectedPreset() const { return m_selectedPreset; }
@@ -129,6 +134,7 @@ public:
 
 Q_SIGNALS:
     void urlInputChanged();
+    void linksToStart(const QStringList &links);
     void downloadQueueChanged();
     void selectedPresetChanged();
     void customArgumentsChanged();

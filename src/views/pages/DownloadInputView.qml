@@ -59,6 +59,15 @@ Rectangle {
         }
     }
 
+    // Links from outside the window that are to be queued at once ("quillbox --start …").
+    Connections {
+        target: AppState
+
+        function onLinksToStart(links: list<string>) {
+            inputPresenter.startLinks(links)
+        }
+    }
+
     // A control the keyboard reaches is scrolled into sight, clear of the bar at the foot.
     Connections {
         target: root.Window.window

@@ -59,9 +59,21 @@ bool InputPresenter::alreadyQueued(const QStringList &links) const
 
 void InputPresenter::startDownload(bool again)
 {
+    if (m_state)
+        startText(m_state->urlInput(), again);
+}
+
+void InputPresenter::startLinks(const QStringList &links)
+{
+    startText(links.join(u'\n'), true);
+}
+
+void InputPresenter::startText(const QString &text, bool again)
+{
     if (!m_state || !m_downloads)
         return;
-    if (m_state->urlInput().isEmpty()) {
+    m_text = text;
+    if (text.isEmpty()) {
         setNotices({}, u"请先输入视频链接"_s);
         return;
     }
@@ -73,7 +85,7 @@ void InputPresenter::startDownload(bool again)
         setNotices(m_rejectedLines, u"下载选项："_s + problem);
         return;
     }
-    const LinkInput input = readLinkInput(m_state->urlInput());
+    const LinkInput input = readLinkInput(text);
     if (!again && alreadyQueued(input.links)) {
         Q_EMIT repeatAsked(int(input.links.size()));
         return;
@@ -140,7 +152,7 @@ void InputPresenter::startDownload(bool again)
 void InputPresenter::answerPlaylistQuestion(bool wholeList)
 {
     m_wholeLists = wholeList;
-    startDownload(true);
+    startText(m_text, true);
 }
 
 void InputPresenter::listFormats()

@@ -61,6 +61,9 @@ public:
     // link that also names a list is first asked about (playlistQuestionAsked()), and any other
     // link goes to the playlist picker to be listed.
     Q_INVOKABLE void startDownload(bool again = false);
+    // startDownload for `links` (from outside the box: the command line, a quillbox:// link),
+    // never asked about as a repeat.
+    Q_INVOKABLE void startLinks(const QStringList &links);
     // The answer to playlistQuestionAsked(): the whole list, or only the video, for each such
     // link of the editor; the start then goes on.
     Q_INVOKABLE void answerPlaylistQuestion(bool wholeList);
@@ -87,6 +90,7 @@ Q_SIGNALS:
     void playlistQuestionAsked(int count);
 
 private:
+    void startText(const QString &text, bool again);
     void setListingFormats(bool value);
     void setNotices(const QStringList &rejectedLines, const QString &startNotice);
     void checkCustomArguments();
@@ -107,4 +111,6 @@ private:
     PlaylistPicker *m_playlistPicker;
     // The answer to the playlist question, for the start it was asked for.
     std::optional<bool> m_wholeLists;
+    // The text the last start read, for its answer to the playlist question.
+    QString m_text;
 };

@@ -1,0 +1,49 @@
+#pragma once
+
+#include "app/commandline.h"
+
+#include <QHash>
+#include <QObject>
+#include <QString>
+
+class QLocalServer;
+class QLocalSocket;
+
+// One Quillbox per user: the first start listens on a local socket in the user's runtime folder
+// (its folder 0700, the socket the user's only, and a peer of another user is turned away even so),
+// and a later start hands it its links there and exits.
+namespace SingleInstance {
+// The socket's path for this user.
+QString socketPath();
+// Hands `message` to the Quillbox listening at `path`; true once it has said it took them. Plain
+// POSIX calls, so that it needs no application object and costs a start nothing when none runs.
+bool handOver(const QByteArray &message, const QString &path = socketPath(), int timeoutMs = 1000);
+} // namespace SingleInstance
+
+// The first start's end of the socket: each connection brings one Handover, answered with one byte
+// once taken; anything else is dropped.
+class InstanceServer : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit InstanceServer(QObject *parent = nullptr);
+
+    // Listens at `path`, taking over a socket file that nobody answers at; false (and why in
+    // errorString()) when it cannot.
+    bool listen(const QString &path = SingleInstance::socketPath());
+    QString errorString() const { return m_error; }
+
+Q_SIGNALS:
+    void received(const Handover &handover);
+    // A connection that was turned away (another user, garbage, too slow), and why: for the log.
+    void refused(const QString &why);
+
+private:
+    void take(QLocalSocket *socket);
+    void read(QLocalSocket *socket);
+
+    QLocalServer *m_server = nullptr;
+    QHash<QLocalSocket *, QByteArray> m_pending;
+    QString m_error;
+};
