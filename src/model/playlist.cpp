@@ -11,8 +11,9 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-// Longer names are cut here, in characters, well below the 255 bytes a file name may have.
-constexpr qsizetype NameLimit = 80;
+// Longer names are cut to this many bytes of UTF-8, so that the number before and yt-dlp's own
+// endings after (".f251.webm.part") stay within the 255 bytes a file name may have.
+constexpr qsizetype NameLimit = 150;
 
 QString escapedForTemplate(QString text)
 {
@@ -38,8 +39,20 @@ QString safeName(const QString &text, const QString &fallback)
     name = name.simplified();
     while (name.startsWith(u'.'))
         name.remove(0, 1);
-    if (name.size() > NameLimit)
-        name = name.left(NameLimit).trimmed();
+    if (name.toUtf8().size() > NameLimit) {
+        qsizetype end = 0;
+        qsizetype bytes = 0;
+        // Whole characters only: a surrogate pair is never split.
+        while (end < name.size()) {
+            const qsizetype width = name.at(end).isHighSurrogate() && end + 1 < name.size() ? 2 : 1;
+            const qsizetype added = name.mid(end, width).toUtf8().size();
+            if (bytes + added > NameLimit)
+                break;
+            bytes += added;
+            end += width;
+        }
+        name = name.left(end).trimmed();
+    }
     return name.isEmpty() ? fallback : name;
 }
 } // namespace
@@ -55,7 +68,10 @@ QString PlaylistPlace::outputTemplate(const QString &outputDir) const
     const QString number = QString::number(index).rightJustified(std::max(width, 2), u'0');
     const QString name
         = itemTitle.trimmed().isEmpty() ? u"%(title)s"_s : escapedForTemplate(safeName(itemTitle, u"_"_s));
-    return outputDir + u'/' + escapedForTemplate(folderName()) + u'/' + number + u" - "_s + name + u".%(ext)s"_s;
+    // An item that is itself a list (a channel's tab, a feed of feeds) has videos of its own: each
+    // gets its number in it, so that they do not all take the one name.
+    return outputDir + u'/' + escapedForTemplate(folderName()) + u'/' + number + u" - "_s + name
+        + u"%(playlist_index& - {}|)s.%(ext)s"_s;
 }
 
 QString PlaylistPlace::toJsonText() const
@@ -151,10 +167,14 @@ bool isYouTubeHost(const QString &host)
 
 bool isVideoInPlaylist(const QString &link)
 {
-    const QUrl url(link.trimmed());
+    const QUrl url = QUrl::fromUserInput(link.trimmed());
     const QUrlQuery query(url);
-    return url.isValid() && query.hasQueryItem(u"v"_s) && !query.queryItemValue(u"v"_s).isEmpty()
-        && query.hasQueryItem(u"list"_s) && !query.queryItemValue(u"list"_s).isEmpty();
+    if (!url.isValid() || query.queryItemValue(u"list"_s).isEmpty())
+        return false;
+    // "watch?v=…&list=…", and a shared video's "youtu.be/…?list=…" or "/shorts/…?list=…".
+    const QString host = url.host().toLower();
+    return !query.queryItemValue(u"v"_s).isEmpty() || (host == u"youtu.be" && url.path().size() > 1)
+        || (isYouTubeHost(host) && url.path().startsWith(u"/shorts/"));
 }
 
 QString withoutPlaylist(const QString &link)

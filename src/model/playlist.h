@@ -24,7 +24,8 @@ struct PlaylistPlace
     // safe file name ("播放列表" when nothing of it is left).
     QString folderName() const;
     // The `-o` value for the item: "<folder>/<playlist>/<number> - <item title>.%(ext)s", the
-    // number padded to the width of the count; yt-dlp's %(title)s when the listing gave none.
+    // number padded to the width of the count; yt-dlp's %(title)s when the listing gave none; an
+    // item that is a list itself numbers its own videos after the title.
     QString outputTemplate(const QString &outputDir) const;
 
     // For the store: "" for no place.

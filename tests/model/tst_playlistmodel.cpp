@@ -53,12 +53,16 @@ void TestPlaylistModel::itemFiles_data()
     QTest::addColumn<QString>("itemTitle");
     QTest::addColumn<QString>("output");
     QTest::newRow("padded to the count, named as listed")
-        << u"周末厨房"_s << 7 << 120 << u"红烧肉"_s << u"/o/周末厨房/007 - 红烧肉.%(ext)s"_s;
+        << u"周末厨房"_s << 7 << 120 << u"红烧肉"_s << u"/o/周末厨房/007 - 红烧肉%(playlist_index& - {}|)s.%(ext)s"_s;
     QTest::newRow("two digits at least, yt-dlp's title when none was listed")
-        << u"a"_s << 3 << 0 << QString() << u"/o/a/03 - %(title)s.%(ext)s"_s;
-    QTest::newRow("separators, dots and %")
-        << u"../a/b:c 100%"_s << 1 << 9 << u"50% / off"_s << u"/o/_a_b_c 100%%/01 - 50%% _ off.%(ext)s"_s;
-    QTest::newRow("nothing left") << u" .. "_s << 1 << 1 << u"/"_s << u"/o/播放列表/01 - _.%(ext)s"_s;
+        << u"a"_s << 3 << 0 << QString() << u"/o/a/03 - %(title)s%(playlist_index& - {}|)s.%(ext)s"_s;
+    QTest::newRow("separators, dots and %") << u"../a/b:c 100%"_s << 1 << 9 << u"50% / off"_s
+                                            << u"/o/_a_b_c 100%%/01 - 50%% _ off%(playlist_index& - {}|)s.%(ext)s"_s;
+    // 200 characters of 3 bytes each, cut to 150 bytes: the file name stays within 255 bytes.
+    QTest::newRow("cut by bytes") << u"a"_s << 1 << 1 << QString(200, u'汉')
+                                  << u"/o/a/01 - "_s + QString(50, u'汉') + u"%(playlist_index& - {}|)s.%(ext)s"_s;
+    QTest::newRow("nothing left") << u" .. "_s << 1 << 1 << u"/"_s
+                                  << u"/o/播放列表/01 - _%(playlist_index& - {}|)s.%(ext)s"_s;
 }
 
 void TestPlaylistModel::itemFiles()
@@ -108,6 +112,8 @@ void TestPlaylistModel::linkShapes_data()
     QTest::newRow("watch alone") << u"https://m.youtube.com/watch?v=a&t=5"_s << false << true << QString();
     QTest::newRow("short link without scheme") << u"youtu.be/a"_s << false << true << QString();
     QTest::newRow("shorts") << u"https://youtube.com/shorts/a"_s << false << true << QString();
+    QTest::newRow("a shared video with its list")
+        << u"https://youtu.be/a?list=PL1&si=x"_s << true << false << u"https://youtu.be/a?si=x"_s;
     QTest::newRow("a playlist") << u"https://www.youtube.com/playlist?list=PL1"_s << false << false << QString();
     QTest::newRow("a channel") << u"https://www.youtube.com/@someone"_s << false << false << QString();
     QTest::newRow("another site's watch")

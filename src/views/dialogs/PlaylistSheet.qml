@@ -16,7 +16,22 @@ SheetHost {
     parent: T.Overlay.overlay
     margins: Theme.spacingPage
     shown: root.picker !== null && root.picker.active
+    // Only Escape or "取消" give the playlist up: a stray click beside the sheet would lose the picks.
+    closePolicy: Popup.CloseOnEscape
     onDismissed: root.picker.cancel()
+
+    // The next playlist starts with empty fields.
+    Connections {
+        target: root.picker
+
+        function onActiveChanged() {
+            if (root.picker.active)
+                return
+            filterField.text = ""
+            rangeField.text = ""
+            rangeError.text = ""
+        }
+    }
 
     Rectangle {
         objectName: "playlistSheetBody"
@@ -84,6 +99,8 @@ SheetHost {
                 Layout.fillWidth: true
                 spacing: Theme.spacing
                 TextInputField {
+                    id: filterField
+
                     objectName: "playlistFilter"
                     Layout.fillWidth: true
                     placeholderText: "筛选标题"

@@ -47,8 +47,8 @@ Rectangle {
                                         : "这 %1 个视频链接还带有播放列表。".arg(count)
             playlistQuestion.open({
                                       message: message,
-                                      confirmText: "下载整个列表",
-                                      alternativeText: "只下载这个视频",
+                                      confirmText: "只下载这个视频",
+                                      alternativeText: "下载整个列表",
                                       destructive: false
                                   })
         }
@@ -441,12 +441,13 @@ Rectangle {
         target: playlistQuestion.item
         ignoreUnknownSignals: true
 
+        // Enter answers with the video alone: the whole list is never a surprise.
         function onConfirmed() {
-            inputPresenter.answerPlaylistQuestion(true)
+            inputPresenter.answerPlaylistQuestion(false)
         }
 
         function onAlternative() {
-            inputPresenter.answerPlaylistQuestion(false)
+            inputPresenter.answerPlaylistQuestion(true)
         }
     }
 

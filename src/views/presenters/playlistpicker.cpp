@@ -56,8 +56,13 @@ QHash<int, QByteArray> PlaylistPicker::roleNames() const
 
 void PlaylistPicker::list(const QStringList &links, const DownloadOptions &options)
 {
-    for (const QString &link : links)
-        m_links.push_back(Link { link, options });
+    for (const QString &link : links) {
+        // A link pressed for again while it is still looked at or waiting is not listed twice.
+        const bool waiting
+            = std::any_of(m_links.cbegin(), m_links.cend(), [&link](const Link &l) { return l.url == link; });
+        if (!waiting && !(m_listing && m_current.url == link))
+            m_links.push_back(Link { link, options });
+    }
     Q_EMIT progressChanged();
     next();
 }
@@ -133,7 +138,7 @@ void PlaylistPicker::addEntries(int first, int count)
     for (int i = first; i < first + count; ++i) {
         m_entries.append(listed.at(i));
         // What is already there is not picked again unless the user picks it.
-        const bool selected = markOf(listed.at(i)).isEmpty();
+        const bool selected = m_pickArrivals && markOf(listed.at(i)).isEmpty();
         m_selected.append(selected);
         m_selectedCount += selected ? 1 : 0;
         if (passesFilter(listed.at(i)))
@@ -184,7 +189,7 @@ void PlaylistPicker::confirm()
         if (m_selected.at(i))
             picked.append(m_entries.at(i));
     }
-    const PlaylistPlace playlist { QUuid::createUuid(), m_listing->title(), 0,
+    const PlaylistPlace playlist { QUuid::createUuid(), title(), 0,
         std::max(m_listing->expectedCount(), int(m_entries.size())), {} };
     // Disconnected first: the sheet is done with, whatever the listing says as it stops.
     m_listing->disconnect(this);
@@ -214,7 +219,10 @@ void PlaylistPicker::close()
     m_selected.clear();
     m_shown.clear();
     m_selectedCount = 0;
+    m_pickArrivals = true;
+    m_filter.clear();
     endResetModel();
+    Q_EMIT filterTextChanged();
     m_current = {};
     setActive(false);
     Q_EMIT progressChanged();
@@ -276,6 +284,8 @@ void PlaylistPicker::setSelected(int row, bool selected)
 
 void PlaylistPicker::selectShown(const std::function<bool(bool)> &choice)
 {
+    // "全选" without a filter picks what is still to come too; anything else leaves it unpicked.
+    m_pickArrivals = m_filter.isEmpty() && choice(false) && choice(true);
     for (const int at : std::as_const(m_shown)) {
         const bool selected = choice(m_selected.at(at));
         m_selectedCount += int(selected) - int(m_selected.at(at));
@@ -296,6 +306,7 @@ QString PlaylistPicker::selectRange(const QString &ranges)
     if (!numbers)
         return error;
     const QSet<int> wanted(numbers->cbegin(), numbers->cend());
+    m_pickArrivals = false;
     m_selectedCount = 0;
     for (qsizetype i = 0; i < m_entries.size(); ++i) {
         m_selected[i] = wanted.contains(m_entries.at(i).index);

@@ -132,6 +132,9 @@ private:
     // The positions in m_entries of the rows shown.
     QList<int> m_shown;
     QString m_filter;
+    // Whether items still to arrive start picked: yes until the user picks otherwise ("全不选",
+    // "反选", a range), and again after "全选".
+    bool m_pickArrivals = true;
     QSet<QString> m_queuedUrls;
     QSet<QString> m_doneUrls;
     QSet<QString> m_archived;

@@ -28,8 +28,14 @@ void QueueFilter::setTasks(TaskModel *tasks)
     setSourceModel(tasks);
     if (tasks) {
         connect(tasks, &QAbstractItemModel::dataChanged, this, &QueueFilter::touch);
-        connect(tasks, &QAbstractItemModel::rowsInserted, this, &QueueFilter::touch);
-        connect(tasks, &QAbstractItemModel::rowsRemoved, this, &QueueFilter::touch);
+        // Rows that come or go can change which row heads a folded group, the one of it shown.
+        for (const auto signal : { &QAbstractItemModel::rowsInserted, &QAbstractItemModel::rowsRemoved }) {
+            connect(tasks, signal, this, [this] {
+                if (!m_folded.isEmpty())
+                    invalidateFilter();
+                touch();
+            });
+        }
         connect(tasks, &QAbstractItemModel::modelReset, this, &QueueFilter::touch);
     }
     Q_EMIT tasksChanged();

@@ -151,6 +151,21 @@ ViewTestCase {
         compare(DownloadManager.tasks.count, queued)
     }
 
+    // A range chosen while the list is still read holds for the items read after it.
+    function test_rangeWhileReading() {
+        TestHelper.setEnv("FAKE_YTDLP_PLAYLIST_DELAY", "0.05")
+        AppState.urlInput = "https://lists.example/playlist?list=slowly"
+        pressStart()
+        const sheet = child("playlistSheet")
+        tryVerify(() => sheet.item !== null && sheet.item.visible && sheet.item.picker.listedCount >= 2, 20000)
+        verify(sheet.item.picker.listing)
+        compare(sheet.item.picker.selectRange("1-2"), "")
+        tryCompare(sheet.item.picker, "listing", false, 20000)
+        TestHelper.setEnv("FAKE_YTDLP_PLAYLIST_DELAY", "")
+        compare(sheet.item.picker.listedCount, 30)
+        compare(sheet.item.picker.selectedCount, 2)
+    }
+
     // A look at a link that takes long says so under "开始下载" and can be given up: nothing of it
     // is queued.
     function test_cancelWhileChecking() {
@@ -199,7 +214,7 @@ ViewTestCase {
         const question = child("playlistQuestion")
         tryVerify(() => question.item !== null && question.item.opened)
         compare(findChild(question.item.contentItem, "confirmMessage").text, "这个视频链接还带有一个播放列表。")
-        mouseClick(findChild(question.item.contentItem, "confirmAlternativeButton"))
+        mouseClick(findChild(question.item.contentItem, "confirmButton"))
         tryCompare(DownloadManager.tasks, "count", before + 1, 20000)
         compare(TestHelper.taskUrls()[before], "https://lists.example/watch?v=a1")
         verify(!child("playlistSheet").item || !child("playlistSheet").item.visible)
