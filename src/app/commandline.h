@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QMetaType>
 #include <QString>
 #include <QStringList>
 
@@ -47,3 +48,5 @@ struct Handover
     // -1 while it is not, 0 when the header is not ours or says too much.
     static qsizetype expectedSize(const QByteArray &bytes);
 };
+
+Q_DECLARE_METATYPE(Handover)

@@ -83,8 +83,8 @@ int main(int argc, char *argv[])
     lifecycle.attachMainWindow(window.get());
     // Later starts hand their links over here; this start's own go the same way.
     InstanceServer instance;
-    QObject::connect(&instance, &InstanceServer::received, AppState::instance(),
-        [window = window.get()](const Handover &given) {
+    QObject::connect(
+        &instance, &InstanceServer::received, AppState::instance(), [window = window.get()](const Handover &given) {
             AppState::instance()->receiveLinks(given.texts, given.from, given.start);
             window->show();
             window->raise();

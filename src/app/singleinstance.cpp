@@ -80,8 +80,8 @@ bool SingleInstance::handOver(const QByteArray &message, const QString &path, in
             sent += std::max<ssize_t>(written, 0);
         }
         char answer = 0;
-        taken = sent == message.size() && waitFor(fd, POLLIN, timeoutMs) && ::read(fd, &answer, 1) == 1
-            && answer == 'K';
+        taken
+            = sent == message.size() && waitFor(fd, POLLIN, timeoutMs) && ::read(fd, &answer, 1) == 1 && answer == 'K';
     }
     ::close(fd);
     return taken;

@@ -1,0 +1,155 @@
+#include "app/commandline.h"
+#include "app/singleinstance.h"
+#include "model/appstate.h"
+
+#include <QProcess>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <unistd.h>
+
+using namespace Qt::StringLiterals;
+
+// The command line, the message a second start hands over, and the socket it goes through, with
+// the real `quillbox` as the second start.
+class TestSingleInstance : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void commandLine_data();
+    void commandLine();
+    void messages();
+    void hostileLinksAreText();
+    void secondStartHandsOver();
+    void otherUsersCannotConnect();
+};
+
+void TestSingleInstance::commandLine_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<int>("action");
+    QTest::addColumn<bool>("start");
+    QTest::addColumn<QStringList>("texts");
+    const int run = int(CommandLine::Action::Run);
+    QTest::newRow("links") << QStringList { u"https://a.example/1"_s, u"b.example/2"_s } << run << false
+                           << QStringList { u"https://a.example/1"_s, u"b.example/2"_s };
+    QTest::newRow("start, and a quillbox link with two") << QStringList {
+        u"--start"_s, u"quillbox://add?url=https%3A%2F%2Fa.example%2F%3Fx%3D1%26y%3D2&url=c.example"_s
+    } << run << true << QStringList { u"https://a.example/?x=1&y=2"_s, u"c.example"_s };
+    QTest::newRow("after --, an option is only text")
+        << QStringList { u"--"_s, u"--exec"_s } << run << false << QStringList { u"--exec"_s };
+    QTest::newRow("help") << QStringList { u"a.example"_s, u"--help"_s } << int(CommandLine::Action::Help) << false
+                          << QStringList { u"a.example"_s };
+    QTest::newRow("version") << QStringList { u"--version"_s } << int(CommandLine::Action::Version) << false
+                             << QStringList();
+    QTest::newRow("an unknown option") << QStringList { u"--exec=rm"_s } << int(CommandLine::Action::Refused) << false
+                                       << QStringList();
+    QTest::newRow("another scheme's address")
+        << QStringList { u"quillbox://remove?url=a.example"_s } << run << false << QStringList();
+}
+
+void TestSingleInstance::commandLine()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(int, action);
+    QFETCH(bool, start);
+    QFETCH(QStringList, texts);
+    const CommandLine line = CommandLine::parse(arguments);
+    QCOMPARE(int(line.action), action);
+    QCOMPARE(line.start, start);
+    if (line.action == CommandLine::Action::Run)
+        QCOMPARE(line.texts, texts);
+    QCOMPARE(line.error.isEmpty(), line.action != CommandLine::Action::Refused);
+}
+
+// What goes over the socket comes back as it was; anything else is refused whole.
+void TestSingleInstance::messages()
+{
+    const Handover sent { true, { u"https://a.example/视频"_s, u"x"_s }, u"命令行"_s };
+    const QByteArray bytes = sent.encode();
+    const std::optional<Handover> read = Handover::decode(bytes);
+    QVERIFY(read);
+    QCOMPARE(read->texts, sent.texts);
+    QVERIFY(read->start);
+    QCOMPARE(read->from, sent.from);
+    QVERIFY(!Handover::decode(bytes.chopped(1)));
+    QVERIFY(!Handover::decode(QByteArray("\xff\x00garbage", 9)));
+    QCOMPARE(Handover::expectedSize("QBX"), -1);
+    QCOMPARE(Handover::expectedSize(QByteArray("QBX1\xff\xff\xff\xff", 8)), 0); // says 4 GiB: refused
+    QVERIFY(!Handover::decode(QByteArray("QBX1\x00\x00\x00\x02[]", 10))); // JSON, but not an object
+}
+
+// A quillbox:// link carrying an option, and a line of 10 MB, are text and nothing else.
+void TestSingleInstance::hostileLinksAreText()
+{
+    AppState state;
+    state.setUrlInput(u"https://kept.example/0"_s);
+    const CommandLine line = CommandLine::parse(
+        { u"quillbox://add?url=https%3A%2F%2Fa.example%2F1&url=--exec%20rm%20-rf&url=b.example%2F2"_s });
+    QCOMPARE(state.receiveLinks(line.texts, u"链接"_s), 2);
+    QCOMPARE(state.urlInput(), u"https://kept.example/0\nhttps://a.example/1\nb.example/2"_s);
+    QCOMPARE(state.receiveLinks({ QString(10 * 1024 * 1024, u'a') + u".example"_s }, u"文件"_s), 0);
+    QSignalSpy started(&state, &AppState::linksToStart);
+    QCOMPARE(state.receiveLinks({ u"c.example/3"_s }, u"命令行"_s, true), 1);
+    QCOMPARE(started.size(), 1);
+    QCOMPARE(started.at(0).at(0).toStringList(), QStringList { u"c.example/3"_s });
+}
+
+// The real second start: it hands its links to the one listening and exits 0 at once.
+void TestSingleInstance::secondStartHandsOver()
+{
+    QTemporaryDir runtime;
+    QVERIFY(QFile::setPermissions(runtime.path(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
+    InstanceServer server;
+    QVERIFY2(server.listen(runtime.filePath(u"quillbox-instance"_s)), qPrintable(server.errorString()));
+    QSignalSpy received(&server, &InstanceServer::received);
+
+    QProcess second;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(u"XDG_RUNTIME_DIR"_s, runtime.path());
+    environment.insert(u"QT_QPA_PLATFORM"_s, u"offscreen"_s);
+    second.setProcessEnvironment(environment);
+    second.start(QStringLiteral(QUILLBOX_BINARY),
+        { u"--start"_s, u"https://a.example/1"_s, u"quillbox://add?url=b.example%2F2&url=--exec"_s });
+    // The event loop runs meanwhile: the answer that lets the second start go is written from it.
+    QTRY_COMPARE_WITH_TIMEOUT(received.size(), 1, 10000);
+    QTRY_COMPARE_WITH_TIMEOUT(second.state(), QProcess::NotRunning, 10000);
+    QCOMPARE(second.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(second.exitCode(), 0);
+    const Handover given = received.at(0).at(0).value<Handover>();
+    QVERIFY(given.start);
+    QCOMPARE(given.texts, (QStringList { u"https://a.example/1"_s, u"b.example/2"_s, u"--exec"_s }));
+
+    // --version answers without any window or socket.
+    QProcess version;
+    version.start(QStringLiteral(QUILLBOX_BINARY), { u"--version"_s });
+    QVERIFY(version.waitForFinished(10000));
+    QCOMPARE(version.exitCode(), 0);
+    QVERIFY(version.readAllStandardOutput().startsWith("Quillbox "));
+}
+
+// Another user cannot reach the socket, even where the file itself were open to it.
+void TestSingleInstance::otherUsersCannotConnect()
+{
+    if (::getuid() != 0 || QStandardPaths::findExecutable(u"runuser"_s).isEmpty())
+        QSKIP("needs root and runuser to act as another user");
+    QTemporaryDir runtime;
+    QVERIFY(QFile::setPermissions(runtime.path(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
+    const QString path = runtime.filePath(u"quillbox-instance"_s);
+    InstanceServer server;
+    QVERIFY(server.listen(path));
+    QProcess other;
+    other.start(u"runuser"_s,
+        { u"-u"_s, u"nobody"_s, u"--"_s, u"python3"_s, u"-c"_s,
+            u"import socket,sys\ns=socket.socket(socket.AF_UNIX)\ntry:\n s.connect(sys.argv[1])\nexcept OSError as "
+            u"e:\n "
+            "print(e.strerror); sys.exit(3)\nsys.exit(0)"_s,
+            path });
+    QVERIFY(other.waitForFinished(10000));
+    QCOMPARE(other.exitCode(), 3);
+}
+
+QTEST_GUILESS_MAIN(TestSingleInstance)
+#include "tst_singleinstance.moc"
