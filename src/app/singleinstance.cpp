@@ -2,6 +2,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileOpenEvent>
 #include <QLocalServer>
 #include <QLocalSocket>
 #include <QStandardPaths>
@@ -85,6 +86,17 @@ bool SingleInstance::handOver(const QByteArray &message, const QString &path, in
     }
     ::close(fd);
     return taken;
+}
+
+bool LinkOpenFilter::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() != QEvent::FileOpen)
+        return QObject::eventFilter(watched, event);
+    const QUrl url = static_cast<QFileOpenEvent *>(event)->url();
+    if (url.scheme() != u"quillbox")
+        return QObject::eventFilter(watched, event);
+    Q_EMIT received(Handover { false, linksOfQuillboxUrl(url.toString()), u"链接"_s });
+    return true;
 }
 
 InstanceServer::InstanceServer(QObject *parent)

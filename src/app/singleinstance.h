@@ -20,6 +20,22 @@ QString socketPath();
 bool handOver(const QByteArray &message, const QString &path = socketPath(), int timeoutMs = 1000);
 } // namespace SingleInstance
 
+// On macOS a quillbox:// link opened elsewhere arrives as an event of the application, not as an
+// argument: installed on the application, this hands its links on as `received`.
+class LinkOpenFilter : public QObject
+{
+    Q_OBJECT
+
+public:
+    using QObject::QObject;
+
+Q_SIGNALS:
+    void received(const Handover &handover);
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+};
+
 // The first start's end of the socket: each connection brings one Handover, answered with one byte
 // once taken; anything else is dropped.
 class InstanceServer : public QObject
