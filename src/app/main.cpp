@@ -83,13 +83,16 @@ int main(int argc, char *argv[])
     lifecycle.attachMainWindow(window.get());
     // Later starts hand their links over here; this start's own go the same way.
     InstanceServer instance;
-    QObject::connect(
-        &instance, &InstanceServer::received, AppState::instance(), [window = window.get()](const Handover &given) {
-            AppState::instance()->receiveLinks(given.texts, given.from, given.start);
-            window->show();
-            window->raise();
-            window->requestActivate();
-        });
+    const auto take = [window = window.get()](const Handover &given) {
+        AppState::instance()->receiveLinks(given.texts, given.from, given.start);
+        window->show();
+        window->raise();
+        window->requestActivate();
+    };
+    QObject::connect(&instance, &InstanceServer::received, AppState::instance(), take);
+    LinkOpenFilter opened;
+    app.installEventFilter(&opened);
+    QObject::connect(&opened, &LinkOpenFilter::received, AppState::instance(), take);
     QObject::connect(&instance, &InstanceServer::refused, AppState::instance(), [](const QString &why) {
         AppState::instance()->addLog(u"已拒绝一个交给 Quillbox 链接的连接：%1"_s.arg(why), LogEntry::LogType::Warning);
     });
