@@ -307,6 +307,17 @@ void TestViewModels::pasteAndDrop()
     QVERIFY(presenter.dropLinks({}, u"  https://b.example/3\n"_s));
     QVERIFY(!presenter.dropLinks({}, u"  "_s));
     QCOMPARE(engine->state.urlInput(), u"https://one\nhttps://a.example/1\nhttps://a.example/2\nhttps://b.example/3"_s);
+
+    // A text file, dropped or imported, gives its links; a line of 10 MB is left out whole.
+    const QString file = engine->fixture.path(u"links.txt"_s);
+    engine->fixture.writeFile(u"links.txt"_s,
+        "https://c.example/4\nnot a link\n" + QByteArray(10 * 1024 * 1024, 'x') + ".example\nd.example/5\n");
+    engine->state.setUrlInput(QString());
+    QVERIFY(presenter.dropLinks({ QUrl::fromLocalFile(file) }, QString()));
+    QCOMPARE(engine->state.urlInput(), u"https://c.example/4\nd.example/5"_s);
+    QCOMPARE(presenter.importFile(file), 2);
+    QCOMPARE(presenter.importFile(engine->fixture.path(u"missing.txt"_s)), 0);
+    QCOMPARE(presenter.startNotice(), u"无法读取文件："_s + engine->fixture.path(u"missing.txt"_s));
 }
 
 // Every link is queued with the form's preset, switches and folder, the custom arguments only

@@ -7,6 +7,9 @@
 #include "model/taskmodel.h"
 #include "views/presenters/formatpicker.h"
 
+#include <QFile>
+#include <QFileInfo>
+
 #include <algorithm>
 
 using namespace Qt::StringLiterals;
@@ -187,10 +190,51 @@ bool InputPresenter::paste(const QString &text)
 
 bool InputPresenter::dropLinks(const QList<QUrl> &urls, const QString &text)
 {
-    QStringList links;
-    for (const QUrl &url : urls)
-        links << (url.isLocalFile() ? url.toLocalFile() : url.toString());
-    return paste(links.isEmpty() ? text.trimmed() : links.join(u'\n'));
+    if (!m_state)
+        return false;
+    // A dropped text file is read for its links; any other file or address is a link itself.
+    QStringList texts;
+    for (const QUrl &url : urls) {
+        if (!url.isLocalFile()) {
+            texts << url.toString();
+        } else if (const QString file = url.toLocalFile(); isTextFile(file)) {
+            texts << readTextFile(file);
+        } else {
+            texts << file;
+        }
+    }
+    if (urls.isEmpty())
+        texts << text;
+    return m_state->receiveLinks(texts, u"拖放"_s) > 0;
+}
+
+bool InputPresenter::isTextFile(const QString &path)
+{
+    static const QStringList suffixes { u"txt"_s, u"list"_s, u"csv"_s, u"md"_s };
+    return QFileInfo(path).isFile() && suffixes.contains(QFileInfo(path).suffix().toLower());
+}
+
+QString InputPresenter::readTextFile(const QString &path)
+{
+    // Links are short: the first 16 MiB of a file are all that is read.
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    return QString::fromUtf8(file.read(16 * 1024 * 1024));
+}
+
+int InputPresenter::importFile(const QString &path)
+{
+    if (!m_state)
+        return 0;
+    if (!QFileInfo(path).isReadable()) {
+        setNotices(m_rejectedLines, u"无法读取文件：%1"_s.arg(path));
+        return 0;
+    }
+    const int taken = m_state->receiveLinks({ readTextFile(path) }, u"文件 %1 "_s.arg(QFileInfo(path).fileName()));
+    if (taken == 0)
+        setNotices(m_rejectedLines, u"文件中没有链接：%1"_s.arg(QFileInfo(path).fileName()));
+    return taken;
 }
 
 QString InputPresenter::rejectedNotice() const

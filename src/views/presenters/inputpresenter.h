@@ -73,7 +73,11 @@ public:
     // Adds `text` to the editor on a line of its own; false when there was nothing to add.
     Q_INVOKABLE bool paste(const QString &text);
     // Adds dropped links (or text) to the editor, one per line, as pasting does.
+    // A dropped text file (.txt, .list, .csv, .md) gives the links in it. Every way in goes
+    // through the box's rule (AppState::receiveLinks), and the log says how many came.
     Q_INVOKABLE bool dropLinks(const QList<QUrl> &urls, const QString &text);
+    // "从文件导入链接…": the links in the text file at `path` join the box; how many.
+    Q_INVOKABLE int importFile(const QString &path);
 
 Q_SIGNALS:
     void isLoadingChanged();
@@ -91,6 +95,8 @@ Q_SIGNALS:
 
 private:
     void startText(const QString &text, bool again);
+    static bool isTextFile(const QString &path);
+    static QString readTextFile(const QString &path);
     void setListingFormats(bool value);
     void setNotices(const QStringList &rejectedLines, const QString &startNotice);
     void checkCustomArguments();
