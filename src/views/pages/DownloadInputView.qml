@@ -20,6 +20,11 @@ Rectangle {
         links.addDropped(urls, text)
     }
 
+    // Asks for a text file whose links join the box.
+    function importLinks() {
+        linksFileDialog.open()
+    }
+
     // The form from its top, the cursor in the links box.
     function focusLinks() {
         scroller.contentItem.contentY = 0
@@ -428,6 +433,23 @@ Rectangle {
 
         objectName: "repeatDialog"
         source: "dialogs/ConfirmDialog.qml"
+    }
+
+    OnDemand {
+        id: linksFileDialog
+
+        objectName: "linksFileDialog"
+        source: "dialogs/LinksFileDialog.qml"
+    }
+
+    Connections {
+        target: linksFileDialog.item
+        ignoreUnknownSignals: true
+
+        function onChosen(path: string) {
+            if (inputPresenter.importFile(path) > 0)
+                links.focusEditor()
+        }
     }
 
     OnDemand {

@@ -35,6 +35,24 @@ ViewTestCase {
         stopDownloads()
     }
 
+    // "从文件导入链接…" opens the file dialog over the download page; the chosen file's links join
+    // the box, and a file without any says so.
+    function test_importLinksFromFile() {
+        AppState.selectedTab = 1
+        const file = TestHelper.tempDir() + "/import.txt"
+        TestHelper.writeFile(file, "https://import.example/1\nnot a link\nimport.example/2\n")
+        view.importLinks()
+        compare(AppState.selectedTab, 0)
+        const dialog = child("linksFileDialog")
+        tryVerify(() => dialog.item !== null && dialog.item.visible)
+        dialog.item.chosen(file)
+        compare(AppState.urlInput, "https://import.example/1\nimport.example/2")
+        dialog.item.close()
+        TestHelper.writeFile(file, "nothing here\n")
+        dialog.item.chosen(file)
+        compare(child("startNotice").text, "文件中没有链接：import.txt")
+    }
+
     // Without a JavaScript runtime YouTube would fail: the download page says so, and "修复"
     // opens the settings.
     function test_toolchainNoticeOpensTheSettings() {
