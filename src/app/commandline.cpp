@@ -67,6 +67,13 @@ QStringList linksOfQuillboxUrl(const QString &address)
     return links;
 }
 
+QString quillboxBookmarklet()
+{
+    // encodeURIComponent leaves nothing of the page's address ("&", "#", "?", any script) to be
+    // read as part of the quillbox:// link around it.
+    return u"javascript:location.href='quillbox://add?url='+encodeURIComponent(location.href)"_s;
+}
+
 QByteArray Handover::encode() const
 {
     const QJsonObject object { { u"start"_s, start }, { u"texts"_s, QJsonArray::fromStringList(texts) },

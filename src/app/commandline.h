@@ -29,6 +29,9 @@ struct CommandLine
 // The `url=` values of "quillbox://add?url=…&url=…", decoded; none for any other address.
 QStringList linksOfQuillboxUrl(const QString &address);
 
+// A bookmark's address that sends the page it is clicked on to Quillbox as a quillbox:// link.
+QString quillboxBookmarklet();
+
 // What a second start hands to the first over the local socket: "QBX1", the length of what follows
 // (4 bytes, big-endian), then JSON {"start": bool, "texts": [...], "from": "..."}.
 struct Handover

@@ -2,6 +2,7 @@
 #include "app/singleinstance.h"
 #include "model/appstate.h"
 
+#include <QJSEngine>
 #include <QProcess>
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -22,6 +23,7 @@ private Q_SLOTS:
     void commandLine();
     void messages();
     void hostileLinksAreText();
+    void bookmarkletSendsThePage();
     void secondStartHandsOver();
     void otherUsersCannotConnect();
 };
@@ -95,6 +97,24 @@ void TestSingleInstance::hostileLinksAreText()
     QCOMPARE(state.receiveLinks({ u"c.example/3"_s }, u"命令行"_s, true), 1);
     QCOMPARE(started.size(), 1);
     QCOMPARE(started.at(0).at(0).toStringList(), QStringList { u"c.example/3"_s });
+}
+
+// The bookmark, run on a page whose address has "&", "#" and Chinese, gives a quillbox:// link
+// that brings back exactly that address.
+void TestSingleInstance::bookmarkletSendsThePage()
+{
+    const QString page = u"https://v.example/watch?v=a&list=b#t=1m 视频"_s;
+    const QString bookmarklet = quillboxBookmarklet();
+    QVERIFY(bookmarklet.startsWith(u"javascript:"_s));
+    QJSEngine js;
+    QJSValue location = js.newObject();
+    location.setProperty(u"href"_s, page);
+    js.globalObject().setProperty(u"location"_s, location);
+    const QJSValue ran = js.evaluate(bookmarklet.mid(QStringLiteral("javascript:").size()));
+    QVERIFY2(!ran.isError(), qPrintable(ran.toString()));
+    const QString sent = js.evaluate(u"location.href"_s).toString();
+    QVERIFY(sent.startsWith(u"quillbox://add?url="_s));
+    QCOMPARE(linksOfQuillboxUrl(sent), QStringList { page });
 }
 
 // The real second start: it hands its links to the one listening and exits 0 at once.

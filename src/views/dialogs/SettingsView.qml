@@ -576,6 +576,46 @@ Rectangle {
                     }
                 }
 
+                // A bookmark for the browser's bar: clicked on a page, it opens quillbox:// with the
+                // page's address, which the launcher entry hands to Quillbox.
+                SettingsGroup {
+                    objectName: "browserGroup"
+                    Layout.fillWidth: true
+                    title: "从浏览器添加"
+                    symbol: "arrow.up.right.square"
+
+                    Caption {
+                        text: "把下面的书签拖到浏览器的书签栏（或新建书签并粘贴为网址）；在视频页面点它，页面链接就会加入 Quillbox 的链接框。"
+                    }
+                    RowLayout {
+                        Layout.fillWidth: true
+                        spacing: Theme.spacingMedium
+                        Text {
+                            objectName: "bookmarkletText"
+                            Layout.fillWidth: true
+                            text: presenter.bookmarklet
+                            textFormat: Text.PlainText
+                            color: Theme.gray
+                            font.family: Theme.fixedFont.family
+                            font.pixelSize: Theme.caption
+                            elide: Text.ElideRight
+                        }
+                        TextButton {
+                            id: copyBookmarklet
+
+                            property bool copied: false
+
+                            objectName: "copyBookmarkletButton"
+                            text: copied ? "已复制" : "复制书签"
+                            symbol: copied ? "checkmark" : "doc.on.doc"
+                            onClicked: {
+                                Desktop.setClipboardText(presenter.bookmarklet)
+                                copied = true
+                            }
+                        }
+                    }
+                }
+
                 Item {
                     implicitHeight: 0
                 }
