@@ -62,6 +62,8 @@ void AppState::loadPreferences()
             return false;
         return std::nullopt;
     };
+    if (const auto clipboard = readSwitch(WatchClipboardKey))
+        setWatchClipboard(*clipboard);
     if (const auto playlist = readSwitch(DownloadPlaylistKey))
         setDownloadPlaylist(*playlist);
     if (const auto cookies = readSwitch(UseCookiesKey))
@@ -197,6 +199,12 @@ bool assign(AppState *state, T &member, const T &value, Signal changed)
 void AppState::setUrlInput(const QString &value)
 {
     assign(this, m_urlInput, value, &AppState::urlInputChanged);
+}
+
+void AppState::setWatchClipboard(bool value)
+{
+    if (assign(this, m_watchClipboard, value, &AppState::watchClipboardChanged))
+        remember(WatchClipboardKey, value);
 }
 
 int AppState::receiveLinks(const QStringList &texts, const QString &from, bool start)

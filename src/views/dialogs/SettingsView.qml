@@ -581,8 +581,31 @@ Rectangle {
                 SettingsGroup {
                     objectName: "browserGroup"
                     Layout.fillWidth: true
-                    title: "从浏览器添加"
+                    title: "从别处添加链接"
                     symbol: "arrow.up.right.square"
+
+                    RowLayout {
+                        Layout.fillWidth: true
+                        Text {
+                            Layout.fillWidth: true
+                            text: "监视剪贴板"
+                            color: Theme.text
+                            font.pixelSize: Theme.body
+                        }
+                        ToggleSwitch {
+                            objectName: "watchClipboardSwitch"
+                            checked: AppState.watchClipboard
+                            onToggled: AppState.watchClipboard = checked
+                        }
+                    }
+                    ClipboardWatcher {
+                        id: clipboardWatcher
+                    }
+                    Caption {
+                        text: clipboardWatcher.seesBackgroundCopies
+                            ? "复制的文字里有新链接时，下载页上方会提示添加；不会自动开始下载。"
+                            : "复制的文字里有新链接时，下载页上方会提示添加。在 Wayland 下只能看到 Quillbox 在前台时复制的内容。"
+                    }
 
                     Caption {
                         text: "把下面的书签拖到浏览器的书签栏（或新建书签并粘贴为网址）；在视频页面点它，页面链接就会加入 Quillbox 的链接框。"

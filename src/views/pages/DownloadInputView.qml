@@ -147,6 +147,54 @@ Rectangle {
                     font.weight: Font.DemiBold
                 }
 
+                // Links just copied elsewhere, offered while "监视剪贴板" is on; nothing is added
+                // without a click.
+                Rectangle {
+                    objectName: "clipboardBar"
+                    Layout.fillWidth: true
+                    visible: clipboard.offered.length > 0
+                    implicitHeight: clipboardRow.implicitHeight + 2 * Theme.spacingMedium
+                    radius: Theme.radius
+                    color: Theme.raised
+                    border.color: Theme.accent
+
+                    ClipboardWatcher {
+                        id: clipboard
+                    }
+
+                    RowLayout {
+                        id: clipboardRow
+
+                        anchors.fill: parent
+                        anchors.margins: Theme.spacingMedium
+                        spacing: Theme.spacing
+                        Icon {
+                            symbol: "doc.on.clipboard"
+                            color: Theme.accent
+                            size: Theme.body
+                        }
+                        Text {
+                            Layout.fillWidth: true
+                            text: "剪贴板中有 %1 个新链接".arg(clipboard.offered.length)
+                            textFormat: Text.PlainText
+                            color: Theme.text
+                            font.pixelSize: Theme.caption
+                            elide: Text.ElideRight
+                        }
+                        TextButton {
+                            objectName: "clipboardAddButton"
+                            text: "添加 %1 个链接".arg(clipboard.offered.length)
+                            tint: Theme.accent
+                            onClicked: clipboard.add()
+                        }
+                        TextButton {
+                            objectName: "clipboardIgnoreButton"
+                            text: "忽略"
+                            onClicked: clipboard.ignore()
+                        }
+                    }
+                }
+
                 LinksEditor {
                     id: links
 

@@ -35,6 +35,30 @@ ViewTestCase {
         stopDownloads()
     }
 
+    // "监视剪贴板": a copy with new links offers them above the box; adding takes them, ignoring
+    // drops the offer, and what is already in the box is not offered. Off, nothing is offered.
+    function test_clipboardOffer() {
+        const bar = child("clipboardBar")
+        AppState.watchClipboard = false
+        Desktop.setClipboardText("https://copied.example/0")
+        wait(50)
+        verify(!bar.visible)
+        AppState.watchClipboard = true
+        AppState.urlInput = "https://copied.example/1"
+        Desktop.setClipboardText("https://copied.example/1 and https://copied.example/2 https://copied.example/3")
+        tryVerify(() => bar.visible)
+        compare(child("clipboardAddButton").text, "添加 2 个链接")
+        mouseClick(child("clipboardAddButton"))
+        verify(!bar.visible)
+        compare(AppState.urlInput, "https://copied.example/1\nhttps://copied.example/2\nhttps://copied.example/3")
+        Desktop.setClipboardText("https://copied.example/4")
+        tryVerify(() => bar.visible)
+        mouseClick(child("clipboardIgnoreButton"))
+        verify(!bar.visible)
+        compare(AppState.urlInput, "https://copied.example/1\nhttps://copied.example/2\nhttps://copied.example/3")
+        AppState.watchClipboard = false
+    }
+
     // "从文件导入链接…" opens the file dialog over the download page; the chosen file's links join
     // the box, and a file without any says so.
     function test_importLinksFromFile() {
