@@ -163,7 +163,7 @@ void TestMainWindow::menusAsDesigned()
     }
     QCOMPARE(menus,
         QStringList({ u"Quillbox: 关于 Quillbox | 偏好设置...(Ctrl+,) | 退出 Quillbox(Ctrl+Q)"_s,
-            u"文件: 新建下载任务(Ctrl+N) | 关闭窗口(Ctrl+W)"_s,
+            u"文件: 新建下载任务(Ctrl+N) 从文件导入链接…(Ctrl+O) | 关闭窗口(Ctrl+W)"_s,
             u"编辑: 撤销(Ctrl+Z) 重做(Ctrl+Shift+Z) | 剪切(Ctrl+X) 复制(Ctrl+C) 粘贴(Ctrl+V) 全选(Ctrl+A)"_s,
             u"窗口: 最小化(Ctrl+M) 缩放 | 全部置于顶层"_s }));
 
