@@ -220,19 +220,15 @@ void DownloadManager::startUnlisted(const QString &url, const DownloadOptions &o
 
 QUuid DownloadManager::startListedVideo(const QString &url, const VideoInfo &video, const DownloadOptions &options)
 {
-    QList<DownloadTask> created;
-    DownloadRequest request { options, url, {} };
-    const QUuid id = createTask(request, created);
-    DownloadTask &task = created.last();
-    if (!video.title.isEmpty())
-        task.title = video.title;
-    if (video.duration > 0)
-        task.duration = video.durationString();
-    task.thumbnail = video.thumbnailUrl();
-    m_requests.insert(id, std::move(request));
-    m_waiting.push_back(id);
-    m_tasks->appendAll(created);
-    pumpQueue();
+    startDownloads({ url }, options);
+    const QUuid id = m_tasks->tasks().constLast().id;
+    m_tasks->update(id, [&video](DownloadTask &task) {
+        if (!video.title.isEmpty())
+            task.title = video.title;
+        if (video.duration > 0)
+            task.duration = video.durationString();
+        task.thumbnail = video.thumbnailUrl();
+    });
     return id;
 }
 

@@ -1,5 +1,7 @@
 #include "model/playlist.h"
 
+#include "model/videoinfo.h"
+
 #include <QJsonDocument>
 #include <QRegularExpression>
 #include <QUrl>
@@ -101,9 +103,9 @@ QString PlaylistEntry::durationText() const
 {
     if (duration <= 0)
         return {};
-    if (duration < 3600)
-        return QString::asprintf("%lld:%02lld", duration / 60, duration % 60);
-    return QString::asprintf("%lld:%02lld:%02lld", duration / 3600, (duration % 3600) / 60, duration % 60);
+    VideoInfo video;
+    video.duration = duration;
+    return video.durationString();
 }
 
 std::optional<PlaylistEntry> PlaylistEntry::fromListing(const QJsonObject &object)
