@@ -1,9 +1,11 @@
 #include "app/commandline.h"
 #include "app/singleinstance.h"
+#include "engine/tooldiscovery.h"
 #include "model/appstate.h"
 
 #include <QJSEngine>
 #include <QProcess>
+#include <QSettings>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -118,29 +120,58 @@ void TestSingleInstance::bookmarkletSendsThePage()
 }
 
 // The real second start: it hands its links to the one listening and exits 0 at once.
+// Two real starts: the first keeps running and starts what the second was given; the second
+// hands the links over and exits.
 void TestSingleInstance::secondStartHandsOver()
 {
-    QTemporaryDir runtime;
-    QVERIFY(QFile::setPermissions(runtime.path(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
-    InstanceServer server;
-    QVERIFY2(server.listen(runtime.filePath(u"quillbox-instance"_s)), qPrintable(server.errorString()));
-    QSignalSpy received(&server, &InstanceServer::received);
+    QTemporaryDir root;
+    const QString runtime = root.filePath(u"runtime"_s);
+    QVERIFY(QDir().mkpath(runtime));
+    QVERIFY(QFile::setPermissions(runtime, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
+    const QString argvFile = root.filePath(u"argv.jsonl"_s);
+    {
+        QSettings settings(root.filePath(u"config/Quillbox/Quillbox.conf"_s), QSettings::IniFormat);
+        settings.setValue(QLatin1String(ToolDiscovery::CustomYtDlpPathKey),
+            QString(qEnvironmentVariable("QUILLBOX_TESTS_DIR") + u"/fakes/yt-dlp"_s));
+    }
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    for (const auto &[name, folder] : { std::pair { "HOME", "home" }, { "XDG_CONFIG_HOME", "config" },
+             { "XDG_DATA_HOME", "data" }, { "XDG_CACHE_HOME", "cache" } }) {
+        QVERIFY(QDir().mkpath(root.filePath(QLatin1String(folder))));
+        environment.insert(QLatin1String(name), root.filePath(QLatin1String(folder)));
+    }
+    environment.insert(u"XDG_RUNTIME_DIR"_s, runtime);
+    environment.insert(u"QT_QPA_PLATFORM"_s, u"offscreen"_s);
+    environment.insert(u"QUILLBOX_NO_BROWSER"_s, u"1"_s);
+    environment.insert(u"QUILLBOX_RELEASES_URL"_s, u"http://127.0.0.1:9"_s);
+    environment.insert(u"FAKE_YTDLP_ARGV_FILE"_s, argvFile);
+
+    QProcess first;
+    first.setProcessEnvironment(environment);
+    first.start(QStringLiteral(QUILLBOX_BINARY));
+    QVERIFY(first.waitForStarted());
+    QTRY_VERIFY_WITH_TIMEOUT(QFileInfo(runtime + u"/quillbox-instance"_s).exists(), 20000);
 
     QProcess second;
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(u"XDG_RUNTIME_DIR"_s, runtime.path());
-    environment.insert(u"QT_QPA_PLATFORM"_s, u"offscreen"_s);
     second.setProcessEnvironment(environment);
     second.start(QStringLiteral(QUILLBOX_BINARY),
-        { u"--start"_s, u"https://a.example/1"_s, u"quillbox://add?url=b.example%2F2&url=--exec"_s });
-    // The event loop runs meanwhile: the answer that lets the second start go is written from it.
-    QTRY_COMPARE_WITH_TIMEOUT(received.size(), 1, 10000);
-    QTRY_COMPARE_WITH_TIMEOUT(second.state(), QProcess::NotRunning, 10000);
+        { u"--start"_s, u"https://a.example/1"_s, u"quillbox://add?url=https%3A%2F%2Fb.example%2F2&url=--exec"_s });
+    QVERIFY(second.waitForFinished(10000));
     QCOMPARE(second.exitStatus(), QProcess::NormalExit);
     QCOMPARE(second.exitCode(), 0);
-    const Handover given = received.at(0).at(0).value<Handover>();
-    QVERIFY(given.start);
-    QCOMPARE(given.texts, (QStringList { u"https://a.example/1"_s, u"b.example/2"_s, u"--exec"_s }));
+    QCOMPARE(first.state(), QProcess::Running);
+
+    // The first start downloads both links with its current form; the hostile value is not run.
+    const auto given = [&] {
+        QFile file(argvFile);
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    };
+    QTRY_VERIFY_WITH_TIMEOUT(given().contains("https://a.example/1") && given().contains("https://b.example/2"), 20000);
+    QVERIFY2(!given().contains("\"--exec\""), given().constData());
+    QCOMPARE(first.state(), QProcess::Running);
+    first.terminate();
+    QVERIFY(first.waitForFinished(10000));
+    QCOMPARE(first.exitCode(), 0);
 
     // --version answers without any window or socket.
     QProcess version;
