@@ -6,6 +6,7 @@
 #include "testsupport.h"
 
 #include <QGuiApplication>
+#include <QMimeData>
 #include <QQmlApplicationEngine>
 #include <QQmlContext>
 #include <QQmlExpression>
@@ -14,7 +15,6 @@
 #include <QQuickWindow>
 #include <QScreen>
 #include <QSettings>
-#include <QMimeData>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QtQml/qqmlextensionplugin.h>
@@ -223,15 +223,14 @@ void TestMainWindow::dropsAddLinks_data()
     QTest::addColumn<QString>("links");
     QTest::addColumn<QString>("log");
 
-    QTest::newRow("text on the links box") << u"text"_s << u"linksEditor"_s
-                                           << u"https://a.example/1\nhttps://b.example/2"_s
-                                           << u"从拖放收到 2 个链接（未采用：1 行不是链接）"_s;
-    QTest::newRow("URL list beside the box") << u"urls"_s << u"startButton"_s
-                                             << u"https://a.example/1\nhttps://b.example/2"_s
-                                             << u"从拖放收到 2 个链接"_s;
-    QTest::newRow("text file with one 10 MB line") << u"file"_s << u"linksEditor"_s
-                                                   << u"https://a.example/1\nhttps://b.example/2"_s
-                                                   << u"从拖放收到 2 个链接（未采用：1 行过长）"_s;
+    QTest::newRow("text on the links box")
+        << u"text"_s << u"linksEditor"_s << u"https://a.example/1\nhttps://b.example/2"_s
+        << u"从拖放收到 2 个链接（未采用：1 行不是链接）"_s;
+    QTest::newRow("URL list beside the box")
+        << u"urls"_s << u"startButton"_s << u"https://a.example/1\nhttps://b.example/2"_s << u"从拖放收到 2 个链接"_s;
+    QTest::newRow("text file with one 10 MB line")
+        << u"file"_s << u"linksEditor"_s << u"https://a.example/1\nhttps://b.example/2"_s
+        << u"从拖放收到 2 个链接（未采用：1 行过长）"_s;
     QTest::newRow("an option is text") << u"optionText"_s << u"linksEditor"_s << QString()
                                        << u"从拖放收到 0 个链接（未采用：1 行不是链接）"_s;
 }
