@@ -598,17 +598,14 @@ Rectangle {
                             onToggled: AppState.watchClipboard = checked
                         }
                     }
-                    ClipboardWatcher {
-                        id: clipboardWatcher
-                    }
                     Caption {
-                        text: clipboardWatcher.seesBackgroundCopies
+                        text: Desktop.seesBackgroundCopies
                             ? "复制的文字里有新链接时，下载页上方会提示添加；不会自动开始下载。"
                             : "复制的文字里有新链接时，下载页上方会提示添加。在 Wayland 下只能看到 Quillbox 在前台时复制的内容。"
                     }
 
                     Caption {
-                        text: "把下面的书签拖到浏览器的书签栏（或新建书签并粘贴为网址）；在视频页面点它，页面链接就会加入 Quillbox 的链接框。"
+                        text: "复制下面的书签，在浏览器中新建一个书签并把它粘贴为网址；在视频页面点这个书签，页面链接就会加入 Quillbox 的链接框。"
                     }
                     RowLayout {
                         Layout.fillWidth: true

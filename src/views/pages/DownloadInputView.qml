@@ -179,7 +179,7 @@ Rectangle {
                             textFormat: Text.PlainText
                             color: Theme.text
                             font.pixelSize: Theme.caption
-                            elide: Text.ElideRight
+                            wrapMode: Text.Wrap
                         }
                         TextButton {
                             objectName: "clipboardAddButton"

@@ -30,11 +30,6 @@ ClipboardWatcher::ClipboardWatcher(AppState *state, TaskModel *tasks, QObject *p
     }
 }
 
-bool ClipboardWatcher::seesBackgroundCopies()
-{
-    return QGuiApplication::platformName() != u"wayland";
-}
-
 void ClipboardWatcher::look()
 {
     if (!m_state || !m_state->watchClipboard())

@@ -15,16 +15,12 @@ class ClipboardWatcher : public QObject
     Q_OBJECT
     QML_ELEMENT
     Q_PROPERTY(QStringList offered READ offered NOTIFY offeredChanged)
-    // Whether the window hears of copies made in other applications while it is behind them:
-    // not under Wayland, where only what is copied while Quillbox is in front is seen.
-    Q_PROPERTY(bool seesBackgroundCopies READ seesBackgroundCopies CONSTANT)
 
 public:
     explicit ClipboardWatcher(QObject *parent = nullptr);
     ClipboardWatcher(AppState *state, TaskModel *tasks, QObject *parent = nullptr);
 
     QStringList offered() const { return m_offered; }
-    static bool seesBackgroundCopies();
 
     // The offered links join the box; the log says they came from the clipboard.
     Q_INVOKABLE void add();
