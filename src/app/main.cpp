@@ -2,6 +2,7 @@
 #include "app/buildinfo.h"
 #include "app/cjkfont.h"
 #include "app/commandline.h"
+#include "app/interfacelanguage.h"
 #include "app/firstframe.h"
 #include "app/qmlsetup.h"
 #include "app/rendererchoice.h"
@@ -67,7 +68,7 @@ int main(int argc, char *argv[])
     // Before the first window: software drawing where the machine's OpenGL is software anyway.
     RendererChoice::applyAtStart();
     AppLifecycle::quitOnTerminationSignals();
-    AppLifecycle::loadQtTranslations();
+    InterfaceLanguage::instance()->applyAtStart();
 
     DownloadManager::deferDiscovery();
     AppLifecycle lifecycle(DownloadManager::instance());

@@ -1,4 +1,5 @@
 #include "app/applifecycle.h"
+#include "app/interfacelanguage.h"
 #include "app/qmlsetup.h"
 #include "app/rendererchoice.h"
 #include "model/appstate.h"
@@ -305,7 +306,7 @@ void TestMainWindow::undoBringsBackClearedLinks()
 // draws itself (which its catalogues lack) read in Chinese, whatever the locale.
 void TestMainWindow::qtTextsAreChinese()
 {
-    AppLifecycle::loadQtTranslations();
+    InterfaceLanguage::instance()->applyAtStart();
     QCOMPARE(QCoreApplication::translate("QPlatformTheme", "Cancel"), u"取消"_s);
     QCOMPARE(QCoreApplication::translate("FileDialog", "Filter"), u"文件类型"_s);
 }
