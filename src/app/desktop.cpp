@@ -115,6 +115,11 @@ QString Desktop::showInFolder(const QString &path)
     return startOpener(path, true, { folder });
 }
 
+bool Desktop::seesBackgroundCopies()
+{
+    return QGuiApplication::platformName() != u"wayland";
+}
+
 QString Desktop::clipboardText() const
 {
     return QGuiApplication::clipboard()->text();

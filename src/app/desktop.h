@@ -14,6 +14,9 @@ class Desktop : public QObject
     Q_PROPERTY(QFont fixedFont READ fixedFont CONSTANT)
     Q_PROPERTY(QString version READ version CONSTANT)
     Q_PROPERTY(QUrl homePage READ homePage CONSTANT)
+    // Whether the application hears of copies made in other applications while it is behind
+    // them: not under Wayland, where only what is copied while Quillbox is in front is seen.
+    Q_PROPERTY(bool seesBackgroundCopies READ seesBackgroundCopies CONSTANT)
 
 public:
     using QObject::QObject;
@@ -39,6 +42,7 @@ public:
     QFont fixedFont() const;
     QString version() const;
     QUrl homePage() const;
+    static bool seesBackgroundCopies();
 
     // What an opener's failure means to the user: `path` is a file or a folder, `output` what the
     // opener printed on its error output.

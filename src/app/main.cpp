@@ -1,9 +1,11 @@
 #include "app/applifecycle.h"
 #include "app/buildinfo.h"
 #include "app/cjkfont.h"
+#include "app/commandline.h"
 #include "app/firstframe.h"
 #include "app/qmlsetup.h"
 #include "app/rendererchoice.h"
+#include "app/singleinstance.h"
 #include "engine/downloadmanager.h"
 #include "model/appstate.h"
 #include "notify/notifier.h"
@@ -11,15 +13,54 @@
 
 #include <QGuiApplication>
 #include <QIcon>
+#include <QLockFile>
 #include <QQmlApplicationEngine>
 #include <QQuickStyle>
 #include <QQuickWindow>
 #include <QtQml/qqmlextensionplugin.h>
 
+#include <cstdio>
+
 Q_IMPORT_QML_PLUGIN(QuillboxPlugin)
+
+using namespace Qt::StringLiterals;
 
 int main(int argc, char *argv[])
 {
+    QStringList arguments;
+    for (int i = 1; i < argc; ++i)
+        arguments << QString::fromLocal8Bit(argv[i]);
+    const CommandLine line = CommandLine::parse(arguments);
+    switch (line.action) {
+    case CommandLine::Action::Help:
+        std::fputs(CommandLine::helpText().toLocal8Bit().constData(), stdout);
+        return 0;
+    case CommandLine::Action::Version:
+        std::printf("Quillbox %s\n", QuillboxVersion);
+        return 0;
+    case CommandLine::Action::Refused:
+        std::fprintf(stderr, "%s\n", line.error.toLocal8Bit().constData());
+        return 2;
+    case CommandLine::Action::Run:
+        break;
+    }
+    // A Quillbox already running takes the links and shows its window; this one is done.
+    const Handover handover { line.start, line.texts,
+        line.fromUrls ? QStringLiteral("链接") : QStringLiteral("命令行") };
+    QLockFile instanceLock(SingleInstance::lockPath());
+    switch (SingleInstance::startOrHandOver(handover.encode(), instanceLock)) {
+    case SingleInstance::Start::Run:
+        break;
+    case SingleInstance::Start::HandedOver:
+        return 0;
+    case SingleInstance::Start::Silent:
+        std::fputs("Quillbox 已在运行，但没有回应；链接已交给它，它恢复后会收到。\n", stderr);
+        return 1;
+    case SingleInstance::Start::Busy:
+        std::fputs("另一个 Quillbox 正在启动，但没有回应；链接没有交出。\n", stderr);
+        return 1;
+    }
+
     if (!AppLifecycle::checkDisplay())
         return 1;
 
@@ -40,6 +81,13 @@ int main(int argc, char *argv[])
     RendererChoice::applyAtStart();
     AppLifecycle::quitOnTerminationSignals();
     AppLifecycle::loadQtTranslations();
+    // On macOS the quillbox:// link that started Quillbox arrives as an event while the window is
+    // still loading: kept until there is a window to take it.
+    LinkOpenFilter opened;
+    app.installEventFilter(&opened);
+    QList<Handover> openedEarly;
+    const QMetaObject::Connection keepEarly = QObject::connect(
+        &opened, &LinkOpenFilter::received, &app, [&openedEarly](const Handover &given) { openedEarly << given; });
 
     DownloadManager::deferDiscovery();
     AppLifecycle lifecycle(DownloadManager::instance());
@@ -53,6 +101,26 @@ int main(int argc, char *argv[])
     lifecycle.restoreQueueAfterFirstFrame(window.get(), QueueMemory::instance());
     QObject::connect(QueueMemory::instance(), &QueueMemory::restored, &reportMoment);
     lifecycle.attachMainWindow(window.get());
+    // Later starts hand their links over here; this start's own go the same way.
+    InstanceServer instance;
+    const auto take = [window = window.get()](const Handover &given) {
+        AppState::instance()->receiveLinks(given.texts, given.from, given.start);
+        window->show();
+        window->raise();
+        window->requestActivate();
+    };
+    QObject::connect(&instance, &InstanceServer::received, AppState::instance(), take);
+    QObject::disconnect(keepEarly);
+    QObject::connect(&opened, &LinkOpenFilter::received, AppState::instance(), take);
+    QObject::connect(&instance, &InstanceServer::refused, AppState::instance(), [](const QString &why) {
+        AppState::instance()->addLog(u"已拒绝一个交给 Quillbox 链接的连接：%1"_s.arg(why), LogEntry::LogType::Warning);
+    });
+    if (!instance.listen())
+        qWarning("Quillbox: cannot listen for later starts: %s", qPrintable(instance.errorString()));
+    if (!line.texts.isEmpty())
+        AppState::instance()->receiveLinks(line.texts, handover.from, line.start);
+    for (const Handover &given : std::as_const(openedEarly))
+        take(given);
     // Once the tools are known, the newest yt-dlp release is looked for (at most once a day).
     ToolKeeper *keeper = DownloadManager::instance()->keeper();
     QObject::connect(

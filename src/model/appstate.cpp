@@ -1,6 +1,7 @@
 #include "model/appstate.h"
 
 #include "engine/privatefiles.h"
+#include "model/linkinput.h"
 
 #include <QDir>
 #include <QMetaObject>
@@ -61,6 +62,8 @@ void AppState::loadPreferences()
             return false;
         return std::nullopt;
     };
+    if (const auto clipboard = readSwitch(WatchClipboardKey))
+        setWatchClipboard(*clipboard);
     if (const auto playlist = readSwitch(DownloadPlaylistKey))
         setDownloadPlaylist(*playlist);
     if (const auto cookies = readSwitch(UseCookiesKey))
@@ -196,6 +199,34 @@ bool assign(AppState *state, T &member, const T &value, Signal changed)
 void AppState::setUrlInput(const QString &value)
 {
     assign(this, m_urlInput, value, &AppState::urlInputChanged);
+}
+
+void AppState::setWatchClipboard(bool value)
+{
+    if (assign(this, m_watchClipboard, value, &AppState::watchClipboardChanged))
+        remember(WatchClipboardKey, value);
+}
+
+int AppState::receiveLinks(const QStringList &texts, const QString &from, bool start)
+{
+    const LinkInput input = readLinkInput(texts.join(u'\n'));
+    QStringList left;
+    if (!input.rejected.isEmpty())
+        left << u"%1 行不是链接"_s.arg(input.rejected.size());
+    if (input.tooLong > 0)
+        left << u"%1 行过长"_s.arg(input.tooLong);
+    if (input.overLimit > 0)
+        left << u"%1 个链接超过 %2 个的上限"_s.arg(input.overLimit).arg(MaxLinks);
+    addLog(u"从%1收到 %2 个链接"_s.arg(from).arg(input.links.size())
+            + (left.isEmpty() ? QString() : u"（未采用：%1）"_s.arg(left.join(u"，"_s))),
+        input.links.isEmpty() ? LogEntry::LogType::Warning : LogEntry::LogType::Info);
+    if (input.links.isEmpty())
+        return 0;
+    if (start)
+        Q_EMIT linksToStart(input.links);
+    else
+        setUrlInput(withAddedText(m_urlInput, input.links.join(u'\n')));
+    return int(input.links.size());
 }
 
 void AppState::setDownloadQueue(const QList<DownloadTask> &value)

@@ -31,6 +31,8 @@ class AppState : public LogSink, public CookieSettings
     Q_PROPERTY(QString cookiePath READ cookiePath WRITE setCookiePath NOTIFY cookiePathChanged)
     Q_PROPERTY(QString cookieSource READ cookieSource WRITE setCookieSource NOTIFY cookieSourceChanged)
     Q_PROPERTY(bool downloadPlaylist READ downloadPlaylist WRITE setDownloadPlaylist NOTIFY downloadPlaylistChanged)
+    // "监视剪贴板": copied links are offered for the box (off by default).
+    Q_PROPERTY(bool watchClipboard READ watchClipboard WRITE setWatchClipboard NOTIFY watchClipboardChanged)
     Q_PROPERTY(bool notifyOnFinish READ notifyOnFinish WRITE setNotifyOnFinish NOTIFY notifyOnFinishChanged)
     Q_PROPERTY(bool showSettings READ showSettings WRITE setShowSettings NOTIFY showSettingsChanged)
     Q_PROPERTY(int selectedTab READ selectedTab WRITE setSelectedTab NOTIFY selectedTabChanged)
@@ -50,6 +52,7 @@ public:
     static constexpr auto CookiePathKey = "cookiePath";
     static constexpr auto SelectedPresetKey = "selectedPreset";
     static constexpr auto DownloadPlaylistKey = "downloadPlaylist";
+    static constexpr auto WatchClipboardKey = "watchClipboard";
     static constexpr auto UseCookiesKey = "useCookies";
     static constexpr auto CookieSourceKey = "cookieSource";
     // Whether a download that ends while the window is in the background is announced.
@@ -86,6 +89,11 @@ public:
 
     QString urlInput() const { return m_urlInput; }
     void setUrlInput(const QString &value);
+    // Links from outside the box (the command line, a quillbox:// link, a second start, a file):
+    // read with the box's rule and its limits; the log says how many came `from` where and what
+    // was left out. Without `start` they join the box; with it they go to linksToStart() for the
+    // form to queue. Returns how many links were taken.
+    Q_INVOKABLE int receiveLinks(const QStringList &texts, const QString &from, bool start = false);
     QList<DownloadTask> downloadQueue() const { return m_downloadQueue; }
     void setDownloadQueue(const QList<DownloadTask> &value);
     DownloadPreset selectedPreset() const { return m_selectedPreset; }
@@ -105,6 +113,8 @@ public:
     QString cookieSource() const override { return m_cookieSource; }
     void setCookieSource(const QString &value);
     bool downloadPlaylist() const { return m_downloadPlaylist; }
+    bool watchClipboard() const { return m_watchClipboard; }
+    void setWatchClipboard(bool value);
     void setDownloadPlaylist(bool value);
     bool notifyOnFinish() const { return m_notifyOnFinish; }
     void setNotifyOnFinish(bool value);
@@ -129,6 +139,7 @@ public:
 
 Q_SIGNALS:
     void urlInputChanged();
+    void linksToStart(const QStringList &links);
     void downloadQueueChanged();
     void selectedPresetChanged();
     void customArgumentsChanged();
@@ -138,6 +149,7 @@ Q_SIGNALS:
     void cookiePathChanged();
     void cookieSourceChanged();
     void downloadPlaylistChanged();
+    void watchClipboardChanged();
     void notifyOnFinishChanged();
     void showSettingsChanged();
     void selectedTabChanged();
@@ -169,6 +181,7 @@ private:
     QString m_cookiePath;
     QString m_cookieSource = QLatin1String(CookieSourceNames::DefaultBrowser);
     bool m_downloadPlaylist = true;
+    bool m_watchClipboard = false;
     bool m_notifyOnFinish = true;
     bool m_showSettings = false;
     int m_selectedTab = 0;

@@ -51,12 +51,18 @@ LinkInput readLinkInput(const QString &input)
 {
     LinkInput result;
     for (const QString &line : input.split(lineBreaks())) {
+        if (line.size() > MaxLineLength) {
+            ++result.tooLong;
+            continue;
+        }
         QStringList others;
         for (const QString &word : wordsOf(line)) {
-            if (isLink(word))
+            if (!isLink(word))
+                others << word;
+            else if (result.links.size() < MaxLinks)
                 result.links << word;
             else
-                others << word;
+                ++result.overLimit;
         }
         if (!others.isEmpty())
             result.rejected << others.join(u' ');

@@ -10,7 +10,15 @@ struct LinkInput
 {
     QStringList links;
     QStringList rejected; // per line, the words that are not links, joined by a space
+    // Lines left out for being longer than MaxLineLength, and links past MaxLinks.
+    int tooLong = 0;
+    int overLimit = 0;
 };
+
+// What any way in takes at once: a line longer than this is left out whole (10 MB on one line is
+// nobody's list of links), and links past the limit are left out.
+constexpr qsizetype MaxLineLength = 8192;
+constexpr qsizetype MaxLinks = 10000;
 
 // One or more links per line: lines are split at any line break and into words at spaces and
 // tabs. A word is a link when it has a scheme ("https://…") or a dot-separated host

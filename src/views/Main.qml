@@ -82,6 +82,7 @@ ApplicationWindow {
         onAboutRequested: aboutDialog.open()
         onPreferencesRequested: AppState.showSettings = true
         onNewDownloadRequested: mainView.newDownload()
+        onImportLinksRequested: mainView.importLinks()
         onEditRequested: command => root.editCommand(command)
         onZoomRequested: root.toggleZoom()
     }

@@ -16,7 +16,7 @@ QtObject {
         { title: "Quillbox", entries: root.onMac
               ? [root.about, null, root.preferences, null, root.hide, root.hideOthers, root.showAll, null, root.quit]
               : [root.about, null, root.preferences, null, root.quit] },
-        { title: "文件", entries: [root.newDownload, null, root.closeWindow] },
+        { title: "文件", entries: [root.newDownload, root.importLinks, null, root.closeWindow] },
         { title: "编辑", entries: [root.undo, root.redo, null, root.cut, root.copy, root.paste, root.selectAll] },
         { title: "窗口", entries: [root.minimize, root.zoom, null, root.bringAllToFront] }
     ]
@@ -26,6 +26,7 @@ QtObject {
     signal aboutRequested
     signal preferencesRequested
     signal newDownloadRequested
+    signal importLinksRequested
     signal editRequested(string command)
     signal zoomRequested
 
@@ -69,6 +70,11 @@ QtObject {
         text: "新建下载任务"
         keys: "Ctrl+N"
         onTriggered: root.newDownloadRequested()
+    }
+    readonly property MenuAction importLinks: MenuAction {
+        text: "从文件导入链接…"
+        keys: "Ctrl+O"
+        onTriggered: root.importLinksRequested()
     }
     readonly property MenuAction closeWindow: MenuAction {
         text: "关闭窗口"

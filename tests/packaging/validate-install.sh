@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Installs the build into a temporary root and checks what a desktop reads there: the launcher
 # entry and the AppStream metadata pass the freedesktop validators, the entry starts a program
-# that was installed, and the icon it names is there as SVG and at every PNG size, each PNG as
+# that was installed and handles quillbox:// links, and the icon it names is there as SVG and at every PNG size, each PNG as
 # large as the folder it is in says.
 # Usage: validate-install.sh BUILD_DIR APP_ID
 set -euo pipefail
@@ -30,6 +30,10 @@ fi
 appstreamcli validate --no-net --explain "$metainfo" || fail "appstreamcli validate $metainfo"
 grep -q "<launchable type=\"desktop-id\">$app_id.desktop</launchable>" "$metainfo" \
     || fail "the metadata does not launch $app_id.desktop"
+
+# quillbox:// links open Quillbox, which takes them as its arguments.
+grep -qx 'MimeType=x-scheme-handler/quillbox;' "$desktop" || fail "the entry does not handle quillbox:// links"
+grep -qx 'Exec=quillbox %U' "$desktop" || fail "the entry's Exec does not take the links (%U)"
 
 program=$(sed -n 's/^Exec=\([^ ]*\).*/\1/p' "$desktop")
 [ -x "$root/usr/bin/$program" ] || fail "Exec=$program is not installed in /usr/bin"

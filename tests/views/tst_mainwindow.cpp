@@ -6,6 +6,7 @@
 #include "testsupport.h"
 
 #include <QGuiApplication>
+#include <QMimeData>
 #include <QQmlApplicationEngine>
 #include <QQmlContext>
 #include <QQmlExpression>
@@ -15,6 +16,7 @@
 #include <QScreen>
 #include <QSettings>
 #include <QSignalSpy>
+#include <QTemporaryDir>
 #include <QtQml/qqmlextensionplugin.h>
 #include <QtTest>
 
@@ -35,6 +37,8 @@ private Q_SLOTS:
     void menusAsDesigned();
     void menuKeysDoWhatTheySay();
     void undoBringsBackClearedLinks();
+    void dropsAddLinks_data();
+    void dropsAddLinks();
     void qtTextsAreChinese();
     void rendererChosen_data();
     void rendererChosen();
@@ -163,7 +167,7 @@ void TestMainWindow::menusAsDesigned()
     }
     QCOMPARE(menus,
         QStringList({ u"Quillbox: 关于 Quillbox | 偏好设置...(Ctrl+,) | 退出 Quillbox(Ctrl+Q)"_s,
-            u"文件: 新建下载任务(Ctrl+N) | 关闭窗口(Ctrl+W)"_s,
+            u"文件: 新建下载任务(Ctrl+N) 从文件导入链接…(Ctrl+O) | 关闭窗口(Ctrl+W)"_s,
             u"编辑: 撤销(Ctrl+Z) 重做(Ctrl+Shift+Z) | 剪切(Ctrl+X) 复制(Ctrl+C) 粘贴(Ctrl+V) 全选(Ctrl+A)"_s,
             u"窗口: 最小化(Ctrl+M) 缩放 | 全部置于顶层"_s }));
 
@@ -212,6 +216,72 @@ void TestMainWindow::menuKeysDoWhatTheySay()
 }
 
 // "清空" is an edit of the links, so the edit menu's "撤销" brings them back.
+void TestMainWindow::dropsAddLinks_data()
+{
+    QTest::addColumn<QString>("kind");
+    QTest::addColumn<QString>("target");
+    QTest::addColumn<QString>("links");
+    QTest::addColumn<QString>("log");
+
+    QTest::newRow("text on the links box")
+        << u"text"_s << u"linksEditor"_s << u"https://a.example/1\nhttps://b.example/2"_s
+        << u"从拖放收到 2 个链接（未采用：1 行不是链接）"_s;
+    QTest::newRow("URL list beside the box")
+        << u"urls"_s << u"startButton"_s << u"https://a.example/1\nhttps://b.example/2"_s << u"从拖放收到 2 个链接"_s;
+    QTest::newRow("text file with one 10 MB line")
+        << u"file"_s << u"linksEditor"_s << u"https://a.example/1\nhttps://b.example/2"_s
+        << u"从拖放收到 2 个链接（未采用：1 行过长）"_s;
+    QTest::newRow("an option is text") << u"optionText"_s << u"linksEditor"_s << QString()
+                                       << u"从拖放收到 0 个链接（未采用：1 行不是链接）"_s;
+}
+
+// A drag from another program, entered, moved over and dropped where a person would let go.
+void TestMainWindow::dropsAddLinks()
+{
+    QFETCH(QString, kind);
+    QFETCH(QString, target);
+    QFETCH(QString, links);
+    QFETCH(QString, log);
+
+    const MainWindow main(true);
+    AppState::instance()->setUrlInput({});
+    QTemporaryDir dir;
+    QMimeData data;
+    if (kind == u"text") {
+        data.setText(u"https://a.example/1\nnot a link\nhttps://b.example/2"_s);
+    } else if (kind == u"urls") {
+        data.setUrls({ QUrl(u"https://a.example/1"_s), QUrl(u"https://b.example/2"_s) });
+    } else if (kind == u"file") {
+        QFile file(dir.filePath(u"links.txt"_s));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write("https://a.example/1\n" + QByteArray(10 * 1024 * 1024, 'x') + "\nhttps://b.example/2\n");
+        file.close();
+        data.setUrls({ QUrl::fromLocalFile(file.fileName()) });
+    } else {
+        data.setText(u"--exec 'rm -rf ~'"_s);
+    }
+
+    auto *item = main.window->findChild<QQuickItem *>(target);
+    QVERIFY(item);
+    const QPoint at = item->mapToScene(QPointF(item->width() / 2, item->height() / 2)).toPoint();
+    QDragEnterEvent enter(at, Qt::CopyAction, &data, Qt::LeftButton, {});
+    QCoreApplication::sendEvent(main.window, &enter);
+    QVERIFY(enter.isAccepted());
+    QDragMoveEvent move(at, Qt::CopyAction, &data, Qt::LeftButton, {});
+    QCoreApplication::sendEvent(main.window, &move);
+    QDropEvent drop(at, Qt::CopyAction, &data, Qt::LeftButton, {});
+    QCoreApplication::sendEvent(main.window, &drop);
+    QVERIFY(drop.isAccepted());
+
+    QCOMPARE(AppState::instance()->urlInput(), links);
+    // The log is written on the next turn of the event loop.
+    const auto lastLog = [] {
+        const QList<LogEntry> entries = AppState::instance()->logEntries();
+        return entries.isEmpty() ? QString() : entries.constLast().message;
+    };
+    QTRY_COMPARE(lastLog(), log);
+}
+
 void TestMainWindow::undoBringsBackClearedLinks()
 {
     const MainWindow main(true);

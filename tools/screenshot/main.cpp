@@ -3,13 +3,15 @@
 //     quillbox_screenshot OUT.png [--yt-dlp PATH] [--scenario DIR] [--settings] [--wait MS]
 //                         [--size WxH] [--log] [--tab N] [--stop N] [--select ROW]
 //                         [--focus ROW] [--copied ROW] [--info ROW] [--setting KEY=VALUE]...
-//                         [--custom-arguments TEXT] [--links TEXT] [--click NAME]... [--show NAME]
+//                         [--custom-arguments TEXT] [--links TEXT] [--copy TEXT] [--click NAME]...
+//                         [--show NAME]
 // With --yt-dlp the window uses that yt-dlp; with --scenario it also starts the downloads listed
 // in DIR/downloads.txt (one "URL" per line), so the queue shows tasks in their states; with
 // --settings the settings sheet is open; --tab shows that sidebar entry's page (0 downloads,
 // 1 presets, 2 cookies); each --setting is stored before the window reads its settings
 // ("cookiePath=/tmp/c.txt"); --custom-arguments fills the custom preset's text and --links the
-// links box (in a folder of the sandbox; "\\n" parts the links). Then, half-way
+// links box (in a folder of the sandbox; "\\n" parts the links); --copy puts the text on the
+// clipboard once the window is up, as another program would. Then, half-way
 // through the wait, --stop stops the first N tasks, and a little later the queue's row ROW (from
 // 0) is selected, has the keyboard focus as Tab gives it, shows that its link was copied, or has
 // its video information opened in the sheet. Each --click presses the button of that object name,
@@ -26,6 +28,7 @@
 #include "model/appstate.h"
 #include "store/queuememory.h"
 
+#include <QClipboard>
 #include <QCommandLineParser>
 #include <QDir>
 #include <QFile>
@@ -121,7 +124,8 @@ int main(int argc, char *argv[])
     const QCommandLineOption setting(u"setting"_s, u"store a setting first"_s, u"key=value"_s);
     const QCommandLineOption links(u"links"_s, u"text for the links box (\\n between links)"_s, u"text"_s);
     const QCommandLineOption customArguments(u"custom-arguments"_s, u"the custom preset's text"_s, u"text"_s);
-    parser.addOption(links);
+    const QCommandLineOption copy(u"copy"_s, u"text copied once the window is up (\\n between lines)"_s, u"text"_s);
+    parser.addOptions({ links, copy });
     parser.addOptions({ ytDlp, scenario, wait, maxDownloads, settings, size, log, tab, stop, select, focus, copied,
         info, click, setting, customArguments, show });
     parser.addHelpOption();
@@ -176,6 +180,10 @@ int main(int argc, char *argv[])
         AppState::instance()->setShowSettings(true);
 
     const int waitMs = parser.value(wait).toInt();
+    if (parser.isSet(copy)) {
+        QTimer::singleShot(waitMs / 4, &app,
+            [text = parser.value(copy).replace(u"\\n"_s, u"\n"_s)] { QGuiApplication::clipboard()->setText(text); });
+    }
     QTimer::singleShot(waitMs / 2, &app, [&] {
         const QList<DownloadTask> tasks = DownloadManager::instance()->tasks();
         for (qsizetype i = 0; i < std::min<qsizetype>(parser.value(stop).toInt(), tasks.size()); ++i)

@@ -576,6 +576,66 @@ Rectangle {
                     }
                 }
 
+                // A bookmark for the browser's bar: clicked on a page, it opens quillbox:// with the
+                // page's address, which the launcher entry hands to Quillbox.
+                SettingsGroup {
+                    objectName: "browserGroup"
+                    Layout.fillWidth: true
+                    title: "从别处添加链接"
+                    symbol: "arrow.up.right.square"
+
+                    RowLayout {
+                        Layout.fillWidth: true
+                        Text {
+                            Layout.fillWidth: true
+                            text: "监视剪贴板"
+                            color: Theme.text
+                            font.pixelSize: Theme.body
+                        }
+                        ToggleSwitch {
+                            objectName: "watchClipboardSwitch"
+                            checked: AppState.watchClipboard
+                            onToggled: AppState.watchClipboard = checked
+                        }
+                    }
+                    Caption {
+                        text: Desktop.seesBackgroundCopies
+                            ? "复制的文字里有新链接时，下载页上方会提示添加；不会自动开始下载。"
+                            : "复制的文字里有新链接时，下载页上方会提示添加。在 Wayland 下只能看到 Quillbox 在前台时复制的内容。"
+                    }
+
+                    Caption {
+                        text: "复制下面的书签，在浏览器中新建一个书签并把它粘贴为网址；在视频页面点这个书签，页面链接就会加入 Quillbox 的链接框。"
+                    }
+                    RowLayout {
+                        Layout.fillWidth: true
+                        spacing: Theme.spacingMedium
+                        Text {
+                            objectName: "bookmarkletText"
+                            Layout.fillWidth: true
+                            text: presenter.bookmarklet
+                            textFormat: Text.PlainText
+                            color: Theme.gray
+                            font.family: Theme.fixedFont.family
+                            font.pixelSize: Theme.caption
+                            elide: Text.ElideRight
+                        }
+                        TextButton {
+                            id: copyBookmarklet
+
+                            property bool copied: false
+
+                            objectName: "copyBookmarkletButton"
+                            text: copied ? "已复制" : "复制书签"
+                            symbol: copied ? "checkmark" : "doc.on.doc"
+                            onClicked: {
+                                Desktop.setClipboardText(presenter.bookmarklet)
+                                copied = true
+                            }
+                        }
+                    }
+                }
+
                 Item {
                     implicitHeight: 0
                 }

@@ -20,6 +20,11 @@ Rectangle {
         links.addDropped(urls, text)
     }
 
+    // Asks for a text file whose links join the box.
+    function importLinks() {
+        linksFileDialog.open()
+    }
+
     // The form from its top, the cursor in the links box.
     function focusLinks() {
         scroller.contentItem.contentY = 0
@@ -56,6 +61,15 @@ Rectangle {
             const message = count === 1 ? "这个链接已在队列中，要再加入一次吗？"
                                         : "这 %1 个链接都已在队列中，要再加入一次吗？".arg(count)
             repeatDialog.open({ message: message, confirmText: "再次加入", destructive: false })
+        }
+    }
+
+    // Links from outside the window that are to be queued at once ("quillbox --start …").
+    Connections {
+        target: AppState
+
+        function onLinksToStart(links: list<string>) {
+            inputPresenter.startLinks(links)
         }
     }
 
@@ -131,6 +145,54 @@ Rectangle {
                     color: Theme.text
                     font.pixelSize: Theme.title2
                     font.weight: Font.DemiBold
+                }
+
+                // Links just copied elsewhere, offered while "监视剪贴板" is on; nothing is added
+                // without a click.
+                Rectangle {
+                    objectName: "clipboardBar"
+                    Layout.fillWidth: true
+                    visible: clipboard.offered.length > 0
+                    implicitHeight: clipboardRow.implicitHeight + 2 * Theme.spacingMedium
+                    radius: Theme.radius
+                    color: Theme.raised
+                    border.color: Theme.accent
+
+                    ClipboardWatcher {
+                        id: clipboard
+                    }
+
+                    RowLayout {
+                        id: clipboardRow
+
+                        anchors.fill: parent
+                        anchors.margins: Theme.spacingMedium
+                        spacing: Theme.spacing
+                        Icon {
+                            symbol: "doc.on.clipboard"
+                            color: Theme.accent
+                            size: Theme.body
+                        }
+                        Text {
+                            Layout.fillWidth: true
+                            text: "剪贴板中有 %1 个新链接".arg(clipboard.offered.length)
+                            textFormat: Text.PlainText
+                            color: Theme.text
+                            font.pixelSize: Theme.caption
+                            wrapMode: Text.Wrap
+                        }
+                        TextButton {
+                            objectName: "clipboardAddButton"
+                            text: "添加 %1 个链接".arg(clipboard.offered.length)
+                            tint: Theme.accent
+                            onClicked: clipboard.add()
+                        }
+                        TextButton {
+                            objectName: "clipboardIgnoreButton"
+                            text: "忽略"
+                            onClicked: clipboard.ignore()
+                        }
+                    }
                 }
 
                 LinksEditor {
@@ -419,6 +481,23 @@ Rectangle {
 
         objectName: "repeatDialog"
         source: "dialogs/ConfirmDialog.qml"
+    }
+
+    OnDemand {
+        id: linksFileDialog
+
+        objectName: "linksFileDialog"
+        source: "dialogs/LinksFileDialog.qml"
+    }
+
+    Connections {
+        target: linksFileDialog.item
+        ignoreUnknownSignals: true
+
+        function onChosen(path: string) {
+            if (inputPresenter.importFile(path) > 0)
+                links.focusEditor()
+        }
     }
 
     OnDemand {

@@ -30,6 +30,12 @@ Item {
         inputView.focusLinks()
     }
 
+    // "从文件导入链接…": the download page, and the file dialog over it.
+    function importLinks() {
+        root.newDownload()
+        inputView.importLinks()
+    }
+
     Component.onCompleted: root.installationCheck = DownloadManager.checkInstallation()
 
     VideoInfoPresenter {

@@ -7,6 +7,9 @@
 #include "model/taskmodel.h"
 #include "views/presenters/formatpicker.h"
 
+#include <QFile>
+#include <QFileInfo>
+
 #include <algorithm>
 
 using namespace Qt::StringLiterals;
@@ -59,9 +62,25 @@ bool InputPresenter::alreadyQueued(const QStringList &links) const
 
 void InputPresenter::startDownload(bool again)
 {
+    if (m_state)
+        startText(m_state->urlInput(), again);
+}
+
+void InputPresenter::startLinks(const QStringList &links)
+{
+    // Into the box as well, where links stay after a start: a start that cannot go ahead (the
+    // form has an error, the playlist question is dismissed) loses none of them.
+    if (m_state)
+        m_state->setUrlInput(withAddedText(m_state->urlInput(), links.join(u'\n')));
+    startText(links.join(u'\n'), true);
+}
+
+void InputPresenter::startText(const QString &text, bool again)
+{
     if (!m_state || !m_downloads)
         return;
-    if (m_state->urlInput().isEmpty()) {
+    m_text = text;
+    if (text.isEmpty()) {
         setNotices({}, u"请先输入视频链接"_s);
         return;
     }
@@ -73,7 +92,7 @@ void InputPresenter::startDownload(bool again)
         setNotices(m_rejectedLines, u"下载选项："_s + problem);
         return;
     }
-    const LinkInput input = readLinkInput(m_state->urlInput());
+    const LinkInput input = readLinkInput(text);
     if (!again && alreadyQueued(input.links)) {
         Q_EMIT repeatAsked(int(input.links.size()));
         return;
@@ -129,7 +148,14 @@ void InputPresenter::startDownload(bool again)
         m_queuedIds.append(tasks.at(i).id);
     if (!listed.isEmpty())
         m_playlistPicker->list(listed, options);
-    setNotices(input.rejected, input.links.isEmpty() ? u"没有可以下载的链接"_s : QString());
+    QStringList skipped;
+    if (input.tooLong > 0)
+        skipped << u"%1 行超过 %2 个字符，已跳过"_s.arg(input.tooLong).arg(MaxLineLength);
+    if (input.overLimit > 0)
+        skipped << u"%1 个链接超过一次 %2 个的上限，已跳过"_s.arg(input.overLimit).arg(MaxLinks);
+    if (input.links.isEmpty())
+        skipped.prepend(u"没有可以下载的链接"_s);
+    setNotices(input.rejected, skipped.join(u'；'));
 
     m_isLoading = false;
     Q_EMIT isLoadingChanged();
@@ -140,7 +166,7 @@ void InputPresenter::startDownload(bool again)
 void InputPresenter::answerPlaylistQuestion(bool wholeList)
 {
     m_wholeLists = wholeList;
-    startDownload(true);
+    startText(m_text, true);
 }
 
 void InputPresenter::listFormats()
@@ -175,10 +201,55 @@ bool InputPresenter::paste(const QString &text)
 
 bool InputPresenter::dropLinks(const QList<QUrl> &urls, const QString &text)
 {
-    QStringList links;
-    for (const QUrl &url : urls)
-        links << (url.isLocalFile() ? url.toLocalFile() : url.toString());
-    return paste(links.isEmpty() ? text.trimmed() : links.join(u'\n'));
+    if (!m_state)
+        return false;
+    // A dropped text file is read for its links; any other file or address is a link itself.
+    QStringList texts;
+    for (const QUrl &url : urls) {
+        if (!url.isLocalFile()) {
+            // Encoded as it was given: a decoded "%20" would part one link into two words.
+            texts << url.toString(QUrl::FullyEncoded);
+        } else if (const QString file = url.toLocalFile(); isTextFile(file)) {
+            texts << readTextFile(file);
+        } else {
+            texts << file;
+        }
+    }
+    if (urls.isEmpty())
+        texts << text;
+    if (m_state->receiveLinks(texts, u"拖放"_s) > 0)
+        return true;
+    setNotices(m_rejectedLines, u"拖放的内容中没有链接"_s);
+    return false;
+}
+
+bool InputPresenter::isTextFile(const QString &path)
+{
+    static const QStringList suffixes { u"txt"_s, u"list"_s, u"csv"_s, u"md"_s };
+    return QFileInfo(path).isFile() && suffixes.contains(QFileInfo(path).suffix().toLower());
+}
+
+QString InputPresenter::readTextFile(const QString &path)
+{
+    // Links are short: the first 16 MiB of a file are all that is read.
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    return QString::fromUtf8(file.read(16 * 1024 * 1024));
+}
+
+int InputPresenter::importFile(const QString &path)
+{
+    if (!m_state)
+        return 0;
+    if (!QFileInfo(path).isReadable()) {
+        setNotices(m_rejectedLines, u"无法读取文件：%1"_s.arg(path));
+        return 0;
+    }
+    const int taken = m_state->receiveLinks({ readTextFile(path) }, u"文件 %1 "_s.arg(QFileInfo(path).fileName()));
+    if (taken == 0)
+        setNotices(m_rejectedLines, u"文件中没有链接：%1"_s.arg(QFileInfo(path).fileName()));
+    return taken;
 }
 
 QString InputPresenter::rejectedNotice() const

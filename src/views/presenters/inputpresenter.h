@@ -61,6 +61,9 @@ public:
     // link that also names a list is first asked about (playlistQuestionAsked()), and any other
     // link goes to the playlist picker to be listed.
     Q_INVOKABLE void startDownload(bool again = false);
+    // startDownload for `links` (from outside the box: the command line, a quillbox:// link),
+    // never asked about as a repeat.
+    Q_INVOKABLE void startLinks(const QStringList &links);
     // The answer to playlistQuestionAsked(): the whole list, or only the video, for each such
     // link of the editor; the start then goes on.
     Q_INVOKABLE void answerPlaylistQuestion(bool wholeList);
@@ -70,7 +73,11 @@ public:
     // Adds `text` to the editor on a line of its own; false when there was nothing to add.
     Q_INVOKABLE bool paste(const QString &text);
     // Adds dropped links (or text) to the editor, one per line, as pasting does.
+    // A dropped text file (.txt, .list, .csv, .md) gives the links in it. Every way in goes
+    // through the box's rule (AppState::receiveLinks), and the log says how many came.
     Q_INVOKABLE bool dropLinks(const QList<QUrl> &urls, const QString &text);
+    // "从文件导入链接…": the links in the text file at `path` join the box; how many.
+    Q_INVOKABLE int importFile(const QString &path);
 
 Q_SIGNALS:
     void isLoadingChanged();
@@ -87,6 +94,9 @@ Q_SIGNALS:
     void playlistQuestionAsked(int count);
 
 private:
+    void startText(const QString &text, bool again);
+    static bool isTextFile(const QString &path);
+    static QString readTextFile(const QString &path);
     void setListingFormats(bool value);
     void setNotices(const QStringList &rejectedLines, const QString &startNotice);
     void checkCustomArguments();
@@ -107,4 +117,6 @@ private:
     PlaylistPicker *m_playlistPicker;
     // The answer to the playlist question, for the start it was asked for.
     std::optional<bool> m_wholeLists;
+    // The text the last start read, for its answer to the playlist question.
+    QString m_text;
 };

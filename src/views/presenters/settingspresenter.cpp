@@ -1,5 +1,6 @@
 #include "settingspresenter.h"
 
+#include "app/commandline.h"
 #include "engine/downloadmanager.h"
 #include "engine/shellrunner.h"
 
@@ -98,4 +99,9 @@ void SettingsPresenter::setUpdateResult(const QString &value, const QString &adv
     m_updateResult = value;
     m_updateAdvice = advice;
     Q_EMIT updateResultChanged();
+}
+
+QString SettingsPresenter::bookmarklet()
+{
+    return quillboxBookmarklet();
 }

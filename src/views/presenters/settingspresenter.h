@@ -17,6 +17,8 @@ class SettingsPresenter : public QObject
     Q_OBJECT
     QML_ELEMENT
     Q_PROPERTY(bool isChecking READ isChecking NOTIFY isCheckingChanged)
+    // The bookmark that sends the browser's page to Quillbox.
+    Q_PROPERTY(QString bookmarklet READ bookmarklet CONSTANT)
     Q_PROPERTY(bool isUpdating READ isUpdating NOTIFY isUpdatingChanged)
     Q_PROPERTY(QString updateResult READ updateResult NOTIFY updateResultChanged)
     Q_PROPERTY(QString updateAdvice READ updateAdvice NOTIFY updateResultChanged)
@@ -35,6 +37,7 @@ public:
 
     // Runs `path --version` through the shell. Only isChecking shows it: the answer is neither
     // shown nor stored.
+    static QString bookmarklet();
     Q_INVOKABLE void verifyPath(const QString &path);
     // Updates yt-dlp; updateResult says "正在更新..." until the engine's answer replaces it.
     // Pressing again while one runs starts another.

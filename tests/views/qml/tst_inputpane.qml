@@ -35,6 +35,52 @@ ViewTestCase {
         stopDownloads()
     }
 
+    // "监视剪贴板": a copy with new links offers them above the box; adding takes them, ignoring
+    // drops the offer, and what is already in the box is not offered. Off, nothing is offered.
+    function test_clipboardOffer() {
+        const bar = child("clipboardBar")
+        AppState.watchClipboard = false
+        Desktop.setClipboardText("https://copied.example/0")
+        wait(50)
+        verify(!bar.visible)
+        AppState.watchClipboard = true
+        // Words the links box would take, but nobody copies as links.
+        Desktop.setClipboardText("alice@example.com report.pdf TODO:fix")
+        wait(50)
+        verify(!bar.visible)
+        AppState.urlInput = "https://copied.example/1"
+        Desktop.setClipboardText("https://copied.example/1 and https://copied.example/2 https://copied.example/3")
+        tryVerify(() => bar.visible)
+        compare(child("clipboardAddButton").text, "添加 2 个链接")
+        mouseClick(child("clipboardAddButton"))
+        verify(!bar.visible)
+        compare(AppState.urlInput, "https://copied.example/1\nhttps://copied.example/2\nhttps://copied.example/3")
+        Desktop.setClipboardText("https://copied.example/4")
+        tryVerify(() => bar.visible)
+        mouseClick(child("clipboardIgnoreButton"))
+        verify(!bar.visible)
+        compare(AppState.urlInput, "https://copied.example/1\nhttps://copied.example/2\nhttps://copied.example/3")
+        AppState.watchClipboard = false
+    }
+
+    // "从文件导入链接…" opens the file dialog over the download page; the chosen file's links join
+    // the box, and a file without any says so.
+    function test_importLinksFromFile() {
+        AppState.selectedTab = 1
+        const file = TestHelper.tempDir() + "/import.txt"
+        TestHelper.writeFile(file, "https://import.example/1\nnot a link\nimport.example/2\n")
+        view.importLinks()
+        compare(AppState.selectedTab, 0)
+        const dialog = child("linksFileDialog")
+        tryVerify(() => dialog.item !== null && dialog.item.visible)
+        dialog.item.chosen(file)
+        compare(AppState.urlInput, "https://import.example/1\nimport.example/2")
+        dialog.item.close()
+        TestHelper.writeFile(file, "nothing here\n")
+        dialog.item.chosen(file)
+        compare(child("startNotice").text, "文件中没有链接：import.txt")
+    }
+
     // Without a JavaScript runtime YouTube would fail: the download page says so, and "修复"
     // opens the settings.
     function test_toolchainNoticeOpensTheSettings() {
