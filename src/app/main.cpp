@@ -44,7 +44,7 @@ int main(int argc, char *argv[])
         break;
     }
     // A Quillbox already running takes the links and shows its window; this one is done.
-    const Handover handover { line.start, line.texts, QStringLiteral("命令行") };
+    const Handover handover { line.start, line.texts, QString::fromUtf8(QT_TRANSLATE_NOOP("Handover", "命令行")) };
     if (SingleInstance::handOver(handover.encode()))
         return 0;
 
@@ -84,7 +84,7 @@ int main(int argc, char *argv[])
     // Later starts hand their links over here; this start's own go the same way.
     InstanceServer instance;
     const auto take = [window = window.get()](const Handover &given) {
-        AppState::instance()->receiveLinks(given.texts, given.from, given.start);
+        AppState::instance()->receiveLinks(given.texts, given.fromText(), given.start);
         window->show();
         window->raise();
         window->requestActivate();
@@ -94,12 +94,14 @@ int main(int argc, char *argv[])
     app.installEventFilter(&opened);
     QObject::connect(&opened, &LinkOpenFilter::received, AppState::instance(), take);
     QObject::connect(&instance, &InstanceServer::refused, AppState::instance(), [](const QString &why) {
-        AppState::instance()->addLog(u"已拒绝一个交给 Quillbox 链接的连接：%1"_s.arg(why), LogEntry::LogType::Warning);
+        AppState::instance()->addLog(
+            QCoreApplication::translate("InstanceServer", "已拒绝一个交给 Quillbox 链接的连接：%1").arg(why),
+            LogEntry::LogType::Warning);
     });
     if (!instance.listen())
         qWarning("Quillbox: cannot listen for later starts: %s", qPrintable(instance.errorString()));
     if (!line.texts.isEmpty())
-        AppState::instance()->receiveLinks(line.texts, handover.from, line.start);
+        AppState::instance()->receiveLinks(line.texts, handover.fromText(), line.start);
     // Once the tools are known, the newest yt-dlp release is looked for (at most once a day).
     ToolKeeper *keeper = DownloadManager::instance()->keeper();
     QObject::connect(

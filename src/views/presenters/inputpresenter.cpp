@@ -77,7 +77,7 @@ void InputPresenter::startText(const QString &text, bool again)
         return;
     m_text = text;
     if (text.isEmpty()) {
-        setNotices({}, u"请先输入视频链接"_s);
+        setNotices({}, tr("请先输入视频链接"));
         return;
     }
     if (!m_customArgumentsError.isEmpty()) {
@@ -85,7 +85,7 @@ void InputPresenter::startText(const QString &text, bool again)
         return;
     }
     if (const QString problem = m_state->downloadChoices().problem(); !problem.isEmpty()) {
-        setNotices(m_rejectedLines, u"下载选项："_s + problem);
+        setNotices(m_rejectedLines, tr("下载选项：%1").arg(problem));
         return;
     }
     const LinkInput input = readLinkInput(text);
@@ -144,7 +144,7 @@ void InputPresenter::startText(const QString &text, bool again)
         m_queuedIds.append(tasks.at(i).id);
     if (!listed.isEmpty())
         m_playlistPicker->list(listed, options);
-    setNotices(input.rejected, input.links.isEmpty() ? u"没有可以下载的链接"_s : QString());
+    setNotices(input.rejected, input.links.isEmpty() ? tr("没有可以下载的链接") : QString());
 
     m_isLoading = false;
     Q_EMIT isLoadingChanged();
@@ -205,7 +205,8 @@ bool InputPresenter::dropLinks(const QList<QUrl> &urls, const QString &text)
     }
     if (urls.isEmpty())
         texts << text;
-    return m_state->receiveLinks(texts, u"拖放"_s) > 0;
+    //: Where links came from, in "从%1收到 %n 个链接"
+    return m_state->receiveLinks(texts, tr("拖放")) > 0;
 }
 
 bool InputPresenter::isTextFile(const QString &path)
@@ -228,18 +229,20 @@ int InputPresenter::importFile(const QString &path)
     if (!m_state)
         return 0;
     if (!QFileInfo(path).isReadable()) {
-        setNotices(m_rejectedLines, u"无法读取文件：%1"_s.arg(path));
+        setNotices(m_rejectedLines, tr("无法读取文件：%1").arg(path));
         return 0;
     }
-    const int taken = m_state->receiveLinks({ readTextFile(path) }, u"文件 %1 "_s.arg(QFileInfo(path).fileName()));
+    //: Where links came from, in "从%1收到 %n 个链接": a file and its name
+    const QString from = tr("文件 %1 ").arg(QFileInfo(path).fileName());
+    const int taken = m_state->receiveLinks({ readTextFile(path) }, from);
     if (taken == 0)
-        setNotices(m_rejectedLines, u"文件中没有链接：%1"_s.arg(QFileInfo(path).fileName()));
+        setNotices(m_rejectedLines, tr("文件中没有链接：%1").arg(QFileInfo(path).fileName()));
     return taken;
 }
 
 QString InputPresenter::rejectedNotice() const
 {
-    return m_rejectedLines.isEmpty() ? QString() : u"不是有效的链接："_s + m_rejectedLines.join(u'\n');
+    return m_rejectedLines.isEmpty() ? QString() : tr("不是有效的链接：%1").arg(m_rejectedLines.join(u'\n'));
 }
 
 void InputPresenter::setNotices(const QStringList &rejectedLines, const QString &startNotice)
