@@ -37,12 +37,12 @@ void SettingsPresenter::updateYtDlp()
     if (!m_downloads)
         return;
     setUpdating(true);
-    setUpdateResult(tr("正在更新..."), {}, Tint::Orange);
+    setUpdateResult(tr("正在更新..."));
     m_downloads->updateYtDlp([self = QPointer(this)](const UpdateResult &result) {
         if (!self)
             return;
         self->setUpdating(false);
-        self->setUpdateResult(result.text, result.advice, tintForUpdateResult(result));
+        self->setUpdateResult(result.text, result.advice);
     });
 }
 
@@ -75,12 +75,12 @@ void SettingsPresenter::resetToAutoDetect()
         QSettings().remove(QLatin1String(DownloadManager::CustomYtDlpPathKey));
 }
 
-Tint SettingsPresenter::tintForUpdateResult(const UpdateResult &result)
+Tint SettingsPresenter::tintForUpdateResult(const QString &result)
 {
-    // The engine's mark, whatever the language of the words after it; and yt-dlp's own word for
-    // a copy that needed no update, which it may say with a failing status.
-    if (result.text.startsWith(u"✅") || result.text.contains(u"up-to-date"))
+    if (result.contains(u"成功") || result.contains(u"up-to-date") || result.contains(u"最新"))
         return Tint::Green;
+    if (result.contains(u"正在"))
+        return Tint::Orange;
     return Tint::Red;
 }
 
@@ -92,13 +92,12 @@ void SettingsPresenter::setUpdating(bool value)
     Q_EMIT isUpdatingChanged();
 }
 
-void SettingsPresenter::setUpdateResult(const QString &value, const QString &advice, Tint tint)
+void SettingsPresenter::setUpdateResult(const QString &value, const QString &advice)
 {
-    if (m_updateResult == value && m_updateAdvice == advice && m_updateResultTint == tint)
+    if (m_updateResult == value && m_updateAdvice == advice)
         return;
     m_updateResult = value;
     m_updateAdvice = advice;
-    m_updateResultTint = tint;
     Q_EMIT updateResultChanged();
 }
 

@@ -8,7 +8,6 @@
 #include <QtQml/qqmlregistration.h>
 
 class DownloadManager;
-struct UpdateResult;
 
 // What the settings sheet does besides binding to the engine: probes a typed yt-dlp path, runs
 // the update and keeps its result, and puts tool discovery back to automatic. Built with the
@@ -34,7 +33,7 @@ public:
     bool isUpdating() const { return m_isUpdating; }
     QString updateResult() const { return m_updateResult; }
     QString updateAdvice() const { return m_updateAdvice; }
-    Tint updateResultTint() const { return m_updateResultTint; }
+    Tint updateResultTint() const { return tintForUpdateResult(m_updateResult); }
 
     // Runs `path --version` through the shell. Only isChecking shows it: the answer is neither
     // shown nor stored.
@@ -48,9 +47,9 @@ public:
     // Forgets the stored custom path and looks for yt-dlp again, using what it finds at once.
     Q_INVOKABLE void resetToAutoDetect();
 
-    // The colour of a finished update's message: green when it worked or yt-dlp was up to date
-    // already, red otherwise. While the update runs, its message is orange.
-    static Tint tintForUpdateResult(const UpdateResult &result);
+    // The colour of an update message: the first of "成功", "up-to-date", "最新" (green) and
+    // "正在" (orange) that it contains; red otherwise.
+    static Tint tintForUpdateResult(const QString &result);
 
 Q_SIGNALS:
     void isCheckingChanged();
@@ -59,12 +58,11 @@ Q_SIGNALS:
 
 private:
     void setUpdating(bool value);
-    void setUpdateResult(const QString &value, const QString &advice, Tint tint);
+    void setUpdateResult(const QString &value, const QString &advice = {});
 
     QPointer<DownloadManager> m_downloads;
     int m_checks = 0;
     bool m_isUpdating = false;
     QString m_updateResult;
     QString m_updateAdvice;
-    Tint m_updateResultTint = Tint::Red;
 };
