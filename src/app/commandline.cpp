@@ -4,8 +4,8 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QRegularExpression>
 #include <QUrl>
-#include <QUrlQuery>
 #include <QtEndian>
 
 using namespace Qt::StringLiterals;
@@ -13,14 +13,63 @@ using namespace Qt::StringLiterals;
 namespace {
 constexpr char Magic[] = "QBX1";
 constexpr qsizetype HeaderBytes = 8;
+
+// The options QGuiApplication takes out of the arguments itself: with a value, and without.
+bool isQtOption(QStringView argument, bool *takesValue)
+{
+    static const QStringList withValue { u"platform"_s, u"platformpluginpath"_s, u"platformtheme"_s, u"plugin"_s,
+        u"qwindowgeometry"_s, u"qwindowicon"_s, u"qwindowtitle"_s, u"style"_s, u"stylesheet"_s, u"session"_s,
+        u"display"_s, u"name"_s, u"geometry"_s, u"title"_s, u"visual"_s, u"fontengine"_s, u"dialogs"_s };
+    static const QStringList alone { u"reverse"_s, u"nograb"_s, u"dograb"_s, u"sync"_s, u"widgetcount"_s,
+        u"testability"_s };
+    QStringView name = argument.startsWith(u"--") ? argument.mid(2) : argument.mid(1);
+    if (name.startsWith(u"qmljsdebugger=") || name.startsWith(u"style=") || name.startsWith(u"platform=")) {
+        *takesValue = false;
+        return true;
+    }
+    *takesValue = withValue.contains(name);
+    return *takesValue || alone.contains(name);
+}
+
+int hexValue(char c)
+{
+    if (c >= '0' && c <= '9')
+        return c - '0';
+    if ((c | 0x20) >= 'a' && (c | 0x20) <= 'f')
+        return (c | 0x20) - 'a' + 10;
+    return -1;
+}
+
+// "%XX" decoded where XX is hexadecimal; any other "%" is kept as it is. "+" stays "+".
+QString percentDecoded(const QByteArray &text)
+{
+    QByteArray bytes;
+    bytes.reserve(text.size());
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        const int high = i + 2 < text.size() && text[i] == '%' ? hexValue(text[i + 1]) : -1;
+        const int low = high >= 0 ? hexValue(text[i + 2]) : -1;
+        if (low >= 0) {
+            bytes += char(high * 16 + low);
+            i += 2;
+        } else {
+            bytes += text[i];
+        }
+    }
+    return QString::fromUtf8(bytes);
+}
 } // namespace
 
 CommandLine CommandLine::parse(const QStringList &arguments)
 {
     CommandLine line;
     bool options = true;
+    bool typed = false;
+    bool skipValue = false;
     for (const QString &argument : arguments) {
-        if (options && argument == u"--") {
+        bool takesValue = false;
+        if (skipValue) {
+            skipValue = false;
+        } else if (options && argument == u"--") {
             options = false;
         } else if (options && (argument == u"--help" || argument == u"-h")) {
             line.action = Action::Help;
@@ -30,6 +79,8 @@ CommandLine CommandLine::parse(const QStringList &arguments)
             return line;
         } else if (options && argument == u"--start") {
             line.start = true;
+        } else if (options && (argument.startsWith(u"-psn_") || isQtOption(argument, &takesValue))) {
+            skipValue = takesValue;
         } else if (options && argument.startsWith(u'-')) {
             line.action = Action::Refused;
             line.error = QCoreApplication::translate("CommandLine", "未知的选项：%1（quillbox --help 列出可用的选项）")
@@ -39,8 +90,10 @@ CommandLine CommandLine::parse(const QStringList &arguments)
             line.texts << linksOfQuillboxUrl(argument);
         } else {
             line.texts << argument;
+            typed = true;
         }
     }
+    line.fromUrls = !typed && !line.texts.isEmpty();
     return line;
 }
 
@@ -58,13 +111,18 @@ QString CommandLine::helpText()
 
 QStringList linksOfQuillboxUrl(const QString &address)
 {
-    const QUrl url(address, QUrl::StrictMode);
-    if (!url.isValid() || url.scheme().compare(u"quillbox", Qt::CaseInsensitive) != 0
-        || (url.host() != u"add" && url.path() != u"add" && url.path() != u"//add"))
+    // Read by hand rather than by QUrl, which in its tolerant mode takes one badly escaped value
+    // ("%zz") for a sign that nothing was escaped, and so decodes none of the others.
+    static const QRegularExpression form(
+        u"^quillbox:(?://)?add/?\\?([^#]*)"_s, QRegularExpression::CaseInsensitiveOption);
+    const QRegularExpressionMatch match = form.match(address);
+    if (!match.hasMatch())
         return {};
     QStringList links;
-    for (const QString &value : QUrlQuery(url).allQueryItemValues(u"url"_s, QUrl::FullyDecoded)) {
-        if (!value.isEmpty())
+    for (const QStringView item : QStringView(match.capturedView(1)).split(u'&')) {
+        if (!item.startsWith(u"url="))
+            continue;
+        if (const QString value = percentDecoded(item.mid(4).toUtf8()); !value.isEmpty())
             links << value;
     }
     return links;

@@ -20,8 +20,11 @@ struct CommandLine
     QStringList texts;
     // Why the command line was refused.
     QString error;
+    // Every link came in a quillbox:// URL (the desktop opened one), not typed as an argument.
+    bool fromUrls = false;
 
-    // `arguments` without the program's name. "--" ends the options.
+    // `arguments` without the program's name. "--" ends the options. Qt's own options ("-style
+    // Fusion", "-session ID" from a session manager) and macOS's "-psn_…" are left to Qt.
     static CommandLine parse(const QStringList &arguments);
     static QString helpText();
 };

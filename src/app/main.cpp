@@ -13,6 +13,7 @@
 
 #include <QGuiApplication>
 #include <QIcon>
+#include <QLockFile>
 #include <QQmlApplicationEngine>
 #include <QQuickStyle>
 #include <QQuickWindow>
@@ -44,9 +45,29 @@ int main(int argc, char *argv[])
         break;
     }
     // A Quillbox already running takes the links and shows its window; this one is done.
-    const Handover handover { line.start, line.texts, QString::fromUtf8(QT_TRANSLATE_NOOP("Handover", "命令行")) };
-    if (SingleInstance::handOver(handover.encode()))
+    const Handover handover { line.start, line.texts,
+        QString::fromUtf8(
+            line.fromUrls ? QT_TRANSLATE_NOOP("Handover", "链接") : QT_TRANSLATE_NOOP("Handover", "命令行")) };
+    QLockFile instanceLock(SingleInstance::lockPath());
+    switch (SingleInstance::startOrHandOver(handover.encode(), instanceLock)) {
+    case SingleInstance::Start::Run:
+        break;
+    case SingleInstance::Start::HandedOver:
         return 0;
+    case SingleInstance::Start::Silent:
+        std::fputs(QCoreApplication::translate(
+                       "CommandLine", "Quillbox 已在运行，但没有回应；链接已交给它，它恢复后会收到。\n")
+                       .toLocal8Bit()
+                       .constData(),
+            stderr);
+        return 1;
+    case SingleInstance::Start::Busy:
+        std::fputs(QCoreApplication::translate("CommandLine", "另一个 Quillbox 正在启动，但没有回应；链接没有交出。\n")
+                       .toLocal8Bit()
+                       .constData(),
+            stderr);
+        return 1;
+    }
 
     if (!AppLifecycle::checkDisplay())
         return 1;
@@ -68,6 +89,13 @@ int main(int argc, char *argv[])
     RendererChoice::applyAtStart();
     AppLifecycle::quitOnTerminationSignals();
     AppLifecycle::loadQtTranslations();
+    // On macOS the quillbox:// link that started Quillbox arrives as an event while the window is
+    // still loading: kept until there is a window to take it.
+    LinkOpenFilter opened;
+    app.installEventFilter(&opened);
+    QList<Handover> openedEarly;
+    const QMetaObject::Connection keepEarly = QObject::connect(
+        &opened, &LinkOpenFilter::received, &app, [&openedEarly](const Handover &given) { openedEarly << given; });
 
     DownloadManager::deferDiscovery();
     AppLifecycle lifecycle(DownloadManager::instance());
@@ -90,8 +118,7 @@ int main(int argc, char *argv[])
         window->requestActivate();
     };
     QObject::connect(&instance, &InstanceServer::received, AppState::instance(), take);
-    LinkOpenFilter opened;
-    app.installEventFilter(&opened);
+    QObject::disconnect(keepEarly);
     QObject::connect(&opened, &LinkOpenFilter::received, AppState::instance(), take);
     QObject::connect(&instance, &InstanceServer::refused, AppState::instance(), [](const QString &why) {
         AppState::instance()->addLog(
@@ -102,6 +129,8 @@ int main(int argc, char *argv[])
         qWarning("Quillbox: cannot listen for later starts: %s", qPrintable(instance.errorString()));
     if (!line.texts.isEmpty())
         AppState::instance()->receiveLinks(line.texts, handover.fromText(), line.start);
+    for (const Handover &given : std::as_const(openedEarly))
+        take(given);
     // Once the tools are known, the newest yt-dlp release is looked for (at most once a day).
     ToolKeeper *keeper = DownloadManager::instance()->keeper();
     QObject::connect(

@@ -1,10 +1,13 @@
 #include "app/singleinstance.h"
 
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
+#include <QFileInfo>
 #include <QFileOpenEvent>
 #include <QLocalServer>
 #include <QLocalSocket>
+#include <QLockFile>
 #include <QStandardPaths>
 #include <QTimer>
 
@@ -59,19 +62,24 @@ QString SingleInstance::socketPath()
     return folder + u"/quillbox-instance"_s;
 }
 
-bool SingleInstance::handOver(const QByteArray &message, const QString &path, int timeoutMs)
+QString SingleInstance::lockPath()
+{
+    return socketPath() + u".lock"_s;
+}
+
+SingleInstance::Answer SingleInstance::handOver(const QByteArray &message, const QString &path, int timeoutMs)
 {
     const QByteArray name = QFile::encodeName(path);
     sockaddr_un address {};
     if (name.size() >= qsizetype(sizeof address.sun_path))
-        return false;
+        return Answer::NotRunning;
     address.sun_family = AF_UNIX;
     std::memcpy(address.sun_path, name.constData(), size_t(name.size()));
     const int fd = ::socket(AF_UNIX, SOCK_STREAM, 0);
     if (fd < 0)
-        return false;
+        return Answer::NotRunning;
     ::fcntl(fd, F_SETFD, FD_CLOEXEC);
-    bool taken = false;
+    Answer answered = Answer::NotRunning;
     if (::connect(fd, reinterpret_cast<sockaddr *>(&address), sizeof address) == 0) {
         qsizetype sent = 0;
         while (sent < message.size() && waitFor(fd, POLLOUT, timeoutMs)) {
@@ -81,11 +89,38 @@ bool SingleInstance::handOver(const QByteArray &message, const QString &path, in
             sent += std::max<ssize_t>(written, 0);
         }
         char answer = 0;
-        taken
-            = sent == message.size() && waitFor(fd, POLLIN, timeoutMs) && ::read(fd, &answer, 1) == 1 && answer == 'K';
+        answered
+            = sent == message.size() && waitFor(fd, POLLIN, timeoutMs) && ::read(fd, &answer, 1) == 1 && answer == 'K'
+            ? Answer::Taken
+            : Answer::Silent;
     }
     ::close(fd);
-    return taken;
+    return answered;
+}
+
+SingleInstance::Start SingleInstance::startOrHandOver(const QByteArray &message, QLockFile &lock, int patienceMs)
+{
+    QDir().mkpath(QFileInfo(lock.fileName()).path());
+    // Never stale by age: only a holder that no longer runs gives the lock up.
+    lock.setStaleLockTime(0);
+    QElapsedTimer waited;
+    waited.start();
+    for (;;) {
+        switch (handOver(message)) {
+        case Answer::Taken:
+            return Start::HandedOver;
+        case Answer::Silent:
+            // Sent again, the links could arrive twice once the first wakes up.
+            return Start::Silent;
+        case Answer::NotRunning:
+            break;
+        }
+        if (lock.tryLock(0))
+            return Start::Run;
+        if (waited.elapsed() > patienceMs)
+            return Start::Busy;
+        ::usleep(50 * 1000);
+    }
 }
 
 bool LinkOpenFilter::eventFilter(QObject *watched, QEvent *event)
@@ -95,8 +130,8 @@ bool LinkOpenFilter::eventFilter(QObject *watched, QEvent *event)
     const QUrl url = static_cast<QFileOpenEvent *>(event)->url();
     if (url.scheme() != u"quillbox")
         return QObject::eventFilter(watched, event);
-    Q_EMIT received(Handover {
-        false, linksOfQuillboxUrl(url.toString()), QString::fromUtf8(QT_TRANSLATE_NOOP("Handover", "链接")) });
+    Q_EMIT received(Handover { false, linksOfQuillboxUrl(url.toString(QUrl::FullyEncoded)),
+        QString::fromUtf8(QT_TRANSLATE_NOOP("Handover", "链接")) });
     return true;
 }
 
@@ -116,7 +151,7 @@ bool InstanceServer::listen(const QString &path)
 {
     QDir().mkpath(QFileInfo(path).path());
     if (!m_server->listen(path)) {
-        // A file left by a run that died: nobody answers there, so it is ours to take.
+        // A file left by a run that died: the one who listens holds the lock, so it is ours.
         QLocalServer::removeServer(path);
         if (!m_server->listen(path)) {
             m_error = m_server->errorString();

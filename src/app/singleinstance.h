@@ -7,6 +7,7 @@
 #include <QString>
 
 class QLocalServer;
+class QLockFile;
 class QLocalSocket;
 
 // One Quillbox per user: the first start listens on a local socket in the user's runtime folder
@@ -15,9 +16,25 @@ class QLocalSocket;
 namespace SingleInstance {
 // The socket's path for this user.
 QString socketPath();
-// Hands `message` to the Quillbox listening at `path`; true once it has said it took them. Plain
-// POSIX calls, so that it needs no application object and costs a start nothing when none runs.
-bool handOver(const QByteArray &message, const QString &path = socketPath(), int timeoutMs = 1000);
+enum class Answer {
+    Taken, // the running Quillbox said it took the links
+    NotRunning, // nobody listens at the socket
+    Silent, // the message went out but no answer came in time: it may still be taken later
+};
+// Hands `message` to the Quillbox listening at `path`. Plain POSIX calls, so that it needs no
+// application object and costs a start nothing when none runs.
+Answer handOver(const QByteArray &message, const QString &path = socketPath(), int timeoutMs = 1000);
+
+// What a start does: run as this user's one Quillbox (holding `lock` for the whole run), or stop
+// because the running one took the message (HandedOver), did not answer it (Silent), or held the
+// lock without ever listening within `patienceMs` (Busy).
+// The lock, a file beside the socket, decides which of two starts at the same moment runs; the
+// other hands its links over once the first listens (its window may still be loading), and takes
+// the lock itself should the first quit meanwhile.
+enum class Start { Run, HandedOver, Silent, Busy };
+Start startOrHandOver(const QByteArray &message, QLockFile &lock, int patienceMs = 20000);
+// The lock's path for this user.
+QString lockPath();
 } // namespace SingleInstance
 
 // On macOS a quillbox:// link opened elsewhere arrives as an event of the application, not as an

@@ -4,6 +4,7 @@
 #include "model/appstate.h"
 
 #include <QJSEngine>
+#include <QLocalSocket>
 #include <QProcess>
 #include <QSettings>
 #include <QSignalSpy>
@@ -27,6 +28,8 @@ private Q_SLOTS:
     void hostileLinksAreText();
     void bookmarkletSendsThePage();
     void secondStartHandsOver();
+    void refusedMessages_data();
+    void refusedMessages();
     void otherUsersCannotConnect();
 };
 
@@ -52,6 +55,12 @@ void TestSingleInstance::commandLine_data()
                                        << QStringList();
     QTest::newRow("another scheme's address")
         << QStringList { u"quillbox://remove?url=a.example"_s } << run << false << QStringList();
+    QTest::newRow("Qt's and macOS's own options are left to them")
+        << QStringList { u"-session"_s, u"10abc"_s, u"-psn_0_1234"_s, u"-style=Fusion"_s, u"a.example"_s } << run
+        << false << QStringList { u"a.example"_s };
+    QTest::newRow("a badly escaped value keeps the others, and %20 stays in its link")
+        << QStringList { u"quillbox://add?url=bad%zz&url=https%3A%2F%2Fa.example%2Fmy%2520video"_s } << run << false
+        << QStringList { u"bad%zz"_s, u"https://a.example/my%20video"_s };
 }
 
 void TestSingleInstance::commandLine()
@@ -146,11 +155,18 @@ void TestSingleInstance::secondStartHandsOver()
     environment.insert(u"QUILLBOX_RELEASES_URL"_s, u"http://127.0.0.1:9"_s);
     environment.insert(u"FAKE_YTDLP_ARGV_FILE"_s, argvFile);
 
-    QProcess first;
-    first.setProcessEnvironment(environment);
-    first.start(QStringLiteral(QUILLBOX_BINARY));
-    QVERIFY(first.waitForStarted());
-    QTRY_VERIFY_WITH_TIMEOUT(QFileInfo(runtime + u"/quillbox-instance"_s).exists(), 20000);
+    // Two starts at the same moment: one runs, the other hands its link over once it listens.
+    QProcess starts[2];
+    for (int i = 0; i < 2; ++i) {
+        starts[i].setProcessEnvironment(environment);
+        starts[i].start(QStringLiteral(QUILLBOX_BINARY), { u"--start"_s, u"https://c.example/%1"_s.arg(i) });
+    }
+    QTRY_VERIFY_WITH_TIMEOUT(
+        starts[0].state() == QProcess::NotRunning || starts[1].state() == QProcess::NotRunning, 20000);
+    QProcess &first = starts[0].state() == QProcess::NotRunning ? starts[1] : starts[0];
+    QProcess &racer = starts[0].state() == QProcess::NotRunning ? starts[0] : starts[1];
+    QCOMPARE(racer.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(racer.exitCode(), 0);
 
     QProcess second;
     second.setProcessEnvironment(environment);
@@ -161,12 +177,14 @@ void TestSingleInstance::secondStartHandsOver()
     QCOMPARE(second.exitCode(), 0);
     QCOMPARE(first.state(), QProcess::Running);
 
-    // The first start downloads both links with its current form; the hostile value is not run.
+    // The first start downloads every link with its current form; the hostile value is not run.
     const auto given = [&] {
         QFile file(argvFile);
         return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
     };
-    QTRY_VERIFY_WITH_TIMEOUT(given().contains("https://a.example/1") && given().contains("https://b.example/2"), 20000);
+    QTRY_VERIFY_WITH_TIMEOUT(given().contains("https://a.example/1") && given().contains("https://b.example/2")
+            && given().contains("https://c.example/0") && given().contains("https://c.example/1"),
+        20000);
     QVERIFY2(!given().contains("\"--exec\""), given().constData());
     QCOMPARE(first.state(), QProcess::Running);
     first.terminate();
@@ -181,25 +199,71 @@ void TestSingleInstance::secondStartHandsOver()
     QVERIFY(version.readAllStandardOutput().startsWith("Quillbox "));
 }
 
-// Another user cannot reach the socket, even where the file itself were open to it.
+void TestSingleInstance::refusedMessages_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::addColumn<QString>("why");
+    QTest::newRow("garbage") << QByteArray("\xff\x00garbage", 9) << u"无法读取的消息"_s;
+    QTest::newRow("a header that says 5 MiB") << QByteArray("QBX1\x00\x50\x00\x00", 8) << u"无法读取的消息"_s;
+    QTest::newRow("half a message, then silence") << QByteArray("QBX1\x00\x00\x00\x10{", 9) << u"消息不完整"_s;
+    QTest::newRow("silence") << QByteArray() << u"消息不完整"_s;
+}
+
+// What is not a whole message of ours is turned away, and the next start is still heard.
+void TestSingleInstance::refusedMessages()
+{
+    QFETCH(QByteArray, bytes);
+    QFETCH(QString, why);
+    QTemporaryDir runtime;
+    const QString path = runtime.filePath(u"quillbox-instance"_s);
+    InstanceServer server;
+    QVERIFY(server.listen(path));
+    QSignalSpy refused(&server, &InstanceServer::refused);
+    QSignalSpy received(&server, &InstanceServer::received);
+    QLocalSocket peer;
+    peer.connectToServer(path);
+    QVERIFY(peer.waitForConnected());
+    peer.write(bytes);
+    QTRY_COMPARE_WITH_TIMEOUT(refused.size(), 1, 5000);
+    QCOMPARE(refused.at(0).at(0).toString(), why);
+    QTRY_COMPARE(peer.state(), QLocalSocket::UnconnectedState);
+
+    QLocalSocket next;
+    next.connectToServer(path);
+    QVERIFY(next.waitForConnected());
+    next.write(Handover { false, { u"a.example"_s }, u"命令行"_s }.encode());
+    QTRY_COMPARE(received.size(), 1);
+    QCOMPARE(received.at(0).at(0).value<Handover>().texts, QStringList { u"a.example"_s });
+}
+
+// Another user is turned away by the server itself: here the folder and the socket are open to
+// everyone, so only the peer's user id keeps it out.
 void TestSingleInstance::otherUsersCannotConnect()
 {
     if (::getuid() != 0 || QStandardPaths::findExecutable(u"runuser"_s).isEmpty())
         QSKIP("needs root and runuser to act as another user");
     QTemporaryDir runtime;
-    QVERIFY(QFile::setPermissions(runtime.path(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
     const QString path = runtime.filePath(u"quillbox-instance"_s);
     InstanceServer server;
     QVERIFY(server.listen(path));
+    QSignalSpy refused(&server, &InstanceServer::refused);
+    QSignalSpy received(&server, &InstanceServer::received);
+    QVERIFY(QFile::setPermissions(
+        runtime.path(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner | QFile::ExeGroup | QFile::ExeOther));
+    QVERIFY(QFile::setPermissions(path, QFileDevice::Permissions(0x7777)));
     QProcess other;
     other.start(u"runuser"_s,
         { u"-u"_s, u"nobody"_s, u"--"_s, u"python3"_s, u"-c"_s,
-            u"import socket,sys\ns=socket.socket(socket.AF_UNIX)\ntry:\n s.connect(sys.argv[1])\nexcept OSError as "
-            u"e:\n "
-            "print(e.strerror); sys.exit(3)\nsys.exit(0)"_s,
+            u"import socket,sys\ns=socket.socket(socket.AF_UNIX)\ns.connect(sys.argv[1])\n"
+            "s.sendall(sys.stdin.buffer.read())\nprint(repr(s.recv(1)))"_s,
             path });
-    QVERIFY(other.waitForFinished(10000));
-    QCOMPARE(other.exitCode(), 3);
+    other.write(Handover { true, { u"a.example"_s }, u"命令行"_s }.encode());
+    other.closeWriteChannel();
+    QTRY_COMPARE_WITH_TIMEOUT(refused.size(), 1, 10000);
+    QVERIFY2(refused.at(0).at(0).toString().startsWith(u"另一个用户"_s), qPrintable(refused.at(0).at(0).toString()));
+    QTRY_COMPARE_WITH_TIMEOUT(other.state(), QProcess::NotRunning, 10000);
+    QCOMPARE(received.size(), 0);
+    QVERIFY(!other.readAllStandardOutput().contains("K"));
 }
 
 QTEST_GUILESS_MAIN(TestSingleInstance)

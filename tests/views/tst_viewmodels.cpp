@@ -306,7 +306,28 @@ void TestViewModels::pasteAndDrop()
     QVERIFY(presenter.dropLinks({ QUrl(u"https://a.example/1"_s), QUrl(u"https://a.example/2"_s) }, QString()));
     QVERIFY(presenter.dropLinks({}, u"  https://b.example/3\n"_s));
     QVERIFY(!presenter.dropLinks({}, u"  "_s));
-    QCOMPARE(engine->state.urlInput(), u"https://one\nhttps://a.example/1\nhttps://a.example/2\nhttps://b.example/3"_s);
+    QCOMPARE(presenter.startNotice(), u"拖放的内容中没有链接"_s);
+    // A dragged address keeps its escapes: "%20" is not a space parting it in two.
+    QVERIFY(presenter.dropLinks({ QUrl(u"https://a.example/my%20video"_s) }, QString()));
+    QCOMPARE(engine->state.urlInput(),
+        u"https://one\nhttps://a.example/1\nhttps://a.example/2\nhttps://b.example/3\nhttps://a.example/my%20video"_s);
+
+    // Links to start that cannot start yet (here the options have an error) wait in the box.
+    engine->state.setUrlInput(QString());
+    DownloadChoices broken = engine->state.downloadChoices();
+    broken.rateLimit = u"fast"_s;
+    engine->state.setDownloadChoices(broken);
+    presenter.startLinks({ u"https://e.example/6"_s });
+    QCOMPARE(engine->state.urlInput(), u"https://e.example/6"_s);
+    QVERIFY(presenter.startNotice().startsWith(u"下载选项："_s));
+    QCOMPARE(engine->manager->tasks().size(), 0);
+    engine->state.setDownloadChoices({});
+    // A line too long to be a link is said to be skipped, not dropped unseen.
+    engine->state.setDownloadPlaylist(false);
+    engine->state.setUrlInput(u"https://e.example/6\nhttps://f.example/"_s + QString(9000, u'x'));
+    presenter.startDownload(true);
+    QCOMPARE(engine->manager->tasks().size(), 1);
+    QCOMPARE(presenter.startNotice(), u"1 行超过 8192 个字符，已跳过"_s);
 
     // A text file, dropped or imported, gives its links; a line of 10 MB is left out whole.
     const QString file = engine->fixture.path(u"links.txt"_s);

@@ -47,8 +47,12 @@ void ClipboardWatcher::look()
             known.insert(task.url);
     }
     QStringList fresh;
+    // Only web addresses: a copied file name, e-mail address or "TODO:" passes the links box's
+    // rule (which leaves the judging to yt-dlp) but was not copied as a link.
     for (const QString &link : readLinkInput(text).links) {
-        if (!known.contains(link) && !fresh.contains(link))
+        const bool web
+            = link.startsWith(u"https://", Qt::CaseInsensitive) || link.startsWith(u"http://", Qt::CaseInsensitive);
+        if (web && !known.contains(link) && !fresh.contains(link))
             fresh << link;
     }
     setOffered(fresh);

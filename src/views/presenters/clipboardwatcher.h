@@ -8,8 +8,9 @@
 class AppState;
 class TaskModel;
 
-// "监视剪贴板": while AppState's switch is on, a copied text's links that are neither in the links
-// box nor in the queue are offered, to be added or ignored; nothing is added or started by itself.
+// "监视剪贴板": while AppState's switch is on, a copied text's web links (http, https) that are
+// neither in the links box nor in the queue are offered, to be added or ignored; nothing is added
+// or started by itself.
 class ClipboardWatcher : public QObject
 {
     Q_OBJECT

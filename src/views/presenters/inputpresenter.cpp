@@ -68,6 +68,10 @@ void InputPresenter::startDownload(bool again)
 
 void InputPresenter::startLinks(const QStringList &links)
 {
+    // Into the box as well, where links stay after a start: a start that cannot go ahead (the
+    // form has an error, the playlist question is dismissed) loses none of them.
+    if (m_state)
+        m_state->setUrlInput(withAddedText(m_state->urlInput(), links.join(u'\n')));
     startText(links.join(u'\n'), true);
 }
 
@@ -144,7 +148,16 @@ void InputPresenter::startText(const QString &text, bool again)
         m_queuedIds.append(tasks.at(i).id);
     if (!listed.isEmpty())
         m_playlistPicker->list(listed, options);
-    setNotices(input.rejected, input.links.isEmpty() ? tr("没有可以下载的链接") : QString());
+    QStringList skipped;
+    if (input.tooLong > 0)
+        skipped << tr("%n 行超过 %1 个字符，已跳过", nullptr, input.tooLong).arg(MaxLineLength);
+    if (input.overLimit > 0)
+        skipped << tr("%n 个链接超过一次 %1 个的上限，已跳过", nullptr, input.overLimit).arg(MaxLinks);
+    if (input.links.isEmpty())
+        skipped.prepend(tr("没有可以下载的链接"));
+    //: Between the notices of a list, as "；" is in Chinese
+    const QString separator = tr("；");
+    setNotices(input.rejected, skipped.join(separator));
 
     m_isLoading = false;
     Q_EMIT isLoadingChanged();
@@ -196,7 +209,8 @@ bool InputPresenter::dropLinks(const QList<QUrl> &urls, const QString &text)
     QStringList texts;
     for (const QUrl &url : urls) {
         if (!url.isLocalFile()) {
-            texts << url.toString();
+            // Encoded as it was given: a decoded "%20" would part one link into two words.
+            texts << url.toString(QUrl::FullyEncoded);
         } else if (const QString file = url.toLocalFile(); isTextFile(file)) {
             texts << readTextFile(file);
         } else {
@@ -206,7 +220,10 @@ bool InputPresenter::dropLinks(const QList<QUrl> &urls, const QString &text)
     if (urls.isEmpty())
         texts << text;
     //: Where links came from, in "从%1收到 %n 个链接"
-    return m_state->receiveLinks(texts, tr("拖放")) > 0;
+    if (m_state->receiveLinks(texts, tr("拖放")) > 0)
+        return true;
+    setNotices(m_rejectedLines, tr("拖放的内容中没有链接"));
+    return false;
 }
 
 bool InputPresenter::isTextFile(const QString &path)

@@ -44,6 +44,10 @@ ViewTestCase {
         wait(50)
         verify(!bar.visible)
         AppState.watchClipboard = true
+        // Words the links box would take, but nobody copies as links.
+        Desktop.setClipboardText("alice@example.com report.pdf TODO:fix")
+        wait(50)
+        verify(!bar.visible)
         AppState.urlInput = "https://copied.example/1"
         Desktop.setClipboardText("https://copied.example/1 and https://copied.example/2 https://copied.example/3")
         tryVerify(() => bar.visible)
