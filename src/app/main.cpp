@@ -47,7 +47,8 @@ int main(int argc, char *argv[])
     }
     // A Quillbox already running takes the links and shows its window; this one is done.
     const Handover handover { line.start, line.texts,
-        line.fromUrls ? QStringLiteral("链接") : QStringLiteral("命令行") };
+        QString::fromUtf8(
+            line.fromUrls ? QT_TRANSLATE_NOOP("Handover", "链接") : QT_TRANSLATE_NOOP("Handover", "命令行")) };
     QLockFile instanceLock(SingleInstance::lockPath());
     switch (SingleInstance::startOrHandOver(handover.encode(), instanceLock)) {
     case SingleInstance::Start::Run:
@@ -55,10 +56,17 @@ int main(int argc, char *argv[])
     case SingleInstance::Start::HandedOver:
         return 0;
     case SingleInstance::Start::Silent:
-        std::fputs("Quillbox 已在运行，但没有回应；链接已交给它，它恢复后会收到。\n", stderr);
+        std::fputs(QCoreApplication::translate(
+                       "CommandLine", "Quillbox 已在运行，但没有回应；链接已交给它，它恢复后会收到。\n")
+                       .toLocal8Bit()
+                       .constData(),
+            stderr);
         return 1;
     case SingleInstance::Start::Busy:
-        std::fputs("另一个 Quillbox 正在启动，但没有回应；链接没有交出。\n", stderr);
+        std::fputs(QCoreApplication::translate("CommandLine", "另一个 Quillbox 正在启动，但没有回应；链接没有交出。\n")
+                       .toLocal8Bit()
+                       .constData(),
+            stderr);
         return 1;
     }
 
@@ -105,7 +113,7 @@ int main(int argc, char *argv[])
     // Later starts hand their links over here; this start's own go the same way.
     InstanceServer instance;
     const auto take = [window = window.get()](const Handover &given) {
-        AppState::instance()->receiveLinks(given.texts, given.from, given.start);
+        AppState::instance()->receiveLinks(given.texts, given.fromText(), given.start);
         window->show();
         window->raise();
         window->requestActivate();
@@ -114,12 +122,14 @@ int main(int argc, char *argv[])
     QObject::disconnect(keepEarly);
     QObject::connect(&opened, &LinkOpenFilter::received, AppState::instance(), take);
     QObject::connect(&instance, &InstanceServer::refused, AppState::instance(), [](const QString &why) {
-        AppState::instance()->addLog(u"已拒绝一个交给 Quillbox 链接的连接：%1"_s.arg(why), LogEntry::LogType::Warning);
+        AppState::instance()->addLog(
+            QCoreApplication::translate("InstanceServer", "已拒绝一个交给 Quillbox 链接的连接：%1").arg(why),
+            LogEntry::LogType::Warning);
     });
     if (!instance.listen())
         qWarning("Quillbox: cannot listen for later starts: %s", qPrintable(instance.errorString()));
     if (!line.texts.isEmpty())
-        AppState::instance()->receiveLinks(line.texts, handover.from, line.start);
+        AppState::instance()->receiveLinks(line.texts, handover.fromText(), line.start);
     for (const Handover &given : std::as_const(openedEarly))
         take(given);
     // Once the tools are known, the newest yt-dlp release is looked for (at most once a day).

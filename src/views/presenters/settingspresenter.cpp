@@ -37,7 +37,7 @@ void SettingsPresenter::updateYtDlp()
     if (!m_downloads)
         return;
     setUpdating(true);
-    setUpdateResult(u"正在更新..."_s);
+    setUpdateResult(tr("正在更新..."));
     m_downloads->updateYtDlp([self = QPointer(this)](const UpdateResult &result) {
         if (!self)
             return;
