@@ -13,6 +13,90 @@
     </message>
 </context>
 <context>
+    <name>AppState</name>
+    <message numerus="yes">
+        <source>…（已省略 %n 个字符）</source>
+        <translation type="unfinished">
+            <numerusform></numerusform>
+            <numerusform></numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%n 行不是链接</source>
+        <translation type="unfinished">
+            <numerusform></numerusform>
+            <numerusform></numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%n 行过长</source>
+        <translation type="unfinished">
+            <numerusform></numerusform>
+            <numerusform></numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%n 个链接超过 %1 个的上限</source>
+        <translation type="unfinished">
+            <numerusform></numerusform>
+            <numerusform></numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>从%1收到 %n 个链接</source>
+        <extracomment>%1 is where they came from, said by the caller: &quot;拖放&quot;, &quot;剪贴板&quot;, &quot;命令行&quot;, &quot;文件 a.txt &quot;</extracomment>
+        <translation type="unfinished">
+            <numerusform></numerusform>
+            <numerusform></numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>，</source>
+        <extracomment>Between the reasons of a list, as &quot;，&quot; is in Chinese</extracomment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>（未采用：%1）</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>ClipboardWatcher</name>
+    <message>
+        <source>剪贴板</source>
+        <extracomment>Where links came from, in &quot;从%1收到 %n 个链接&quot;</extracomment>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>CommandLine</name>
+    <message>
+        <source>未知的选项：%1（quillbox --help 列出可用的选项）</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>用法：quillbox [--start] [链接 | quillbox://add?url=…]…
+
+把链接放进 Quillbox 的链接框；Quillbox 已在运行时交给它的窗口。
+
+  --start      用当前的预设和选项直接开始下载
+  --version    显示版本
+  --help       显示这段说明
+</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Quillbox 已在运行，但没有回应；链接已交给它，它恢复后会收到。
+</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>另一个 Quillbox 正在启动，但没有回应；链接没有交出。
+</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
     <name>ConfirmDialog</name>
     <message>
         <source>确定</source>
@@ -137,6 +221,243 @@
     </message>
 </context>
 <context>
+    <name>CookiePagePresenter</name>
+    <message numerus="yes">
+        <source>%n 个 Cookie，已于 %1 过期</source>
+        <translation type="unfinished">
+            <numerusform></numerusform>
+            <numerusform></numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%n 个 Cookie，有效期至 %1</source>
+        <translation type="unfinished">
+            <numerusform></numerusform>
+            <numerusform></numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%n 个 Cookie，会话 Cookie</source>
+        <translation type="unfinished">
+            <numerusform></numerusform>
+            <numerusform></numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>（其中 %n 个已过期）</source>
+        <translation type="unfinished">
+            <numerusform></numerusform>
+            <numerusform></numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>%1（没有 Cookie）</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%1（未找到）</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>、</source>
+        <extracomment>Between the items of a list, as &quot;、&quot; is in Chinese: &quot;Chrome、Firefox&quot;
+----------
+Between the items of a list, as &quot;、&quot; is in Chinese: &quot;youtube.com、bilibili.com&quot;</extracomment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%1 已安装，但还没有 Cookie：先在浏览器中登录要下载的网站，再回来选择。</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>找不到这个文件</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>读不出 Cookie：%1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>已导出 %1，来自 %2</source>
+        <extracomment>%1 is &quot;%n 个 Cookie&quot;, %2 is &quot;%n 个网站&quot;</extracomment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message numerus="yes">
+        <source>%n 个 Cookie</source>
+        <translation type="unfinished">
+            <numerusform></numerusform>
+            <numerusform></numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%n 个网站</source>
+        <translation type="unfinished">
+            <numerusform></numerusform>
+            <numerusform></numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>；%n 个加密的 Cookie 无法解密，已跳过</source>
+        <translation type="unfinished">
+            <numerusform></numerusform>
+            <numerusform></numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>%1 等</source>
+        <extracomment>After a list that goes on: &quot;a、b、c 等&quot;</extracomment>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>Desktop</name>
+    <message>
+        <source>退出码 %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>没有可以打开此文件夹的程序（%1）</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>没有可以打开此文件的程序（%1）</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>无法打开此文件夹（%1）</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>无法打开此文件（%1）</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>找不到用来打开文件的程序（%1）</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>无法启动 %1：临时文件夹不可写</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>无法启动 %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>文件已不存在：%1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>文件夹已不存在：%1</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>DownloadChoices</name>
+    <message>
+        <source>封面</source>
+        <translation type="unfinished">Thumbnail</translation>
+    </message>
+    <message>
+        <source>元数据</source>
+        <translation type="unfinished">Metadata</translation>
+    </message>
+    <message>
+        <source>章节</source>
+        <translation type="unfinished">Chapters</translation>
+    </message>
+    <message>
+        <source>代理地址应形如 http://127.0.0.1:7890 或 socks5://127.0.0.1:1080</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>限速应是大于 0 的数字</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>文件名模板写在输出目录之下，不能以 / 或 ~ 开头</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>文件名模板不能用 .. 离开输出目录</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>文件名模板只能有一行</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>到处都能播放</source>
+        <translation type="unfinished">Plays everywhere</translation>
+    </message>
+    <message>
+        <source>画质最佳</source>
+        <translation type="unfinished">Best quality</translation>
+    </message>
+    <message>
+        <source>体积最小</source>
+        <translation type="unfinished">Smallest size</translation>
+    </message>
+    <message>
+        <source>嵌入字幕</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>下载字幕</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>嵌入字幕 %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>下载字幕 %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>、</source>
+        <extracomment>Between the items of a list, as &quot;、&quot; is in Chinese: &quot;封面、元数据&quot;</extracomment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>嵌入%1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>SponsorBlock 移除</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>SponsorBlock 标记</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>限速 %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>（无效）</source>
+        <extracomment>Said instead of the proxy&apos;s kind (&quot;SOCKS5&quot;) when the address is not a proxy&apos;s</extracomment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>代理 %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>文件名 %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>下载存档</source>
+        <translation type="unfinished">Download archive</translation>
+    </message>
+    <message>
+        <source>未设置</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
     <name>DownloadInputView</name>
     <message>
         <source>错误</source>
@@ -226,6 +547,158 @@
     <message>
         <source>取消</source>
         <translation>Cancel</translation>
+    </message>
+</context>
+<context>
+    <name>DownloadManager</name>
+    <message numerus="yes">
+        <source>开始下载播放列表「%1」中的 %n 项</source>
+        <translation type="unfinished">
+            <numerusform></numerusform>
+            <numerusform></numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>预设: %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>⚠️ 无法列出播放列表中的视频（%1），整个链接作为一个任务下载: %2</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>开始下载任务</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>构建下载命令...</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>JS 运行时: %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>只下载当前视频</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>预设参数: %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>下载选项: %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>执行命令: %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>未设置输出目录</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>输出目录必须是完整路径: %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>无法创建下载存档所在的目录: %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>无法创建输出目录: %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>已删除未完成的转换文件: %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>✅ 下载完成！</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>已在下载存档中，未再下载: %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>⚠️ 没有下载任何文件: %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>已在下载存档中，未再下载</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>没有下载任何文件</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>❌ 下载失败 (错误码: %1)</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>下载失败 (错误码: %1)</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message numerus="yes">
+        <source>%n 秒无响应</source>
+        <translation type="unfinished">
+            <numerusform></numerusform>
+            <numerusform></numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>⚠️ %1：%2</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>⏹ 已停止: %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>▶ 继续: %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>🔄 重试: %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message numerus="yes">
+        <source>⏹ 已停止播放列表中的 %n 项</source>
+        <translation type="unfinished">
+            <numerusform></numerusform>
+            <numerusform></numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>↺ 已恢复上次的 %n 个任务</source>
+        <translation type="unfinished">
+            <numerusform></numerusform>
+            <numerusform></numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>▶ 继续上次未完成的 %n 个下载</source>
+        <translation type="unfinished">
+            <numerusform></numerusform>
+            <numerusform></numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>⏸ 上次未完成的 %n 个下载未自动继续（设置中“启动时继续未完成的下载”已关闭），点“继续”可接着下载</source>
+        <translation type="unfinished">
+            <numerusform></numerusform>
+            <numerusform></numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>⏹ 已取消 %n 个等待中的任务</source>
+        <translation type="unfinished">
+            <numerusform></numerusform>
+            <numerusform></numerusform>
+        </translation>
     </message>
 </context>
 <context>
@@ -471,6 +944,63 @@
     </message>
 </context>
 <context>
+    <name>DownloadOptionsPresenter</name>
+    <message>
+        <source>示例视频</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>上传者</source>
+        <translation type="unfinished">Uploader</translation>
+    </message>
+    <message>
+        <source>示例列表</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>DownloadOutput</name>
+    <message>
+        <source>合并中</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>转换音频中</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>后处理中</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>DownloadPreset</name>
+    <message>
+        <source>默认</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>最佳画质</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>最佳音质</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>最佳视频+音频</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>仅音频</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>自定义</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
     <name>DownloadQueueView</name>
     <message>
         <source>下载队列</source>
@@ -499,6 +1029,37 @@
     <message>
         <source>没有找到匹配的任务</source>
         <translation>No matching downloads</translation>
+    </message>
+</context>
+<context>
+    <name>DownloadStatus</name>
+    <message>
+        <source>等待中</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>准备中</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>下载中</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>已完成</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>失败</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>已取消</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>已暂停</source>
+        <translation type="unfinished"></translation>
     </message>
 </context>
 <context>
@@ -565,6 +1126,194 @@
     </message>
 </context>
 <context>
+    <name>ErrorExplanation</name>
+    <message>
+        <source>然后在“设置”中重新检测。</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>请在“设置”中更新 yt-dlp，%1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>请在“Cookie 管理”中选择已登录该网站的浏览器或 Cookie 文件，并打开“Cookie”开关后重试。</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>JavaScript 运行时不受支持：yt-dlp 不能使用这台电脑上的运行时（版本太旧或名称不对）来解析 YouTube 视频。请安装或升级 Deno（https://deno.com），%1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>缺少 JavaScript 运行时：YouTube 需要它来解析视频。请安装 Deno（https://deno.com），%1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>没能解开 YouTube 的验证（n challenge）：需要可用的 JavaScript 运行时和较新的 yt-dlp。请安装 Deno（https://deno.com），并在“设置”中更新 yt-dlp，%1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>yt-dlp 版本太旧，解不开 YouTube 的验证（nsig）：下载会被拒绝或缺少格式。%1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>yt-dlp 版本太旧，跟不上网站的变化：只拿到了预览图，没有视频格式。%1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>字幕下载失败：yt-dlp 没能取得“%1”字幕，因此整个下载停止了，视频没有下载。请在“下载选项”中关闭字幕或换一种语言后重试。</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Cookie 文件无法使用：它不是 yt-dlp 接受的 Netscape 格式（cookies.txt）。请在“Cookie 管理”中重新导出 Chrome Cookie，或选择另一个 Cookie 文件。</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>读不到浏览器的 Cookie：所选浏览器的 Cookie 数据库找不到或无法读取。请在“Cookie 管理”中换一个浏览器或使用 Cookie 文件；浏览器正在运行时，关闭它后再试。</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Cookie 已失效：请在浏览器中重新登录该网站，然后在“Cookie 管理”中重新导出或选择该浏览器后重试。</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>需要登录：网站要求确认你不是机器人。%1YouTube 还需要 JavaScript 运行时（Deno）：请在“设置”中确认已检测到它。</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>需要登录：这个视频有年龄限制，只有登录的账号才能观看。%1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>需要登录：这个视频仅对频道会员开放。%1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>需要登录：这是私享视频，只有获得授权的账号才能观看。%1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>需要登录：这个视频只对登录的用户开放。%1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>地区限制：这个视频在你所在的地区不可用。可以在“下载选项”中填写代理后重试。</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>链接不存在或已删除（HTTP 404/410）：请检查链接是否完整、正确，或视频是否已被删除。</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>访问被拒绝或请求过多（HTTP 403/429）：网站暂时拒绝了下载。请稍等一会儿再试，或在“设置”中调低“同时下载数”，也可以在“Cookie 管理”中使用 Cookie。</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>找不到 FFmpeg：提取音频和合并音视频都需要它。请安装 FFmpeg，%1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>这个视频没有音轨，无法提取音频：请换用“默认”或“最佳画质”预设下载。</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>没有所需的格式：这个视频不提供所选预设要求的格式。请换一个预设，或用“查看可用格式”查看后在自定义参数中选择。</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>文件名太长：视频标题超出了系统允许的长度。请选择“自定义”预设，加上 --trim-filenames 150 后重试。</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>磁盘空间不足：输出目录所在的磁盘已满。请清理空间，或换一个输出目录。</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>无法写入输出目录：没有写入权限，或磁盘是只读的。请换一个可以写入的输出目录。</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>FFmpeg 处理失败：转换或合并时出错。请在“设置”中确认 FFmpeg 可用，或换一个预设再试。</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>不是有效的链接：请确认它是视频页面的完整地址，以 http:// 或 https:// 开头。</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>不支持的链接：yt-dlp 在这个页面上找不到可以下载的视频。请确认链接指向视频页面本身。</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>网络连接失败：对方拒绝了连接。请检查链接中的网址和端口，稍后再试。</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>网络连接失败：无法解析网址中的域名。请检查网址拼写和网络连接。</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>网络连接失败：连接超时。请检查网络或代理设置后重试。</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>网络连接失败：连接中断。请检查网络后重试。</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>参数无法识别：yt-dlp 不认识“%1”，通常是 yt-dlp 版本太旧。请在“设置”中更新 yt-dlp，或检查自定义参数。</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>yt-dlp 版本可能太旧，跟不上网站的变化：它读不懂这个页面。%1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>找不到 yt-dlp（%1）：请安装 yt-dlp，或在“设置”中指定它的路径。</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>yt-dlp 无法运行（%1）：它不是可执行文件或没有执行权限。请检查它，或在“设置”中指定另一个路径。</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>无法通过代理连接：“下载选项”中设置了代理 %1。请确认代理正在运行、地址和端口正确，或清除代理后重试。</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>下载进程被外部结束（可能是系统内存不足，或被其他程序终止）：可以重新开始下载。</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>无法启动命令解释器 %1（%2）：下载没有开始。请检查 QUILLBOX_SHELL 环境变量，或确认系统的 shell 可用。</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>无法创建输出目录 %1：没有写入权限，或路径中有同名的文件。请换一个输出目录。</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%1（%2）</source>
+        <extracomment>A format&apos;s id, then what it is: &quot;22（mp4 · 1280x720 · avc1.64001F+mp4a.40.2）&quot;.</extracomment>
+        <translation type="unfinished">%2, %1 {1（%2）?}</translation>
+    </message>
+    <message numerus="yes">
+        <source>，共 %n 种</source>
+        <translation type="unfinished">
+            <numerusform></numerusform>
+            <numerusform></numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>、</source>
+        <extracomment>Between two formats in the list a link offers.</extracomment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>这个链接提供的格式有：%1%2。</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
     <name>ExecutableDialog</name>
     <message>
         <source>选择 yt-dlp 可执行文件</source>
@@ -599,6 +1348,25 @@
     <message>
         <source>选择</source>
         <translation>Choose</translation>
+    </message>
+</context>
+<context>
+    <name>FormatPicker</name>
+    <message>
+        <source>✓ 标出的格式符合“%1”（%2）</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>✓ 标出的是“%1”会选的格式</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>没有可以选择的格式</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>用所选格式「%1」替换现有的自定义参数「%2」？</source>
+        <translation type="unfinished"></translation>
     </message>
 </context>
 <context>
@@ -664,6 +1432,77 @@
     </message>
 </context>
 <context>
+    <name>Handover</name>
+    <message>
+        <source>链接</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>命令行</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>InputPresenter</name>
+    <message>
+        <source>请先输入视频链接</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>下载选项：%1</source>
+        <translation type="unfinished">Download options: %1</translation>
+    </message>
+    <message numerus="yes">
+        <source>%n 行超过 %1 个字符，已跳过</source>
+        <translation type="unfinished">
+            <numerusform></numerusform>
+            <numerusform></numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%n 个链接超过一次 %1 个的上限，已跳过</source>
+        <translation type="unfinished">
+            <numerusform></numerusform>
+            <numerusform></numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>没有可以下载的链接</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>；</source>
+        <extracomment>Between the notices of a list, as &quot;；&quot; is in Chinese</extracomment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>拖放</source>
+        <extracomment>Where links came from, in &quot;从%1收到 %n 个链接&quot;</extracomment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>拖放的内容中没有链接</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>无法读取文件：%1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>文件 %1 </source>
+        <extracomment>Where links came from, in &quot;从%1收到 %n 个链接&quot;: a file and its name</extracomment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>文件中没有链接：%1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>不是有效的链接：%1</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
     <name>InstallationAlert</name>
     <message>
         <source>未安装 yt-dlp</source>
@@ -690,6 +1529,35 @@
     <message>
         <source>打开安装说明</source>
         <translation>Open install instructions</translation>
+    </message>
+</context>
+<context>
+    <name>InstanceServer</name>
+    <message>
+        <source>已拒绝一个交给 Quillbox 链接的连接：%1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>另一个用户（%1）</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>消息不完整</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>无法读取的消息</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>LineSplitter</name>
+    <message numerus="yes">
+        <source>…（此行过长，已省略 %1 字节）</source>
+        <translation type="unfinished">
+            <numerusform></numerusform>
+            <numerusform></numerusform>
+        </translation>
     </message>
 </context>
 <context>
@@ -764,6 +1632,41 @@
     <message>
         <source>错误</source>
         <translation>Error</translation>
+    </message>
+</context>
+<context>
+    <name>Maintenance</name>
+    <message>
+        <source>正在更新 yt-dlp...</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>❌ 更新失败: %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>✅ 命令执行成功，但版本检测失败</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>✅ 更新成功，当前版本: %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>正在获取可用格式...</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>执行命令: %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>获取格式列表失败: %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>格式列表获取成功</source>
+        <translation type="unfinished"></translation>
     </message>
 </context>
 <context>
@@ -876,6 +1779,21 @@
     </message>
 </context>
 <context>
+    <name>Playlist</name>
+    <message>
+        <source>看不懂“%1”，请写成 1-20, 25 这样</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%1”不在 1-%2 之内</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>请写出要下载的序号，例如 1-20, 25</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
     <name>PlaylistGroupHeader</name>
     <message>
         <source>展开</source>
@@ -907,6 +1825,90 @@
     <message>
         <source>全部重试</source>
         <translation>Retry all</translation>
+    </message>
+</context>
+<context>
+    <name>PlaylistListing</name>
+    <message>
+        <source>正在读取播放列表: %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>已取消读取播放列表: %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message numerus="yes">
+        <source>播放列表「%1」: 读到第 %n 项时停止，只用已读到的项</source>
+        <translation type="unfinished">
+            <numerusform></numerusform>
+            <numerusform></numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>yt-dlp 以状态 %1 退出</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message numerus="yes">
+        <source>播放列表「%1」: 读取到 %n 项</source>
+        <translation type="unfinished">
+            <numerusform></numerusform>
+            <numerusform></numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>播放列表未读完: %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>yt-dlp 没有列出任何视频</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>PlaylistPicker</name>
+    <message>
+        <source>播放列表</source>
+        <translation type="unfinished">Playlist</translation>
+    </message>
+    <message>
+        <source>正在检查链接：%1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message numerus="yes">
+        <source>已读取 %1 / %n 项</source>
+        <translation type="unfinished">
+            <numerusform></numerusform>
+            <numerusform></numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>已读取 %n 项</source>
+        <translation type="unfinished">
+            <numerusform></numerusform>
+            <numerusform></numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>共 %n 项，列表未读完：%1</source>
+        <translation type="unfinished">
+            <numerusform></numerusform>
+            <numerusform></numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>共 %n 项</source>
+        <translation type="unfinished">
+            <numerusform></numerusform>
+            <numerusform></numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>已在队列中</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>已下载过</source>
+        <translation type="unfinished"></translation>
     </message>
 </context>
 <context>
@@ -964,6 +1966,33 @@
     <message>
         <source>下载预设</source>
         <translation>Preset</translation>
+    </message>
+</context>
+<context>
+    <name>PresetListModel</name>
+    <message>
+        <source>使用 yt-dlp 默认参数，自动选择最佳格式</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>下载最高画质和音质的视频</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>下载最佳音质的音频</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>分别下载最佳视频和音频并合并</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>仅下载音频（MP3格式）</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>使用自定义参数</source>
+        <translation type="unfinished"></translation>
     </message>
 </context>
 <context>
@@ -1058,6 +2087,17 @@
     </message>
 </context>
 <context>
+    <name>ProgressParser</name>
+    <message>
+        <source>需要登录或 Cookie 已过期</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>无效的 URL</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
     <name>QuitDialog</name>
     <message numerus="yes">
         <source>有 %n 个下载正在进行，退出将停止它们。</source>
@@ -1073,6 +2113,107 @@
     <message>
         <source>退出</source>
         <translation>Quit</translation>
+    </message>
+</context>
+<context>
+    <name>RendererChoice</name>
+    <message>
+        <source>环境变量 QT_QUICK_BACKEND=%1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>环境变量 QSG_RHI_BACKEND=%1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>设置为硬件加速</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>设置为软件</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>自动：macOS 用 Metal 绘制</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>自动：LIBGL_ALWAYS_SOFTWARE 让 OpenGL 在软件中运行</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>自动：GALLIUM_DRIVER=%1 是软件 OpenGL</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>自动：窗口显示在另一台机器上（DISPLAY=%1）</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>自动：没有可用的 GPU 渲染设备（/dev/dri/renderD*）</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>自动：找到 GPU 渲染设备 %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>SavedPresetModel</name>
+    <message>
+        <source>请填写预设名称</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message numerus="yes">
+        <source>预设名称最多 %n 个字</source>
+        <translation type="unfinished">
+            <numerusform></numerusform>
+            <numerusform></numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>已有名为“%1”的预设，请换一个名称</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>请填写 yt-dlp 参数</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>找不到这个预设</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%1”正在保存，请稍后再改</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>还在读取已保存的预设，请稍后再试</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>已选用预设: %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>“%1”</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>、</source>
+        <extracomment>Between the items of a list, as &quot;、&quot; is in Chinese: &quot;“a”、“b”&quot;</extracomment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>未能保存到磁盘：%1。本次运行中仍可使用，退出后不会保留。</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>SettingsPresenter</name>
+    <message>
+        <source>正在更新...</source>
+        <translation type="unfinished"></translation>
     </message>
 </context>
 <context>
@@ -1303,6 +2444,39 @@
     </message>
 </context>
 <context>
+    <name>ShellRunner</name>
+    <message>
+        <source>无法启动 %1：%2</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message numerus="yes">
+        <source>命令在 %n 秒内没有结束，已停止</source>
+        <translation type="unfinished">
+            <numerusform></numerusform>
+            <numerusform></numerusform>
+        </translation>
+    </message>
+</context>
+<context>
+    <name>ShellWords</name>
+    <message>
+        <source>自定义参数中的单引号没有闭合</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>自定义参数中不能有命令替换（$(…) 或反引号），它不会被执行</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>自定义参数中的双引号没有闭合</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>自定义参数中的 ${…} 只能写变量名</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
     <name>SidebarView</name>
     <message>
         <source>视频下载管理器</source>
@@ -1335,6 +2509,458 @@
     <message>
         <source>设置</source>
         <translation>Settings</translation>
+    </message>
+</context>
+<context>
+    <name>TaskModel</name>
+    <message>
+        <source>已下载 %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>已下载 %1 / %2</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>剩余 %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>ToolDiscovery</name>
+    <message>
+        <source>⚠️ %1 %2（%3）版本过旧，yt-dlp 需要 ≥ %4，不会使用它</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>未知版本</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>⚠️ 未检测到 JS 运行时（Deno/Node/Bun），YouTube 下载可能失败</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>⚠️ yt-dlp %1 版本过旧，不支持 JS 运行时（--js-runtimes），下载时不会使用 %2；请在 设置 → 更新 yt-dlp 到最新版</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>✅ 检测到 JS 运行时: %1 (%2)</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>✅ 检测到 FFmpeg: %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>ToolInstaller</name>
+    <message>
+        <source>无法连接到下载服务器，请检查网络后重试。</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>GitHub 暂时限制了请求次数，请过一会儿再试。</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>下载中断，文件不完整，已丢弃。</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>已取消安装，原有文件未改动。</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>无法写入文件夹 %1，请检查权限，原有文件未改动。</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>磁盘空间不足，无法保存下载的文件，原有文件未改动。</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>已拒绝不安全的下载地址（只允许 HTTPS）：%1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>下载服务器上找不到这个文件（HTTP 404）。</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>下载服务器返回了错误（HTTP %1）。</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>下载服务器长时间没有响应，请稍后重试。</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>无法与下载服务器建立安全连接。</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>下载服务器的重定向次数过多。</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>下载服务器返回的内容异常。</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>无法从发布页读出最新版本号。</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>正在安装 %1，请等它结束后再试。</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>正在查询 %1 的最新版本…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%1 没有适用于这个系统的版本。</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>正在获取 %1 %2 的校验值…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>校验文件里没有 %1 的 SHA-256，已停止安装，原有文件未改动。</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>正在下载 %1 %2…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>正在下载 %1 %2… %3</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>正在校验…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>下载的文件校验失败（SHA-256 不符），已丢弃，原有文件未改动。</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>正在解压…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>下载的压缩包里没有 deno 程序，已丢弃，原有文件未改动。</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>下载的压缩包已损坏，已丢弃，原有文件未改动。</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>等待下载结束后替换…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%1 %2 已安装。</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>正在取消…</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>ToolKeeper</name>
+    <message>
+        <source>正在安装最新 yt-dlp...</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>正在安装 Deno...</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>正在通过 Homebrew 安装 %1…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>✅ Homebrew 已安装 %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>❌ Homebrew 没能安装 %1，请在终端运行 brew install %1 查看原因。</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>⚠️ 自动更新 yt-dlp 失败，继续使用当前版本: %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>❌ 安装 %1 失败: %2</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>✅ 已安装 %1 %2: %3</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>正在自动更新 yt-dlp 到 %1...</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>Toolchain</name>
+    <message>
+        <source>YouTube 等需要 JS 运行时的网站</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>今天发布</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message numerus="yes">
+        <source>%n 天前发布</source>
+        <translation type="unfinished">
+            <numerusform></numerusform>
+            <numerusform></numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>可以在“设置”中点“安装最新 yt-dlp”，由 Quillbox 保管一份能自动更新的最新版。</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>这个 yt-dlp 由系统的软件包管理器安装，不能自行更新，而系统软件源里的版本往往过旧。%1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>这个 yt-dlp 是从源代码运行的，不能自行更新，请用 git pull 更新它。%1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>GitHub 暂时限制了请求次数，请过一会儿再试。</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>无法连接到 GitHub 获取新版本：请检查网络连接（或代理）后重试。</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>没有权限替换这个 yt-dlp 文件（它可能属于系统或其他用户）。%1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Homebrew 没能升级 yt-dlp，请在终端运行 brew upgrade yt-dlp 查看原因。</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>pip 不能在这里更新 yt-dlp。%1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>安装最新 yt-dlp</source>
+        <translation type="unfinished">Install latest yt-dlp</translation>
+    </message>
+    <message>
+        <source>更新 yt-dlp</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>安装 Deno</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>复制命令</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>修复</source>
+        <translation type="unfinished">Fix</translation>
+    </message>
+    <message>
+        <source>正在检查 yt-dlp…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>未找到可用的 yt-dlp，无法下载。点“安装最新 yt-dlp”，由 Quillbox 下载官方版本并校验。</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>由 Quillbox 保管</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>由 Homebrew 安装</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>由系统软件包安装，不能自行更新</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>由 pip 安装（python3 -m pip install -U yt-dlp 可更新）</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>从源代码运行</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>官方版本，可以自行更新</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>yt-dlp %1（%2，%3）</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>yt-dlp %1（%2）</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>请更新它。</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>点“安装最新 yt-dlp”，改用由 Quillbox 保管、自动更新的最新版。</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%1 版本过旧，%2会下载失败。%3</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%1，最新版本是 %2。网站经常变化，%3</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%1，已超过 90 天，网站变化后可能下载失败。%2</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%1，可以正常使用。</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>点“安装 Deno”即可解决。</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>正在检查 JS 运行时…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>未检测到 JS 运行时，%1会下载失败。%2</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%1 版本过旧（需要 ≥ %2）</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>；</source>
+        <extracomment>Between two runtimes in the list of those too old to use.</extracomment>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%1，不会使用。%2会下载失败。%3</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>检测到 %1，但当前 yt-dlp 太旧，无法使用它。请先更新 yt-dlp。</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>使用 %1，可以解析 YouTube 视频。</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>（%1 版本过旧，不使用）</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>正在检查 FFmpeg…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>未检测到 FFmpeg：不能合并最佳画质的音视频，也不能转换 MP3。请在终端运行 %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>找到 FFmpeg，但缺少 ffprobe：合并和后期处理可能失败。请在终端运行 %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>FFmpeg 和 ffprobe 都已就绪，可以合并音视频和转换音频。</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>找不到可用的 yt-dlp，无法下载。</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>yt-dlp 版本过旧</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>没有可用的 JS 运行时</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%1，%2会下载失败。</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>VideoInfo</name>
+    <message>
+        <source>未知</source>
+        <translation type="unfinished">Unknown</translation>
+    </message>
+</context>
+<context>
+    <name>VideoInfoFetch</name>
+    <message>
+        <source>正在获取视频信息...</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>执行命令: %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>已取消获取视频信息</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>yt-dlp 以状态 %1 退出，没有给出原因</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>这个播放列表中没有视频</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>yt-dlp 的输出不是可以读取的视频信息</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message numerus="yes">
+        <source>链接是一个播放列表（%n 个视频），显示第一个视频的信息</source>
+        <translation type="unfinished">
+            <numerusform></numerusform>
+            <numerusform></numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>视频信息获取成功: %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>获取视频信息失败: %1</source>
+        <translation type="unfinished"></translation>
     </message>
 </context>
 <context>
