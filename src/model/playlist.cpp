@@ -62,7 +62,7 @@ QString safeName(const QString &text, const QString &fallback)
 
 QString PlaylistPlace::folderName() const
 {
-    return safeName(title, u"播放列表"_s);
+    return safeName(title, QCoreApplication::translate("Playlist", "播放列表"));
 }
 
 QString PlaylistPlace::outputTemplate(const QString &outputDir) const
