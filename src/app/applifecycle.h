@@ -31,7 +31,6 @@ public:
     // the queue as it stood before the downloads are stopped.
     void restoreQueueAfterFirstFrame(QQuickWindow *window, QueueMemory *memory);
 
-
     // SIGTERM and SIGINT quit the way closing the window does, so downloads stop with us.
     static void quitOnTerminationSignals();
 

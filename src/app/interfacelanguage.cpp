@@ -112,7 +112,8 @@ void InterfaceLanguage::load(const QString &language)
     // English numbers and dates in English; in Chinese the formats stay as they were before any
     // language was chosen (the texts' own formats are written out, ISO dates among them).
     static const QLocale atStart;
-    QLocale::setDefault(language == QLatin1String(English) ? QLocale(QLocale::English, QLocale::UnitedStates) : atStart);
+    QLocale::setDefault(
+        language == QLatin1String(English) ? QLocale(QLocale::English, QLocale::UnitedStates) : atStart);
 
     const auto install = [this](QTranslator *translator) {
         QCoreApplication::installTranslator(translator);

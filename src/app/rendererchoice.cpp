@@ -1,5 +1,6 @@
 #include "app/rendererchoice.h"
 
+#include "model/languagechange.h"
 #include "model/logcategories.h"
 
 #include <QDir>
@@ -132,6 +133,7 @@ void RendererChoice::applyAtStart()
 RendererChoice::RendererChoice(QObject *parent)
     : QObject(parent)
 {
+    onLanguageChange(this, [this] { Q_EMIT reasonChanged(); });
 }
 
 QString RendererChoice::setting() const

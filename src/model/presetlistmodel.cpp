@@ -1,7 +1,15 @@
 #include "model/presetlistmodel.h"
 
 #include "engine/shellcommand.h"
+#include "model/languagechange.h"
 #include "model/rawvalue.h"
+
+PresetListModel::PresetListModel(QObject *parent)
+    : QAbstractListModel(parent)
+{
+    // Names and descriptions are translated when read.
+    onLanguageChange(this, [this] { Q_EMIT dataChanged(index(0), index(rowCount() - 1)); });
+}
 
 int PresetListModel::rowCount(const QModelIndex &parent) const
 {

@@ -1,5 +1,6 @@
 #include "model/taskmodel.h"
 
+#include "model/languagechange.h"
 #include "model/rawvalue.h"
 
 #include <algorithm>
@@ -10,6 +11,11 @@ using namespace Qt::StringLiterals;
 TaskModel::TaskModel(QObject *parent)
     : QAbstractListModel(parent)
 {
+    // Status names and details are made when read: every row is read again.
+    onLanguageChange(this, [this] {
+        if (rowCount() > 0)
+            Q_EMIT dataChanged(index(0), index(rowCount() - 1));
+    });
 }
 
 int TaskModel::rowCount(const QModelIndex &parent) const

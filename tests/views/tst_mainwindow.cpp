@@ -3,6 +3,7 @@
 #include "app/qmlsetup.h"
 #include "app/rendererchoice.h"
 #include "model/appstate.h"
+#include "model/taskmodel.h"
 
 #include "testsupport.h"
 
@@ -367,8 +368,18 @@ void TestMainWindow::switchesToEnglishAtOnce()
     QVERIFY(choice);
     QCOMPARE(choice->property("currentText").toString(), u"简体中文"_s);
 
+    // A queue row's status, made in C++, follows too.
+    TaskModel tasks;
+    DownloadTask failed;
+    failed.status = DownloadStatus::Failed;
+    tasks.append(failed);
+    QCOMPARE(tasks.data(tasks.index(0), TaskModel::StatusLabelRole).toString(), u"失败"_s);
+    QSignalSpy rowsRead(&tasks, &TaskModel::dataChanged);
+
     language->setSetting(u"en"_s);
     QCOMPARE(language->language(), u"en"_s);
+    QVERIFY(!rowsRead.isEmpty());
+    QCOMPARE(tasks.data(tasks.index(0), TaskModel::StatusLabelRole).toString(), u"Failed"_s);
     const QStringList english = shownTexts(content);
     for (const QString &text : { u"Downloads"_s, u"Presets"_s, u"Start download"_s, u"Language"_s })
         QVERIFY2(english.contains(text), qPrintable(english.join(u" | "_s)));

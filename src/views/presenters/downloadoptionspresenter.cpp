@@ -1,5 +1,7 @@
 #include "views/presenters/downloadoptionspresenter.h"
 
+#include "model/languagechange.h"
+
 #include "engine/downloadmanager.h"
 #include "engine/videoinfofetch.h"
 #include "model/appstate.h"
@@ -18,6 +20,11 @@ DownloadOptionsPresenter::DownloadOptionsPresenter(AppState *state, QObject *par
     : QObject(parent)
     , m_state(state)
 {
+    // The summary and the errors are made in the language of the moment.
+    onLanguageChange(this, [this] {
+        Q_EMIT changed();
+        Q_EMIT previewChanged();
+    });
     if (!m_state)
         return;
     connect(m_state, &AppState::downloadChoicesChanged, this, [this] {

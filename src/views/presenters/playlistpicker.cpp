@@ -1,5 +1,7 @@
 #include "views/presenters/playlistpicker.h"
 
+#include "model/languagechange.h"
+
 #include "engine/downloadmanager.h"
 #include "engine/playlistlisting.h"
 #include "model/taskmodel.h"
@@ -12,6 +14,12 @@ PlaylistPicker::PlaylistPicker(DownloadManager *downloads, QObject *parent)
     : QAbstractListModel(parent)
     , m_downloads(downloads)
 {
+    // The progress line and the rows' marks are made when read.
+    onLanguageChange(this, [this] {
+        Q_EMIT progressChanged();
+        if (rowCount() > 0)
+            Q_EMIT dataChanged(index(0), index(rowCount() - 1));
+    });
 }
 
 PlaylistPicker::~PlaylistPicker()
