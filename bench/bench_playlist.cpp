@@ -16,9 +16,9 @@
 #include "benchengine.h"
 #include "windowbench.h"
 
-#include "app/interfacelanguage.h"
 #include "app/applifecycle.h"
 #include "app/cjkfont.h"
+#include "app/interfacelanguage.h"
 #include "app/qmlsetup.h"
 #include "store/queuememory.h"
 #include "support/localserver.h"
