@@ -85,7 +85,7 @@
 </source>
         <translation>Usage: quillbox [--start] [link | quillbox://add?url=…]…
 
-Puts the links into Quillbox’s links box; when Quillbox is already running, hands them to its window.
+Puts the links into Quillbox&apos;s links box; when Quillbox is already running, hands them to its window.
 
   --start      start downloading right away with the current preset and options
   --version    show the version
@@ -148,7 +148,7 @@ Puts the links into Quillbox’s links box; when Quillbox is already running, ha
     </message>
     <message>
         <source>找不到 yt-dlp，无法检查 Cookie：请安装 yt-dlp，或在“设置”中指定它的路径。</source>
-        <translation>yt-dlp was not found, so the cookies cannot be checked: install yt-dlp, or set its path in “Settings”.</translation>
+        <translation>yt-dlp was not found, so the cookies cannot be checked: install yt-dlp, or set its path in &quot;Settings&quot;.</translation>
     </message>
     <message>
         <source>检查没有完成：%1</source>
@@ -286,7 +286,7 @@ Puts the links into Quillbox’s links box; when Quillbox is already running, ha
     </message>
     <message>
         <source>需要登录的视频（会员、年龄限制、“确认你不是机器人”）要用已登录浏览器的 Cookie 下载。</source>
-        <translation>Videos that require signing in (members only, age-restricted, “confirm you’re not a bot”) must be downloaded with the cookies of a browser where you are signed in.</translation>
+        <translation>Videos that require signing in (members only, age-restricted, &quot;confirm you&apos;re not a bot&quot;) must be downloaded with the cookies of a browser where you are signed in.</translation>
     </message>
     <message>
         <source>下载使用的 Cookie</source>
@@ -314,7 +314,7 @@ Puts the links into Quillbox’s links box; when Quillbox is already running, ha
     </message>
     <message>
         <source>输入面板的“Cookie”开关已关闭：下载暂不使用 Cookie。</source>
-        <translation>The “Cookie” switch on the input panel is off: downloads use no cookies for now.</translation>
+        <translation>The &quot;Cookie&quot; switch on the input panel is off: downloads use no cookies for now.</translation>
     </message>
     <message>
         <source>正在检查...</source>
@@ -469,7 +469,7 @@ Between the items of a list, as &quot;、&quot; is in Chinese: &quot;youtube.com
     <name>CookieWords</name>
     <message>
         <source>⚠️ 未选择 Cookie 文件，本次不使用 Cookie（可在“Cookie 管理”中选择）</source>
-        <translation>⚠️ No cookie file chosen, so no cookies are used this time (choose one in “Cookies”)</translation>
+        <translation>⚠️ No cookie file chosen, so no cookies are used this time (choose one in &quot;Cookies&quot;)</translation>
     </message>
     <message>
         <source>⚠️ Cookie 文件不存在: %1，本次不使用 Cookie</source>
@@ -733,8 +733,8 @@ Between the items of a list, as &quot;、&quot; is in Chinese: &quot;youtube.com
     <message numerus="yes">
         <source>开始下载播放列表「%1」中的 %n 项</source>
         <translation>
-            <numerusform>Starting download of %n item from the playlist “%1”</numerusform>
-            <numerusform>Starting download of %n items from the playlist “%1”</numerusform>
+            <numerusform>Starting download of %n item from the playlist &quot;%1&quot;</numerusform>
+            <numerusform>Starting download of %n items from the playlist &quot;%1&quot;</numerusform>
         </translation>
     </message>
     <message>
@@ -868,8 +868,8 @@ Between the items of a list, as &quot;、&quot; is in Chinese: &quot;youtube.com
     <message numerus="yes">
         <source>⏸ 上次未完成的 %n 个下载未自动继续（设置中“启动时继续未完成的下载”已关闭），点“继续”可接着下载</source>
         <translation>
-            <numerusform>⏸ %n unfinished download from last time was not resumed automatically (“Resume unfinished downloads at startup” is off in Settings); click “Resume” to carry on</numerusform>
-            <numerusform>⏸ %n unfinished downloads from last time were not resumed automatically (“Resume unfinished downloads at startup” is off in Settings); click “Resume” to carry on</numerusform>
+            <numerusform>⏸ %n unfinished download from last time was not resumed automatically (&quot;Resume unfinished downloads at startup&quot; is off in Settings); click &quot;Resume&quot; to carry on</numerusform>
+            <numerusform>⏸ %n unfinished downloads from last time were not resumed automatically (&quot;Resume unfinished downloads at startup&quot; is off in Settings); click &quot;Resume&quot; to carry on</numerusform>
         </translation>
     </message>
     <message numerus="yes">
@@ -1308,15 +1308,15 @@ Between the items of a list, as &quot;、&quot; is in Chinese: &quot;youtube.com
     <name>ErrorExplanation</name>
     <message>
         <source>然后在“设置”中重新检测。</source>
-        <translation>then click “Detect again” in “Settings”.</translation>
+        <translation>then click &quot;Detect again&quot; in &quot;Settings&quot;.</translation>
     </message>
     <message>
         <source>请在“设置”中更新 yt-dlp，%1</source>
-        <translation>Update yt-dlp in “Settings”, %1</translation>
+        <translation>Update yt-dlp in &quot;Settings&quot;, %1</translation>
     </message>
     <message>
         <source>请在“Cookie 管理”中选择已登录该网站的浏览器或 Cookie 文件，并打开“Cookie”开关后重试。</source>
-        <translation>In “Cookies”, choose a browser that is signed in to this site or a cookie file, turn on the “Cookie” switch, and try again.</translation>
+        <translation>In &quot;Cookies&quot;, choose a browser that is signed in to this site or a cookie file, turn on the &quot;Cookie&quot; switch, and try again.</translation>
     </message>
     <message>
         <source>JavaScript 运行时不受支持：yt-dlp 不能使用这台电脑上的运行时（版本太旧或名称不对）来解析 YouTube 视频。请安装或升级 Deno（https://deno.com），%1</source>
@@ -1328,11 +1328,11 @@ Between the items of a list, as &quot;、&quot; is in Chinese: &quot;youtube.com
     </message>
     <message>
         <source>没能解开 YouTube 的验证（n challenge）：需要可用的 JavaScript 运行时和较新的 yt-dlp。请安装 Deno（https://deno.com），并在“设置”中更新 yt-dlp，%1</source>
-        <translation>Could not solve YouTube’s challenge (n challenge): this needs a working JavaScript runtime and a recent yt-dlp. Install Deno (https://deno.com) and update yt-dlp in “Settings”, %1</translation>
+        <translation>Could not solve YouTube&apos;s challenge (n challenge): this needs a working JavaScript runtime and a recent yt-dlp. Install Deno (https://deno.com) and update yt-dlp in &quot;Settings&quot;, %1</translation>
     </message>
     <message>
         <source>yt-dlp 版本太旧，解不开 YouTube 的验证（nsig）：下载会被拒绝或缺少格式。%1</source>
-        <translation>yt-dlp is too old to solve YouTube’s challenge (nsig): downloads are refused or formats are missing. %1</translation>
+        <translation>yt-dlp is too old to solve YouTube&apos;s challenge (nsig): downloads are refused or formats are missing. %1</translation>
     </message>
     <message>
         <source>yt-dlp 版本太旧，跟不上网站的变化：只拿到了预览图，没有视频格式。%1</source>
@@ -1340,23 +1340,23 @@ Between the items of a list, as &quot;、&quot; is in Chinese: &quot;youtube.com
     </message>
     <message>
         <source>字幕下载失败：yt-dlp 没能取得“%1”字幕，因此整个下载停止了，视频没有下载。请在“下载选项”中关闭字幕或换一种语言后重试。</source>
-        <translation>Subtitle download failed: yt-dlp could not get the “%1” subtitles, so the whole download stopped and the video was not downloaded. Turn off subtitles or choose another language in “Download options”, then try again.</translation>
+        <translation>Subtitle download failed: yt-dlp could not get the &quot;%1&quot; subtitles, so the whole download stopped and the video was not downloaded. Turn off subtitles or choose another language in &quot;Download options&quot;, then try again.</translation>
     </message>
     <message>
         <source>Cookie 文件无法使用：它不是 yt-dlp 接受的 Netscape 格式（cookies.txt）。请在“Cookie 管理”中重新导出 Chrome Cookie，或选择另一个 Cookie 文件。</source>
-        <translation>Cookie file unusable: it is not in the Netscape format (cookies.txt) that yt-dlp accepts. In “Cookies”, export the Chrome cookies again or choose another cookie file.</translation>
+        <translation>Cookie file unusable: it is not in the Netscape format (cookies.txt) that yt-dlp accepts. In &quot;Cookies&quot;, export the Chrome cookies again or choose another cookie file.</translation>
     </message>
     <message>
         <source>读不到浏览器的 Cookie：所选浏览器的 Cookie 数据库找不到或无法读取。请在“Cookie 管理”中换一个浏览器或使用 Cookie 文件；浏览器正在运行时，关闭它后再试。</source>
-        <translation>Cannot read the browser’s cookies: the chosen browser’s cookie database is missing or cannot be read. In “Cookies”, choose another browser or use a cookie file; if the browser is running, close it and try again.</translation>
+        <translation>Cannot read the browser&apos;s cookies: the chosen browser&apos;s cookie database is missing or cannot be read. In &quot;Cookies&quot;, choose another browser or use a cookie file; if the browser is running, close it and try again.</translation>
     </message>
     <message>
         <source>Cookie 已失效：请在浏览器中重新登录该网站，然后在“Cookie 管理”中重新导出或选择该浏览器后重试。</source>
-        <translation>The cookies are no longer valid: sign in to the site again in your browser, then in “Cookies” export them again or choose that browser, and try again.</translation>
+        <translation>The cookies are no longer valid: sign in to the site again in your browser, then in &quot;Cookies&quot; export them again or choose that browser, and try again.</translation>
     </message>
     <message>
         <source>需要登录：网站要求确认你不是机器人。%1YouTube 还需要 JavaScript 运行时（Deno）：请在“设置”中确认已检测到它。</source>
-        <translation>Sign-in required: the site asks you to confirm you’re not a bot. %1 YouTube also needs a JavaScript runtime (Deno): check in “Settings” that it has been detected.</translation>
+        <translation>Sign-in required: the site asks you to confirm you&apos;re not a bot. %1 YouTube also needs a JavaScript runtime (Deno): check in &quot;Settings&quot; that it has been detected.</translation>
     </message>
     <message>
         <source>需要登录：这个视频有年龄限制，只有登录的账号才能观看。%1</source>
@@ -1376,7 +1376,7 @@ Between the items of a list, as &quot;、&quot; is in Chinese: &quot;youtube.com
     </message>
     <message>
         <source>地区限制：这个视频在你所在的地区不可用。可以在“下载选项”中填写代理后重试。</source>
-        <translation>Region restricted: this video is not available in your region. You can enter a proxy in “Download options” and try again.</translation>
+        <translation>Region restricted: this video is not available in your region. You can enter a proxy in &quot;Download options&quot; and try again.</translation>
     </message>
     <message>
         <source>链接不存在或已删除（HTTP 404/410）：请检查链接是否完整、正确，或视频是否已被删除。</source>
@@ -1384,7 +1384,7 @@ Between the items of a list, as &quot;、&quot; is in Chinese: &quot;youtube.com
     </message>
     <message>
         <source>访问被拒绝或请求过多（HTTP 403/429）：网站暂时拒绝了下载。请稍等一会儿再试，或在“设置”中调低“同时下载数”，也可以在“Cookie 管理”中使用 Cookie。</source>
-        <translation>Access denied or too many requests (HTTP 403/429): the site is refusing the download for now. Wait a while and try again, or lower “Simultaneous downloads” in “Settings”; you can also use cookies in “Cookies”.</translation>
+        <translation>Access denied or too many requests (HTTP 403/429): the site is refusing the download for now. Wait a while and try again, or lower &quot;Simultaneous downloads&quot; in &quot;Settings&quot;; you can also use cookies in &quot;Cookies&quot;.</translation>
     </message>
     <message>
         <source>找不到 FFmpeg：提取音频和合并音视频都需要它。请安装 FFmpeg，%1</source>
@@ -1392,15 +1392,15 @@ Between the items of a list, as &quot;、&quot; is in Chinese: &quot;youtube.com
     </message>
     <message>
         <source>这个视频没有音轨，无法提取音频：请换用“默认”或“最佳画质”预设下载。</source>
-        <translation>This video has no audio track, so no audio can be extracted: download it with the “Default” or “Best quality” preset instead.</translation>
+        <translation>This video has no audio track, so no audio can be extracted: download it with the &quot;Default&quot; or &quot;Best quality&quot; preset instead.</translation>
     </message>
     <message>
         <source>没有所需的格式：这个视频不提供所选预设要求的格式。请换一个预设，或用“查看可用格式”查看后在自定义参数中选择。</source>
-        <translation>Requested format not available: this video does not offer the format the chosen preset asks for. Choose another preset, or use “List formats” to see what is offered and pick one in the custom arguments.</translation>
+        <translation>Requested format not available: this video does not offer the format the chosen preset asks for. Choose another preset, or use &quot;List formats&quot; to see what is offered and pick one in the custom arguments.</translation>
     </message>
     <message>
         <source>文件名太长：视频标题超出了系统允许的长度。请选择“自定义”预设，加上 --trim-filenames 150 后重试。</source>
-        <translation>Filename too long: the video title is longer than the system allows. Choose the “Custom” preset, add --trim-filenames 150 and try again.</translation>
+        <translation>Filename too long: the video title is longer than the system allows. Choose the &quot;Custom&quot; preset, add --trim-filenames 150 and try again.</translation>
     </message>
     <message>
         <source>磁盘空间不足：输出目录所在的磁盘已满。请清理空间，或换一个输出目录。</source>
@@ -1412,7 +1412,7 @@ Between the items of a list, as &quot;、&quot; is in Chinese: &quot;youtube.com
     </message>
     <message>
         <source>FFmpeg 处理失败：转换或合并时出错。请在“设置”中确认 FFmpeg 可用，或换一个预设再试。</source>
-        <translation>FFmpeg processing failed: an error occurred while converting or merging. Check in “Settings” that FFmpeg is available, or try another preset.</translation>
+        <translation>FFmpeg processing failed: an error occurred while converting or merging. Check in &quot;Settings&quot; that FFmpeg is available, or try another preset.</translation>
     </message>
     <message>
         <source>不是有效的链接：请确认它是视频页面的完整地址，以 http:// 或 https:// 开头。</source>
@@ -1440,7 +1440,7 @@ Between the items of a list, as &quot;、&quot; is in Chinese: &quot;youtube.com
     </message>
     <message>
         <source>参数无法识别：yt-dlp 不认识“%1”，通常是 yt-dlp 版本太旧。请在“设置”中更新 yt-dlp，或检查自定义参数。</source>
-        <translation>Unrecognized argument: yt-dlp does not know “%1”, which usually means yt-dlp is too old. Update yt-dlp in “Settings”, or check the custom arguments.</translation>
+        <translation>Unrecognized argument: yt-dlp does not know &quot;%1&quot;, which usually means yt-dlp is too old. Update yt-dlp in &quot;Settings&quot;, or check the custom arguments.</translation>
     </message>
     <message>
         <source>yt-dlp 版本可能太旧，跟不上网站的变化：它读不懂这个页面。%1</source>
@@ -1448,15 +1448,15 @@ Between the items of a list, as &quot;、&quot; is in Chinese: &quot;youtube.com
     </message>
     <message>
         <source>找不到 yt-dlp（%1）：请安装 yt-dlp，或在“设置”中指定它的路径。</source>
-        <translation>yt-dlp not found (%1): install yt-dlp, or set its path in “Settings”.</translation>
+        <translation>yt-dlp not found (%1): install yt-dlp, or set its path in &quot;Settings&quot;.</translation>
     </message>
     <message>
         <source>yt-dlp 无法运行（%1）：它不是可执行文件或没有执行权限。请检查它，或在“设置”中指定另一个路径。</source>
-        <translation>yt-dlp cannot run (%1): it is not an executable, or has no execute permission. Check it, or set another path in “Settings”.</translation>
+        <translation>yt-dlp cannot run (%1): it is not an executable, or has no execute permission. Check it, or set another path in &quot;Settings&quot;.</translation>
     </message>
     <message>
         <source>无法通过代理连接：“下载选项”中设置了代理 %1。请确认代理正在运行、地址和端口正确，或清除代理后重试。</source>
-        <translation>Cannot connect through the proxy: “Download options” sets the proxy %1. Make sure the proxy is running and its address and port are correct, or clear the proxy and try again.</translation>
+        <translation>Cannot connect through the proxy: &quot;Download options&quot; sets the proxy %1. Make sure the proxy is running and its address and port are correct, or clear the proxy and try again.</translation>
     </message>
     <message>
         <source>下载进程被外部结束（可能是系统内存不足，或被其他程序终止）：可以重新开始下载。</source>
@@ -1533,11 +1533,11 @@ Between the items of a list, as &quot;、&quot; is in Chinese: &quot;youtube.com
     <name>FormatPicker</name>
     <message>
         <source>✓ 标出的格式符合“%1”（%2）</source>
-        <translation>✓ The marked formats fit “%1” (%2)</translation>
+        <translation>✓ The marked formats fit &quot;%1&quot; (%2)</translation>
     </message>
     <message>
         <source>✓ 标出的是“%1”会选的格式</source>
-        <translation>✓ Marked: the formats “%1” would choose</translation>
+        <translation>✓ Marked: the formats &quot;%1&quot; would choose</translation>
     </message>
     <message>
         <source>没有可以选择的格式</source>
@@ -1545,7 +1545,7 @@ Between the items of a list, as &quot;、&quot; is in Chinese: &quot;youtube.com
     </message>
     <message>
         <source>用所选格式「%1」替换现有的自定义参数「%2」？</source>
-        <translation>Replace the current custom arguments “%2” with the selected formats “%1”?</translation>
+        <translation>Replace the current custom arguments &quot;%2&quot; with the selected formats &quot;%1&quot;?</translation>
     </message>
 </context>
 <context>
@@ -1976,11 +1976,11 @@ Between the items of a list, as &quot;、&quot; is in Chinese: &quot;youtube.com
     <name>Playlist</name>
     <message>
         <source>看不懂“%1”，请写成 1-20, 25 这样</source>
-        <translation>Cannot understand “%1”; write it like 1-20, 25</translation>
+        <translation>Cannot understand &quot;%1&quot;; write it like 1-20, 25</translation>
     </message>
     <message>
         <source>“%1”不在 1-%2 之内</source>
-        <translation>“%1” is not within 1-%2</translation>
+        <translation>&quot;%1&quot; is not within 1-%2</translation>
     </message>
     <message>
         <source>请写出要下载的序号，例如 1-20, 25</source>
@@ -2038,8 +2038,8 @@ Between the items of a list, as &quot;、&quot; is in Chinese: &quot;youtube.com
     <message numerus="yes">
         <source>播放列表「%1」: 读到第 %n 项时停止，只用已读到的项</source>
         <translation>
-            <numerusform>Playlist “%1”: stopped after %n item; only the items read so far are used</numerusform>
-            <numerusform>Playlist “%1”: stopped after %n items; only the items read so far are used</numerusform>
+            <numerusform>Playlist &quot;%1&quot;: stopped after %n item; only the items read so far are used</numerusform>
+            <numerusform>Playlist &quot;%1&quot;: stopped after %n items; only the items read so far are used</numerusform>
         </translation>
     </message>
     <message>
@@ -2049,8 +2049,8 @@ Between the items of a list, as &quot;、&quot; is in Chinese: &quot;youtube.com
     <message numerus="yes">
         <source>播放列表「%1」: 读取到 %n 项</source>
         <translation>
-            <numerusform>Playlist “%1”: read %n item</numerusform>
-            <numerusform>Playlist “%1”: read %n items</numerusform>
+            <numerusform>Playlist &quot;%1&quot;: read %n item</numerusform>
+            <numerusform>Playlist &quot;%1&quot;: read %n items</numerusform>
         </translation>
     </message>
     <message>
@@ -2170,7 +2170,7 @@ Between the items of a list, as &quot;、&quot; is in Chinese: &quot;youtube.com
     <name>PresetListModel</name>
     <message>
         <source>使用 yt-dlp 默认参数，自动选择最佳格式</source>
-        <translation>Uses yt-dlp’s default arguments and picks the best format automatically</translation>
+        <translation>Uses yt-dlp&apos;s default arguments and picks the best format automatically</translation>
     </message>
     <message>
         <source>下载最高画质和音质的视频</source>
@@ -2197,7 +2197,7 @@ Between the items of a list, as &quot;、&quot; is in Chinese: &quot;youtube.com
     <name>PresetsView</name>
     <message>
         <source>删除预设“%1”？删除后无法恢复。</source>
-        <translation>Delete the preset “%1”? This cannot be undone.</translation>
+        <translation>Delete the preset &quot;%1&quot;? This cannot be undone.</translation>
     </message>
     <message>
         <source>参数预设</source>
@@ -2205,7 +2205,7 @@ Between the items of a list, as &quot;、&quot; is in Chinese: &quot;youtube.com
     </message>
     <message>
         <source>把常用的 yt-dlp 参数存为自己的预设。选用后，下载页切换到“自定义”并填入这些参数。</source>
-        <translation>Save the yt-dlp arguments you use often as presets of your own. When you use one, the download page switches to “Custom” and fills in its arguments.</translation>
+        <translation>Save the yt-dlp arguments you use often as presets of your own. When you use one, the download page switches to &quot;Custom&quot; and fills in its arguments.</translation>
     </message>
     <message>
         <source>我的预设</source>
@@ -2277,7 +2277,7 @@ Between the items of a list, as &quot;、&quot; is in Chinese: &quot;youtube.com
     </message>
     <message>
         <source>参数：下载页“自定义参数”中填写的内容</source>
-        <translation>Arguments: whatever is entered in “Custom arguments” on the download page</translation>
+        <translation>Arguments: whatever is entered in &quot;Custom arguments&quot; on the download page</translation>
     </message>
     <message>
         <source>参数：无，由 yt-dlp 自行选择</source>
@@ -2413,7 +2413,7 @@ Between the items of a list, as &quot;、&quot; is in Chinese: &quot;youtube.com
     </message>
     <message>
         <source>已有名为“%1”的预设，请换一个名称</source>
-        <translation>There is already a preset named “%1”; choose another name</translation>
+        <translation>There is already a preset named &quot;%1&quot;; choose another name</translation>
     </message>
     <message>
         <source>请填写 yt-dlp 参数</source>
@@ -2425,7 +2425,7 @@ Between the items of a list, as &quot;、&quot; is in Chinese: &quot;youtube.com
     </message>
     <message>
         <source>“%1”正在保存，请稍后再改</source>
-        <translation>“%1” is being saved; try changing it again shortly</translation>
+        <translation>&quot;%1&quot; is being saved; try changing it again shortly</translation>
     </message>
     <message>
         <source>还在读取已保存的预设，请稍后再试</source>
@@ -2437,7 +2437,7 @@ Between the items of a list, as &quot;、&quot; is in Chinese: &quot;youtube.com
     </message>
     <message>
         <source>“%1”</source>
-        <translation>“%1”</translation>
+        <translation>&quot;%1&quot;</translation>
     </message>
     <message>
         <source>、</source>
@@ -2664,7 +2664,7 @@ Between the items of a list, as &quot;、&quot; is in Chinese: &quot;youtube.com
     </message>
     <message>
         <source>复制下面的书签，在浏览器中新建一个书签并把它粘贴为网址；在视频页面点这个书签，页面链接就会加入 Quillbox 的链接框。</source>
-        <translation>Copy the bookmark below, create a new bookmark in your browser and paste it as the address. Click this bookmark on a video page and the page’s link is added to Quillbox’s links box.</translation>
+        <translation>Copy the bookmark below, create a new bookmark in your browser and paste it as the address. Click this bookmark on a video page and the page&apos;s link is added to Quillbox&apos;s links box.</translation>
     </message>
     <message>
         <source>已复制</source>
@@ -2977,11 +2977,11 @@ Between the items of a list, as &quot;、&quot; is in Chinese: &quot;youtube.com
     </message>
     <message>
         <source>可以在“设置”中点“安装最新 yt-dlp”，由 Quillbox 保管一份能自动更新的最新版。</source>
-        <translation>In “Settings”, you can click “Install latest yt-dlp” to have Quillbox keep its own copy of the latest version, which updates itself.</translation>
+        <translation>In &quot;Settings&quot;, you can click &quot;Install latest yt-dlp&quot; to have Quillbox keep its own copy of the latest version, which updates itself.</translation>
     </message>
     <message>
         <source>这个 yt-dlp 由系统的软件包管理器安装，不能自行更新，而系统软件源里的版本往往过旧。%1</source>
-        <translation>This yt-dlp was installed by the system’s package manager and cannot update itself, and the versions in the system’s repositories are often too old. %1</translation>
+        <translation>This yt-dlp was installed by the system&apos;s package manager and cannot update itself, and the versions in the system&apos;s repositories are often too old. %1</translation>
     </message>
     <message>
         <source>这个 yt-dlp 是从源代码运行的，不能自行更新，请用 git pull 更新它。%1</source>
@@ -3033,7 +3033,7 @@ Between the items of a list, as &quot;、&quot; is in Chinese: &quot;youtube.com
     </message>
     <message>
         <source>未找到可用的 yt-dlp，无法下载。点“安装最新 yt-dlp”，由 Quillbox 下载官方版本并校验。</source>
-        <translation>No working yt-dlp found, so nothing can be downloaded. Click “Install latest yt-dlp” and Quillbox will download the official build and verify it.</translation>
+        <translation>No working yt-dlp found, so nothing can be downloaded. Click &quot;Install latest yt-dlp&quot; and Quillbox will download the official build and verify it.</translation>
     </message>
     <message>
         <source>由 Quillbox 保管</source>
@@ -3073,7 +3073,7 @@ Between the items of a list, as &quot;、&quot; is in Chinese: &quot;youtube.com
     </message>
     <message>
         <source>点“安装最新 yt-dlp”，改用由 Quillbox 保管、自动更新的最新版。</source>
-        <translation>Click “Install latest yt-dlp” to switch to the latest version, kept by Quillbox and updated automatically.</translation>
+        <translation>Click &quot;Install latest yt-dlp&quot; to switch to the latest version, kept by Quillbox and updated automatically.</translation>
     </message>
     <message>
         <source>%1 版本过旧，%2会下载失败。%3</source>
@@ -3093,7 +3093,7 @@ Between the items of a list, as &quot;、&quot; is in Chinese: &quot;youtube.com
     </message>
     <message>
         <source>点“安装 Deno”即可解决。</source>
-        <translation>Click “Install Deno” to fix this.</translation>
+        <translation>Click &quot;Install Deno&quot; to fix this.</translation>
     </message>
     <message>
         <source>正在检查 JS 运行时…</source>
@@ -3192,13 +3192,13 @@ Between the items of a list, as &quot;、&quot; is in Chinese: &quot;youtube.com
     </message>
     <message>
         <source>yt-dlp 的输出不是可以读取的视频信息</source>
-        <translation>yt-dlp’s output is not video info that can be read</translation>
+        <translation>yt-dlp&apos;s output is not video info that can be read</translation>
     </message>
     <message numerus="yes">
         <source>链接是一个播放列表（%n 个视频），显示第一个视频的信息</source>
         <translation>
-            <numerusform>The link is a playlist (%n video); showing the first video’s info</numerusform>
-            <numerusform>The link is a playlist (%n videos); showing the first video’s info</numerusform>
+            <numerusform>The link is a playlist (%n video); showing the first video&apos;s info</numerusform>
+            <numerusform>The link is a playlist (%n videos); showing the first video&apos;s info</numerusform>
         </translation>
     </message>
     <message>
