@@ -192,28 +192,33 @@ AbstractButton {
         ColumnLayout {
             Layout.fillWidth: true
             spacing: Theme.spacingTiny
-            Text {
-                objectName: "titleText"
+            // A positioner rather than the layout for these two: the file's line appears while the
+            // row is shown, and Qt 6.4's layouts now and then leave such an item where it was.
+            Column {
                 Layout.fillWidth: true
-                // A playlist's item says its number in the playlist, whose title heads its group.
-                text: root.playlistIndex > 0 ? "%1. %2".arg(root.playlistIndex).arg(root.title) : root.title
-                textFormat: Text.PlainText
-                color: Theme.text
-                font.pixelSize: Theme.bodyLarge
-                font.weight: Font.Medium
-                elide: Text.ElideMiddle
-                Layout.rightMargin: root.cornerWidth > 0
-                    ? Math.max(0, root.cornerWidth + 2 * Theme.spacingSmall - root.rightPadding) : 0
-            }
-            Text {
-                objectName: "fileNameText"
-                Layout.fillWidth: true
-                visible: root.fileName.length > 0
-                text: root.fileName
-                textFormat: Text.PlainText
-                color: Theme.gray
-                font.pixelSize: Theme.caption2
-                elide: Text.ElideMiddle
+                spacing: Theme.spacingTiny
+                Text {
+                    objectName: "titleText"
+                    width: parent.width - (root.cornerWidth > 0
+                        ? Math.max(0, root.cornerWidth + 2 * Theme.spacingSmall - root.rightPadding) : 0)
+                    // A playlist's item says its number in the playlist, whose title heads its group.
+                    text: root.playlistIndex > 0 ? "%1. %2".arg(root.playlistIndex).arg(root.title) : root.title
+                    textFormat: Text.PlainText
+                    color: Theme.text
+                    font.pixelSize: Theme.bodyLarge
+                    font.weight: Font.Medium
+                    elide: Text.ElideMiddle
+                }
+                Text {
+                    objectName: "fileNameText"
+                    width: parent.width
+                    visible: root.fileName.length > 0
+                    text: root.fileName
+                    textFormat: Text.PlainText
+                    color: Theme.gray
+                    font.pixelSize: Theme.caption2
+                    elide: Text.ElideMiddle
+                }
             }
             Row {
                 objectName: "details"
