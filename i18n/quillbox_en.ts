@@ -571,7 +571,7 @@ Between the items of a list, as &quot;、&quot; is in Chinese: &quot;youtube.com
     </message>
     <message>
         <source>画质最佳</source>
-        <translation>Best quality</translation>
+        <translation>Highest quality</translation>
     </message>
     <message>
         <source>体积最小</source>
@@ -896,7 +896,7 @@ Between the items of a list, as &quot;、&quot; is in Chinese: &quot;youtube.com
     </message>
     <message>
         <source>画质最佳</source>
-        <translation>Best quality</translation>
+        <translation>Highest quality</translation>
     </message>
     <message>
         <source>体积最小</source>
@@ -1109,6 +1109,11 @@ Between the items of a list, as &quot;、&quot; is in Chinese: &quot;youtube.com
     <message>
         <source>全部清除</source>
         <translation>Clear all</translation>
+    </message>
+    <message>
+        <source>不限</source>
+        <comment>any compatibility</comment>
+        <translation>Any</translation>
     </message>
 </context>
 <context>
@@ -1985,10 +1990,6 @@ Between the items of a list, as &quot;、&quot; is in Chinese: &quot;youtube.com
     <message>
         <source>请写出要下载的序号，例如 1-20, 25</source>
         <translation>Enter the numbers to download, e.g. 1-20, 25</translation>
-    </message>
-    <message>
-        <source>播放列表</source>
-        <translation>Playlist</translation>
     </message>
 </context>
 <context>

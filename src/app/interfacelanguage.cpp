@@ -51,16 +51,14 @@ QString InterfaceLanguage::resolve(const QString &setting, const QStringList &ui
 {
     if (setting == QLatin1String(Chinese) || setting == QLatin1String(English))
         return setting;
-    bool namesALanguage = false;
     for (const QString &name : uiLanguages) {
         const QString lower = name.toLower();
         if (lower.startsWith(u"zh"))
             return QString::fromLatin1(Chinese);
         if (lower.startsWith(u"en"))
             return QString::fromLatin1(English);
-        namesALanguage = namesALanguage || (lower != u"c" && lower != u"posix" && !lower.isEmpty());
     }
-    return QString::fromLatin1(namesALanguage ? English : Chinese);
+    return QString::fromLatin1(Chinese);
 }
 
 void InterfaceLanguage::applyAtStart()

@@ -31,9 +31,8 @@ public:
 
     // The language a setting means on a system whose preferred languages are `uiLanguages`
     // (QLocale::uiLanguages(), most preferred first). "system" takes the first of them that is
-    // Chinese or English; a system that names only other languages gets English, the one
-    // translation such a reader is likelier to read; one that names none (the C locale) keeps the
-    // Chinese the texts are written in.
+    // Chinese or English; a system that names neither (another language, the C locale) keeps the
+    // Chinese the texts are written in, which is the default.
     static QString resolve(const QString &setting, const QStringList &uiLanguages);
 
     // Reads the setting and loads its language. Call once, after the application object exists

@@ -21,10 +21,32 @@
 #include <QtQml/qqmlextensionplugin.h>
 
 #include <cstdio>
+#include <functional>
 
 Q_IMPORT_QML_PLUGIN(QuillboxPlugin)
 
 using namespace Qt::StringLiterals;
+
+namespace {
+// The names QSettings files the settings under.
+void nameApplication()
+{
+    QCoreApplication::setApplicationName(QStringLiteral("Quillbox"));
+    QCoreApplication::setOrganizationName(QStringLiteral("Quillbox"));
+    QCoreApplication::setOrganizationDomain(QStringLiteral("quillbox.app"));
+}
+
+// Prints what `text` makes, in the interface's language, to `to`, and returns `code`: for the
+// answers given before (or instead of) the window, by an application object of their own.
+int say(int argc, char *argv[], std::FILE *to, const std::function<QString()> &text, int code)
+{
+    QCoreApplication core(argc, argv);
+    nameApplication();
+    InterfaceLanguage::instance()->applyAtStart();
+    std::fputs(text().toLocal8Bit().constData(), to);
+    return code;
+}
+} // namespace
 
 int main(int argc, char *argv[])
 {
@@ -34,14 +56,13 @@ int main(int argc, char *argv[])
     const CommandLine line = CommandLine::parse(arguments);
     switch (line.action) {
     case CommandLine::Action::Help:
-        std::fputs(CommandLine::helpText().toLocal8Bit().constData(), stdout);
-        return 0;
+        return say(argc, argv, stdout, &CommandLine::helpText, 0);
     case CommandLine::Action::Version:
         std::printf("Quillbox %s\n", QuillboxVersion);
         return 0;
     case CommandLine::Action::Refused:
-        std::fprintf(stderr, "%s\n", line.error.toLocal8Bit().constData());
-        return 2;
+        return say(
+            argc, argv, stderr, [&arguments]() -> QString { return CommandLine::parse(arguments).error + u'\n'; }, 2);
     case CommandLine::Action::Run:
         break;
     }
@@ -56,27 +77,28 @@ int main(int argc, char *argv[])
     case SingleInstance::Start::HandedOver:
         return 0;
     case SingleInstance::Start::Silent:
-        std::fputs(QCoreApplication::translate(
-                       "CommandLine", "Quillbox 已在运行，但没有回应；链接已交给它，它恢复后会收到。\n")
-                       .toLocal8Bit()
-                       .constData(),
-            stderr);
-        return 1;
+        return say(
+            argc, argv, stderr,
+            [] {
+                return QCoreApplication::translate(
+                    "CommandLine", "Quillbox 已在运行，但没有回应；链接已交给它，它恢复后会收到。\n");
+            },
+            1);
     case SingleInstance::Start::Busy:
-        std::fputs(QCoreApplication::translate("CommandLine", "另一个 Quillbox 正在启动，但没有回应；链接没有交出。\n")
-                       .toLocal8Bit()
-                       .constData(),
-            stderr);
-        return 1;
+        return say(
+            argc, argv, stderr,
+            [] {
+                return QCoreApplication::translate(
+                    "CommandLine", "另一个 Quillbox 正在启动，但没有回应；链接没有交出。\n");
+            },
+            1);
     }
 
     if (!AppLifecycle::checkDisplay())
         return 1;
 
     QGuiApplication app(argc, argv);
-    QGuiApplication::setApplicationName(QStringLiteral("Quillbox"));
-    QGuiApplication::setOrganizationName(QStringLiteral("Quillbox"));
-    QGuiApplication::setOrganizationDomain(QStringLiteral("quillbox.app"));
+    nameApplication();
     // No display name: on X11 Qt would append it to every window title.
     QGuiApplication::setApplicationVersion(QString::fromLatin1(QuillboxVersion));
     // The desktop finds the launcher entry, and with it the icon, by this name.

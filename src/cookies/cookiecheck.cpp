@@ -16,20 +16,19 @@
 
 using namespace Qt::StringLiterals;
 
-const QList<SignInSite> &signInSites()
+QList<SignInSite> signInSites()
 {
-    static const QList<SignInSite> sites {
+    return {
         { u"youtube"_s, u"YouTube"_s, u"youtube.com"_s,
             { u"SID"_s, u"__Secure-1PSID"_s, u"__Secure-3PSID"_s, u"LOGIN_INFO"_s } },
         { u"bilibili"_s, QCoreApplication::translate("CookieCheck", "哔哩哔哩"), u"bilibili.com"_s,
             { u"SESSDATA"_s, u"bili_jct"_s } },
     };
-    return sites;
 }
 
-const SignInSite &signInSite(const QString &key)
+SignInSite signInSite(const QString &key)
 {
-    const QList<SignInSite> &sites = signInSites();
+    const QList<SignInSite> sites = signInSites();
     for (const SignInSite &site : sites) {
         if (site.key == key)
             return site;

@@ -235,7 +235,7 @@ QUuid DownloadManager::startListedVideo(const QString &url, const VideoInfo &vid
 
 QUuid DownloadManager::createTask(const DownloadRequest &request, QList<DownloadTask> &created)
 {
-    const QString presetName = rawValue(request.preset);
+    const QString presetName = sourceLabel(request.preset);
     qCInfo(lcEngine, "[Quillbox] 开始下载任务 - URL: %ls, 预设: %ls, 输出目录: %ls", qUtf16Printable(request.url),
         qUtf16Printable(presetName), qUtf16Printable(request.outputDir));
     addLog(tr("开始下载任务"), LogEntry::LogType::Download);
@@ -341,7 +341,7 @@ void DownloadManager::executeDownload(const QUuid &taskId)
     if (request.preset != DownloadPreset::Custom) {
         const QStringList &words = presetArguments(request.preset);
         qCInfo(lcEngine, "[Quillbox] [executeDownload] 使用预设: %ls, 参数数组: [%ls]",
-            qUtf16Printable(rawValue(request.preset)), qUtf16Printable(words.join(u", "_s)));
+            qUtf16Printable(sourceLabel(request.preset)), qUtf16Printable(words.join(u", "_s)));
         info(tr("预设参数: %1").arg(words.join(u' ')));
     }
     if (!request.choices.isDefault()) {

@@ -18,6 +18,11 @@ QString rawValue(DownloadPreset preset)
     return labelIn(presetNames, "DownloadPreset", preset);
 }
 
+QString sourceLabel(DownloadPreset preset)
+{
+    return sourceLabelIn(presetNames, preset);
+}
+
 std::optional<DownloadPreset> downloadPresetFromRawValue(QStringView raw)
 {
     return fromLabelIn(presetNames, raw);

@@ -13,6 +13,8 @@
 // Chinese one is known: what stores and settings kept before keys.
 QString rawValue(DownloadPreset preset);
 std::optional<DownloadPreset> downloadPresetFromRawValue(QStringView raw);
+// The Chinese label whatever the interface's language: for the system log, which stays Chinese.
+QString sourceLabel(DownloadPreset preset);
 // The key a preset is stored by ("default", "bestQuality", …), which never changes.
 QString storageKey(DownloadPreset preset);
 std::optional<DownloadPreset> downloadPresetFromStorageKey(QStringView key);

@@ -62,7 +62,9 @@ QString safeName(const QString &text, const QString &fallback)
 
 QString PlaylistPlace::folderName() const
 {
-    return safeName(title, QCoreApplication::translate("Playlist", "播放列表"));
+    // A folder on disk: one name whatever the interface's language, so that a playlist's items
+    // retried or restored after a switch join the rest.
+    return safeName(title, u"播放列表"_s);
 }
 
 QString PlaylistPlace::outputTemplate(const QString &outputDir) const

@@ -68,6 +68,17 @@ QString labelIn(const std::array<StoredEnumName<Enum>, N> &table, const char *co
     return QString();
 }
 
+// The Chinese label of `value`, untranslated.
+template <typename Enum, std::size_t N>
+QString sourceLabelIn(const std::array<StoredEnumName<Enum>, N> &table, Enum value)
+{
+    for (const auto &entry : table) {
+        if (entry.value == value)
+            return QString::fromUtf8(entry.label);
+    }
+    return QString();
+}
+
 // The case whose Chinese label is `label`, whatever the interface's language: what older stores kept.
 template <typename Enum, std::size_t N>
 std::optional<Enum> fromLabelIn(const std::array<StoredEnumName<Enum>, N> &table, QStringView label)

@@ -323,7 +323,7 @@ void TestMainWindow::languageFollowsTheSystem_data()
     QTest::newRow("Chinese system") << u"system"_s << QStringList { u"zh-CN"_s, u"zh-Hans-CN"_s } << u"zh_CN"_s;
     QTest::newRow("English system") << u"system"_s << QStringList { u"en-GB"_s, u"en"_s } << u"en"_s;
     QTest::newRow("German, then Chinese") << u"system"_s << QStringList { u"de-DE"_s, u"zh-TW"_s } << u"zh_CN"_s;
-    QTest::newRow("German only") << u"system"_s << QStringList { u"de-DE"_s, u"de"_s } << u"en"_s;
+    QTest::newRow("German only") << u"system"_s << QStringList { u"de-DE"_s, u"de"_s } << u"zh_CN"_s;
     QTest::newRow("the C locale names none") << u"system"_s << QStringList { u"C"_s } << u"zh_CN"_s;
     QTest::newRow("chosen English") << u"en"_s << QStringList { u"zh-CN"_s } << u"en"_s;
     QTest::newRow("chosen Chinese") << u"zh_CN"_s << QStringList { u"en-US"_s } << u"zh_CN"_s;

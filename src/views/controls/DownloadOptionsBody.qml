@@ -79,7 +79,7 @@ GridLayout {
             objectName: "compatibilityChoice"
             Accessible.name: qsTr("兼容性")
             choices: [
-                { key: "any", label: qsTr("不限") },
+                { key: "any", label: qsTr("不限", "any compatibility") },
                 { key: "everywhere", label: qsTr("到处都能播放") },
                 { key: "quality", label: qsTr("画质最佳") },
                 { key: "smallest", label: qsTr("体积最小") }

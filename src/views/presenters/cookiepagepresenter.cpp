@@ -7,6 +7,7 @@
 #include "engine/downloadmanager.h"
 #include "engine/tooltext.h"
 #include "model/appstate.h"
+#include "model/languagechange.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -50,6 +51,14 @@ CookiePagePresenter::CookiePagePresenter(QObject *parent)
     connect(m_state, &AppState::cookieSourceChanged, this, &CookiePagePresenter::forgetCheck);
     connect(m_service, &CookieService::exportFinished, this, &CookiePagePresenter::describeExport);
     refresh();
+    // Every text of the page is made here: made again in the new language.
+    onLanguageChange(this, [this] {
+        refresh();
+        Q_EMIT checkSitesChanged();
+        describeCheck();
+        if (!m_exportSummary.isEmpty())
+            describeExport(true);
+    });
 }
 
 void CookiePagePresenter::refresh()

@@ -3,6 +3,7 @@
 #include "engine/shellwords.h"
 #include "model/appstate.h"
 #include "model/downloadpreset.h"
+#include "model/languagechange.h"
 #include "store/queuememory.h"
 
 using namespace Qt::StringLiterals;
@@ -19,6 +20,12 @@ SavedPresetModel::SavedPresetModel(QueueMemory *memory, AppState *state, QObject
 {
     if (m_memory)
         m_memory->loadPresets(this, [this](const QList<SavedPreset> &presets) { load(presets); });
+    // The rows' option summaries and the store's error are made in the language of the moment.
+    onLanguageChange(this, [this] {
+        if (rowCount() > 0)
+            Q_EMIT dataChanged(index(0), index(rowCount() - 1));
+        updateStoreError();
+    });
 }
 
 int SavedPresetModel::rowCount(const QModelIndex &parent) const
