@@ -15,6 +15,7 @@
 
 #include "app/applifecycle.h"
 #include "app/cjkfont.h"
+#include "app/interfacelanguage.h"
 #include "app/qmlsetup.h"
 #include "store/queuememory.h"
 #include "support/localserver.h"
@@ -59,7 +60,7 @@ int runOne(int argc, char **argv, const QString &renderer)
         qputenv("QT_QPA_PLATFORM", "offscreen");
     QGuiApplication app(argc, argv);
     QQuickStyle::setStyle(u"Basic"_s);
-    AppLifecycle::loadQtTranslations();
+    InterfaceLanguage::instance()->applyAtStart();
     return run("bench_downloads", [&] {
         const bool quick = shortMode(argc, argv);
         const int total = std::max(1, intOption(argc, argv, "downloads", quick ? 100 : 1000));

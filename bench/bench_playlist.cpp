@@ -18,6 +18,7 @@
 
 #include "app/applifecycle.h"
 #include "app/cjkfont.h"
+#include "app/interfacelanguage.h"
 #include "app/qmlsetup.h"
 #include "store/queuememory.h"
 #include "support/localserver.h"
@@ -381,7 +382,7 @@ int runPart(int argc, char **argv, const QString &part)
         qputenv("QT_QPA_PLATFORM", "offscreen");
     QGuiApplication app(argc, argv);
     QQuickStyle::setStyle(u"Basic"_s);
-    AppLifecycle::loadQtTranslations();
+    InterfaceLanguage::instance()->applyAtStart();
     return run("bench_playlist", [&] {
         const int items = std::max(1, intOption(argc, argv, "items", shortMode(argc, argv) ? 100 : 1000));
         Sandbox sandbox;

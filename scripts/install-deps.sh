@@ -11,7 +11,7 @@ debian_packages=(
     qml6-module-qtquick-layouts qml6-module-qtquick-window qml6-module-qtquick-dialogs
     qml6-module-qtquick-shapes qml6-module-qttest qml6-module-qt-labs-platform
     qml6-module-qt-labs-folderlistmodel qt6-translations-l10n qt6-gtk-platformtheme
-    qt6-qpa-plugins libqt6svg6 libqt6sql6-sqlite
+    qt6-qpa-plugins libqt6svg6 libqt6sql6-sqlite qt6-tools-dev qt6-l10n-tools
     fonts-noto-cjk fonts-noto-color-emoji fonts-dejavu-core
     yt-dlp ffmpeg zsh sqlite3 python3 nodejs libssl-dev zlib1g-dev libsecret-tools chromium
     xvfb xauth dbus-daemon xdotool xclip at-spi2-core python3-pyatspi

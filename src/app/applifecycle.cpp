@@ -24,26 +24,6 @@
 namespace {
 const QString geometryKey = QStringLiteral("Main Window/geometry");
 
-// The few texts of Qt's that its Chinese catalogues leave in English: the labels of the file
-// dialog Qt Quick draws where the desktop has none (Qt 6.4). Installed before the catalogues, so
-// a catalogue that has them wins.
-class MissingQtTexts : public QTranslator
-{
-public:
-    using QTranslator::QTranslator;
-
-    QString translate(const char *context, const char *sourceText, const char *, int) const override
-    {
-        if (qstrcmp(context, "FileDialog") != 0)
-            return {};
-        if (qstrcmp(sourceText, "Filter") == 0)
-            return QStringLiteral("文件类型");
-        if (qstrcmp(sourceText, "File name") == 0)
-            return QStringLiteral("文件名");
-        return {};
-    }
-    bool isEmpty() const override { return false; }
-};
 } // namespace
 
 AppLifecycle::AppLifecycle(DownloadManager *downloads, QObject *parent)
@@ -122,25 +102,6 @@ void onTerminationSignal(int)
     [[maybe_unused]] const ssize_t written = ::write(signalPipe[1], &byte, 1);
 }
 } // namespace
-
-void AppLifecycle::loadQtTranslations()
-{
-    // The catalogues of the modules the interface uses: qtbase (standard dialogs, widgets' texts)
-    // and qtdeclarative (Qt Quick's dialogs and controls). Qt's "qt" catalogue would bring
-    // qtmultimedia instead of qtdeclarative.
-    const QLocale chinese(QLocale::Chinese, QLocale::SimplifiedChineseScript, QLocale::China);
-    const QString folder = QLibraryInfo::path(QLibraryInfo::TranslationsPath);
-    QCoreApplication::installTranslator(new MissingQtTexts(qApp));
-    for (const QString &catalogue : { QStringLiteral("qtbase"), QStringLiteral("qtdeclarative") }) {
-        auto *translator = new QTranslator(qApp);
-        if (translator->load(chinese, catalogue, QStringLiteral("_"), folder)) {
-            QCoreApplication::installTranslator(translator);
-        } else {
-            qCInfo(lcUi, "Qt's Chinese translations (%ls) are not installed", qUtf16Printable(catalogue));
-            delete translator;
-        }
-    }
-}
 
 void AppLifecycle::quitOnTerminationSignals()
 {

@@ -31,11 +31,6 @@ public:
     // the queue as it stood before the downloads are stopped.
     void restoreQueueAfterFirstFrame(QQuickWindow *window, QueueMemory *memory);
 
-    // Qt's own texts (dialog buttons, text-field menus, the file dialog's labels) in Simplified
-    // Chinese, as the rest of the interface is, whatever the system's language. Once the
-    // interface speaks English too, this follows its language.
-    static void loadQtTranslations();
-
     // SIGTERM and SIGINT quit the way closing the window does, so downloads stop with us.
     static void quitOnTerminationSignals();
 

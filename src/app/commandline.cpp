@@ -1,5 +1,6 @@
 #include "app/commandline.h"
 
+#include <QCoreApplication>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -82,7 +83,8 @@ CommandLine CommandLine::parse(const QStringList &arguments)
             skipValue = takesValue;
         } else if (options && argument.startsWith(u'-')) {
             line.action = Action::Refused;
-            line.error = u"未知的选项：%1（quillbox --help 列出可用的选项）"_s.arg(argument);
+            line.error = QCoreApplication::translate("CommandLine", "未知的选项：%1（quillbox --help 列出可用的选项）")
+                             .arg(argument);
             return line;
         } else if (argument.startsWith(u"quillbox:", Qt::CaseInsensitive)) {
             line.texts << linksOfQuillboxUrl(argument);
@@ -97,13 +99,14 @@ CommandLine CommandLine::parse(const QStringList &arguments)
 
 QString CommandLine::helpText()
 {
-    return u"用法：quillbox [--start] [链接 | quillbox://add?url=…]…\n"
-           "\n"
-           "把链接放进 Quillbox 的链接框；Quillbox 已在运行时交给它的窗口。\n"
-           "\n"
-           "  --start      用当前的预设和选项直接开始下载\n"
-           "  --version    显示版本\n"
-           "  --help       显示这段说明\n"_s;
+    return QCoreApplication::translate("CommandLine",
+        "用法：quillbox [--start] [链接 | quillbox://add?url=…]…\n"
+        "\n"
+        "把链接放进 Quillbox 的链接框；Quillbox 已在运行时交给它的窗口。\n"
+        "\n"
+        "  --start      用当前的预设和选项直接开始下载\n"
+        "  --version    显示版本\n"
+        "  --help       显示这段说明\n");
 }
 
 QStringList linksOfQuillboxUrl(const QString &address)
@@ -130,6 +133,11 @@ QString quillboxBookmarklet()
     // encodeURIComponent leaves nothing of the page's address ("&", "#", "?", any script) to be
     // read as part of the quillbox:// link around it.
     return u"javascript:location.href='quillbox://add?url='+encodeURIComponent(location.href)"_s;
+}
+
+QString Handover::fromText() const
+{
+    return QCoreApplication::translate("Handover", from.toUtf8().constData());
 }
 
 QByteArray Handover::encode() const

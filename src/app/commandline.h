@@ -41,11 +41,15 @@ struct Handover
 {
     bool start = false;
     QStringList texts;
-    // Where the links came from, for the log ("命令行", "链接").
+    // Where the links came from, for the log: the Chinese word ("命令行", "链接"), so that a
+    // Quillbox in any language reads what another one sent.
     QString from;
 
     // The largest message taken: a longer one is refused whole.
     static constexpr qsizetype MaxBytes = 4 * 1024 * 1024;
+
+    // `from` in the interface's language.
+    QString fromText() const;
 
     QByteArray encode() const;
     // A whole message, or nothing for anything else (garbage, too long, cut short).

@@ -42,16 +42,15 @@ Desktop::~Desktop()
 
 QString Desktop::openerFailure(bool folder, int exitCode, const QString &output)
 {
-    const QString what = folder ? u"文件夹"_s : u"文件"_s;
     const QStringList lines = output.split(u'\n', Qt::SkipEmptyParts);
     const QString said = lines.isEmpty() ? QString() : lines.constLast().trimmed().left(300);
     // xdg-open's "no method available" (status 3), macOS open's "No application knows how to open".
     const bool noHandler = exitCode == 3 || said.contains(u"no method available"_s, Qt::CaseInsensitive)
         || said.contains(u"No application knows"_s, Qt::CaseInsensitive);
-    const QString reason = said.isEmpty() ? u"退出码 %1"_s.arg(exitCode) : said;
+    const QString reason = said.isEmpty() ? tr("退出码 %1").arg(exitCode) : said;
     if (noHandler)
-        return u"没有可以打开此%1的程序（%2）"_s.arg(what, reason);
-    return u"无法打开此%1（%2）"_s.arg(what, reason);
+        return (folder ? tr("没有可以打开此文件夹的程序（%1）") : tr("没有可以打开此文件的程序（%1）")).arg(reason);
+    return (folder ? tr("无法打开此文件夹（%1）") : tr("无法打开此文件（%1）")).arg(reason);
 }
 
 // The desktop's own opener: "open" on macOS, "xdg-open" elsewhere, found on the PATH. Its error
@@ -66,10 +65,10 @@ QString Desktop::startOpener(const QString &path, bool folder, const QStringList
 #endif
     const QString program = QStandardPaths::findExecutable(name);
     if (program.isEmpty())
-        return u"找不到用来打开文件的程序（%1）"_s.arg(name);
+        return tr("找不到用来打开文件的程序（%1）").arg(name);
     auto errors = std::make_shared<QTemporaryFile>();
     if (!errors->open())
-        return u"无法启动 %1：临时文件夹不可写"_s.arg(name);
+        return tr("无法启动 %1：临时文件夹不可写").arg(name);
     auto *opener = new QProcess(this);
     opener->setProgram(program);
     opener->setArguments(arguments);
@@ -90,7 +89,7 @@ QString Desktop::startOpener(const QString &path, bool folder, const QStringList
     opener->start();
     if (!opener->waitForStarted()) {
         delete opener;
-        return u"无法启动 %1"_s.arg(name);
+        return tr("无法启动 %1").arg(name);
     }
     return {};
 }
@@ -98,7 +97,7 @@ QString Desktop::startOpener(const QString &path, bool folder, const QStringList
 QString Desktop::openFile(const QString &path)
 {
     if (!QFileInfo(path).isFile())
-        return u"文件已不存在：%1"_s.arg(path);
+        return tr("文件已不存在：%1").arg(path);
     return startOpener(path, false, { path });
 }
 
@@ -107,7 +106,7 @@ QString Desktop::showInFolder(const QString &path)
     const QFileInfo file(path);
     const QString folder = file.absolutePath();
     if (!QFileInfo(folder).isDir())
-        return u"文件夹已不存在：%1"_s.arg(folder);
+        return tr("文件夹已不存在：%1").arg(folder);
 #ifdef Q_OS_MACOS
     if (file.exists())
         return startOpener(path, true, { u"-R"_s, file.absoluteFilePath() });

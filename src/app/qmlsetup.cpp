@@ -1,6 +1,7 @@
 #include "app/qmlsetup.h"
 
 #include "app/iconprovider.h"
+#include "app/interfacelanguage.h"
 #include "app/thumbnailcache.h"
 #include "model/appstate.h"
 #include "model/logcategories.h"
@@ -18,6 +19,7 @@ void setupQmlEngine(QQmlEngine &engine)
     // here scales or rotates text, where distance fields would look better.
     QQuickWindow::setTextRenderType(QQuickWindow::NativeTextRendering);
     engine.addImportPath(QStringLiteral("qrc:/qt/qml"));
+    InterfaceLanguage::instance()->attachEngine(&engine);
     engine.addImageProvider(QStringLiteral("icons"), new IconProvider);
     // Made once, when first needed; the engines do not own their factory.
     static ThumbnailNetworkFactory networkFactory;

@@ -1,5 +1,6 @@
 #include "app/rendererchoice.h"
 
+#include "model/languagechange.h"
 #include "model/logcategories.h"
 
 #include <QDir>
@@ -8,6 +9,8 @@
 #include <QQuickWindow>
 #include <QSGRendererInterface>
 #include <QSettings>
+
+#include <optional>
 
 #include <unistd.h>
 
@@ -25,10 +28,11 @@ QString &startSetting()
     return setting;
 }
 
-QString &startReason()
+// The signs this run decided by, kept so that the reason can be said again in another language.
+std::optional<RendererChoice::Signs> &startSigns()
 {
-    static QString reason;
-    return reason;
+    static std::optional<RendererChoice::Signs> signs;
+    return signs;
 }
 
 QString storedSetting()
@@ -87,38 +91,38 @@ RendererChoice::Signs RendererChoice::readSigns(const QString &driDir, const QSt
 RendererChoice::Decision RendererChoice::decide(const QString &setting, const Signs &signs)
 {
     if (!signs.quickBackend.isEmpty())
-        return { signs.quickBackend == Software, u"环境变量 QT_QUICK_BACKEND=%1"_s.arg(signs.quickBackend) };
+        return { signs.quickBackend == Software, tr("环境变量 QT_QUICK_BACKEND=%1").arg(signs.quickBackend) };
     if (!signs.rhiBackend.isEmpty())
-        return { false, u"环境变量 QSG_RHI_BACKEND=%1"_s.arg(signs.rhiBackend) };
+        return { false, tr("环境变量 QSG_RHI_BACKEND=%1").arg(signs.rhiBackend) };
     if (setting == Hardware)
-        return { false, u"设置为硬件加速"_s };
+        return { false, tr("设置为硬件加速") };
     if (setting == Software)
-        return { true, u"设置为软件"_s };
+        return { true, tr("设置为软件") };
 #ifdef Q_OS_MACOS
     Q_UNUSED(signs);
-    return { false, u"自动：macOS 用 Metal 绘制"_s };
+    return { false, tr("自动：macOS 用 Metal 绘制") };
 #else
     if (mesaTrue(signs.libglAlwaysSoftware))
-        return { true, u"自动：LIBGL_ALWAYS_SOFTWARE 让 OpenGL 在软件中运行"_s };
+        return { true, tr("自动：LIBGL_ALWAYS_SOFTWARE 让 OpenGL 在软件中运行") };
     static const QStringList softwareDrivers { u"llvmpipe"_s, u"softpipe"_s, u"swr"_s };
     if (softwareDrivers.contains(signs.galliumDriver.trimmed().toLower()))
-        return { true, u"自动：GALLIUM_DRIVER=%1 是软件 OpenGL"_s.arg(signs.galliumDriver) };
+        return { true, tr("自动：GALLIUM_DRIVER=%1 是软件 OpenGL").arg(signs.galliumDriver) };
     // An X display with a host part ("localhost:10.0" of ssh -X) is on another machine, whose
     // OpenGL reaches us, if at all, through the network.
     const QString host = signs.display.section(u':', 0, 0);
     if (signs.waylandDisplay.isEmpty() && !host.isEmpty() && host != "unix"_L1)
-        return { true, u"自动：窗口显示在另一台机器上（DISPLAY=%1）"_s.arg(signs.display) };
+        return { true, tr("自动：窗口显示在另一台机器上（DISPLAY=%1）").arg(signs.display) };
     if (signs.renderNode.isEmpty())
-        return { true, u"自动：没有可用的 GPU 渲染设备（/dev/dri/renderD*）"_s };
-    return { false, u"自动：找到 GPU 渲染设备 %1"_s.arg(signs.renderNode) };
+        return { true, tr("自动：没有可用的 GPU 渲染设备（/dev/dri/renderD*）") };
+    return { false, tr("自动：找到 GPU 渲染设备 %1").arg(signs.renderNode) };
 #endif
 }
 
 void RendererChoice::applyAtStart()
 {
     startSetting() = storedSetting();
-    const Decision decision = decide(startSetting(), readSigns());
-    startReason() = decision.reason;
+    startSigns() = readSigns();
+    const Decision decision = decide(startSetting(), *startSigns());
     // Only when the environment does not name a backend: Qt lets this call override it.
     if (decision.software && qEnvironmentVariableIsEmpty("QT_QUICK_BACKEND"))
         QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
@@ -129,6 +133,7 @@ void RendererChoice::applyAtStart()
 RendererChoice::RendererChoice(QObject *parent)
     : QObject(parent)
 {
+    onLanguageChange(this, [this] { Q_EMIT reasonChanged(); });
 }
 
 QString RendererChoice::setting() const
@@ -152,8 +157,9 @@ QString RendererChoice::settingAtStart() const
 
 QString RendererChoice::reason() const
 {
-    // Without applyAtStart (a test's window), what it would have said.
-    if (startReason().isEmpty())
-        startReason() = decide(startSetting(), readSigns()).reason;
-    return startReason();
+    // Without applyAtStart (a test's window), what it would have said. Said afresh each time, in the
+    // interface's language.
+    if (!startSigns())
+        startSigns() = readSigns();
+    return decide(startSetting(), *startSigns()).reason;
 }

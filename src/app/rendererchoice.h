@@ -21,8 +21,8 @@ class RendererChoice : public QObject
     Q_PROPERTY(QString setting READ setting WRITE setSetting NOTIFY settingChanged)
     // The setting this run started with.
     Q_PROPERTY(QString settingAtStart READ settingAtStart CONSTANT)
-    // Why this run draws the way it does, for the settings sheet.
-    Q_PROPERTY(QString reason READ reason CONSTANT)
+    // Why this run draws the way it does, for the settings sheet, in the language of the moment.
+    Q_PROPERTY(QString reason READ reason NOTIFY reasonChanged)
 
 public:
     static constexpr auto SettingKey = "interfaceRenderer";
@@ -65,4 +65,5 @@ public:
 
 Q_SIGNALS:
     void settingChanged();
+    void reasonChanged();
 };

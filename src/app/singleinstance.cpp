@@ -130,7 +130,8 @@ bool LinkOpenFilter::eventFilter(QObject *watched, QEvent *event)
     const QUrl url = static_cast<QFileOpenEvent *>(event)->url();
     if (url.scheme() != u"quillbox")
         return QObject::eventFilter(watched, event);
-    Q_EMIT received(Handover { false, linksOfQuillboxUrl(url.toString(QUrl::FullyEncoded)), u"链接"_s });
+    Q_EMIT received(Handover { false, linksOfQuillboxUrl(url.toString(QUrl::FullyEncoded)),
+        QString::fromUtf8(QT_TRANSLATE_NOOP("Handover", "链接")) });
     return true;
 }
 
@@ -166,7 +167,7 @@ void InstanceServer::take(QLocalSocket *socket)
     connect(socket, &QObject::destroyed, this, [this, socket] { m_pending.remove(socket); });
     const qint64 user = peerUser(int(socket->socketDescriptor()));
     if (user != qint64(::getuid())) {
-        Q_EMIT refused(u"另一个用户（%1）"_s.arg(user));
+        Q_EMIT refused(tr("另一个用户（%1）").arg(user));
         socket->abort();
         return;
     }
@@ -176,7 +177,7 @@ void InstanceServer::take(QLocalSocket *socket)
     QTimer::singleShot(ReadPatienceMs, socket, [this, socket] {
         if (!m_pending.contains(socket))
             return;
-        Q_EMIT refused(u"消息不完整"_s);
+        Q_EMIT refused(tr("消息不完整"));
         socket->abort();
     });
     read(socket);
@@ -194,7 +195,7 @@ void InstanceServer::read(QLocalSocket *socket)
     const std::optional<Handover> handover = needed > 0 ? Handover::decode(pending->left(needed)) : std::nullopt;
     m_pending.erase(pending);
     if (!handover) {
-        Q_EMIT refused(u"无法读取的消息"_s);
+        Q_EMIT refused(tr("无法读取的消息"));
         socket->abort();
         return;
     }

@@ -7,6 +7,7 @@
 #include "engine/tooltext.h"
 #include "model/logcategories.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -15,19 +16,19 @@
 
 using namespace Qt::StringLiterals;
 
-const QList<SignInSite> &signInSites()
+QList<SignInSite> signInSites()
 {
-    static const QList<SignInSite> sites {
+    return {
         { u"youtube"_s, u"YouTube"_s, u"youtube.com"_s,
             { u"SID"_s, u"__Secure-1PSID"_s, u"__Secure-3PSID"_s, u"LOGIN_INFO"_s } },
-        { u"bilibili"_s, u"哔哩哔哩"_s, u"bilibili.com"_s, { u"SESSDATA"_s, u"bili_jct"_s } },
+        { u"bilibili"_s, QCoreApplication::translate("CookieCheck", "哔哩哔哩"), u"bilibili.com"_s,
+            { u"SESSDATA"_s, u"bili_jct"_s } },
     };
-    return sites;
 }
 
-const SignInSite &signInSite(const QString &key)
+SignInSite signInSite(const QString &key)
 {
-    const QList<SignInSite> &sites = signInSites();
+    const QList<SignInSite> sites = signInSites();
     for (const SignInSite &site : sites) {
         if (site.key == key)
             return site;
@@ -91,14 +92,20 @@ bool onDomain(const QString &cookieDomain, const QString &domain)
 QString signInLine(const SignInFinding &found, const SignInSite &site)
 {
     if (found.names.isEmpty())
-        return u"其中没有 %1 的登录 Cookie：请先在浏览器中登录 %1，再检查一次。"_s.arg(site.label);
-    const QString names = found.names.join(u"、"_s);
+        return QCoreApplication::translate(
+            "CookieCheck", "其中没有 %1 的登录 Cookie：请先在浏览器中登录 %1，再检查一次。")
+            .arg(site.label);
+    const QString names = found.names.join(QCoreApplication::translate("CookieCheck", "、"));
     if (found.expired)
-        return u"%1 的登录 Cookie（%2）已于 %3 过期：请在浏览器中重新登录 %1。"_s.arg(
-            site.label, names, dateText(found.expires));
+        return QCoreApplication::translate(
+            "CookieCheck", "%1 的登录 Cookie（%2）已于 %3 过期：请在浏览器中重新登录 %1。")
+            .arg(site.label, names, dateText(found.expires));
     if (!found.expires.isValid())
-        return u"找到 %1 的登录 Cookie（%2），是会话 Cookie，关闭浏览器后失效。"_s.arg(site.label, names);
-    return u"找到 %1 的登录 Cookie（%2），有效期至 %3。"_s.arg(site.label, names, dateText(found.expires));
+        return QCoreApplication::translate(
+            "CookieCheck", "找到 %1 的登录 Cookie（%2），是会话 Cookie，关闭浏览器后失效。")
+            .arg(site.label, names);
+    return QCoreApplication::translate("CookieCheck", "找到 %1 的登录 Cookie（%2），有效期至 %3。")
+        .arg(site.label, names, dateText(found.expires));
 }
 
 } // namespace
@@ -174,36 +181,48 @@ QString describeCookieCheck(const CookieCheckResult &result, const SignInSite &s
     const QString detail = result.detail.isEmpty() ? QString() : u"\n"_s + result.detail;
     switch (result.problem) {
     case CookieCheckProblem::NoSource:
-        return u"请先选择浏览器或 Cookie 文件。"_s;
+        return QCoreApplication::translate("CookieCheck", "请先选择浏览器或 Cookie 文件。");
     case CookieCheckProblem::YtDlpMissing:
-        return u"找不到 yt-dlp，无法检查 Cookie：请安装 yt-dlp，或在“设置”中指定它的路径。"_s + detail;
+        return QCoreApplication::translate(
+                   "CookieCheck", "找不到 yt-dlp，无法检查 Cookie：请安装 yt-dlp，或在“设置”中指定它的路径。")
+            + detail;
     case CookieCheckProblem::NotRun:
-        return u"检查没有完成："_s + result.detail;
+        return QCoreApplication::translate("CookieCheck", "检查没有完成：%1").arg(result.detail);
     case CookieCheckProblem::BrowserNotFound:
-        return u"找不到 %1 的 Cookie 数据库：这台电脑上可能没有安装它，或从未用它登录过网站。请换一个浏览器，或使用 Cookie 文件。"_s
+        return QCoreApplication::translate("CookieCheck",
+                   "找不到 %1 的 Cookie 数据库：这台电脑上可能没有安装它，或从未用它登录过网站。请换一个浏览器，或使用 Cookie 文件。")
                    .arg(result.sourceLabel)
             + detail;
     case CookieCheckProblem::DatabaseLocked:
-        return u"%1 的 Cookie 数据库被锁定：浏览器正在使用它。请关闭 %1 后再检查。"_s.arg(result.sourceLabel) + detail;
+        return QCoreApplication::translate(
+                   "CookieCheck", "%1 的 Cookie 数据库被锁定：浏览器正在使用它。请关闭 %1 后再检查。")
+                   .arg(result.sourceLabel)
+            + detail;
     case CookieCheckProblem::KeyringRefused:
-        return u"%1 的 Cookie 无法解密：系统钥匙串没有提供密钥（钥匙串被拒绝、已锁定或不可用）。请解锁钥匙串并允许访问，或改用 Cookie 文件。"_s
+        return QCoreApplication::translate("CookieCheck",
+                   "%1 的 Cookie 无法解密：系统钥匙串没有提供密钥（钥匙串被拒绝、已锁定或不可用）。请解锁钥匙串并允许访问，或改用 Cookie 文件。")
                    .arg(result.sourceLabel)
             + detail;
     case CookieCheckProblem::NotNetscape:
-        return u"Cookie 文件不是 Netscape 格式（cookies.txt），yt-dlp 无法使用：请重新导出，或选择另一个文件。"_s
+        return QCoreApplication::translate("CookieCheck",
+                   "Cookie 文件不是 Netscape 格式（cookies.txt），yt-dlp 无法使用：请重新导出，或选择另一个文件。")
             + detail;
     case CookieCheckProblem::FileMissing:
-        return u"找不到这个 Cookie 文件：请重新选择。"_s + detail;
+        return QCoreApplication::translate("CookieCheck", "找不到这个 Cookie 文件：请重新选择。") + detail;
     case CookieCheckProblem::Unreadable:
-        return u"yt-dlp 读不出 %1 的 Cookie。"_s.arg(result.sourceLabel) + detail;
+        return QCoreApplication::translate("CookieCheck", "yt-dlp 读不出 %1 的 Cookie。").arg(result.sourceLabel)
+            + detail;
     case CookieCheckProblem::None:
         break;
     }
-    QString text = u"yt-dlp 从 %1 读到 %2 个 Cookie。"_s.arg(result.sourceLabel).arg(result.cookies.size());
+    QString text = QCoreApplication::translate(
+        "CookieCheck", "yt-dlp 从 %1 读到 %n 个 Cookie。", nullptr, int(result.cookies.size()))
+                       .arg(result.sourceLabel);
     if (result.undecryptable > 0)
-        text += u"另有 %1 个无法解密，已跳过（系统钥匙串没有提供密钥）。"_s.arg(result.undecryptable);
+        text += QCoreApplication::translate("CookieCheck", "另有 %n 个无法解密，已跳过（系统钥匙串没有提供密钥）。",
+            nullptr, int(result.undecryptable));
     else if (result.keyringTrouble)
-        text += u"读取时系统钥匙串不可用，部分 Cookie 可能没有读到。"_s;
+        text += QCoreApplication::translate("CookieCheck", "读取时系统钥匙串不可用，部分 Cookie 可能没有读到。");
     return text + u'\n' + signInLine(findSignIn(result.cookies, site, now), site);
 }
 
@@ -220,7 +239,8 @@ bool CookieCheck::start(const QString &source, const QString &cookieFile, const 
         return false;
     CookieCheckResult early;
     const bool fromFile = source == QLatin1String(CookieSourceNames::File);
-    early.sourceLabel = fromFile ? u"Cookie 文件"_s : cookieBrowserLabel(source);
+    early.sourceLabel
+        = fromFile ? QCoreApplication::translate("CookieCheck", "Cookie 文件") : cookieBrowserLabel(source);
     const QString path = expandHome(cookieFile.trimmed(), home);
     if (source == QLatin1String(CookieSourceNames::None) || source.isEmpty() || (fromFile && path.isEmpty())) {
         early.problem = CookieCheckProblem::NoSource;
@@ -232,7 +252,7 @@ bool CookieCheck::start(const QString &source, const QString &cookieFile, const 
     auto folder = std::make_shared<QTemporaryDir>(QDir::tempPath() + u"/quillbox-cookiecheck-XXXXXX"_s);
     if (early.problem == CookieCheckProblem::None && !folder->isValid()) {
         early.problem = CookieCheckProblem::NotRun;
-        early.detail = u"无法创建临时文件夹："_s + folder->errorString();
+        early.detail = QCoreApplication::translate("CookieCheck", "无法创建临时文件夹：%1").arg(folder->errorString());
     }
     const QString out = folder->filePath(u"cookies.txt"_s);
     // yt-dlp rewrites the file it loads with --cookies, so it gets a copy of the user's.
@@ -277,7 +297,7 @@ bool CookieCheck::start(const QString &source, const QString &cookieFile, const 
                         result.detail = ytDlp;
                     } else if (run.crashed) {
                         result.problem = CookieCheckProblem::NotRun;
-                        result.detail = u"yt-dlp 异常退出"_s;
+                        result.detail = QCoreApplication::translate("CookieCheck", "yt-dlp 异常退出");
                     } else {
                         const QStringList lines = QString(run.standardOutput + u'\n' + run.standardError).split(u'\n');
                         const CookieLoadReport report = parseCookieLoadOutput(lines);

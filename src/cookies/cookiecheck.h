@@ -22,10 +22,11 @@ struct SignInSite
     QStringList cookieNames;
 };
 
-// The sites a cookie check looks for sign-in cookies of; the first is the default.
-const QList<SignInSite> &signInSites();
+// The sites a cookie check looks for sign-in cookies of; the first is the default. Their labels
+// are in the interface's language of the moment.
+QList<SignInSite> signInSites();
 // The site of `key`, or the default one for an unknown key.
-const SignInSite &signInSite(const QString &key);
+SignInSite signInSite(const QString &key);
 
 enum class CookieCheckProblem {
     None,

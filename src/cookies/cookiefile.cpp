@@ -1,5 +1,6 @@
 #include "cookies/cookiefile.h"
 
+#include <QCoreApplication>
 #include <QFile>
 #include <QMap>
 
@@ -54,7 +55,7 @@ QList<CookieDomainSummary> summarizeCookieFile(const QString &path, const QDateT
     }
     if (file.size() > MaxCookieFileBytes) {
         if (error)
-            *error = u"文件过大，不像 Cookie 文件"_s;
+            *error = QCoreApplication::translate("CookieFile", "文件过大，不像 Cookie 文件");
         return {};
     }
     const qint64 nowSeconds = now.toSecsSinceEpoch();
@@ -72,6 +73,6 @@ QList<CookieDomainSummary> summarizeCookieFile(const QString &path, const QDateT
             summary.latestExpiry = when;
     }
     if (hosts.isEmpty() && error)
-        *error = u"文件中没有 Cookie"_s;
+        *error = QCoreApplication::translate("CookieFile", "文件中没有 Cookie");
     return hosts.values();
 }

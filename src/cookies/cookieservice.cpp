@@ -5,6 +5,7 @@
 #include "engine/tooltext.h"
 #include "model/logcategories.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -292,11 +293,11 @@ QString CookieError::localizedDescription() const
 {
     switch (m_kind) {
     case Kind::ExtractionFailed:
-        return u"Cookie 提取失败: "_s + m_message;
+        return QCoreApplication::translate("CookieError", "Cookie 提取失败: %1").arg(m_message);
     case Kind::ChromeNotFound:
-        return u"未找到 Chrome 浏览器。请确保已安装 Google Chrome。"_s;
+        return QCoreApplication::translate("CookieError", "未找到 Chrome 浏览器。请确保已安装 Google Chrome。");
     case Kind::NoCookiesFound:
-        return u"未找到可用的 cookies。请先登录要下载的视频网站。"_s;
+        return QCoreApplication::translate("CookieError", "未找到可用的 cookies。请先登录要下载的视频网站。");
     case Kind::Platform:
         break;
     }
@@ -406,7 +407,8 @@ CookieExportResult CookieService::runExport(const CookieServiceSetup &setup)
         const QString scriptPath = QDir(setup.tempDir).filePath(QLatin1String(PythonScriptName));
         QString error;
         if (!writePrivateFile(scriptPath, QByteArray(PythonScript), &error))
-            return raise(CookieError::platform(u"无法写入 Python 脚本 "_s + scriptPath + u": "_s + error));
+            return raise(CookieError::platform(
+                QCoreApplication::translate("CookieError", "无法写入 Python 脚本 %1: %2").arg(scriptPath, error)));
         logLine(u"写入 Python 脚本到: "_s + scriptPath);
         logLine(u"执行 Python 脚本..."_s);
         QProcess python;
@@ -416,7 +418,8 @@ CookieExportResult CookieService::runExport(const CookieServiceSetup &setup)
         const bool launched = runBlocking(python, setup.python, { scriptPath, outputPath, chromePath }, &error);
         if (!launched) {
             QFile::remove(scriptPath);
-            return raise(CookieError::platform(u"无法启动 Python: "_s + error));
+            return raise(
+                CookieError::platform(QCoreApplication::translate("CookieError", "无法启动 Python: %1").arg(error)));
         }
         const int status = python.exitStatus() == QProcess::NormalExit ? python.exitCode() : -1;
         qCInfo(lcCookies, "[CookieService] Python 脚本退出状态: %d", status);
@@ -429,11 +432,13 @@ CookieExportResult CookieService::runExport(const CookieServiceSetup &setup)
         if (status == 0 && QFileInfo::exists(outputPath)) {
             CookieExportResult result;
             if (!finishPythonFile(setup, chromePath, outputPath, result.undecryptable, &error))
-                return raise(CookieError::platform(u"无法读写 cookie 文件: "_s + error));
+                return raise(CookieError::platform(
+                    QCoreApplication::translate("CookieError", "无法读写 cookie 文件: %1").arg(error)));
             logUndecryptable(result.undecryptable);
             QFile file(outputPath);
             if (!file.open(QIODevice::ReadOnly))
-                return raise(CookieError::platform(u"无法读取 cookie 文件: "_s + file.errorString()));
+                return raise(CookieError::platform(
+                    QCoreApplication::translate("CookieError", "无法读取 cookie 文件: %1").arg(file.errorString())));
             const QByteArray bytes = file.readAll();
             qCInfo(lcCookies, "[CookieService] cookie 文件大小: %d 字节", int(bytes.size()));
             const QString text = decodeUtf8OrEmpty(bytes);
@@ -476,13 +481,15 @@ CookieExportResult CookieService::extractCookiesUsingSQLite(
               .filePath(u"extract_"_s + QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper() + u".sh"_s);
     QString error;
     if (!writePrivateFile(scriptPath, QByteArray(SqliteScript), &error))
-        return failure(CookieError::platform(u"无法写入 sqlite3 脚本 "_s + scriptPath + u": "_s + error));
+        return failure(CookieError::platform(
+            QCoreApplication::translate("CookieError", "无法写入 sqlite3 脚本 %1: %2").arg(scriptPath, error)));
     QProcess bash;
     bash.setProcessChannelMode(QProcess::MergedChannels);
     const bool launched = runBlocking(bash, setup.bash, { scriptPath, chromePath }, &error);
     QFile::remove(scriptPath);
     if (!launched)
-        return failure(CookieError::platform(u"无法启动 "_s + setup.bash + u": "_s + error));
+        return failure(CookieError::platform(
+            QCoreApplication::translate("CookieError", "无法启动 %1: %2").arg(setup.bash, error)));
     const QString output = decodeUtf8OrEmpty(bash.readAll());
     if (output.isEmpty())
         return failure(CookieError::noCookiesFound());
@@ -524,7 +531,8 @@ CookieExportResult CookieService::extractCookiesUsingSQLite(
         return failure(CookieError::noCookiesFound());
     const QByteArray file = FileHeader + lines;
     if (!writePrivateFile(outputPath, file, &error))
-        return failure(CookieError::platform(u"无法写入 cookie 文件 "_s + outputPath + u": "_s + error));
+        return failure(CookieError::platform(
+            QCoreApplication::translate("CookieError", "无法写入 cookie 文件 %1: %2").arg(outputPath, error)));
     result.cookieCount = 0;
     describeFile(file, result);
     result.ok = true;

@@ -3,6 +3,7 @@
 #include "cookies/chromecookies.h"
 #include "engine/tooltext.h"
 
+#include <QCoreApplication>
 #include <QFileInfo>
 
 using namespace Qt::StringLiterals;
@@ -24,22 +25,26 @@ CookieWords cookieWords(const QString &source, const QString &cookieFile, const 
     if (source == QLatin1String(CookieSourceNames::File)) {
         const QString path = expandHome(cookieFile.trimmed(), home);
         if (path.isEmpty()) {
-            result.warning
-                = u"⚠️ 未选择 Cookie 文件，本次不使用 Cookie（可在“Cookie 管理”中选择）"_s;
+            result.warning = QCoreApplication::translate("CookieWords",
+                "⚠️ 未选择 Cookie 文件，本次不使用 Cookie（可在“Cookie 管理”中选择）");
         } else if (!QFileInfo(path).isFile()) {
-            result.warning = u"⚠️ Cookie 文件不存在: "_s + path + u"，本次不使用 Cookie"_s;
+            result.warning = QCoreApplication::translate(
+                "CookieWords", "⚠️ Cookie 文件不存在: %1，本次不使用 Cookie")
+                                 .arg(path);
         } else {
             result.words = QStringList { u"--cookies"_s, path };
-            result.notice = u"使用 Cookie 文件: "_s + path;
+            result.notice = QCoreApplication::translate("CookieWords", "使用 Cookie 文件: %1").arg(path);
         }
         return result;
     }
     const QString label = cookieBrowserLabel(source);
     if (browserCookiesPresent(source, home)) {
         result.words = QStringList { u"--cookies-from-browser"_s, source };
-        result.notice = u"使用 "_s + label + u" 浏览器 Cookie"_s;
+        result.notice = QCoreApplication::translate("CookieWords", "使用 %1 浏览器 Cookie").arg(label);
     } else {
-        result.warning = u"⚠️ 未找到 "_s + label + u" 浏览器的 Cookie 数据库，本次不使用浏览器 Cookie"_s;
+        result.warning = QCoreApplication::translate(
+            "CookieWords", "⚠️ 未找到 %1 浏览器的 Cookie 数据库，本次不使用浏览器 Cookie")
+                             .arg(label);
     }
     return result;
 }

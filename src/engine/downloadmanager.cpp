@@ -186,8 +186,9 @@ void DownloadManager::startPlaylistItems(
         return;
     qCInfo(
         lcEngine, "[Quillbox] 播放列表「%ls」: 加入 %lld 项", qUtf16Printable(playlist.title), qlonglong(items.size()));
-    addLog(u"开始下载播放列表「%1」中的 %2 项"_s.arg(playlist.title).arg(items.size()), LogEntry::LogType::Download);
-    info(u"预设: "_s + rawValue(options.preset));
+    addLog(tr("开始下载播放列表「%1」中的 %n 项", nullptr, int(items.size())).arg(playlist.title),
+        LogEntry::LogType::Download);
+    info(tr("预设: %1").arg(rawValue(options.preset)));
     QList<DownloadTask> created;
     created.reserve(items.size());
     for (const PlaylistEntry &item : items) {
@@ -211,8 +212,8 @@ void DownloadManager::startPlaylistItems(
 
 void DownloadManager::startUnlisted(const QString &url, const DownloadOptions &options, const QString &reason)
 {
-    addLog(u"⚠️ 无法列出播放列表中的视频（%1），整个链接作为一个任务下载: %2"_s.arg(
-               leftCharacters(reason, 200), url),
+    addLog(tr("⚠️ 无法列出播放列表中的视频（%1），整个链接作为一个任务下载: %2")
+               .arg(leftCharacters(reason, 200), url),
         LogEntry::LogType::Warning);
     startDownloads({ url }, options);
     m_unlisted.insert(m_tasks->tasks().constLast().id);
@@ -234,12 +235,12 @@ QUuid DownloadManager::startListedVideo(const QString &url, const VideoInfo &vid
 
 QUuid DownloadManager::createTask(const DownloadRequest &request, QList<DownloadTask> &created)
 {
-    const QString presetName = rawValue(request.preset);
+    const QString presetName = sourceLabel(request.preset);
     qCInfo(lcEngine, "[Quillbox] 开始下载任务 - URL: %ls, 预设: %ls, 输出目录: %ls", qUtf16Printable(request.url),
         qUtf16Printable(presetName), qUtf16Printable(request.outputDir));
-    addLog(u"开始下载任务"_s, LogEntry::LogType::Download);
+    addLog(tr("开始下载任务"), LogEntry::LogType::Download);
     info(u"URL: "_s + request.url);
-    info(u"预设: "_s + presetName);
+    info(tr("预设: %1").arg(presetName));
     DownloadTask task = DownloadTask::create(request.url);
     task.outcome = outcomeOf(request);
     created.append(task);
@@ -317,11 +318,11 @@ void DownloadManager::executeDownload(const QUuid &taskId)
     m_tasks->update(taskId, [](DownloadTask &task) { task.status = DownloadStatus::Preparing; });
 
     qCInfo(lcEngine, "[Quillbox] [executeDownload] 开始构建命令...");
-    info(u"构建下载命令..."_s);
+    info(tr("构建下载命令..."));
     const QStringList runtimeArgs = m_tools->jsRuntimeArgs();
     if (!runtimeArgs.isEmpty()) {
         qCInfo(lcEngine, "[Quillbox] [executeDownload] 注入 JS 运行时: %ls", qUtf16Printable(runtimeArgs.join(u' ')));
-        info(u"JS 运行时: "_s + runtimeArgs.value(1));
+        info(tr("JS 运行时: %1").arg(runtimeArgs.value(1)));
     } else {
         qCInfo(lcEngine, "[Quillbox] [executeDownload] ⚠️ 未检测到 JS 运行时，YouTube 下载可能失败");
     }
@@ -335,18 +336,18 @@ void DownloadManager::executeDownload(const QUuid &taskId)
     }
     if (!request.downloadPlaylist) {
         qCInfo(lcEngine, "[Quillbox] [executeDownload] 不下载播放列表");
-        info(u"只下载当前视频"_s);
+        info(tr("只下载当前视频"));
     }
     if (request.preset != DownloadPreset::Custom) {
         const QStringList &words = presetArguments(request.preset);
         qCInfo(lcEngine, "[Quillbox] [executeDownload] 使用预设: %ls, 参数数组: [%ls]",
-            qUtf16Printable(rawValue(request.preset)), qUtf16Printable(words.join(u", "_s)));
-        info(u"预设参数: "_s + words.join(u' '));
+            qUtf16Printable(sourceLabel(request.preset)), qUtf16Printable(words.join(u", "_s)));
+        info(tr("预设参数: %1").arg(words.join(u' ')));
     }
     if (!request.choices.isDefault()) {
         const QString summary = request.choices.summary();
         qCInfo(lcEngine, "[Quillbox] [executeDownload] 下载选项: %ls", qUtf16Printable(summary));
-        info(u"下载选项: "_s + summary);
+        info(tr("下载选项: %1").arg(summary));
     }
     // Passwords typed into the custom arguments are run but never shown: not in either log, not
     // on the row (nor in the store's copy of it).
@@ -361,15 +362,15 @@ void DownloadManager::executeDownload(const QUuid &taskId)
     qCInfo(lcEngine, "[Quillbox] [executeDownload] 完整命令:");
     qCInfo(lcEngine, "[Quillbox] %ls", qUtf16Printable(shownCommand));
     qCInfo(lcEngine, "%s", separatorLine);
-    info(u"执行命令: "_s + shownCommand);
+    info(tr("执行命令: %1").arg(shownCommand));
 
     // yt-dlp would fail late and obscurely on a folder it cannot create; say so plainly instead.
     if (request.outputDir.isEmpty()) {
-        failToLaunch(taskId, u"未设置输出目录"_s);
+        failToLaunch(taskId, tr("未设置输出目录"));
         return;
     }
     if (QDir::isRelativePath(request.outputDir)) {
-        failToLaunch(taskId, u"输出目录必须是完整路径: "_s + request.outputDir);
+        failToLaunch(taskId, tr("输出目录必须是完整路径: %1").arg(request.outputDir));
         return;
     }
     if (const ShellWords custom = splitShellWords(request.customArgs); !custom.ok()) {
@@ -381,11 +382,12 @@ void DownloadManager::executeDownload(const QUuid &taskId)
         return;
     }
     if (request.choices.useArchive && !QDir().mkpath(QFileInfo(archiveFile()).path())) {
-        failToLaunch(taskId, u"无法创建下载存档所在的目录: "_s + QFileInfo(archiveFile()).path());
+        failToLaunch(taskId, tr("无法创建下载存档所在的目录: %1").arg(QFileInfo(archiveFile()).path()));
         return;
     }
     if (!QDir().mkpath(request.outputDir)) {
-        failToLaunch(taskId, u"无法创建输出目录: "_s + request.outputDir, explainFolderFailure(request.outputDir));
+        failToLaunch(
+            taskId, tr("无法创建输出目录: %1").arg(request.outputDir), explainFolderFailure(request.outputDir));
         return;
     }
 
@@ -440,7 +442,7 @@ void DownloadManager::executeDownload(const QUuid &taskId)
     connect(job, &DownloadJob::stalledChanged, this, [this, taskId](bool stalled) { noteStall(taskId, stalled); });
     connect(job, &DownloadJob::removedPartialFile, this, [this](const QString &path) {
         qCInfo(lcEngine, "[Quillbox] [executeDownload] 已删除未完成的文件: %ls", qUtf16Printable(path));
-        info(u"已删除未完成的转换文件: "_s + path);
+        info(tr("已删除未完成的转换文件: %1").arg(path));
     });
     connect(job, &DownloadJob::ended, this,
         [this, taskId, job](const DownloadJob::End &end) { completeDownload(taskId, job, end); });
@@ -619,15 +621,15 @@ void DownloadManager::completeDownload(const QUuid &taskId, DownloadJob *job, co
     if (exitCode == 0 && !end.crashed) {
         qCInfo(lcEngine, "[Quillbox] [executeDownload] 下载成功!");
         m_offeredFormats.remove(taskId);
-        info(u"✅ 下载完成！"_s);
+        info(tr("✅ 下载完成！"));
         const QFileInfo file(outputPath);
         const bool skipped = job->skippedByArchive();
         if (skipped)
-            info(u"已在下载存档中，未再下载: "_s + nameOf(taskId));
+            info(tr("已在下载存档中，未再下载: %1").arg(nameOf(taskId)));
         // A link that listed nothing ends without error and without a file: the row says so.
         const bool nothing = !skipped && outputPath.isEmpty() && m_unlisted.contains(taskId);
         if (nothing)
-            addLog(u"⚠️ 没有下载任何文件: "_s + nameOf(taskId), LogEntry::LogType::Warning);
+            addLog(tr("⚠️ 没有下载任何文件: %1").arg(nameOf(taskId)), LogEntry::LogType::Warning);
         m_tasks->update(taskId, [&file, skipped, nothing](DownloadTask &task) {
             task.status = DownloadStatus::Completed;
             task.progress = 1.0;
@@ -638,14 +640,14 @@ void DownloadManager::completeDownload(const QUuid &taskId, DownloadJob *job, co
             if (file.isFile())
                 task.size = DownloadOutput::formatBytes(file.size());
             if (skipped)
-                task.notice = u"已在下载存档中，未再下载"_s;
+                task.notice = tr("已在下载存档中，未再下载");
             if (nothing)
-                task.notice = u"没有下载任何文件"_s;
+                task.notice = tr("没有下载任何文件");
         });
     } else {
         qCInfo(lcEngine, "[Quillbox] [executeDownload] 下载失败, 错误码: %d", exitCode);
-        addLog(u"❌ 下载失败 (错误码: %1)"_s.arg(exitCode), LogEntry::LogType::Error);
-        QString message = u"下载失败 (错误码: %1)"_s.arg(exitCode);
+        addLog(tr("❌ 下载失败 (错误码: %1)").arg(exitCode), LogEntry::LogType::Error);
+        QString message = tr("下载失败 (错误码: %1)").arg(exitCode);
 
         QStringList kept;
         if (!end.stderrTail.isEmpty()) {
@@ -678,11 +680,12 @@ void DownloadManager::completeDownload(const QUuid &taskId, DownloadJob *job, co
 
 void DownloadManager::noteStall(const QUuid &taskId, bool stalled)
 {
-    const QString notice = stalled ? u"%1 秒无响应"_s.arg(m_stallNoticeMs / 1000) : QString();
+    const int seconds = m_stallNoticeMs / 1000;
+    const QString notice = stalled ? tr("%n 秒无响应", nullptr, seconds) : QString();
     if (stalled) {
         const QString url = m_requests.value(taskId).url;
         qCInfo(lcEngine, "[Quillbox] [executeDownload] %ls: %ls", qUtf16Printable(notice), qUtf16Printable(url));
-        addLog(u"⚠️ "_s + notice + u"："_s + url, LogEntry::LogType::Warning);
+        addLog(tr("⚠️ %1：%2").arg(notice, url), LogEntry::LogType::Warning);
     }
     m_tasks->update(taskId, [&notice](DownloadTask &task) { task.notice = notice; });
 }
@@ -717,7 +720,7 @@ void DownloadManager::stopDownload(const QString &taskId)
 {
     const QUuid id = QUuid::fromString(taskId);
     if (stopTask(id))
-        info(u"⏹ 已停止: "_s + nameOf(id));
+        info(tr("⏹ 已停止: %1").arg(nameOf(id)));
 }
 
 void DownloadManager::retryDownload(const QString &taskId)
@@ -728,7 +731,7 @@ void DownloadManager::retryDownload(const QString &taskId)
         || (task->status != DownloadStatus::Failed && task->status != DownloadStatus::Cancelled
             && task->status != DownloadStatus::Paused))
         return;
-    info((task->status == DownloadStatus::Paused ? u"▶ 继续: "_s : u"🔄 重试: "_s) + task->title);
+    info((task->status == DownloadStatus::Paused ? tr("▶ 继续: %1") : tr("🔄 重试: %1")).arg(task->title));
     m_tasks->update(id, &DownloadManager::clearLastRun);
     m_offeredFormats.remove(id);
     m_formatMissing.remove(id);
@@ -758,7 +761,7 @@ void DownloadManager::removeDownload(const QString &taskId)
     if (!m_tasks->find(id))
         return;
     if (stopTask(id))
-        info(u"⏹ 已停止: "_s + nameOf(id));
+        info(tr("⏹ 已停止: %1").arg(nameOf(id)));
     m_tasks->remove(id);
     m_requests.remove(id);
     m_offeredFormats.remove(id);
@@ -798,7 +801,7 @@ void DownloadManager::stopGroup(const QString &group)
     for (const QUuid &id : groupTasks(group))
         stopped += stopTask(id) ? 1 : 0;
     if (stopped > 0)
-        info(u"⏹ 已停止播放列表中的 %1 项"_s.arg(stopped));
+        info(tr("⏹ 已停止播放列表中的 %n 项", nullptr, stopped));
 }
 
 void DownloadManager::retryGroup(const QString &group)
@@ -851,13 +854,13 @@ void DownloadManager::restoreTasks(const QList<StoredTask> &rows)
     m_tasks->insertAll(0, tasks);
     m_waiting.insert(m_waiting.begin(), waiting.begin(), waiting.end());
     qCInfo(lcEngine, "[Quillbox] 已恢复上次的 %d 个任务", int(tasks.size()));
-    info(u"↺ 已恢复上次的 %1 个任务"_s.arg(tasks.size()));
+    info(tr("↺ 已恢复上次的 %n 个任务", nullptr, int(tasks.size())));
     if (unfinished > 0 && m_resumeAtStart)
-        info(u"▶ 继续上次未完成的 %1 个下载"_s.arg(unfinished));
+        info(tr("▶ 继续上次未完成的 %n 个下载", nullptr, unfinished));
     else if (unfinished > 0)
-        info(
-            u"⏸ 上次未完成的 %1 个下载未自动继续（设置中“启动时继续未完成的下载”已关闭），点“继续”可接着下载"_s
-                .arg(unfinished));
+        info(tr(
+            "⏸ 上次未完成的 %n 个下载未自动继续（设置中“启动时继续未完成的下载”已关闭），点“继续”可接着下载",
+            nullptr, unfinished));
     pumpQueue();
 }
 
@@ -868,10 +871,10 @@ void DownloadManager::cancelAllDownloads()
         m_tasks->update(id, [](DownloadTask &task) { task.status = DownloadStatus::Cancelled; });
     }
     if (!waiting.empty())
-        info(u"⏹ 已取消 %1 个等待中的任务"_s.arg(waiting.size()));
+        info(tr("⏹ 已取消 %n 个等待中的任务", nullptr, int(waiting.size())));
     for (const QUuid &id : m_jobs.keys()) {
         if (stopTask(id))
-            info(u"⏹ 已停止: "_s + nameOf(id));
+            info(tr("⏹ 已停止: %1").arg(nameOf(id)));
     }
 }
 

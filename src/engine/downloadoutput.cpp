@@ -1,5 +1,6 @@
 #include "engine/downloadoutput.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QRegularExpression>
 
@@ -9,9 +10,15 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-const QString merging = u"合并中"_s;
-const QString extractingAudio = u"转换音频中"_s;
-const QString postProcessing = u"后处理中"_s;
+// The steps after the download, named in the language of the moment they start.
+const char *const merging = QT_TRANSLATE_NOOP("DownloadOutput", "合并中");
+const char *const extractingAudio = QT_TRANSLATE_NOOP("DownloadOutput", "转换音频中");
+const char *const postProcessing = QT_TRANSLATE_NOOP("DownloadOutput", "后处理中");
+
+QString phaseText(const char *phase)
+{
+    return QCoreApplication::translate("DownloadOutput", phase);
+}
 
 // yt-dlp's file name with "temp" before its extension: where a post-processing step writes
 // before it renames the result into place.
@@ -195,18 +202,18 @@ void DownloadOutput::readLine(const QString &line, ProgressUpdate &update)
         m_skippedByArchive = true;
     } else if (const QRegularExpressionMatch match = e.converts.match(line); match.hasMatch()) {
         const QString target = absolute(match.captured(2));
-        m_phase = match.capturedView(1) == u"ExtractAudio" ? extractingAudio : postProcessing;
+        m_phase = phaseText(match.capturedView(1) == u"ExtractAudio" ? extractingAudio : postProcessing);
         m_outputPath = target;
         m_partialFiles = { target, tempNameOf(target) };
     } else if (const QRegularExpressionMatch match = e.viaTemp.match(line); match.hasMatch()) {
         const QString target = absolute(match.captured(2));
         const bool merger = match.capturedView(1) == u"Merger";
-        m_phase = merger ? merging : postProcessing;
+        m_phase = phaseText(merger ? merging : postProcessing);
         if (merger)
             m_outputPath = target;
         m_partialFiles = { tempNameOf(target) };
     } else if (e.postStep.match(line).hasMatch()) {
-        m_phase = postProcessing;
+        m_phase = phaseText(postProcessing);
     } else {
         return;
     }

@@ -1,12 +1,18 @@
 #include "engine/linesplitter.h"
 
+#include <QCoreApplication>
+
+#include <algorithm>
 #include <cstring>
+#include <limits>
 
 using namespace Qt::StringLiterals;
 
 QString LineSplitter::elisionNote(qint64 dropped)
 {
-    return u"…（此行过长，已省略 %1 字节）"_s.arg(dropped);
+    // The count chooses the plural form; the text shows it in full, beyond an int's range too.
+    const int count = static_cast<int>(std::min<qint64>(dropped, std::numeric_limits<int>::max()));
+    return QCoreApplication::translate("LineSplitter", "…（此行过长，已省略 %1 字节）", nullptr, count).arg(dropped);
 }
 
 void LineSplitter::keep(const char *data, qsizetype length)

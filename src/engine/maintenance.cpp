@@ -41,7 +41,7 @@ void Maintenance::updateYtDlp(std::function<void(const UpdateResult &)> completi
 {
     m_tools->whenYtDlpPathKnown([this, completion = std::move(completion)] {
         qCInfo(lcEngine, "[Quillbox] [updateYtDlp] 开始更新 yt-dlp...");
-        info(u"正在更新 yt-dlp..."_s);
+        info(tr("正在更新 yt-dlp..."));
         ShellCommand command;
         command.syntax(u"source ~/.zprofile 2>/dev/null; source ~/.zshrc 2>/dev/null; "
                        u"which brew >/dev/null 2>&1 && brew upgrade yt-dlp 2>&1 ||"_s);
@@ -49,35 +49,38 @@ void Maintenance::updateYtDlp(std::function<void(const UpdateResult &)> completi
         command.syntax(u"2>&1"_s);
         const UpdateRoute route = m_tools->ytDlpUpdateRoute();
         // The tool's own words stay in the designed line; the advice follows as a line of its own.
-        const auto failed = [this, completion, route](const QString &text, const QString &output) {
+        // An update that ends with an error can still have found yt-dlp already the newest.
+        const auto failed = [this, completion, route](const QString &said, const QString &output) {
+            const QString text = tr("❌ 更新失败: %1").arg(said);
             addLog(text, LogEntry::LogType::Error);
             const QString advice = explainUpdateFailure(output, route);
             if (!advice.isEmpty())
                 addLog(advice, LogEntry::LogType::Error);
-            completion({ text, advice });
+            const bool upToDate = said.contains(u"up-to-date") || said.contains(u"成功") || said.contains(u"最新");
+            completion({ text, advice, upToDate });
         };
         runShellCommand(
             command, PipeMode::Shared, this,
             [this, completion, failed](const ShellResult &result) {
                 if (!result.launched) {
-                    failed(u"❌ 更新失败: "_s + result.errorString, result.errorString);
+                    failed(result.errorString, result.errorString);
                     return;
                 }
                 const QString output = result.trimmedOutput();
                 qCInfo(lcEngine, "[Quillbox] [updateYtDlp] 更新输出: %ls", qUtf16Printable(output));
                 if (result.exitCode != 0 || result.crashed) {
-                    failed(u"❌ 更新失败: "_s + leftCharacters(output, 300), output);
+                    failed(leftCharacters(output, 300), output);
                     return;
                 }
                 m_tools->checkYtDlpInstallation([this, completion](bool success, const QString &version) {
                     if (!success) {
-                        completion({ u"✅ 命令执行成功，但版本检测失败"_s, {} });
+                        completion({ tr("✅ 命令执行成功，但版本检测失败"), {}, true });
                         return;
                     }
                     m_tools->setYtDlpVersion(version);
-                    const QString text = u"✅ 更新成功，当前版本: "_s + version;
+                    const QString text = tr("✅ 更新成功，当前版本: %1").arg(version);
                     info(text);
-                    completion({ text, {} });
+                    completion({ text, {}, true });
                 });
             },
             UpdateTimeoutMs, /*guarded=*/false);
@@ -88,7 +91,7 @@ void Maintenance::listFormats(const QString &url, bool useCookies,
     std::function<void(const FormatListResult &)> completion, const QStringList &networkWords)
 {
     m_tools->whenYtDlpPathKnown([this, url, useCookies, networkWords, completion = std::move(completion)] {
-        info(u"正在获取可用格式..."_s);
+        info(tr("正在获取可用格式..."));
         ShellCommand command(m_tools->ytDlpPath(), { u"--list-formats"_s });
         command << m_tools->jsRuntimeArgs();
         if (useCookies)
@@ -100,14 +103,14 @@ void Maintenance::listFormats(const QString &url, bool useCookies,
         qCInfo(lcEngine, "%s", separatorLine);
         qCInfo(lcEngine, "[Quillbox] [listFormats] 命令: %ls", qUtf16Printable(shown));
         qCInfo(lcEngine, "%s", separatorLine);
-        info(u"执行命令: "_s + shown);
+        info(tr("执行命令: %1").arg(shown));
 
         runShellCommand(
             command, PipeMode::Split, this,
             [this, completion](const ShellResult &result) {
                 FormatListResult answer;
                 if (!result.launched) {
-                    addLog(u"获取格式列表失败: "_s + result.errorString, LogEntry::LogType::Error);
+                    addLog(tr("获取格式列表失败: %1").arg(result.errorString), LogEntry::LogType::Error);
                     answer.error = launchError(result);
                     completion(answer);
                     return;
@@ -116,14 +119,14 @@ void Maintenance::listFormats(const QString &url, bool useCookies,
                 if (!result.standardError.isEmpty())
                     combined += u'\n' + result.standardError;
                 if (result.exitCode == 0 && !result.crashed) {
-                    info(u"格式列表获取成功"_s);
+                    info(tr("格式列表获取成功"));
                     answer.ok = true;
                     answer.text = combined;
                     completion(answer);
                     return;
                 }
                 const QString message = result.standardError.isEmpty() ? combined : result.standardError;
-                addLog(u"获取格式列表失败: "_s + leftCharacters(message, 200), LogEntry::LogType::Error);
+                addLog(tr("获取格式列表失败: %1").arg(leftCharacters(message, 200)), LogEntry::LogType::Error);
                 answer.error = EngineError { managerDomain, result.exitCode, message };
                 completion(answer);
             },

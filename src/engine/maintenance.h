@@ -16,7 +16,9 @@ struct VideoInfoResult;
 struct UpdateResult
 {
     QString text; // "✅ …" or "❌ …", as the user is told
-    QString advice; // for a failure: what happened and what to do, in plain Chinese; may be empty
+    QString advice; // for a failure: what happened and what to do, in plain words; may be empty
+    // The newest yt-dlp is in place: the update ran, or yt-dlp said it already was the newest.
+    bool upToDate = false;
 };
 
 struct FormatListResult

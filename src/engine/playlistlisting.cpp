@@ -43,7 +43,7 @@ void PlaylistListing::run(const ShellCommand &command)
 {
     if (m_outcome != Outcome::Running || m_process)
         return;
-    info(u"正在读取播放列表: "_s + m_url);
+    info(tr("正在读取播放列表: %1").arg(m_url));
     auto *process = new GroupProcess(this);
     m_process = process;
     process->setGuarded(true);
@@ -72,12 +72,13 @@ void PlaylistListing::run(const ShellCommand &command)
 
 void PlaylistListing::cancel()
 {
-    end(Outcome::Cancelled, u"已取消读取播放列表: "_s + m_url);
+    end(Outcome::Cancelled, tr("已取消读取播放列表: %1").arg(m_url));
 }
 
 void PlaylistListing::stopHere()
 {
-    end(Outcome::Playlist, u"播放列表「%1」: 读到第 %2 项时停止，只用已读到的项"_s.arg(m_title).arg(m_entries.size()));
+    end(Outcome::Playlist,
+        tr("播放列表「%1」: 读到第 %n 项时停止，只用已读到的项", nullptr, int(m_entries.size())).arg(m_title));
 }
 
 void PlaylistListing::end(Outcome outcome, const QString &message)
@@ -135,18 +136,18 @@ void PlaylistListing::finish(int exitCode, bool crashed)
     const bool ok = exitCode == 0 && !crashed;
     if (!ok && m_failure.isEmpty())
         m_failure = !m_errorLines.isEmpty() ? m_errorLines.mid(0, 3).join(u'\n')
-                                            : u"yt-dlp 以状态 %1 退出"_s.arg(crashed ? -1 : exitCode);
+                                            : tr("yt-dlp 以状态 %1 退出").arg(crashed ? -1 : exitCode);
     if (!m_entries.isEmpty()) {
         m_outcome = Outcome::Playlist;
-        info(u"播放列表「%1」: 读取到 %2 项"_s.arg(m_title).arg(m_entries.size()));
+        info(tr("播放列表「%1」: 读取到 %n 项", nullptr, int(m_entries.size())).arg(m_title));
         if (!ok)
-            info(u"播放列表未读完: "_s + leftCharacters(m_failure, 200));
+            info(tr("播放列表未读完: %1").arg(leftCharacters(m_failure, 200)));
     } else if (m_video) {
         m_outcome = Outcome::SingleVideo;
         m_failure.clear();
     } else if (ok) {
         m_outcome = Outcome::Empty;
-        m_failure = u"yt-dlp 没有列出任何视频"_s;
+        m_failure = tr("yt-dlp 没有列出任何视频");
     } else {
         m_outcome = Outcome::Failed;
     }

@@ -1,5 +1,6 @@
 #include "engine/progressparser.h"
 
+#include <QCoreApplication>
 #include <QRegularExpression>
 
 #include <algorithm>
@@ -83,8 +84,8 @@ std::optional<QString> knownFailure(const QStringList &lines)
         return std::nullopt;
     if (anyContains(lines, u"This video is available only for registered users")
         || anyContains(lines, u"Login required"))
-        return u"需要登录或 Cookie 已过期"_s;
+        return QCoreApplication::translate("ProgressParser", "需要登录或 Cookie 已过期");
     if (anyContains(lines, u"is not a valid URL"))
-        return u"无效的 URL"_s;
+        return QCoreApplication::translate("ProgressParser", "无效的 URL");
     return std::nullopt;
 }

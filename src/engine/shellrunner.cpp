@@ -2,6 +2,7 @@
 
 #include "engine/tooltext.h"
 
+#include <QCoreApplication>
 #include <QFile>
 #include <QFileInfo>
 #include <QProcess>
@@ -300,7 +301,8 @@ void runShellCommand(const ShellCommand &command, PipeMode mode, QObject *contex
         if (error != QProcess::FailedToStart)
             return;
         ShellResult result;
-        result.errorString = u"无法启动 %1：%2"_s.arg(process->program(), process->errorString());
+        result.errorString = QCoreApplication::translate("ShellRunner", "无法启动 %1：%2")
+                                 .arg(process->program(), process->errorString());
         finish(result);
     });
     QObject::connect(
@@ -321,7 +323,9 @@ void runShellCommand(const ShellCommand &command, PipeMode mode, QObject *contex
         QObject::connect(timer, &QTimer::timeout, process, [process, finish, timeoutMs] {
             process->signalGroup(SIGKILL);
             ShellResult result;
-            result.errorString = u"命令在 %1 秒内没有结束，已停止"_s.arg(timeoutMs / 1000);
+            const int seconds = timeoutMs / 1000;
+            result.errorString
+                = QCoreApplication::translate("ShellRunner", "命令在 %n 秒内没有结束，已停止", nullptr, seconds);
             finish(result);
         });
         timer->start(timeoutMs);

@@ -1,5 +1,6 @@
 #include "engine/shellwords.h"
 
+#include <QCoreApplication>
 #include <QDir>
 
 #include <pwd.h>
@@ -93,7 +94,7 @@ private:
         } else if (c == u'\'') {
             const qsizetype close = m_text.indexOf(u'\'', m_at + 1);
             if (close < 0)
-                return fail(u"自定义参数中的单引号没有闭合"_s);
+                return fail(QCoreApplication::translate("ShellWords", "自定义参数中的单引号没有闭合"));
             append(QStringView(m_text).sliced(m_at + 1, close - m_at - 1));
             m_at = close + 1;
         } else if (c == u'"') {
@@ -108,7 +109,10 @@ private:
         }
     }
 
-    static QString commandSubstitution() { return u"自定义参数中不能有命令替换（$(…) 或反引号），它不会被执行"_s; }
+    static QString commandSubstitution()
+    {
+        return QCoreApplication::translate("ShellWords", "自定义参数中不能有命令替换（$(…) 或反引号），它不会被执行");
+    }
 
     // "~" or "~user" up to the first "/" or the end of the word, when none of it is quoted.
     bool expandTilde()
@@ -134,7 +138,7 @@ private:
         ++m_at;
         while (m_result.ok()) {
             if (m_at >= m_text.size())
-                return fail(u"自定义参数中的双引号没有闭合"_s);
+                return fail(QCoreApplication::translate("ShellWords", "自定义参数中的双引号没有闭合"));
             const QChar c = m_text.at(m_at);
             if (c == u'"') {
                 ++m_at;
@@ -173,7 +177,7 @@ private:
             const qsizetype close = m_text.indexOf(u'}', m_at + 2);
             name = close < 0 ? QString() : m_text.mid(m_at + 2, close - m_at - 2);
             if (name.isEmpty() || !isNameStart(name.front()) || !std::all_of(name.cbegin(), name.cend(), isNameChar))
-                return fail(u"自定义参数中的 ${…} 只能写变量名"_s);
+                return fail(QCoreApplication::translate("ShellWords", "自定义参数中的 ${…} 只能写变量名"));
             m_at = close + 1;
         } else if (isNameStart(next)) {
             qsizetype end = m_at + 1;

@@ -1,5 +1,6 @@
 #include "engine/toolchain.h"
 
+#include <QCoreApplication>
 #include <QFileInfo>
 #include <QRegularExpression>
 #include <QVersionNumber>
@@ -8,7 +9,10 @@ using namespace Qt::StringLiterals;
 
 namespace {
 // Sites that need a JavaScript runtime: what the verdicts name.
-const QString jsSites = u"YouTube 等需要 JS 运行时的网站"_s;
+QString jsSites()
+{
+    return QCoreApplication::translate("Toolchain", "YouTube 等需要 JS 运行时的网站");
+}
 
 // From "deno 2.9.6" to "deno-2.9.6": yt-dlp joins name and version with "-", and the version
 // may itself hold "-" (quickjs 2024-01-13), so the name is the known prefix.
@@ -25,8 +29,9 @@ std::pair<QString, QString> splitRuntimeEntry(const QString &entry)
 QString daysText(qint64 days)
 {
     if (days <= 0)
-        return u"今天发布"_s;
-    return u"%1 天前发布"_s.arg(days);
+        return QCoreApplication::translate("Toolchain", "今天发布");
+    const int count = int(days);
+    return QCoreApplication::translate("Toolchain", "%n 天前发布", nullptr, count);
 }
 } // namespace
 
@@ -140,24 +145,32 @@ QString explainUpdateFailure(const QString &output, UpdateRoute route)
         return output.contains(
             QRegularExpression(QString::fromUtf16(pattern), QRegularExpression::CaseInsensitiveOption));
     };
-    const QString keepOwn = u"可以在“设置”中点“安装最新 yt-dlp”，由 Quillbox 保管一份能自动更新的最新版。"_s;
+    const QString keepOwn = QCoreApplication::translate(
+        "Toolchain", "可以在“设置”中点“安装最新 yt-dlp”，由 Quillbox 保管一份能自动更新的最新版。");
     if (route == UpdateRoute::PackageManager
         || has(u"installed (yt-dlp )?(via|with) (apt|a package manager)|"
                u"package manager; Use that to update|you should use that to update"))
-        return u"这个 yt-dlp 由系统的软件包管理器安装，不能自行更新，而系统软件源里的版本往往过旧。"_s + keepOwn;
+        return QCoreApplication::translate(
+            "Toolchain", "这个 yt-dlp 由系统的软件包管理器安装，不能自行更新，而系统软件源里的版本往往过旧。%1")
+            .arg(keepOwn);
     if (route == UpdateRoute::Source || has(u"cannot update when running from source"))
-        return u"这个 yt-dlp 是从源代码运行的，不能自行更新，请用 git pull 更新它。"_s + keepOwn;
+        return QCoreApplication::translate(
+            "Toolchain", "这个 yt-dlp 是从源代码运行的，不能自行更新，请用 git pull 更新它。%1")
+            .arg(keepOwn);
     if (has(u"rate limit|HTTP Error 403|HTTP Error 429|Too Many Requests"))
-        return u"GitHub 暂时限制了请求次数，请过一会儿再试。"_s;
+        return QCoreApplication::translate("Toolchain", "GitHub 暂时限制了请求次数，请过一会儿再试。");
     if (has(u"Unable to obtain version info|Failed to resolve|Name or service not known|getaddrinfo|"
             u"Network is unreachable|Connection refused|timed out|URLError|HTTPSConnection"))
-        return u"无法连接到 GitHub 获取新版本：请检查网络连接（或代理）后重试。"_s;
+        return QCoreApplication::translate(
+            "Toolchain", "无法连接到 GitHub 获取新版本：请检查网络连接（或代理）后重试。");
     if (has(u"Permission denied|Unable to write|Unable to remove|read-only file system"))
-        return u"没有权限替换这个 yt-dlp 文件（它可能属于系统或其他用户）。"_s + keepOwn;
+        return QCoreApplication::translate("Toolchain", "没有权限替换这个 yt-dlp 文件（它可能属于系统或其他用户）。%1")
+            .arg(keepOwn);
     if (has(u"brew: command not found|Error: .*yt-dlp"))
-        return u"Homebrew 没能升级 yt-dlp，请在终端运行 brew upgrade yt-dlp 查看原因。"_s;
+        return QCoreApplication::translate(
+            "Toolchain", "Homebrew 没能升级 yt-dlp，请在终端运行 brew upgrade yt-dlp 查看原因。");
     if (has(u"No module named pip|externally-managed-environment"))
-        return u"pip 不能在这里更新 yt-dlp。"_s + keepOwn;
+        return QCoreApplication::translate("Toolchain", "pip 不能在这里更新 yt-dlp。%1").arg(keepOwn);
     return {};
 }
 
@@ -165,15 +178,15 @@ QString ToolVerdict::actionLabel() const
 {
     switch (action) {
     case quillbox::ToolAction::InstallYtDlp:
-        return u"安装最新 yt-dlp"_s;
+        return QCoreApplication::translate("Toolchain", "安装最新 yt-dlp");
     case quillbox::ToolAction::UpdateYtDlp:
-        return u"更新 yt-dlp"_s;
+        return QCoreApplication::translate("Toolchain", "更新 yt-dlp");
     case quillbox::ToolAction::InstallDeno:
-        return u"安装 Deno"_s;
+        return QCoreApplication::translate("Toolchain", "安装 Deno");
     case quillbox::ToolAction::CopyFfmpegCommand:
-        return u"复制命令"_s;
+        return QCoreApplication::translate("Toolchain", "复制命令");
     case quillbox::ToolAction::OpenSettings:
-        return u"修复"_s;
+        return QCoreApplication::translate("Toolchain", "修复");
     case quillbox::ToolAction::None:
         break;
     }
@@ -206,9 +219,10 @@ ToolVerdict judgeYtDlp(const ToolchainFacts &facts)
     const QString version = facts.ytDlpVersion;
     if (version.isEmpty()) {
         if (!facts.probed)
-            return { u"正在检查 yt-dlp…"_s, Tint::Gray, ToolAction::None };
-        return { u"未找到可用的 yt-dlp，无法下载。点“安装最新 yt-dlp”，由 Quillbox 下载官方版本并校验。"_s, Tint::Red,
-            ToolAction::InstallYtDlp };
+            return { QCoreApplication::translate("Toolchain", "正在检查 yt-dlp…"), Tint::Gray, ToolAction::None };
+        return { QCoreApplication::translate("Toolchain",
+                     "未找到可用的 yt-dlp，无法下载。点“安装最新 yt-dlp”，由 Quillbox 下载官方版本并校验。"),
+            Tint::Red, ToolAction::InstallYtDlp };
     }
 
     const bool canUpdateItself = facts.route == UpdateRoute::SelfUpdate || facts.route == UpdateRoute::Kept
@@ -217,22 +231,22 @@ ToolVerdict judgeYtDlp(const ToolchainFacts &facts)
     QString how;
     switch (facts.route) {
     case UpdateRoute::Kept:
-        how = u"由 Quillbox 保管"_s;
+        how = QCoreApplication::translate("Toolchain", "由 Quillbox 保管");
         break;
     case UpdateRoute::Homebrew:
-        how = u"由 Homebrew 安装"_s;
+        how = QCoreApplication::translate("Toolchain", "由 Homebrew 安装");
         break;
     case UpdateRoute::PackageManager:
-        how = u"由系统软件包安装，不能自行更新"_s;
+        how = QCoreApplication::translate("Toolchain", "由系统软件包安装，不能自行更新");
         break;
     case UpdateRoute::Pip:
-        how = u"由 pip 安装（python3 -m pip install -U yt-dlp 可更新）"_s;
+        how = QCoreApplication::translate("Toolchain", "由 pip 安装（python3 -m pip install -U yt-dlp 可更新）");
         break;
     case UpdateRoute::Source:
-        how = u"从源代码运行"_s;
+        how = QCoreApplication::translate("Toolchain", "从源代码运行");
         break;
     case UpdateRoute::SelfUpdate:
-        how = u"官方版本，可以自行更新"_s;
+        how = QCoreApplication::translate("Toolchain", "官方版本，可以自行更新");
         break;
     case UpdateRoute::Unknown:
         break;
@@ -240,33 +254,40 @@ ToolVerdict judgeYtDlp(const ToolchainFacts &facts)
     const std::optional<QDate> released = ytDlpReleaseDate(version);
     const qint64 age = released && facts.today.isValid() ? released->daysTo(facts.today) : -1;
     QString what = u"yt-dlp "_s + version;
-    if (age >= 0)
-        what += u"（"_s + daysText(age) + (how.isEmpty() ? QString() : u"，"_s + how) + u"）"_s;
-    else if (!how.isEmpty())
-        what += u"（"_s + how + u"）"_s;
+    if (age >= 0 && !how.isEmpty())
+        what = QCoreApplication::translate("Toolchain", "yt-dlp %1（%2，%3）").arg(version, daysText(age), how);
+    else if (age >= 0 || !how.isEmpty())
+        what = QCoreApplication::translate("Toolchain", "yt-dlp %1（%2）").arg(version, age >= 0 ? daysText(age) : how);
 
-    const QString switchAdvice
-        = canUpdateItself ? u"请更新它。"_s : u"点“安装最新 yt-dlp”，改用由 Quillbox 保管、自动更新的最新版。"_s;
+    const QString switchAdvice = canUpdateItself
+        ? QCoreApplication::translate("Toolchain", "请更新它。")
+        : QCoreApplication::translate("Toolchain", "点“安装最新 yt-dlp”，改用由 Quillbox 保管、自动更新的最新版。");
     // --js-runtimes arrived in 2025.11.12: anything older cannot hand a runtime to YouTube.
     if (!released || *released < QDate(2025, 11, 12))
-        return { what + u" 版本过旧，"_s + jsSites + u"会下载失败。"_s + switchAdvice, Tint::Red, fix };
+        return { QCoreApplication::translate("Toolchain", "%1 版本过旧，%2会下载失败。%3")
+                     .arg(what, jsSites(), switchAdvice),
+            Tint::Red, fix };
     if (!facts.latestYtDlp.isEmpty() && isNewerYtDlp(facts.latestYtDlp, version))
-        return { what + u"，最新版本是 "_s + facts.latestYtDlp + u"。网站经常变化，"_s + switchAdvice, Tint::Orange,
-            fix };
+        return { QCoreApplication::translate("Toolchain", "%1，最新版本是 %2。网站经常变化，%3")
+                     .arg(what, facts.latestYtDlp, switchAdvice),
+            Tint::Orange, fix };
     if (age > 90)
-        return { what + u"，已超过 90 天，网站变化后可能下载失败。"_s + switchAdvice, Tint::Orange, fix };
-    return { what + u"，可以正常使用。"_s, Tint::Green, ToolAction::None };
+        return { QCoreApplication::translate("Toolchain", "%1，已超过 90 天，网站变化后可能下载失败。%2")
+                     .arg(what, switchAdvice),
+            Tint::Orange, fix };
+    return { QCoreApplication::translate("Toolchain", "%1，可以正常使用。").arg(what), Tint::Green, ToolAction::None };
 }
 
 ToolVerdict judgeRuntime(const ToolchainFacts &facts, bool ytDlpTooOld)
 {
     using quillbox::ToolAction;
-    const QString installDeno = u"点“安装 Deno”即可解决。"_s;
+    const QString installDeno = QCoreApplication::translate("Toolchain", "点“安装 Deno”即可解决。");
     if (facts.runtimes.isEmpty()) {
         if (!facts.probed)
-            return { u"正在检查 JS 运行时…"_s, Tint::Gray, ToolAction::None };
-        return { u"未检测到 JS 运行时，"_s + jsSites + u"会下载失败。"_s + installDeno, Tint::Red,
-            ToolAction::InstallDeno };
+            return { QCoreApplication::translate("Toolchain", "正在检查 JS 运行时…"), Tint::Gray, ToolAction::None };
+        return { QCoreApplication::translate("Toolchain", "未检测到 JS 运行时，%1会下载失败。%2")
+                     .arg(jsSites(), installDeno),
+            Tint::Red, ToolAction::InstallDeno };
     }
     const auto chosen = std::find_if(
         facts.runtimes.cbegin(), facts.runtimes.cend(), [](const JsRuntimeInfo &runtime) { return runtime.supported; });
@@ -276,17 +297,23 @@ ToolVerdict judgeRuntime(const ToolchainFacts &facts, bool ytDlpTooOld)
     if (chosen == facts.runtimes.cend()) {
         QStringList old;
         for (const JsRuntimeInfo &runtime : facts.runtimes)
-            old << named(runtime) + u" 版本过旧（需要 ≥ "_s + runtimeMinimum(runtime.name) + u"）"_s;
-        return { old.join(u"；"_s) + u"，不会使用。"_s + jsSites + u"会下载失败。"_s + installDeno, Tint::Red,
-            ToolAction::InstallDeno };
+            old << QCoreApplication::translate("Toolchain", "%1 版本过旧（需要 ≥ %2）")
+                       .arg(named(runtime), runtimeMinimum(runtime.name));
+        //: Between two runtimes in the list of those too old to use.
+        const QString separator = QCoreApplication::translate("Toolchain", "；");
+        return { QCoreApplication::translate("Toolchain", "%1，不会使用。%2会下载失败。%3")
+                     .arg(old.join(separator), jsSites(), installDeno),
+            Tint::Red, ToolAction::InstallDeno };
     }
     if (ytDlpTooOld)
-        return { u"检测到 "_s + named(*chosen) + u"，但当前 yt-dlp 太旧，无法使用它。请先更新 yt-dlp。"_s, Tint::Orange,
-            ToolAction::None };
-    QString text = u"使用 "_s + named(*chosen) + u"，可以解析 YouTube 视频。"_s;
+        return { QCoreApplication::translate(
+                     "Toolchain", "检测到 %1，但当前 yt-dlp 太旧，无法使用它。请先更新 yt-dlp。")
+                     .arg(named(*chosen)),
+            Tint::Orange, ToolAction::None };
+    QString text = QCoreApplication::translate("Toolchain", "使用 %1，可以解析 YouTube 视频。").arg(named(*chosen));
     for (const JsRuntimeInfo &runtime : facts.runtimes) {
         if (!runtime.supported)
-            text += u"（"_s + named(runtime) + u" 版本过旧，不使用）"_s;
+            text += QCoreApplication::translate("Toolchain", "（%1 版本过旧，不使用）").arg(named(runtime));
     }
     return { text, Tint::Green, ToolAction::None };
 }
@@ -297,14 +324,19 @@ ToolVerdict judgeFfmpeg(const ToolchainFacts &facts)
     const QString command = ffmpegInstallCommand(facts.homebrew);
     if (facts.ffmpeg.isEmpty()) {
         if (!facts.probed)
-            return { u"正在检查 FFmpeg…"_s, Tint::Gray, ToolAction::None };
-        return { u"未检测到 FFmpeg：不能合并最佳画质的音视频，也不能转换 MP3。请在终端运行 "_s + command, Tint::Red,
-            ToolAction::CopyFfmpegCommand };
+            return { QCoreApplication::translate("Toolchain", "正在检查 FFmpeg…"), Tint::Gray, ToolAction::None };
+        return { QCoreApplication::translate(
+                     "Toolchain", "未检测到 FFmpeg：不能合并最佳画质的音视频，也不能转换 MP3。请在终端运行 %1")
+                     .arg(command),
+            Tint::Red, ToolAction::CopyFfmpegCommand };
     }
     if (facts.ffprobe.isEmpty())
-        return { u"找到 FFmpeg，但缺少 ffprobe：合并和后期处理可能失败。请在终端运行 "_s + command, Tint::Orange,
-            ToolAction::CopyFfmpegCommand };
-    return { u"FFmpeg 和 ffprobe 都已就绪，可以合并音视频和转换音频。"_s, Tint::Green, ToolAction::None };
+        return { QCoreApplication::translate(
+                     "Toolchain", "找到 FFmpeg，但缺少 ffprobe：合并和后期处理可能失败。请在终端运行 %1")
+                     .arg(command),
+            Tint::Orange, ToolAction::CopyFfmpegCommand };
+    return { QCoreApplication::translate("Toolchain", "FFmpeg 和 ffprobe 都已就绪，可以合并音视频和转换音频。"),
+        Tint::Green, ToolAction::None };
 }
 } // namespace
 
@@ -320,14 +352,15 @@ ToolchainVerdicts judgeToolchain(const ToolchainFacts &facts)
     if (facts.probed) {
         QString cause;
         if (facts.ytDlpVersion.isEmpty())
-            verdicts.notice = { u"找不到可用的 yt-dlp，无法下载。"_s, Tint::Red, quillbox::ToolAction::OpenSettings };
+            verdicts.notice = { QCoreApplication::translate("Toolchain", "找不到可用的 yt-dlp，无法下载。"), Tint::Red,
+                quillbox::ToolAction::OpenSettings };
         else if (ytDlpTooOld)
-            cause = u"yt-dlp 版本过旧"_s;
+            cause = QCoreApplication::translate("Toolchain", "yt-dlp 版本过旧");
         else if (verdicts.runtime.tint == Tint::Red)
-            cause = u"没有可用的 JS 运行时"_s;
+            cause = QCoreApplication::translate("Toolchain", "没有可用的 JS 运行时");
         if (!cause.isEmpty())
-            verdicts.notice
-                = { cause + u"，"_s + jsSites + u"会下载失败。"_s, Tint::Red, quillbox::ToolAction::OpenSettings };
+            verdicts.notice = { QCoreApplication::translate("Toolchain", "%1，%2会下载失败。").arg(cause, jsSites()),
+                Tint::Red, quillbox::ToolAction::OpenSettings };
     }
     return verdicts;
 }

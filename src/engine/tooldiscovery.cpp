@@ -5,7 +5,9 @@
 #include "model/enginehost.h"
 #include "model/logcategories.h"
 
+#include <QCoreApplication>
 #include <QDir>
+#include <QEvent>
 #include <QFileInfo>
 #include <QRegularExpression>
 #include <QSettings>
@@ -80,6 +82,17 @@ ToolDiscovery::ToolDiscovery(EngineHost host, ToolLocations locations, QObject *
     , m_locations(std::move(locations))
     , m_homebrew(!homebrewExecutable().isEmpty())
 {
+    // The application is told of a translator installed or removed; the verdicts' texts are in
+    // the language of the moment they were judged.
+    if (QCoreApplication *application = QCoreApplication::instance())
+        application->installEventFilter(this);
+}
+
+bool ToolDiscovery::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() == QEvent::LanguageChange && watched == QCoreApplication::instance())
+        updateVerdicts();
+    return QObject::eventFilter(watched, event);
 }
 
 void ToolDiscovery::start()
@@ -345,9 +358,9 @@ void ToolDiscovery::applyReport(const YtDlpReport &report)
         if (runtime.supported || m_rejectedRuntimesSaid.contains(key))
             continue;
         m_rejectedRuntimesSaid << key;
-        addLog(u"⚠️ %1 %2（%3）版本过旧，yt-dlp 需要 ≥ %4，不会使用它"_s.arg(runtime.name,
-                   runtime.version.isEmpty() ? u"未知版本"_s : runtime.version, runtime.path,
-                   runtimeMinimum(runtime.name)),
+        addLog(tr("⚠️ %1 %2（%3）版本过旧，yt-dlp 需要 ≥ %4，不会使用它")
+                   .arg(runtime.name, runtime.version.isEmpty() ? tr("未知版本") : runtime.version, runtime.path,
+                       runtimeMinimum(runtime.name)),
             LogEntry::LogType::Warning);
     }
     const bool fresh = std::exchange(m_runtimesFresh, false);
@@ -358,7 +371,7 @@ void ToolDiscovery::applyReport(const YtDlpReport &report)
         qCInfo(lcEngine, "[Quillbox] [detectJSRuntime] 未检测到任何 JS 运行时");
         setJSRuntime(QString(), QString());
         if (m_jsRuntimes.isEmpty())
-            addLog(u"⚠️ 未检测到 JS 运行时（Deno/Node/Bun），YouTube 下载可能失败"_s,
+            addLog(tr("⚠️ 未检测到 JS 运行时（Deno/Node/Bun），YouTube 下载可能失败"),
                 LogEntry::LogType::Warning);
     }
     updateVerdicts();
@@ -422,7 +435,7 @@ void ToolDiscovery::warnIfYtDlpTooOld()
         return;
     m_warnedOldYtDlp = true;
     addLog(
-        u"⚠️ yt-dlp %1 版本过旧，不支持 JS 运行时（--js-runtimes），下载时不会使用 %2；请在 设置 → 更新 yt-dlp 到最新版"_s
+        tr("⚠️ yt-dlp %1 版本过旧，不支持 JS 运行时（--js-runtimes），下载时不会使用 %2；请在 设置 → 更新 yt-dlp 到最新版")
             .arg(m_ytDlpVersion, m_detectedJSRuntime),
         LogEntry::LogType::Warning);
 }
@@ -509,7 +522,7 @@ void ToolDiscovery::setJSRuntime(const QString &name, const QString &path)
         QMetaObject::invokeMethod(this, &ToolDiscovery::announceIfReady, Qt::QueuedConnection);
     }
     if (!name.isEmpty())
-        addLog(u"✅ 检测到 JS 运行时: "_s + name + u" ("_s + path + u")"_s, LogEntry::LogType::Info);
+        addLog(tr("✅ 检测到 JS 运行时: %1 (%2)").arg(name, path), LogEntry::LogType::Info);
     if (m_detectedJSRuntime != name || m_detectedJSRuntimePath != path) {
         m_detectedJSRuntime = name;
         m_detectedJSRuntimePath = path;
@@ -562,12 +575,12 @@ void ToolDiscovery::getFfmpegVersion(int generation, const QString &path)
             if (generation != m_ffmpegGeneration)
                 return;
             if (!result.launched) {
-                setFfmpeg(path, u"未知版本"_s);
+                setFfmpeg(path, tr("未知版本"));
                 return;
             }
             const QString version = result.trimmedOutput();
             setFfmpeg(path, version);
-            addLog(u"✅ 检测到 FFmpeg: "_s + version, LogEntry::LogType::Info);
+            addLog(tr("✅ 检测到 FFmpeg: %1").arg(version), LogEntry::LogType::Info);
         },
         ProbeTimeoutMs);
 }

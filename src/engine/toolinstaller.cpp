@@ -4,6 +4,7 @@
 #include "engine/zipextract.h"
 #include "model/logcategories.h"
 
+#include <QCoreApplication>
 #include <QCryptographicHash>
 #include <QDir>
 #include <QFile>
@@ -44,27 +45,43 @@ QString megabytes(qint64 bytes)
     return QString::number(static_cast<double>(bytes) / (1024.0 * 1024.0), 'f', 1) + u" MB"_s;
 }
 
-const QString cannotConnect = u"无法连接到下载服务器，请检查网络后重试。"_s;
-const QString rateLimited = u"GitHub 暂时限制了请求次数，请过一会儿再试。"_s;
-const QString cutOff = u"下载中断，文件不完整，已丢弃。"_s;
-const QString digestMismatch = u"下载的文件校验失败（SHA-256 不符），已丢弃，原有文件未改动。"_s;
-const QString cancelled = u"已取消安装，原有文件未改动。"_s;
+QString cannotConnect()
+{
+    return QCoreApplication::translate("ToolInstaller", "无法连接到下载服务器，请检查网络后重试。");
+}
+
+QString rateLimited()
+{
+    return QCoreApplication::translate("ToolInstaller", "GitHub 暂时限制了请求次数，请过一会儿再试。");
+}
+
+QString cutOff()
+{
+    return QCoreApplication::translate("ToolInstaller", "下载中断，文件不完整，已丢弃。");
+}
+
+QString cancelledText()
+{
+    return QCoreApplication::translate("ToolInstaller", "已取消安装，原有文件未改动。");
+}
 
 QString cannotWrite(const QString &folder)
 {
-    return u"无法写入文件夹 %1，请检查权限，原有文件未改动。"_s.arg(QDir::toNativeSeparators(folder));
+    return QCoreApplication::translate("ToolInstaller", "无法写入文件夹 %1，请检查权限，原有文件未改动。")
+        .arg(QDir::toNativeSeparators(folder));
 }
 
 QString writeFailed(const QFileDevice &file, const QString &folder)
 {
     if (file.error() == QFileDevice::ResourceError)
-        return u"磁盘空间不足，无法保存下载的文件，原有文件未改动。"_s;
+        return QCoreApplication::translate("ToolInstaller", "磁盘空间不足，无法保存下载的文件，原有文件未改动。");
     return cannotWrite(folder);
 }
 
 QString refused(const QUrl &url)
 {
-    return u"已拒绝不安全的下载地址（只允许 HTTPS）：%1"_s.arg(url.toDisplayString(QUrl::RemoveUserInfo));
+    return QCoreApplication::translate("ToolInstaller", "已拒绝不安全的下载地址（只允许 HTTPS）：%1")
+        .arg(url.toDisplayString(QUrl::RemoveUserInfo));
 }
 
 // The state of one request, shared by its signal handlers.
@@ -92,31 +109,31 @@ QString failureMessage(QNetworkReply *reply, const Transfer &transfer)
 
     const int status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
     if (status == 429 || (status == 403 && reply->rawHeader("X-RateLimit-Remaining").trimmed() == "0"))
-        return rateLimited;
+        return rateLimited();
     if (status == 404)
-        return u"下载服务器上找不到这个文件（HTTP 404）。"_s;
+        return QCoreApplication::translate("ToolInstaller", "下载服务器上找不到这个文件（HTTP 404）。");
     if (status >= 300)
-        return u"下载服务器返回了错误（HTTP %1）。"_s.arg(status);
+        return QCoreApplication::translate("ToolInstaller", "下载服务器返回了错误（HTTP %1）。").arg(status);
 
     switch (reply->error()) {
     case QNetworkReply::NoError:
         break;
     case QNetworkReply::OperationCanceledError: // the transfer timeout; a cancel never gets here
-        return u"下载服务器长时间没有响应，请稍后重试。"_s;
+        return QCoreApplication::translate("ToolInstaller", "下载服务器长时间没有响应，请稍后重试。");
     case QNetworkReply::SslHandshakeFailedError:
     case QNetworkReply::InsecureRedirectError:
-        return u"无法与下载服务器建立安全连接。"_s;
+        return QCoreApplication::translate("ToolInstaller", "无法与下载服务器建立安全连接。");
     case QNetworkReply::TooManyRedirectsError:
-        return u"下载服务器的重定向次数过多。"_s;
+        return QCoreApplication::translate("ToolInstaller", "下载服务器的重定向次数过多。");
     default:
-        return transfer.received > 0 ? cutOff : cannotConnect;
+        return transfer.received > 0 ? cutOff() : cannotConnect();
     }
 
     // A compressed body's length counts the compressed bytes; Qt reports those cut short itself.
     const QVariant length = reply->header(QNetworkRequest::ContentLengthHeader);
     const bool compressed = !reply->rawHeader("Content-Encoding").isEmpty();
     if (length.isValid() && !compressed && transfer.received < length.toLongLong())
-        return cutOff;
+        return cutOff();
     return {};
 }
 } // namespace
@@ -262,7 +279,7 @@ QNetworkReply *ToolInstaller::fetchSmall(
         url, context,
         [body](const QByteArray &data) {
             if (body->size() + data.size() > MaxSmallBody)
-                return u"下载服务器返回的内容异常。"_s;
+                return tr("下载服务器返回的内容异常。");
             body->append(data);
             return QString();
         },
@@ -281,7 +298,7 @@ QNetworkReply *ToolInstaller::requestLatest(
         static const QRegularExpression tagPattern(u"^[0-9A-Za-z][0-9A-Za-z._+-]{0,99}$"_s);
         const QString tag = QJsonDocument::fromJson(body).object().value(u"tag_name"_s).toString();
         if (!tagPattern.match(tag).hasMatch()) {
-            completion({ false, {}, u"无法从发布页读出最新版本号。"_s });
+            completion({ false, {}, tr("无法从发布页读出最新版本号。") });
             return;
         }
         completion({ true, tag, {} });
@@ -296,7 +313,7 @@ void ToolInstaller::checkLatest(Tool tool, std::function<void(const LatestReleas
 void ToolInstaller::install(Tool tool)
 {
     if (m_job) {
-        const QString message = u"正在安装 %1，请等它结束后再试。"_s.arg(toolName(m_job->tool));
+        const QString message = tr("正在安装 %1，请等它结束后再试。").arg(toolName(m_job->tool));
         const QString path = toolPath(tool);
         QMetaObject::invokeMethod(
             this, [this, tool, path, message] { Q_EMIT finished(tool, false, path, {}, message); },
@@ -309,12 +326,12 @@ void ToolInstaller::install(Tool tool)
     m_job->folder = tool == Tool::YtDlp ? m_ytDlpFolder : m_denoFolder;
     Q_EMIT busyChanged();
     setProgress(-1);
-    setStatusText(u"正在查询 %1 的最新版本…"_s.arg(toolName(tool)));
+    setStatusText(tr("正在查询 %1 的最新版本…").arg(toolName(tool)));
     qCInfo(
         lcEngine, "[Quillbox] [install] %ls into %ls", qUtf16Printable(toolName(tool)), qUtf16Printable(m_job->folder));
 
     if (release(tool).assetName.isEmpty()) {
-        failLater(u"%1 没有适用于这个系统的版本。"_s.arg(toolName(tool)));
+        failLater(tr("%1 没有适用于这个系统的版本。").arg(toolName(tool)));
         return;
     }
     m_job->reply = requestLatest(tool, &m_job->context, [this](const LatestRelease &latest) { fetchChecksum(latest); });
@@ -327,7 +344,7 @@ void ToolInstaller::fetchChecksum(const LatestRelease &latest)
         return;
     }
     m_job->tag = latest.tag;
-    setStatusText(u"正在获取 %1 %2 的校验值…"_s.arg(toolName(m_job->tool), latest.tag));
+    setStatusText(tr("正在获取 %1 %2 的校验值…").arg(toolName(m_job->tool), latest.tag));
     const ReleaseLocations::Release &source = release(m_job->tool);
     m_job->reply = fetchSmall(
         source.checksumUrl(latest.tag), &m_job->context, [this](const QString &error, const QByteArray &body) {
@@ -338,7 +355,7 @@ void ToolInstaller::fetchChecksum(const LatestRelease &latest)
             const ReleaseLocations::Release &source = release(m_job->tool);
             m_job->expectedDigest = ReleaseLocations::expectedDigest(source.checksumFormat, body, source.assetName);
             if (m_job->expectedDigest.isEmpty()) {
-                finish(false, u"校验文件里没有 %1 的 SHA-256，已停止安装，原有文件未改动。"_s.arg(source.assetName));
+                finish(false, tr("校验文件里没有 %1 的 SHA-256，已停止安装，原有文件未改动。").arg(source.assetName));
                 return;
             }
             downloadAsset();
@@ -375,7 +392,7 @@ void ToolInstaller::downloadAsset()
 
     const QString name = toolName(job.tool);
     const QString tag = job.tag;
-    setStatusText(u"正在下载 %1 %2…"_s.arg(name, tag));
+    setStatusText(tr("正在下载 %1 %2…").arg(name, tag));
     const QString folder = job.folder;
     job.reply = fetch(
         release(job.tool).assetUrl(job.tag), &job.context,
@@ -398,8 +415,9 @@ void ToolInstaller::downloadAsset()
     if (job.reply) {
         connect(job.reply, &QNetworkReply::downloadProgress, this, [this, name, tag](qint64 received, qint64 total) {
             setProgress(total > 0 ? static_cast<double>(received) / static_cast<double>(total) : -1);
-            setStatusText(u"正在下载 %1 %2… %3"_s.arg(
-                name, tag, total > 0 ? megabytes(received) + u" / "_s + megabytes(total) : megabytes(received)));
+            setStatusText(tr("正在下载 %1 %2… %3")
+                              .arg(name, tag,
+                                  total > 0 ? megabytes(received) + u" / "_s + megabytes(total) : megabytes(received)));
         });
     }
 }
@@ -407,12 +425,12 @@ void ToolInstaller::downloadAsset()
 void ToolInstaller::verify()
 {
     setProgress(1);
-    setStatusText(u"正在校验…"_s);
+    setStatusText(tr("正在校验…"));
     const QByteArray digest = m_job->hash.result().toHex();
     if (digest != m_job->expectedDigest) {
         qCWarning(lcEngine, "[Quillbox] [install] SHA-256 %s, expected %s", digest.constData(),
             m_job->expectedDigest.constData());
-        finish(false, digestMismatch);
+        finish(false, tr("下载的文件校验失败（SHA-256 不符），已丢弃，原有文件未改动。"));
         return;
     }
     qCInfo(lcEngine, "[Quillbox] [install] SHA-256 verified: %s", digest.constData());
@@ -426,7 +444,7 @@ void ToolInstaller::unpack()
 {
     Job &job = *m_job;
     setProgress(-1);
-    setStatusText(u"正在解压…"_s);
+    setStatusText(tr("正在解压…"));
     job.output = std::make_unique<QSaveFile>(toolPath(job.tool));
     if (!job.output->open(QIODevice::WriteOnly)) {
         finish(false, cannotWrite(job.folder));
@@ -442,16 +460,16 @@ void ToolInstaller::unpack()
             waitForGate();
             break;
         case ZipExtractResult::NotFound:
-            finish(false, u"下载的压缩包里没有 deno 程序，已丢弃，原有文件未改动。"_s);
+            finish(false, tr("下载的压缩包里没有 deno 程序，已丢弃，原有文件未改动。"));
             break;
         case ZipExtractResult::Damaged:
-            finish(false, u"下载的压缩包已损坏，已丢弃，原有文件未改动。"_s);
+            finish(false, tr("下载的压缩包已损坏，已丢弃，原有文件未改动。"));
             break;
         case ZipExtractResult::WriteFailed:
             finish(false, writeFailed(*m_job->output, m_job->folder));
             break;
         case ZipExtractResult::Cancelled:
-            finish(false, cancelled);
+            finish(false, cancelledText());
             break;
         }
     });
@@ -479,7 +497,7 @@ void ToolInstaller::waitForGate()
         return;
     }
     job.waitingForGate = true;
-    setStatusText(u"等待下载结束后替换…"_s);
+    setStatusText(tr("等待下载结束后替换…"));
     const QPointer<ToolInstaller> self(this);
     const quint64 id = job.id;
     m_gate([self, id] {
@@ -499,7 +517,7 @@ void ToolInstaller::replace(quint64 jobId)
         finish(false, writeFailed(*m_job->output, m_job->folder));
         return;
     }
-    finish(true, u"%1 %2 已安装。"_s.arg(toolName(m_job->tool), m_job->tag));
+    finish(true, tr("%1 %2 已安装。").arg(toolName(m_job->tool), m_job->tag));
 }
 
 void ToolInstaller::cancel()
@@ -510,10 +528,10 @@ void ToolInstaller::cancel()
     if (m_job->unpacking && m_job->unpacking->isRunning()) {
         // The thread owns the new file until it returns; it ends the job then.
         m_job->stop = true;
-        setStatusText(u"正在取消…"_s);
+        setStatusText(tr("正在取消…"));
         return;
     }
-    finish(false, cancelled);
+    finish(false, cancelledText());
 }
 
 void ToolInstaller::failLater(const QString &message)

@@ -60,7 +60,7 @@ void ToolKeeper::installYtDlp()
     if (isBusy())
         return; // one installation at a time; the sheet shows the running one
     m_automatic = false;
-    addLog(u"正在安装最新 yt-dlp..."_s, LogEntry::LogType::Info);
+    addLog(tr("正在安装最新 yt-dlp..."), LogEntry::LogType::Info);
     if (!m_brew.isEmpty()) {
         // Homebrew's yt-dlp is the first place discovery looks once no other path is chosen.
         brewInstall(u"yt-dlp"_s, [this] { m_tools->resetYtDlpPath(); });
@@ -75,7 +75,7 @@ void ToolKeeper::installDeno()
     if (isBusy())
         return; // one installation at a time; the sheet shows the running one
     m_automatic = false;
-    addLog(u"正在安装 Deno..."_s, LogEntry::LogType::Info);
+    addLog(tr("正在安装 Deno..."), LogEntry::LogType::Info);
     if (!m_brew.isEmpty()) {
         brewInstall(u"deno"_s, [this] { m_tools->detectJSRuntime(); });
         return;
@@ -92,7 +92,7 @@ void ToolKeeper::brewInstall(const QString &formula, std::function<void()> then)
     command.syntax(u"2>&1 ||"_s) << m_brew << u"upgrade"_s << formula;
     command.syntax(u"2>&1"_s);
     m_brewing = true;
-    m_brewStatus = u"正在通过 Homebrew 安装 "_s + formula + u"…"_s;
+    m_brewStatus = tr("正在通过 Homebrew 安装 %1…").arg(formula);
     Q_EMIT stateChanged();
     runShellCommand(
         command, PipeMode::Shared, this,
@@ -101,12 +101,11 @@ void ToolKeeper::brewInstall(const QString &formula, std::function<void()> then)
             const bool ok = result.launched && result.exitCode == 0 && !result.crashed;
             const QString output = result.launched ? result.trimmedOutput() : result.errorString;
             if (ok) {
-                m_brewStatus = u"✅ Homebrew 已安装 "_s + formula;
+                m_brewStatus = tr("✅ Homebrew 已安装 %1").arg(formula);
                 addLog(m_brewStatus, LogEntry::LogType::Info);
                 then();
             } else {
-                m_brewStatus = u"❌ Homebrew 没能安装 "_s + formula + u"，请在终端运行 brew install "_s + formula
-                    + u" 查看原因。"_s;
+                m_brewStatus = tr("❌ Homebrew 没能安装 %1，请在终端运行 brew install %1 查看原因。").arg(formula);
                 addLog(m_brewStatus + u"\n"_s + output.right(300), LogEntry::LogType::Error);
             }
             Q_EMIT stateChanged();
@@ -126,13 +125,13 @@ void ToolKeeper::onFinished(
     if (!ok) {
         // An automatic update that fails leaves the working copy; it is tried again at the next check.
         if (automatic)
-            addLog(u"⚠️ 自动更新 yt-dlp 失败，继续使用当前版本: "_s + message,
+            addLog(tr("⚠️ 自动更新 yt-dlp 失败，继续使用当前版本: %1").arg(message),
                 LogEntry::LogType::Warning);
         else
-            addLog(u"❌ 安装 "_s + name + u" 失败: "_s + message, LogEntry::LogType::Error);
+            addLog(tr("❌ 安装 %1 失败: %2").arg(name, message), LogEntry::LogType::Error);
         return;
     }
-    addLog(u"✅ 已安装 %1 %2: %3"_s.arg(name, version, path), LogEntry::LogType::Info);
+    addLog(tr("✅ 已安装 %1 %2: %3").arg(name, version, path), LogEntry::LogType::Info);
     if (tool == ToolInstaller::Tool::YtDlp) {
         if (!version.isEmpty())
             rememberLatestRelease(version);
@@ -184,7 +183,7 @@ void ToolKeeper::updateKeptCopyIfBehind()
     }
     m_updateWhenIdle = false;
     m_automatic = true;
-    addLog(u"正在自动更新 yt-dlp 到 "_s + latest + u"..."_s, LogEntry::LogType::Info);
+    addLog(tr("正在自动更新 yt-dlp 到 %1...").arg(latest), LogEntry::LogType::Info);
     m_installer->install(ToolInstaller::Tool::YtDlp);
 }
 

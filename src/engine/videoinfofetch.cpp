@@ -33,10 +33,10 @@ void VideoInfoFetch::run(const ShellCommand &command, int timeoutMs)
 {
     if (m_answered || m_started)
         return;
-    info(u"正在获取视频信息..."_s);
+    info(tr("正在获取视频信息..."));
     const QString shown = maskSecrets(command.text());
     qCInfo(lcEngine, "[Quillbox] [fetchVideoInfo] 命令: %ls", qUtf16Printable(shown));
-    info(u"执行命令: "_s + shown);
+    info(tr("执行命令: %1").arg(shown));
     m_started = true;
     runShellCommand(
         command, PipeMode::Split, this, [this](const ShellResult &result) { handle(result); }, timeoutMs);
@@ -48,7 +48,7 @@ void VideoInfoFetch::cancel()
         return;
     VideoInfoResult result;
     result.cancelled = true;
-    result.error = EngineError { managerDomain, -1, u"已取消获取视频信息"_s };
+    result.error = EngineError { managerDomain, -1, tr("已取消获取视频信息") };
     finish(result);
 }
 
@@ -61,7 +61,7 @@ QString VideoInfoFetch::failureMessage(const ShellResult &result)
         return result.standardError.trimmed();
     if (!result.standardOutput.trimmed().isEmpty())
         return result.standardOutput.trimmed();
-    return u"yt-dlp 以状态 %1 退出，没有给出原因"_s.arg(result.exitCode);
+    return tr("yt-dlp 以状态 %1 退出，没有给出原因").arg(result.exitCode);
 }
 
 void VideoInfoFetch::handle(const ShellResult &result)
@@ -81,14 +81,14 @@ void VideoInfoFetch::handle(const ShellResult &result)
     const auto decoded = VideoInfo::fromYtDlpJson(json, m_url, &answer.playlistEntries);
     if (!decoded) {
         fail(EngineError { managerDomain, -1,
-            isPlaylist(json) ? u"这个播放列表中没有视频"_s : u"yt-dlp 的输出不是可以读取的视频信息"_s });
+            isPlaylist(json) ? tr("这个播放列表中没有视频") : tr("yt-dlp 的输出不是可以读取的视频信息") });
         return;
     }
     answer.ok = true;
     answer.info = *decoded;
     if (answer.playlistEntries > 0)
-        info(u"链接是一个播放列表（%1 个视频），显示第一个视频的信息"_s.arg(answer.playlistEntries));
-    info(u"视频信息获取成功: "_s + answer.info.title);
+        info(tr("链接是一个播放列表（%n 个视频），显示第一个视频的信息", nullptr, answer.playlistEntries));
+    info(tr("视频信息获取成功: %1").arg(answer.info.title));
     finish(answer);
 }
 
@@ -96,7 +96,7 @@ void VideoInfoFetch::fail(const EngineError &error)
 {
     if (m_log)
         m_log->addLog(
-            u"获取视频信息失败: "_s + leftCharacters(error.localizedDescription, 200), LogEntry::LogType::Error);
+            tr("获取视频信息失败: %1").arg(leftCharacters(error.localizedDescription, 200)), LogEntry::LogType::Error);
     VideoInfoResult result;
     result.error = error;
     finish(result);

@@ -97,7 +97,7 @@ QString bounded(const QString &message)
     qsizetype kept = AppState::MaxLogMessageChars;
     if (message.at(kept - 1).isHighSurrogate())
         --kept;
-    return message.left(kept) + u"…（已省略 %1 个字符）"_s.arg(message.size() - kept);
+    return message.left(kept) + AppState::tr("…（已省略 %n 个字符）", nullptr, int(message.size() - kept));
 }
 } // namespace
 
@@ -212,14 +212,19 @@ int AppState::receiveLinks(const QStringList &texts, const QString &from, bool s
     const LinkInput input = readLinkInput(texts.join(u'\n'));
     QStringList left;
     if (!input.rejected.isEmpty())
-        left << u"%1 行不是链接"_s.arg(input.rejected.size());
+        left << tr("%n 行不是链接", nullptr, int(input.rejected.size()));
     if (input.tooLong > 0)
-        left << u"%1 行过长"_s.arg(input.tooLong);
+        left << tr("%n 行过长", nullptr, input.tooLong);
     if (input.overLimit > 0)
-        left << u"%1 个链接超过 %2 个的上限"_s.arg(input.overLimit).arg(MaxLinks);
-    addLog(u"从%1收到 %2 个链接"_s.arg(from).arg(input.links.size())
-            + (left.isEmpty() ? QString() : u"（未采用：%1）"_s.arg(left.join(u"，"_s))),
-        input.links.isEmpty() ? LogEntry::LogType::Warning : LogEntry::LogType::Info);
+        left << tr("%n 个链接超过 %1 个的上限", nullptr, input.overLimit).arg(MaxLinks);
+    //: %1 is where they came from, said by the caller: "拖放", "剪贴板", "命令行", "文件 a.txt "
+    QString message = tr("从%1收到 %n 个链接", nullptr, int(input.links.size())).arg(from);
+    if (!left.isEmpty()) {
+        //: Between the reasons of a list, as "，" is in Chinese
+        const QString separator = tr("，");
+        message += tr("（未采用：%1）").arg(left.join(separator));
+    }
+    addLog(message, input.links.isEmpty() ? LogEntry::LogType::Warning : LogEntry::LogType::Info);
     if (input.links.isEmpty())
         return 0;
     if (start)

@@ -37,12 +37,12 @@ struct Embedding
 {
     bool DownloadChoices::*on;
     QStringView word;
-    QStringView label;
+    const char *label;
 };
 constexpr Embedding embeddings[] = {
-    { &DownloadChoices::embedThumbnail, u"--embed-thumbnail", u"封面" },
-    { &DownloadChoices::embedMetadata, u"--embed-metadata", u"元数据" },
-    { &DownloadChoices::embedChapters, u"--embed-chapters", u"章节" },
+    { &DownloadChoices::embedThumbnail, u"--embed-thumbnail", QT_TRANSLATE_NOOP("DownloadChoices", "封面") },
+    { &DownloadChoices::embedMetadata, u"--embed-metadata", QT_TRANSLATE_NOOP("DownloadChoices", "元数据") },
+    { &DownloadChoices::embedChapters, u"--embed-chapters", QT_TRANSLATE_NOOP("DownloadChoices", "章节") },
 };
 } // namespace
 
@@ -135,7 +135,7 @@ QString DownloadChoices::proxyProblem(const QString &proxy)
     const QUrl url(proxy, QUrl::StrictMode);
     if (proxy.trimmed() != proxy || proxyScheme(proxy).isEmpty() || url.host().isEmpty()
         || (!url.path().isEmpty() && url.path() != u"/") || url.hasQuery() || url.hasFragment())
-        return u"代理地址应形如 http://127.0.0.1:7890 或 socks5://127.0.0.1:1080"_s;
+        return tr("代理地址应形如 http://127.0.0.1:7890 或 socks5://127.0.0.1:1080");
     return {};
 }
 
@@ -145,7 +145,7 @@ QString DownloadChoices::rateLimitProblem(const QString &rate)
     const QRegularExpressionMatch match = form.match(rate);
     if (rate.isEmpty() || (match.hasMatch() && match.captured(1).toDouble() > 0))
         return {};
-    return u"限速应是大于 0 的数字"_s;
+    return tr("限速应是大于 0 的数字");
 }
 
 QString DownloadChoices::rateText(const QString &rate)
@@ -161,11 +161,11 @@ QString DownloadChoices::templateProblem(const QString &fileTemplate)
     if (trimmed.isEmpty())
         return {};
     if (trimmed.startsWith(u'/') || trimmed.startsWith(u'~'))
-        return u"文件名模板写在输出目录之下，不能以 / 或 ~ 开头"_s;
+        return tr("文件名模板写在输出目录之下，不能以 / 或 ~ 开头");
     if (trimmed.split(u'/').contains(u".."_s))
-        return u"文件名模板不能用 .. 离开输出目录"_s;
+        return tr("文件名模板不能用 .. 离开输出目录");
     if (trimmed.contains(u'\n') || trimmed.contains(u'\r'))
-        return u"文件名模板只能有一行"_s;
+        return tr("文件名模板只能有一行");
     return {};
 }
 
@@ -181,11 +181,11 @@ QString DownloadChoices::problem() const
 QString DownloadChoices::compatibilityLabel(const QString &compatibility)
 {
     if (compatibility == u"everywhere")
-        return u"到处都能播放"_s;
+        return tr("到处都能播放");
     if (compatibility == u"quality")
-        return u"画质最佳"_s;
+        return tr("画质最佳");
     if (compatibility == u"smallest")
-        return u"体积最小"_s;
+        return tr("体积最小");
     return {};
 }
 
@@ -199,29 +199,39 @@ QString DownloadChoices::summary() const
     QStringList parts;
     if (subtitles != u"off") {
         const QString languages = languageList();
-        parts << (subtitles == u"embed" ? u"嵌入字幕"_s : u"下载字幕"_s)
-                + (languages.isEmpty() ? QString() : u" "_s + languages);
+        const bool embed = subtitles == u"embed";
+        if (languages.isEmpty())
+            parts << (embed ? tr("嵌入字幕") : tr("下载字幕"));
+        else
+            parts << (embed ? tr("嵌入字幕 %1") : tr("下载字幕 %1")).arg(languages);
     }
     QStringList embedded;
     for (const Embedding &embedding : embeddings) {
         if (this->*embedding.on)
-            embedded << embedding.label.toString();
+            embedded << QCoreApplication::translate("DownloadChoices", embedding.label);
     }
-    if (!embedded.isEmpty())
-        parts << u"嵌入"_s + embedded.join(u'、');
+    if (!embedded.isEmpty()) {
+        //: Between the items of a list, as "、" is in Chinese: "封面、元数据"
+        const QString separator = tr("、");
+        parts << tr("嵌入%1").arg(embedded.join(separator));
+    }
     if (sponsorBlock != u"off" && !sponsorCategories.isEmpty())
-        parts << (sponsorBlock == u"remove" ? u"SponsorBlock 移除"_s : u"SponsorBlock 标记"_s);
+        parts << (sponsorBlock == u"remove" ? tr("SponsorBlock 移除") : tr("SponsorBlock 标记"));
     if (!rateLimit.isEmpty())
-        parts << u"限速 "_s + rateText(rateLimit);
-    if (!proxy.isEmpty())
-        parts << u"代理 "_s + (proxyScheme(proxy).isEmpty() ? u"（无效）"_s : proxyScheme(proxy));
+        parts << tr("限速 %1").arg(rateText(rateLimit));
+    if (!proxy.isEmpty()) {
+        //: Said instead of the proxy's kind ("SOCKS5") when the address is not a proxy's
+        const QString invalid = tr("（无效）");
+        const QString scheme = proxyScheme(proxy);
+        parts << tr("代理 %1").arg(scheme.isEmpty() ? invalid : scheme);
+    }
     if (!effectiveTemplate().isEmpty())
-        parts << u"文件名 "_s + effectiveTemplate();
+        parts << tr("文件名 %1").arg(effectiveTemplate());
     if (useArchive)
-        parts << u"下载存档"_s;
+        parts << tr("下载存档");
     if (const QString label = compatibilityLabel(compatibility); !label.isEmpty())
         parts << label;
-    return parts.isEmpty() ? u"未设置"_s : parts.join(u" · "_s);
+    return parts.isEmpty() ? tr("未设置") : parts.join(u" · "_s);
 }
 
 QVariantMap DownloadChoices::toMap() const

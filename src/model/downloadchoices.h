@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QCoreApplication>
 #include <QJsonObject>
 #include <QString>
 #include <QStringList>
@@ -11,6 +12,9 @@
 // chooses nothing and adds no word.
 struct DownloadChoices
 {
+    Q_DECLARE_TR_FUNCTIONS(DownloadChoices)
+
+public:
     // "off", "download" (files beside the video) or "embed" (into the video).
     QString subtitles = QStringLiteral("off");
     // As typed: languages or yt-dlp's patterns, separated by commas or spaces ("zh.*,en").

@@ -4,23 +4,28 @@
 
 namespace {
 constexpr std::array<StoredEnumName<DownloadPreset>, 6> presetNames { {
-    { DownloadPreset::Default, "default", u"默认" },
-    { DownloadPreset::BestQuality, "bestQuality", u"最佳画质" },
-    { DownloadPreset::BestAudio, "bestAudio", u"最佳音质" },
-    { DownloadPreset::BestVideoAudio, "bestVideoAudio", u"最佳视频+音频" },
-    { DownloadPreset::AudioOnly, "audioOnly", u"仅音频" },
-    { DownloadPreset::Custom, "custom", u"自定义" },
+    { DownloadPreset::Default, "default", QT_TRANSLATE_NOOP("DownloadPreset", "默认") },
+    { DownloadPreset::BestQuality, "bestQuality", QT_TRANSLATE_NOOP("DownloadPreset", "最佳画质") },
+    { DownloadPreset::BestAudio, "bestAudio", QT_TRANSLATE_NOOP("DownloadPreset", "最佳音质") },
+    { DownloadPreset::BestVideoAudio, "bestVideoAudio", QT_TRANSLATE_NOOP("DownloadPreset", "最佳视频+音频") },
+    { DownloadPreset::AudioOnly, "audioOnly", QT_TRANSLATE_NOOP("DownloadPreset", "仅音频") },
+    { DownloadPreset::Custom, "custom", QT_TRANSLATE_NOOP("DownloadPreset", "自定义") },
 } };
 } // namespace
 
 QString rawValue(DownloadPreset preset)
 {
-    return rawValueIn(presetNames, preset);
+    return labelIn(presetNames, "DownloadPreset", preset);
+}
+
+QString sourceLabel(DownloadPreset preset)
+{
+    return sourceLabelIn(presetNames, preset);
 }
 
 std::optional<DownloadPreset> downloadPresetFromRawValue(QStringView raw)
 {
-    return fromRawValueIn(presetNames, raw);
+    return fromLabelIn(presetNames, raw);
 }
 
 QString storageKey(DownloadPreset preset)

@@ -9,9 +9,12 @@
 
 #include "model/enums.h"
 
-// The label a preset is shown by.
+// The label a preset is shown by, in the interface's language. Read back from a label, only the
+// Chinese one is known: what stores and settings kept before keys.
 QString rawValue(DownloadPreset preset);
 std::optional<DownloadPreset> downloadPresetFromRawValue(QStringView raw);
+// The Chinese label whatever the interface's language: for the system log, which stays Chinese.
+QString sourceLabel(DownloadPreset preset);
 // The key a preset is stored by ("default", "bestQuality", …), which never changes.
 QString storageKey(DownloadPreset preset);
 std::optional<DownloadPreset> downloadPresetFromStorageKey(QStringView key);

@@ -4,24 +4,24 @@
 
 namespace {
 constexpr std::array<StoredEnumName<DownloadStatus>, 7> statusNames { {
-    { DownloadStatus::Pending, "pending", u"等待中" },
-    { DownloadStatus::Preparing, "preparing", u"准备中" },
-    { DownloadStatus::Downloading, "downloading", u"下载中" },
-    { DownloadStatus::Completed, "completed", u"已完成" },
-    { DownloadStatus::Failed, "failed", u"失败" },
-    { DownloadStatus::Cancelled, "cancelled", u"已取消" },
-    { DownloadStatus::Paused, "paused", u"已暂停" },
+    { DownloadStatus::Pending, "pending", QT_TRANSLATE_NOOP("DownloadStatus", "等待中") },
+    { DownloadStatus::Preparing, "preparing", QT_TRANSLATE_NOOP("DownloadStatus", "准备中") },
+    { DownloadStatus::Downloading, "downloading", QT_TRANSLATE_NOOP("DownloadStatus", "下载中") },
+    { DownloadStatus::Completed, "completed", QT_TRANSLATE_NOOP("DownloadStatus", "已完成") },
+    { DownloadStatus::Failed, "failed", QT_TRANSLATE_NOOP("DownloadStatus", "失败") },
+    { DownloadStatus::Cancelled, "cancelled", QT_TRANSLATE_NOOP("DownloadStatus", "已取消") },
+    { DownloadStatus::Paused, "paused", QT_TRANSLATE_NOOP("DownloadStatus", "已暂停") },
 } };
 } // namespace
 
 QString rawValue(DownloadStatus status)
 {
-    return rawValueIn(statusNames, status);
+    return labelIn(statusNames, "DownloadStatus", status);
 }
 
 std::optional<DownloadStatus> downloadStatusFromRawValue(QStringView raw)
 {
-    return fromRawValueIn(statusNames, raw);
+    return fromLabelIn(statusNames, raw);
 }
 
 QString storageKey(DownloadStatus status)

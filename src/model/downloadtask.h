@@ -11,7 +11,8 @@
 #include "model/enums.h"
 #include "model/playlist.h"
 
-// The label a status is shown by.
+// The label a status is shown by, in the interface's language. Read back from a label, only the
+// Chinese one is known: what stores and settings kept before keys.
 QString rawValue(DownloadStatus status);
 std::optional<DownloadStatus> downloadStatusFromRawValue(QStringView raw);
 // The key a status is stored by ("pending", "completed", …), which never changes.

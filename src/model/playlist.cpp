@@ -2,6 +2,7 @@
 
 #include "model/videoinfo.h"
 
+#include <QCoreApplication>
 #include <QJsonDocument>
 #include <QRegularExpression>
 #include <QUrl>
@@ -61,6 +62,8 @@ QString safeName(const QString &text, const QString &fallback)
 
 QString PlaylistPlace::folderName() const
 {
+    // A folder on disk: one name whatever the interface's language, so that a playlist's items
+    // retried or restored after a switch join the rest.
     return safeName(title, u"播放列表"_s);
 }
 
@@ -143,17 +146,17 @@ std::optional<QList<int>> parseItemRanges(const QString &text, int last, QString
     for (const QString &part : text.split(separators, Qt::SkipEmptyParts)) {
         const QRegularExpressionMatch match = range.match(part);
         if (!match.hasMatch())
-            return fail(u"看不懂“%1”，请写成 1-20, 25 这样"_s.arg(part));
+            return fail(QCoreApplication::translate("Playlist", "看不懂“%1”，请写成 1-20, 25 这样").arg(part));
         const int from = match.captured(1).toInt();
         // "5-" runs to the end; a single number is its own range.
         const int to = !match.hasCaptured(2) ? from : match.captured(2).isEmpty() ? last : match.captured(2).toInt();
         if (from < 1 || from > last || to < from)
-            return fail(u"“%1”不在 1-%2 之内"_s.arg(part).arg(last));
+            return fail(QCoreApplication::translate("Playlist", "“%1”不在 1-%2 之内").arg(part).arg(last));
         for (int n = from; n <= std::min(to, last); ++n)
             numbers.append(n);
     }
     if (numbers.isEmpty())
-        return fail(u"请写出要下载的序号，例如 1-20, 25"_s);
+        return fail(QCoreApplication::translate("Playlist", "请写出要下载的序号，例如 1-20, 25"));
     std::sort(numbers.begin(), numbers.end());
     numbers.erase(std::unique(numbers.begin(), numbers.end()), numbers.end());
     return numbers;

@@ -1,7 +1,15 @@
 #include "model/presetlistmodel.h"
 
 #include "engine/shellcommand.h"
+#include "model/languagechange.h"
 #include "model/rawvalue.h"
+
+PresetListModel::PresetListModel(QObject *parent)
+    : QAbstractListModel(parent)
+{
+    // Names and descriptions are translated when read.
+    onLanguageChange(this, [this] { Q_EMIT dataChanged(index(0), index(rowCount() - 1)); });
+}
 
 int PresetListModel::rowCount(const QModelIndex &parent) const
 {
@@ -41,16 +49,18 @@ struct PresetLook
 {
     DownloadPreset preset;
     const char16_t *symbol;
-    const char16_t *description;
+    const char *description;
 };
 
 constexpr std::array<PresetLook, 6> looks { {
-    { DownloadPreset::Default, u"wand.and.stars", u"使用 yt-dlp 默认参数，自动选择最佳格式" },
-    { DownloadPreset::BestQuality, u"sparkles.tv", u"下载最高画质和音质的视频" },
-    { DownloadPreset::BestAudio, u"waveform", u"下载最佳音质的音频" },
-    { DownloadPreset::BestVideoAudio, u"rectangle.stack", u"分别下载最佳视频和音频并合并" },
-    { DownloadPreset::AudioOnly, u"music.note", u"仅下载音频（MP3格式）" },
-    { DownloadPreset::Custom, u"slider.horizontal.3", u"使用自定义参数" },
+    { DownloadPreset::Default, u"wand.and.stars",
+        QT_TRANSLATE_NOOP("PresetListModel", "使用 yt-dlp 默认参数，自动选择最佳格式") },
+    { DownloadPreset::BestQuality, u"sparkles.tv", QT_TRANSLATE_NOOP("PresetListModel", "下载最高画质和音质的视频") },
+    { DownloadPreset::BestAudio, u"waveform", QT_TRANSLATE_NOOP("PresetListModel", "下载最佳音质的音频") },
+    { DownloadPreset::BestVideoAudio, u"rectangle.stack",
+        QT_TRANSLATE_NOOP("PresetListModel", "分别下载最佳视频和音频并合并") },
+    { DownloadPreset::AudioOnly, u"music.note", QT_TRANSLATE_NOOP("PresetListModel", "仅下载音频（MP3格式）") },
+    { DownloadPreset::Custom, u"slider.horizontal.3", QT_TRANSLATE_NOOP("PresetListModel", "使用自定义参数") },
 } };
 
 } // namespace
@@ -62,7 +72,7 @@ QString PresetListModel::symbolFor(DownloadPreset preset)
 
 QString PresetListModel::descriptionFor(DownloadPreset preset)
 {
-    return QString::fromUtf16(entryFor(looks, &PresetLook::preset, preset).description);
+    return QCoreApplication::translate("PresetListModel", entryFor(looks, &PresetLook::preset, preset).description);
 }
 
 QString PresetListModel::argumentsFor(DownloadPreset preset)

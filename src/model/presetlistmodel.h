@@ -11,6 +11,7 @@ class PresetListModel : public QAbstractListModel
     Q_OBJECT
 
 public:
+    explicit PresetListModel(QObject *parent = nullptr);
     enum Role {
         PresetRole = Qt::UserRole + 1,
         NameRole,

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QCoreApplication>
 #include <QString>
 #include <QStringView>
 
@@ -24,14 +25,15 @@ struct RawValuePair
 };
 
 // An enumeration that is stored: each case has a key, plain ASCII that never changes once a
-// release has written it, and its raw value, the label the interface shows. A store or settings
-// file from before keys kept that label, so it is read back through the same table.
+// release has written it, and its label, the Chinese text the interface shows (UTF-8, marked with
+// QT_TRANSLATE_NOOP so that it is shown translated). A store or settings file from before keys
+// kept that Chinese label, so it is read back through the same table.
 template <typename Enum>
 struct StoredEnumName
 {
     Enum value;
     const char *key;
-    const char16_t *raw;
+    const char *label;
 };
 
 template <typename Table, typename Enum>
@@ -49,6 +51,40 @@ auto fromRawValueIn(const Table &table, QStringView raw) -> std::optional<declty
 {
     for (const auto &entry : table) {
         if (raw == QStringView(entry.raw))
+            return entry.value;
+    }
+    return std::nullopt;
+}
+
+// The label of `value` in the interface's language, translated under `context` each time it is
+// read, so that a change of language shows on the next read.
+template <typename Enum, std::size_t N>
+QString labelIn(const std::array<StoredEnumName<Enum>, N> &table, const char *context, Enum value)
+{
+    for (const auto &entry : table) {
+        if (entry.value == value)
+            return QCoreApplication::translate(context, entry.label);
+    }
+    return QString();
+}
+
+// The Chinese label of `value`, untranslated.
+template <typename Enum, std::size_t N>
+QString sourceLabelIn(const std::array<StoredEnumName<Enum>, N> &table, Enum value)
+{
+    for (const auto &entry : table) {
+        if (entry.value == value)
+            return QString::fromUtf8(entry.label);
+    }
+    return QString();
+}
+
+// The case whose Chinese label is `label`, whatever the interface's language: what older stores kept.
+template <typename Enum, std::size_t N>
+std::optional<Enum> fromLabelIn(const std::array<StoredEnumName<Enum>, N> &table, QStringView label)
+{
+    for (const auto &entry : table) {
+        if (label == QString::fromUtf8(entry.label))
             return entry.value;
     }
     return std::nullopt;

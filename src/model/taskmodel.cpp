@@ -1,5 +1,6 @@
 #include "model/taskmodel.h"
 
+#include "model/languagechange.h"
 #include "model/rawvalue.h"
 
 #include <algorithm>
@@ -10,6 +11,11 @@ using namespace Qt::StringLiterals;
 TaskModel::TaskModel(QObject *parent)
     : QAbstractListModel(parent)
 {
+    // Status names and details are made when read: every row is read again.
+    onLanguageChange(this, [this] {
+        if (rowCount() > 0)
+            Q_EMIT dataChanged(index(0), index(rowCount() - 1));
+    });
 }
 
 int TaskModel::rowCount(const QModelIndex &parent) const
@@ -167,8 +173,8 @@ QString TaskModel::details(const DownloadTask &task)
     const bool stopped = isStopped(task.status);
     if (stopped && task.progress > 0) {
         // A stopped task has no bar and no speed any more: the line says how far it got.
-        const QString of = task.size.isEmpty() ? QString() : u" / "_s + task.size;
-        parts.append(u"已下载 "_s + percentText(task.progress) + of);
+        const QString percent = percentText(task.progress);
+        parts.append(task.size.isEmpty() ? tr("已下载 %1").arg(percent) : tr("已下载 %1 / %2").arg(percent, task.size));
     } else {
         if (!stopped && !task.speed.isEmpty())
             parts.append(task.speed);
@@ -176,7 +182,7 @@ QString TaskModel::details(const DownloadTask &task)
             parts.append(task.size);
     }
     if (!task.eta.isEmpty())
-        parts.append(u"剩余 "_s + task.eta);
+        parts.append(tr("剩余 %1").arg(task.eta));
     return parts.join(u" • "_s);
 }
 

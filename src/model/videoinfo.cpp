@@ -1,5 +1,6 @@
 #include "model/videoinfo.h"
 
+#include <QCoreApplication>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonValue>
@@ -243,12 +244,12 @@ QString VideoInfo::likeCountText() const
 
 QString VideoInfo::durationText() const
 {
-    return duration > 0 ? durationString() : u"未知"_s;
+    return duration > 0 ? durationString() : QCoreApplication::translate("VideoInfo", "未知");
 }
 
 QString VideoInfo::uploaderText() const
 {
-    return uploader.trimmed().isEmpty() ? u"未知"_s : uploader;
+    return uploader.trimmed().isEmpty() ? QCoreApplication::translate("VideoInfo", "未知") : uploader;
 }
 
 std::optional<VideoInfo> VideoInfo::fromYtDlpJson(const QByteArray &json, const QString &url, int *playlistEntries)

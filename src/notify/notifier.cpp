@@ -6,6 +6,7 @@
 #include "model/taskmodel.h"
 
 #ifdef Q_OS_MACOS
+#include <QCoreApplication>
 #include <QProcess>
 #else
 #include <QDBusConnection>
@@ -89,7 +90,9 @@ void Notifier::statusesMayHaveChanged(int first, int last)
             continue;
         if (!m_settings->notifyOnFinish() || (m_windowActive && m_windowActive()))
             continue;
-        send(task.status == DownloadStatus::Completed ? u"下载完成"_s : u"下载失败"_s, bodyFor(task));
+        send(task.status == DownloadStatus::Completed ? QCoreApplication::translate("Notifier", "下载完成")
+                                                      : QCoreApplication::translate("Notifier", "下载失败"),
+            bodyFor(task));
     }
 }
 
@@ -108,7 +111,7 @@ void Notifier::send(const QString &summary, const QString &body)
     const QStringList arguments { u"-e"_s, u"on run argv"_s, u"-e"_s,
         u"display notification (item 2 of argv) with title (item 1 of argv)"_s, u"-e"_s, u"end run"_s, summary, body };
     if (!QProcess::startDetached(u"/usr/bin/osascript"_s, arguments))
-        unavailable(u"osascript 无法启动"_s);
+        unavailable(QCoreApplication::translate("Notifier", "osascript 无法启动"));
 }
 
 #else

@@ -8,6 +8,7 @@
 #include "model/logcategories.h"
 #include "model/taskmodel.h"
 
+#include <QCoreApplication>
 #include <QDateTime>
 #include <QFileInfo>
 #include <QLockFile>
@@ -39,8 +40,9 @@ public:
         PrivateFiles::makeFolder(QFileInfo(m_path).absolutePath());
         m_lock = std::make_unique<QLockFile>(m_path + u".lock"_s);
         if (!m_lock->tryLock(0)) {
-            const QString why = m_lock->error() == QLockFile::LockFailedError ? u"另一个 Quillbox 正在使用它"_s
-                                                                              : u"无法创建锁文件 %1.lock"_s.arg(m_path);
+            const QString why = m_lock->error() == QLockFile::LockFailedError
+                ? QCoreApplication::translate("QueueMemory", "另一个 Quillbox 正在使用它")
+                : QCoreApplication::translate("QueueMemory", "无法创建锁文件 %1.lock").arg(m_path);
             report({ TaskStore::OpenState::Failed, why }, {});
             return *m_store;
         }
@@ -125,20 +127,27 @@ void QueueMemory::reportOpen(const TaskStore::OpenResult &result, const QString 
     case TaskStore::OpenState::Opened:
         return;
     case TaskStore::OpenState::Replaced:
-        m_log->addLog(u"⚠️ 队列数据库已损坏，已移到 %1，并新建了一个"_s.arg(result.detail),
+        m_log->addLog(QCoreApplication::translate(
+                          "QueueMemory", "⚠️ 队列数据库已损坏，已移到 %1，并新建了一个")
+                          .arg(result.detail),
             LogEntry::LogType::Warning);
         return;
     case TaskStore::OpenState::Newer:
-        m_log->addLog(
-            u"⚠️ 队列数据库来自更新版本的 Quillbox，本次不会保存队列: %1"_s.arg(m_path),
+        m_log->addLog(QCoreApplication::translate("QueueMemory",
+                          "⚠️ 队列数据库来自更新版本的 Quillbox，本次不会保存队列: %1")
+                          .arg(m_path),
             LogEntry::LogType::Warning);
-        setStoreNotice(u"队列数据库来自更新版本的 Quillbox，只读取、不改动：本次的队列只在内存中，退出后不会保留。"_s);
+        setStoreNotice(QCoreApplication::translate("QueueMemory",
+            "队列数据库来自更新版本的 Quillbox，只读取、不改动：本次的队列只在内存中，退出后不会保留。"));
         return;
     case TaskStore::OpenState::Failed:
-        m_log->addLog(
-            u"⚠️ 无法打开队列数据库 %1，本次不会保存队列: %2"_s.arg(m_path, result.detail),
+        m_log->addLog(QCoreApplication::translate(
+                          "QueueMemory", "⚠️ 无法打开队列数据库 %1，本次不会保存队列: %2")
+                          .arg(m_path, result.detail),
             LogEntry::LogType::Warning);
-        setStoreNotice(u"无法打开队列数据库（%1）：本次的队列只在内存中，退出后不会保留。"_s.arg(result.detail));
+        setStoreNotice(QCoreApplication::translate(
+            "QueueMemory", "无法打开队列数据库（%1）：本次的队列只在内存中，退出后不会保留。")
+                           .arg(result.detail));
         qCWarning(lcEngine, "[Quillbox] 队列数据库无法打开: %ls (%ls)", qUtf16Printable(result.detail),
             qUtf16Printable(error));
         return;
@@ -159,7 +168,8 @@ void QueueMemory::reportWriteError(const QString &error)
     if (std::exchange(m_writeErrorShown, true))
         return;
     qCWarning(lcEngine, "[Quillbox] 队列写入失败: %ls", qUtf16Printable(error));
-    m_log->addLog(u"⚠️ 无法保存队列: "_s + error, LogEntry::LogType::Warning);
+    m_log->addLog(QCoreApplication::translate("QueueMemory", "⚠️ 无法保存队列: %1").arg(error),
+        LogEntry::LogType::Warning);
 }
 
 void QueueMemory::start()
@@ -206,8 +216,9 @@ void QueueMemory::endLeftovers(const QList<TaskStore::ProcessGroup> &groups)
     const int ended = endLeftoverGroups(recorded);
     if (ended > 0) {
         qCInfo(lcEngine, "[Quillbox] 已结束上次运行遗留的 %d 个下载进程组", ended);
-        m_log->addLog(
-            u"⏹ 已结束上次运行遗留的 %1 个下载进程"_s.arg(ended), LogEntry::LogType::Warning);
+        m_log->addLog(QCoreApplication::translate(
+                          "QueueMemory", "⏹ 已结束上次运行遗留的 %n 个下载进程", nullptr, ended),
+            LogEntry::LogType::Warning);
     }
     onStoreThread([ids](TaskStore &store) { store.forgetProcessGroups(ids); });
 }

@@ -5,6 +5,7 @@
 #include "model/logcategories.h"
 
 #include <QAtomicInt>
+#include <QCoreApplication>
 #include <QDateTime>
 #include <QDir>
 #include <QFile>
@@ -259,7 +260,8 @@ TaskStore::OpenResult TaskStore::open()
     m_readOnly = false;
     const QFileInfo file(m_path);
     if (!PrivateFiles::makeFolder(file.absolutePath()))
-        return { OpenState::Failed, u"无法创建文件夹 %1"_s.arg(file.absolutePath()) };
+        return { OpenState::Failed,
+            QCoreApplication::translate("TaskStore", "无法创建文件夹 %1").arg(file.absolutePath()) };
     makeFilesPrivate();
 
     int version = 0;

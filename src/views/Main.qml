@@ -42,7 +42,7 @@ ApplicationWindow {
             root.showMaximized()
     }
 
-    title: "Quillbox - 视频下载管理器"
+    title: qsTr("Quillbox - 视频下载管理器")
     width: 1200
     height: 800
     minimumWidth: 900

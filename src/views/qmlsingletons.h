@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/desktop.h"
+#include "app/interfacelanguage.h"
 #include "app/rendererchoice.h"
 #include "cookies/cookieservice.h"
 #include "engine/downloadmanager.h"
@@ -51,6 +52,20 @@ struct RendererChoiceForeign
 
 public:
     static RendererChoice *create(QQmlEngine *, QJSEngine *) { return new RendererChoice; }
+};
+
+struct InterfaceLanguageForeign
+{
+    Q_GADGET
+    QML_FOREIGN(InterfaceLanguage)
+    QML_NAMED_ELEMENT(InterfaceLanguage)
+    QML_SINGLETON
+
+public:
+    static InterfaceLanguage *create(QQmlEngine *, QJSEngine *engine)
+    {
+        return sharedInstanceForQml(InterfaceLanguage::instance(), engine);
+    }
 };
 
 struct AppStateForeign

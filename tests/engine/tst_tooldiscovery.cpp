@@ -4,7 +4,9 @@
 
 #include "enginefixture.h"
 
+#include <QSignalSpy>
 #include <QTimer>
+#include <QTranslator>
 
 using namespace Qt::StringLiterals;
 using quillbox::ToolAction;
@@ -30,6 +32,7 @@ private Q_SLOTS:
     void pathsWithSpacesAndRuntimeOnPath();
     void runtimeOrderAndSilentFfmpeg();
     void nothingFound();
+    void verdictsFollowTheLanguage();
     void jsRuntimesNeedARecentYtDlp();
     void setCustomPath();
     void realRuntimesJudgedByCurrentYtDlp();
@@ -53,6 +56,24 @@ QByteArray versionScript(const QByteArray &version, int exitCode = 0)
 {
     return "case \"$*\" in *--version*) echo " + version + "; exit " + QByteArray::number(exitCode) + ";; esac\nexit 0";
 }
+
+// A stand-in for a loaded translation: every text of one context comes back marked.
+class MarkingTranslator : public QTranslator
+{
+public:
+    explicit MarkingTranslator(const char *context)
+        : m_context(context)
+    {
+    }
+    bool isEmpty() const override { return false; }
+    QString translate(const char *context, const char *source, const char *, int) const override
+    {
+        return qstrcmp(context, m_context) == 0 ? u"EN "_s + QString::fromUtf8(source) : QString();
+    }
+
+private:
+    const char *m_context;
+};
 
 struct WithState
 {
@@ -331,6 +352,33 @@ void TestToolDiscovery::nothingFound()
     QCOMPARE(manager.jsRuntimeArgs(), QStringList());
     QCOMPARE(manager.ffmpegArgs(), QStringList());
     QVERIFY(!manager.log().join(u'\n').contains(u"FFmpeg"_s));
+}
+
+// The verdicts are texts judged once: a language installed or removed while Quillbox runs has
+// them judged again, and the button's label follows too.
+void TestToolDiscovery::verdictsFollowTheLanguage()
+{
+    EngineFixture fixture;
+    StartedDiscovery manager(fixture.emptyLocations());
+    QTRY_VERIFY_WITH_TIMEOUT(manager.isReady(), 20000);
+    const ToolVerdict before = manager.runtimeVerdict();
+    QVERIFY2(before.text.startsWith(u"未检测到 JS 运行时，YouTube 等需要 JS 运行时的网站会下载失败。"_s),
+        qPrintable(before.text));
+    QCOMPARE(before.actionLabel(), u"安装 Deno"_s);
+
+    QSignalSpy changed(&manager, &ToolDiscovery::verdictsChanged);
+    MarkingTranslator marking("Toolchain");
+    QVERIFY(QCoreApplication::installTranslator(&marking));
+    QCOMPARE(changed.size(), 1);
+    const ToolVerdict after = manager.runtimeVerdict();
+    QVERIFY2(after.text.startsWith(u"EN 未检测到 JS 运行时，EN YouTube 等需要 JS 运行时的网站会下载失败。EN 点"_s),
+        qPrintable(after.text));
+    QCOMPARE(after.actionLabel(), u"EN 安装 Deno"_s);
+    QCOMPARE(after.tint, before.tint);
+
+    QVERIFY(QCoreApplication::removeTranslator(&marking));
+    QCOMPARE(changed.size(), 2);
+    QCOMPARE(manager.runtimeVerdict(), before);
 }
 
 // "--js-runtimes" came with yt-dlp 2025.11.12: an older one gets no runtime words, and the log

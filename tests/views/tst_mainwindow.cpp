@@ -1,7 +1,9 @@
 #include "app/applifecycle.h"
+#include "app/interfacelanguage.h"
 #include "app/qmlsetup.h"
 #include "app/rendererchoice.h"
 #include "model/appstate.h"
+#include "model/taskmodel.h"
 
 #include "testsupport.h"
 
@@ -40,6 +42,9 @@ private Q_SLOTS:
     void dropsAddLinks_data();
     void dropsAddLinks();
     void qtTextsAreChinese();
+    void languageFollowsTheSystem_data();
+    void languageFollowsTheSystem();
+    void switchesToEnglishAtOnce();
     void rendererChosen_data();
     void rendererChosen();
     void renderNodesFound();
@@ -305,9 +310,88 @@ void TestMainWindow::undoBringsBackClearedLinks()
 // draws itself (which its catalogues lack) read in Chinese, whatever the locale.
 void TestMainWindow::qtTextsAreChinese()
 {
-    AppLifecycle::loadQtTranslations();
+    InterfaceLanguage::instance()->applyAtStart();
     QCOMPARE(QCoreApplication::translate("QPlatformTheme", "Cancel"), u"取消"_s);
     QCOMPARE(QCoreApplication::translate("FileDialog", "Filter"), u"文件类型"_s);
+}
+
+void TestMainWindow::languageFollowsTheSystem_data()
+{
+    QTest::addColumn<QString>("setting");
+    QTest::addColumn<QStringList>("system");
+    QTest::addColumn<QString>("language");
+    QTest::newRow("Chinese system") << u"system"_s << QStringList { u"zh-CN"_s, u"zh-Hans-CN"_s } << u"zh_CN"_s;
+    QTest::newRow("English system") << u"system"_s << QStringList { u"en-GB"_s, u"en"_s } << u"en"_s;
+    QTest::newRow("German, then Chinese") << u"system"_s << QStringList { u"de-DE"_s, u"zh-TW"_s } << u"zh_CN"_s;
+    QTest::newRow("German only") << u"system"_s << QStringList { u"de-DE"_s, u"de"_s } << u"zh_CN"_s;
+    QTest::newRow("the C locale names none") << u"system"_s << QStringList { u"C"_s } << u"zh_CN"_s;
+    QTest::newRow("chosen English") << u"en"_s << QStringList { u"zh-CN"_s } << u"en"_s;
+    QTest::newRow("chosen Chinese") << u"zh_CN"_s << QStringList { u"en-US"_s } << u"zh_CN"_s;
+}
+
+void TestMainWindow::languageFollowsTheSystem()
+{
+    QFETCH(QString, setting);
+    QFETCH(QStringList, system);
+    QFETCH(QString, language);
+    QCOMPARE(InterfaceLanguage::resolve(setting, system), language);
+}
+
+namespace {
+// The texts of every visible item of the window, as a person would read them.
+QStringList shownTexts(QQuickItem *item)
+{
+    QStringList texts;
+    if (!item->isVisible())
+        return texts;
+    if (const QVariant text = item->property("text"); text.isValid() && !text.toString().isEmpty())
+        texts << text.toString();
+    for (QQuickItem *child : item->childItems())
+        texts << shownTexts(child);
+    return texts;
+}
+} // namespace
+
+// "界面语言" switches the window, its settings sheet and Qt's own texts without a restart, and back.
+void TestMainWindow::switchesToEnglishAtOnce()
+{
+    InterfaceLanguage *language = InterfaceLanguage::instance();
+    language->setSetting(u"zh_CN"_s);
+    const MainWindow main(true);
+    QQuickItem *content = main.window->contentItem();
+    QVERIFY(shownTexts(content).contains(u"下载管理"_s));
+    QVERIFY(shownTexts(content).contains(u"开始下载"_s));
+
+    AppState::instance()->setShowSettings(true);
+    QTRY_VERIFY(shownTexts(content).contains(u"界面语言"_s));
+    auto *choice = main.window->findChild<QQuickItem *>(u"languageChoice"_s);
+    QVERIFY(choice);
+    QCOMPARE(choice->property("currentText").toString(), u"简体中文"_s);
+
+    // A queue row's status, made in C++, follows too.
+    TaskModel tasks;
+    DownloadTask failed;
+    failed.status = DownloadStatus::Failed;
+    tasks.append(failed);
+    QCOMPARE(tasks.data(tasks.index(0), TaskModel::StatusLabelRole).toString(), u"失败"_s);
+    QSignalSpy rowsRead(&tasks, &TaskModel::dataChanged);
+
+    language->setSetting(u"en"_s);
+    QCOMPARE(language->language(), u"en"_s);
+    QVERIFY(!rowsRead.isEmpty());
+    QCOMPARE(tasks.data(tasks.index(0), TaskModel::StatusLabelRole).toString(), u"Failed"_s);
+    const QStringList english = shownTexts(content);
+    for (const QString &text : { u"Downloads"_s, u"Presets"_s, u"Start download"_s, u"Language"_s })
+        QVERIFY2(english.contains(text), qPrintable(english.join(u" | "_s)));
+    QVERIFY(!english.contains(u"下载管理"_s));
+    QCOMPARE(choice->property("currentText").toString(), u"English"_s);
+    QCOMPARE(QCoreApplication::translate("QPlatformTheme", "Cancel"), u"Cancel"_s);
+    QCOMPARE(QSettings().value(QLatin1String(InterfaceLanguage::SettingKey)).toString(), u"en"_s);
+
+    language->setSetting(u"zh_CN"_s);
+    QVERIFY(shownTexts(content).contains(u"下载管理"_s));
+    QCOMPARE(QCoreApplication::translate("QPlatformTheme", "Cancel"), u"取消"_s);
+    AppState::instance()->setShowSettings(false);
 }
 
 void TestMainWindow::rendererChosen_data()

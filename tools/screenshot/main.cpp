@@ -22,6 +22,7 @@
 
 #include "app/applifecycle.h"
 #include "app/cjkfont.h"
+#include "app/interfacelanguage.h"
 #include "app/qmlsetup.h"
 #include "app/rendererchoice.h"
 #include "engine/downloadmanager.h"
@@ -139,7 +140,7 @@ int main(int argc, char *argv[])
     if (parser.isSet(ytDlp))
         QSettings().setValue(QLatin1String(DownloadManager::CustomYtDlpPathKey), parser.value(ytDlp));
     QQuickStyle::setStyle(u"Basic"_s);
-    AppLifecycle::loadQtTranslations();
+    InterfaceLanguage::instance()->applyAtStart();
     RendererChoice::applyAtStart();
     preferCjkFont();
 

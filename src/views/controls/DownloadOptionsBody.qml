@@ -69,7 +69,7 @@ GridLayout {
 
     // --- Compatibility
     Label {
-        text: "兼容性"
+        text: qsTr("兼容性")
     }
     ColumnLayout {
         Layout.fillWidth: true
@@ -77,12 +77,12 @@ GridLayout {
         spacing: Theme.spacingTiny
         KeyChoice {
             objectName: "compatibilityChoice"
-            Accessible.name: "兼容性"
+            Accessible.name: qsTr("兼容性")
             choices: [
-                { key: "any", label: "不限" },
-                { key: "everywhere", label: "到处都能播放" },
-                { key: "quality", label: "画质最佳" },
-                { key: "smallest", label: "体积最小" }
+                { key: "any", label: qsTr("不限", "any compatibility") },
+                { key: "everywhere", label: qsTr("到处都能播放") },
+                { key: "quality", label: qsTr("画质最佳") },
+                { key: "smallest", label: qsTr("体积最小") }
             ]
             value: root.options.compatibility
             onChosen: key => root.options.compatibility = key
@@ -91,16 +91,16 @@ GridLayout {
             Layout.fillWidth: true
             visible: text.length > 0
             text: ({
-                    everywhere: "优先 H.264 视频和 AAC 音频，合并为 MP4：QuickTime、剪辑软件和手机都能打开；没有时下载现有的格式",
-                    quality: "优先分辨率、帧率和码率最高的格式",
-                    smallest: "优先文件最小的格式"
+                    everywhere: qsTr("优先 H.264 视频和 AAC 音频，合并为 MP4：QuickTime、剪辑软件和手机都能打开；没有时下载现有的格式"),
+                    quality: qsTr("优先分辨率、帧率和码率最高的格式"),
+                    smallest: qsTr("优先文件最小的格式")
                 })[root.options.compatibility] ?? ""
         }
     }
 
     // --- Subtitles
     Label {
-        text: "字幕"
+        text: qsTr("字幕")
     }
     ColumnLayout {
         Layout.fillWidth: true
@@ -112,23 +112,23 @@ GridLayout {
             spacing: Theme.spacing
             KeyChoice {
                 objectName: "subtitlesChoice"
-                Accessible.name: "字幕"
+                Accessible.name: qsTr("字幕")
                 choices: [
-                    { key: "off", label: "不要" },
-                    { key: "download", label: "下载字幕文件" },
-                    { key: "embed", label: "嵌入视频" }
+                    { key: "off", label: qsTr("不要") },
+                    { key: "download", label: qsTr("下载字幕文件") },
+                    { key: "embed", label: qsTr("嵌入视频") }
                 ]
                 value: root.options.subtitles
                 onChosen: key => root.options.subtitles = key
             }
             KeyChoice {
                 objectName: "subtitleFormatChoice"
-                Accessible.name: "字幕格式"
+                Accessible.name: qsTr("字幕格式")
                 visible: root.options.subtitles !== "off"
                 width: 110
                 choices: [
                     { key: "srt", label: "SRT" },
-                    { key: "", label: "原格式" }
+                    { key: "", label: qsTr("原格式") }
                 ]
                 value: root.options.subtitleFormat
                 onChosen: key => root.options.subtitleFormat = key
@@ -142,7 +142,7 @@ GridLayout {
             TextInputField {
                 objectName: "subtitleLanguagesField"
                 Layout.fillWidth: true
-                Accessible.name: "字幕语言"
+                Accessible.name: qsTr("字幕语言")
                 text: root.options.subtitleLanguages
                 placeholderText: "zh.*,en"
                 font.family: Theme.fixedFont.family
@@ -154,13 +154,13 @@ GridLayout {
                 spacing: Theme.spacingSmall
                 Repeater {
                     model: [
-                        { code: "zh.*", label: "中文" },
-                        { code: "zh-Hans", label: "简体" },
-                        { code: "zh-Hant", label: "繁体" },
-                        { code: "en", label: "英语" },
-                        { code: "ja", label: "日语" },
-                        { code: "ko", label: "韩语" },
-                        { code: "all", label: "全部" }
+                        { code: "zh.*", label: qsTr("中文") },
+                        { code: "zh-Hans", label: qsTr("简体") },
+                        { code: "zh-Hant", label: qsTr("繁体") },
+                        { code: "en", label: qsTr("英语") },
+                        { code: "ja", label: qsTr("日语") },
+                        { code: "ko", label: qsTr("韩语") },
+                        { code: "all", label: qsTr("全部") }
                     ]
                     delegate: Chip {
                         required property var modelData
@@ -173,7 +173,7 @@ GridLayout {
             }
             ToggleSwitch {
                 objectName: "autoSubtitlesSwitch"
-                text: "包括自动生成的字幕"
+                text: qsTr("包括自动生成的字幕")
                 checked: root.options.autoSubtitles
                 onToggled: root.options.autoSubtitles = checked
             }
@@ -182,7 +182,7 @@ GridLayout {
 
     // --- Embedding
     Label {
-        text: "嵌入"
+        text: qsTr("嵌入")
     }
     Flow {
         Layout.fillWidth: true
@@ -190,19 +190,19 @@ GridLayout {
         spacing: Theme.spacingWide
         ToggleSwitch {
             objectName: "embedThumbnailSwitch"
-            text: "封面"
+            text: qsTr("封面")
             checked: root.options.embedThumbnail
             onToggled: root.options.embedThumbnail = checked
         }
         ToggleSwitch {
             objectName: "embedMetadataSwitch"
-            text: "元数据"
+            text: qsTr("元数据")
             checked: root.options.embedMetadata
             onToggled: root.options.embedMetadata = checked
         }
         ToggleSwitch {
             objectName: "embedChaptersSwitch"
-            text: "章节"
+            text: qsTr("章节")
             checked: root.options.embedChapters
             onToggled: root.options.embedChapters = checked
         }
@@ -220,9 +220,9 @@ GridLayout {
             objectName: "sponsorBlockChoice"
             Accessible.name: "SponsorBlock"
             choices: [
-                { key: "off", label: "不用" },
-                { key: "mark", label: "标记为章节" },
-                { key: "remove", label: "移除片段" }
+                { key: "off", label: qsTr("不用") },
+                { key: "mark", label: qsTr("标记为章节") },
+                { key: "remove", label: qsTr("移除片段") }
             ]
             value: root.options.sponsorBlock
             onChosen: key => root.options.sponsorBlock = key
@@ -234,14 +234,14 @@ GridLayout {
             spacing: Theme.spacingSmall
             Repeater {
                 model: [
-                    { key: "sponsor", label: "赞助" },
-                    { key: "intro", label: "片头" },
-                    { key: "outro", label: "片尾" },
-                    { key: "selfpromo", label: "自我推广" },
-                    { key: "preview", label: "预告" },
-                    { key: "filler", label: "题外话" },
-                    { key: "interaction", label: "互动提醒" },
-                    { key: "music_offtopic", label: "非音乐部分" }
+                    { key: "sponsor", label: qsTr("赞助") },
+                    { key: "intro", label: qsTr("片头") },
+                    { key: "outro", label: qsTr("片尾") },
+                    { key: "selfpromo", label: qsTr("自我推广") },
+                    { key: "preview", label: qsTr("预告") },
+                    { key: "filler", label: qsTr("题外话") },
+                    { key: "interaction", label: qsTr("互动提醒") },
+                    { key: "music_offtopic", label: qsTr("非音乐部分") }
                 ]
                 delegate: Chip {
                     required property var modelData
@@ -257,7 +257,7 @@ GridLayout {
 
     // --- Rate limit
     Label {
-        text: "限速"
+        text: qsTr("限速")
     }
     ColumnLayout {
         Layout.fillWidth: true
@@ -270,9 +270,9 @@ GridLayout {
 
                 objectName: "rateField"
                 Layout.preferredWidth: 100
-                Accessible.name: "限速"
+                Accessible.name: qsTr("限速")
                 text: root.options.rateLimit.slice(0, -1)
-                placeholderText: "不限"
+                placeholderText: qsTr("不限")
                 inputMethodHints: Qt.ImhFormattedNumbersOnly
                 onTextEdited: root.options.rateLimit = text.trim().length > 0 ? text.trim() + rateUnit.currentValue : ""
             }
@@ -280,7 +280,7 @@ GridLayout {
                 id: rateUnit
 
                 objectName: "rateUnitChoice"
-                Accessible.name: "限速单位"
+                Accessible.name: qsTr("限速单位")
                 Layout.preferredWidth: 90
                 valueRole: "key"
                 choices: [
@@ -302,7 +302,7 @@ GridLayout {
 
     // --- Proxy
     Label {
-        text: "代理"
+        text: qsTr("代理")
     }
     ColumnLayout {
         Layout.fillWidth: true
@@ -311,9 +311,9 @@ GridLayout {
         TextInputField {
             objectName: "proxyField"
             Layout.fillWidth: true
-            Accessible.name: "代理"
+            Accessible.name: qsTr("代理")
             text: root.options.proxy
-            placeholderText: "不用代理，例如 socks5://127.0.0.1:1080"
+            placeholderText: qsTr("不用代理，例如 socks5://127.0.0.1:1080")
             font.family: Theme.fixedFont.family
             onTextEdited: root.options.proxy = text
         }
@@ -325,13 +325,13 @@ GridLayout {
             objectName: "proxyScheme"
             Layout.fillWidth: true
             visible: root.options.proxyError.length === 0 && root.options.proxyScheme.length > 0
-            text: root.options.proxyScheme + " 代理，链接信息、格式列表和下载都经过它"
+            text: qsTr("%1 代理，链接信息、格式列表和下载都经过它").arg(root.options.proxyScheme)
         }
     }
 
     // --- File name
     Label {
-        text: "文件名"
+        text: qsTr("文件名")
     }
     ColumnLayout {
         Layout.fillWidth: true
@@ -342,7 +342,7 @@ GridLayout {
 
             objectName: "templateField"
             Layout.fillWidth: true
-            Accessible.name: "文件名模板"
+            Accessible.name: qsTr("文件名模板")
             text: root.options.fileTemplate
             placeholderText: "%(title)s.%(ext)s"
             font.family: Theme.fixedFont.family
@@ -354,13 +354,13 @@ GridLayout {
             spacing: Theme.spacingSmall
             Repeater {
                 model: [
-                    { field: "%(title)s", label: "标题" },
+                    { field: "%(title)s", label: qsTr("标题") },
                     { field: "%(id)s", label: "ID" },
-                    { field: "%(uploader)s", label: "上传者" },
-                    { field: "%(upload_date)s", label: "日期" },
-                    { field: "%(resolution)s", label: "分辨率" },
-                    { field: "%(playlist_index)s", label: "列表序号" },
-                    { field: "%(ext)s", label: "扩展名" }
+                    { field: "%(uploader)s", label: qsTr("上传者") },
+                    { field: "%(upload_date)s", label: qsTr("日期") },
+                    { field: "%(resolution)s", label: qsTr("分辨率") },
+                    { field: "%(playlist_index)s", label: qsTr("列表序号") },
+                    { field: "%(ext)s", label: qsTr("扩展名") }
                 ]
                 delegate: Chip {
                     required property var modelData
@@ -382,14 +382,14 @@ GridLayout {
             objectName: "templatePreview"
             Layout.fillWidth: true
             visible: root.options.templateError.length === 0
-            text: (root.options.previewIsExample ? "示例：" : "预览：") + root.options.templatePreview
+            text: (root.options.previewIsExample ? qsTr("示例：%1") : qsTr("预览：%1")).arg(root.options.templatePreview)
             wrapMode: Text.WrapAnywhere
         }
     }
 
     // --- Archive
     Label {
-        text: "下载存档"
+        text: qsTr("下载存档")
     }
     ColumnLayout {
         Layout.fillWidth: true
@@ -397,14 +397,14 @@ GridLayout {
         spacing: Theme.spacingTiny
         ToggleSwitch {
             objectName: "archiveSwitch"
-            text: "跳过已经下载过的视频"
+            text: qsTr("跳过已经下载过的视频")
             checked: root.options.useArchive
             onToggled: root.options.useArchive = checked
         }
         Hint {
             Layout.fillWidth: true
             visible: root.options.useArchive
-            text: "记录在 " + root.options.archiveFile
+            text: qsTr("记录在 %1").arg(root.options.archiveFile)
             wrapMode: Text.WrapAnywhere
         }
     }
@@ -416,7 +416,7 @@ GridLayout {
         objectName: "resetOptionsButton"
         enabled: !root.options.isDefault
         symbol: "arrow.clockwise"
-        text: "全部清除"
+        text: qsTr("全部清除")
         onClicked: root.options.reset()
     }
 }

@@ -23,7 +23,7 @@ ColumnLayout {
         Layout.fillWidth: true
         implicitHeight: contentItem.implicitHeight + 2 * Theme.spacingSmall
         focusPolicy: Qt.StrongFocus
-        Accessible.name: "下载选项：" + options.summary
+        Accessible.name: qsTr("下载选项：%1").arg(options.summary)
         onClicked: root.expanded = !root.expanded
         Keys.onReturnPressed: root.expanded = !root.expanded
 
@@ -43,7 +43,7 @@ ColumnLayout {
                 font.pixelSize: Theme.body
             }
             SectionHeader {
-                text: "下载选项"
+                text: qsTr("下载选项")
             }
             Text {
                 objectName: "optionsSummary"

@@ -69,7 +69,7 @@ AbstractButton {
     readonly property list<TaskAction> taskActions: [
         TaskAction {
             name: "stop"
-            text: "停止"
+            text: qsTr("停止")
             symbol: "stop.circle"
             tint: Theme.red
             enabled: root.canStop
@@ -79,7 +79,7 @@ AbstractButton {
             name: "retry"
             // A row paused at start goes on where it was; any other starts again (and yt-dlp
             // still continues its ".part").
-            text: root.status === Download.Paused ? "继续" : "重试"
+            text: root.status === Download.Paused ? qsTr("继续") : qsTr("重试")
             symbol: "arrow.clockwise"
             enabled: root.canRetry
             endsGroup: true
@@ -87,21 +87,21 @@ AbstractButton {
         },
         TaskAction {
             name: "open"
-            text: "打开文件"
+            text: qsTr("打开文件")
             symbol: "arrow.up.right.square"
             enabled: root.canOpen
             onTriggered: root.openError = Desktop.openFile(root.outputPath)
         },
         TaskAction {
             name: "reveal"
-            text: "在文件夹中显示"
+            text: qsTr("在文件夹中显示")
             symbol: "folder"
             enabled: root.hasFile
             onTriggered: root.openError = Desktop.showInFolder(root.outputPath)
         },
         TaskAction {
             name: "videoInfo"
-            text: "视频信息"
+            text: qsTr("视频信息")
             symbol: root.loadingInfo ? "arrow.clockwise" : "info.circle"
             enabled: !root.loadingInfo
             keepsPlace: true
@@ -109,7 +109,7 @@ AbstractButton {
         },
         TaskAction {
             name: "copyLink"
-            text: "复制链接"
+            text: qsTr("复制链接")
             symbol: "doc.on.doc"
             endsGroup: true
             onTriggered: {
@@ -120,7 +120,7 @@ AbstractButton {
         },
         TaskAction {
             name: "remove"
-            text: "移除"
+            text: qsTr("移除")
             symbol: "trash"
             onTriggered: DownloadManager.removeDownload(root.taskId)
         }
@@ -150,7 +150,7 @@ AbstractButton {
     onStatusChanged: openError = ""
     onOutputPathChanged: openError = ""
 
-    Accessible.name: root.title + "，" + root.statusText
+    Accessible.name: qsTr("%2，%1").arg(root.statusText).arg(root.title)
     padding: Theme.spacingLarge
     hoverEnabled: true
     focusPolicy: Qt.StrongFocus
@@ -192,28 +192,33 @@ AbstractButton {
         ColumnLayout {
             Layout.fillWidth: true
             spacing: Theme.spacingTiny
-            Text {
-                objectName: "titleText"
+            // A positioner rather than the layout for these two: the file's line appears while the
+            // row is shown, and Qt 6.4's layouts now and then leave such an item where it was.
+            Column {
                 Layout.fillWidth: true
-                // A playlist's item says its number in the playlist, whose title heads its group.
-                text: root.playlistIndex > 0 ? "%1. %2".arg(root.playlistIndex).arg(root.title) : root.title
-                textFormat: Text.PlainText
-                color: Theme.text
-                font.pixelSize: Theme.bodyLarge
-                font.weight: Font.Medium
-                elide: Text.ElideMiddle
-                Layout.rightMargin: root.cornerWidth > 0
-                    ? Math.max(0, root.cornerWidth + 2 * Theme.spacingSmall - root.rightPadding) : 0
-            }
-            Text {
-                objectName: "fileNameText"
-                Layout.fillWidth: true
-                visible: root.fileName.length > 0
-                text: root.fileName
-                textFormat: Text.PlainText
-                color: Theme.gray
-                font.pixelSize: Theme.caption2
-                elide: Text.ElideMiddle
+                spacing: Theme.spacingTiny
+                Text {
+                    objectName: "titleText"
+                    width: parent.width - (root.cornerWidth > 0
+                        ? Math.max(0, root.cornerWidth + 2 * Theme.spacingSmall - root.rightPadding) : 0)
+                    // A playlist's item says its number in the playlist, whose title heads its group.
+                    text: root.playlistIndex > 0 ? "%1. %2".arg(root.playlistIndex).arg(root.title) : root.title
+                    textFormat: Text.PlainText
+                    color: Theme.text
+                    font.pixelSize: Theme.bodyLarge
+                    font.weight: Font.Medium
+                    elide: Text.ElideMiddle
+                }
+                Text {
+                    objectName: "fileNameText"
+                    width: parent.width
+                    visible: root.fileName.length > 0
+                    text: root.fileName
+                    textFormat: Text.PlainText
+                    color: Theme.gray
+                    font.pixelSize: Theme.caption2
+                    elide: Text.ElideMiddle
+                }
             }
             Row {
                 objectName: "details"
@@ -319,7 +324,7 @@ AbstractButton {
                     Layout.alignment: Qt.AlignTop
                     visible: root.needsToolFix && root.status === Download.Failed
                     implicitHeight: 24
-                    text: "修复"
+                    text: qsTr("修复")
                     symbol: "wand.and.stars"
                     fontSize: Theme.caption
                     iconSize: Theme.caption
@@ -353,14 +358,14 @@ AbstractButton {
                 TextButton {
                     objectName: "toolOutputButton"
                     visible: root.isExplained
-                    text: root.showsToolOutput ? "隐藏原始输出" : "显示原始输出"
+                    text: root.showsToolOutput ? qsTr("隐藏原始输出") : qsTr("显示原始输出")
                     symbol: "terminal"
                     fontSize: Theme.caption2
                     onClicked: root.showsToolOutput = !root.showsToolOutput
                 }
                 TextButton {
                     objectName: "copyErrorButton"
-                    text: root.copied ? "已复制" : "复制错误信息"
+                    text: root.copied ? qsTr("已复制") : qsTr("复制错误信息")
                     symbol: root.copied ? "checkmark" : "doc.on.doc"
                     tint: root.copied ? Theme.green : Theme.gray
                     fontSize: Theme.caption2
@@ -443,7 +448,7 @@ AbstractButton {
             }
             Text {
                 anchors.verticalCenter: parent.verticalCenter
-                text: "已复制链接"
+                text: qsTr("已复制链接")
                 color: Theme.green
                 font.pixelSize: Theme.caption
             }

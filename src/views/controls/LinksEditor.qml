@@ -34,20 +34,20 @@ ColumnLayout {
     spacing: Theme.spacingMedium
     RowLayout {
         SectionHeader {
-            text: "视频链接"
+            text: qsTr("视频链接")
         }
         Item {
             Layout.fillWidth: true
         }
         TextButton {
             objectName: "pasteButton"
-            text: "粘贴"
+            text: qsTr("粘贴")
             symbol: "doc.on.clipboard"
             onClicked: root.pasteFromClipboard()
         }
         TextButton {
             objectName: "clearButton"
-            text: "清空"
+            text: qsTr("清空")
             symbol: "xmark.circle"
             onClicked: root.clearLinks()
         }
@@ -94,8 +94,8 @@ ColumnLayout {
                     event.accepted = true
                 }
             }
-            Accessible.name: "视频链接"
-            placeholderText: "请输入视频链接，每行一个..."
+            Accessible.name: qsTr("视频链接")
+            placeholderText: qsTr("请输入视频链接，每行一个...")
             placeholderTextColor: Theme.gray
             color: Theme.text
             selectionColor: Theme.accent
@@ -121,6 +121,6 @@ ColumnLayout {
         textFormat: Text.PlainText
     }
     Hint {
-        text: "支持多个链接，每行一个"
+        text: qsTr("支持多个链接，每行一个")
     }
 }

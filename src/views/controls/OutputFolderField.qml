@@ -12,7 +12,7 @@ ColumnLayout {
 
     spacing: Theme.spacingMedium
     SectionHeader {
-        text: "输出目录"
+        text: qsTr("输出目录")
     }
     RowLayout {
         spacing: Theme.spacingMedium
@@ -23,8 +23,8 @@ ColumnLayout {
             Layout.fillWidth: true
             text: AppState.outputDirectory
             onTextEdited: AppState.outputDirectory = text
-            Accessible.name: "输出目录"
-            placeholderText: "选择输出目录..."
+            Accessible.name: qsTr("输出目录")
+            placeholderText: qsTr("选择输出目录...")
             placeholderTextColor: Theme.gray
             color: Theme.text
             padding: Theme.spacing
@@ -37,7 +37,7 @@ ColumnLayout {
         }
         IconButton {
             objectName: "folderButton"
-            Accessible.name: "选择输出目录"
+            Accessible.name: qsTr("选择输出目录")
             implicitWidth: 38
             implicitHeight: 38
             symbol: "folder"

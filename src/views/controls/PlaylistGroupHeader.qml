@@ -25,7 +25,7 @@ Item {
         TextButton {
             objectName: "foldGroupButton"
             symbol: "list.bullet"
-            text: root.folded ? "展开" : "折叠"
+            text: root.folded ? qsTr("展开") : qsTr("折叠")
             tint: Theme.gray
             onClicked: root.filter.toggleFolded(root.section)
         }
@@ -44,11 +44,11 @@ Item {
             text: {
                 if (!root.info)
                     return ""
-                let parts = ["%1 项".arg(root.info.count)]
+                let parts = [qsTr("%n 项", "", root.info.count)]
                 if (root.info.completed > 0)
-                    parts.push("%1 已完成".arg(root.info.completed))
+                    parts.push(qsTr("%1 已完成").arg(root.info.completed))
                 if (root.info.failed > 0)
-                    parts.push("%1 未完成".arg(root.info.failed))
+                    parts.push(qsTr("%1 未完成").arg(root.info.failed))
                 return parts.join(" · ")
             }
             textFormat: Text.PlainText
@@ -59,7 +59,7 @@ Item {
             objectName: "stopGroupButton"
             visible: root.info !== null && root.info.active > 0
             symbol: "stop.circle"
-            text: "全部停止"
+            text: qsTr("全部停止")
             tint: Theme.red
             onClicked: DownloadManager.stopGroup(root.section)
         }
@@ -67,7 +67,7 @@ Item {
             objectName: "retryGroupButton"
             visible: root.info !== null && root.info.failed > 0
             symbol: "arrow.clockwise"
-            text: "全部重试"
+            text: qsTr("全部重试")
             onClicked: DownloadManager.retryGroup(root.section)
         }
     }

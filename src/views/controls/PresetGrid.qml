@@ -11,7 +11,7 @@ ColumnLayout {
 
     spacing: Theme.spacingMedium
     SectionHeader {
-        text: "下载预设"
+        text: qsTr("下载预设")
     }
     GridLayout {
         id: grid

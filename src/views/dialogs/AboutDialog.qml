@@ -10,7 +10,7 @@ Dialog {
     anchors.centerIn: parent
     modal: true
     focus: true
-    title: "关于 Quillbox"
+    title: qsTr("关于 Quillbox")
     standardButtons: Dialog.Ok
     onOpened: aboutContent.forceActiveFocus()
 
@@ -45,7 +45,7 @@ Dialog {
         }
         Text {
             Layout.alignment: Qt.AlignHCenter
-            text: "视频下载管理器"
+            text: qsTr("视频下载管理器")
             color: Theme.gray
             font.pixelSize: Theme.caption
         }

@@ -11,7 +11,7 @@ Dialog {
     id: root
 
     property string message
-    property string confirmText: "确定"
+    property string confirmText: qsTr("确定")
     property bool destructive: true
     // A second answer, beside "取消" and the one that does it; none when empty.
     property string alternativeText
@@ -65,7 +65,7 @@ Dialog {
             spacing: Theme.spacing
             BorderedButton {
                 objectName: "confirmCancelButton"
-                text: "取消"
+                text: qsTr("取消")
                 onClicked: root.reject()
             }
             BorderedButton {

@@ -9,9 +9,9 @@ FileDialog {
 
     signal chosen(string path)
 
-    title: "选择 Cookie 文件"
+    title: qsTr("选择 Cookie 文件")
     fileMode: FileDialog.OpenFile
-    nameFilters: ["Cookie 文件 (*.txt)", "所有文件 (*)"]
+    nameFilters: [qsTr("Cookie 文件 (*.txt)"), qsTr("所有文件 (*)")]
     currentFolder: FileDialogs.startFolder(AppState.cookiePath)
     onVisibleChanged: {
         if (visible)

@@ -9,9 +9,9 @@ FileDialog {
 
     signal chosen(string path)
 
-    title: "选择 yt-dlp 可执行文件"
+    title: qsTr("选择 yt-dlp 可执行文件")
     fileMode: FileDialog.OpenFile
-    nameFilters: ["所有文件 (*)"]
+    nameFilters: [qsTr("所有文件 (*)")]
     currentFolder: FileDialogs.startFolder(DownloadManager.tools.ytDlpPath)
     onVisibleChanged: {
         if (visible)

@@ -37,7 +37,7 @@ Popup {
         anchors.fill: parent
         spacing: Theme.spacing
         Text {
-            text: "选择 yt-dlp 可执行文件"
+            text: qsTr("选择 yt-dlp 可执行文件")
             color: Theme.text
             font.pixelSize: Theme.headline
             font.weight: Font.DemiBold
@@ -61,7 +61,7 @@ Popup {
             BorderedButton {
                 objectName: "manualPickButton"
                 Layout.fillWidth: true
-                text: "📁 手动选择..."
+                text: qsTr("📁 手动选择...")
                 onClicked: executableDialog.open()
             }
         }
@@ -71,7 +71,7 @@ Popup {
         BorderedButton {
             objectName: "pickerCancelButton"
             Layout.alignment: Qt.AlignRight
-            text: "取消"
+            text: qsTr("取消")
             onClicked: root.close()
         }
     }

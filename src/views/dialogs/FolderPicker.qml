@@ -7,8 +7,8 @@ import Quillbox
 FolderDialog {
     id: root
 
-    title: "选择输出目录"
-    acceptLabel: "选择"
+    title: qsTr("选择输出目录")
+    acceptLabel: qsTr("选择")
     currentFolder: FileDialogs.startFolder(AppState.outputDirectory)
     onVisibleChanged: {
         if (visible)

@@ -29,12 +29,12 @@ Rectangle {
     readonly property var columns: [
         { title: "", role: "mark", width: 12 },
         { title: "ID", role: "formatId", width: 64 },
-        { title: "格式", role: "ext", width: 44 },
-        { title: "分辨率", role: "resolution", width: 76 },
-        { title: "帧率", role: "fps", width: 44 },
-        { title: "编码", role: "codecs", width: -1 },
-        { title: "大小", role: "size", width: 84 },
-        { title: "说明", role: "note", width: 80 }
+        { title: qsTr("格式"), role: "ext", width: 44 },
+        { title: qsTr("分辨率"), role: "resolution", width: 76 },
+        { title: qsTr("帧率"), role: "fps", width: 44 },
+        { title: qsTr("编码"), role: "codecs", width: -1 },
+        { title: qsTr("大小"), role: "size", width: 84 },
+        { title: qsTr("说明"), role: "note", width: 80 }
     ]
 
     ColumnLayout {
@@ -42,14 +42,14 @@ Rectangle {
         anchors.margins: Theme.spacingLarge
         spacing: Theme.spacingMedium
         Text {
-            text: "选择格式"
+            text: qsTr("选择格式")
             color: Theme.text
             font.pixelSize: Theme.headline
             font.weight: Font.DemiBold
         }
         Hint {
             Layout.fillWidth: true
-            text: "选择一个视频格式和一个音频格式，或一个音视频合一的格式"
+            text: qsTr("选择一个视频格式和一个音频格式，或一个音视频合一的格式")
         }
         Hint {
             objectName: "outcomeHint"
@@ -153,7 +153,7 @@ Rectangle {
             verticalAlignment: Text.AlignVCenter
             horizontalAlignment: Text.AlignHCenter
             wrapMode: Text.Wrap
-            text: !root.picker ? "" : root.picker.isLoading ? "正在读取格式..." : root.picker.errorText
+            text: !root.picker ? "" : root.picker.isLoading ? qsTr("正在读取格式...") : root.picker.errorText
             textFormat: Text.PlainText
             color: root.picker && root.picker.isLoading ? Theme.gray : Theme.orange
             font.pixelSize: Theme.caption
@@ -177,7 +177,7 @@ Rectangle {
                 implicitHeight: 30
                 enabled: root.arguments.length > 0
                 opacity: enabled ? 1 : 0.5
-                text: "使用所选格式"
+                text: qsTr("使用所选格式")
                 symbol: "checkmark"
                 tint: Theme.text
                 fill: Theme.accent
@@ -186,7 +186,7 @@ Rectangle {
                 onClicked: {
                     const question = root.picker ? root.picker.replaceQuestion() : ""
                     if (question.length > 0)
-                        replaceDialog.open({ message: question, confirmText: "替换", destructive: false })
+                        replaceDialog.open({ message: question, confirmText: qsTr("替换"), destructive: false })
                     else
                         root.apply()
                 }

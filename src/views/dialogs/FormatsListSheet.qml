@@ -46,7 +46,7 @@ Rectangle {
                 anchors.leftMargin: Theme.spacingWide
                 anchors.rightMargin: Theme.spacingLarge
                 Text {
-                    text: "可用格式列表"
+                    text: qsTr("可用格式列表")
                     color: Theme.text
                     font.pixelSize: Theme.title3
                     font.weight: Font.DemiBold
@@ -56,7 +56,7 @@ Rectangle {
                 }
                 TextButton {
                     objectName: "copyButton"
-                    text: root.copied ? "已复制" : "复制"
+                    text: root.copied ? qsTr("已复制") : qsTr("复制")
                     symbol: root.copied ? "checkmark" : "doc.on.doc"
                     tint: root.copied ? Theme.green : Theme.gray
                     onClicked: root.copyToClipboard()

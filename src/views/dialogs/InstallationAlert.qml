@@ -34,7 +34,7 @@ Dialog {
             }
             Text {
                 objectName: "alertTitle"
-                text: "未安装 yt-dlp"
+                text: qsTr("未安装 yt-dlp")
                 color: Theme.text
                 font.pixelSize: Theme.title4
                 font.bold: true
@@ -43,7 +43,7 @@ Dialog {
         Text {
             objectName: "alertText"
             Layout.fillWidth: true
-            text: "yt-dlp 是一个开源视频下载工具。请通过以下方式安装：\n\n• Homebrew: brew install yt-dlp\n• pip: pip install yt-dlp"
+            text: qsTr("yt-dlp 是一个开源视频下载工具。请通过以下方式安装：\n\n• Homebrew: brew install yt-dlp\n• pip: pip install yt-dlp")
             color: Theme.text
             wrapMode: Text.Wrap
             font.pixelSize: Theme.body
@@ -53,12 +53,12 @@ Dialog {
             spacing: Theme.spacingMedium
             Button {
                 objectName: "laterButton"
-                text: "稍后"
+                text: qsTr("稍后")
                 onClicked: root.reject()
             }
             Button {
                 objectName: "installNowButton"
-                text: "安装最新 yt-dlp"
+                text: qsTr("安装最新 yt-dlp")
                 highlighted: true
                 onClicked: {
                     DownloadManager.keeper.installYtDlp()
@@ -68,7 +68,7 @@ Dialog {
             }
             Button {
                 objectName: "openInstructionsButton"
-                text: "打开安装说明"
+                text: qsTr("打开安装说明")
                 onClicked: {
                     Desktop.openUrl(root.installationPage)
                     root.accept()

@@ -9,9 +9,9 @@ FileDialog {
 
     signal chosen(string path)
 
-    title: "从文件导入链接"
+    title: qsTr("从文件导入链接")
     fileMode: FileDialog.OpenFile
-    nameFilters: ["文本文件 (*.txt *.list *.csv *.md)", "所有文件 (*)"]
+    nameFilters: [qsTr("文本文件 (*.txt *.list *.csv *.md)"), qsTr("所有文件 (*)")]
     currentFolder: FileDialogs.startFolder("")
     onVisibleChanged: {
         if (visible)

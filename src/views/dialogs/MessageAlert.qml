@@ -56,7 +56,7 @@ Dialog {
         Button {
             objectName: "alertOkButton"
             Layout.alignment: Qt.AlignRight
-            text: "好"
+            text: qsTr("好")
             highlighted: true
             onClicked: root.accept()
         }

@@ -103,7 +103,7 @@ SheetHost {
 
                     objectName: "playlistFilter"
                     Layout.fillWidth: true
-                    placeholderText: "筛选标题"
+                    placeholderText: qsTr("筛选标题")
                     onTextEdited: root.picker.filterText = text
                 }
                 TextInputField {
@@ -111,13 +111,13 @@ SheetHost {
 
                     objectName: "playlistRange"
                     Layout.preferredWidth: 170
-                    placeholderText: "序号，如 1-20, 25"
+                    placeholderText: qsTr("序号，如 1-20, 25")
                     onAccepted: rangeError.text = root.picker.selectRange(text)
                     onTextEdited: rangeError.text = ""
                 }
                 BorderedButton {
                     objectName: "playlistRangeButton"
-                    text: "按序号选择"
+                    text: qsTr("按序号选择")
                     enabled: rangeField.text.trim().length > 0
                     onClicked: rangeError.text = root.picker.selectRange(rangeField.text)
                 }
@@ -134,17 +134,17 @@ SheetHost {
                 spacing: Theme.spacingSmall
                 TextButton {
                     objectName: "selectAllButton"
-                    text: "全选"
+                    text: qsTr("全选")
                     onClicked: root.picker.selectAll()
                 }
                 TextButton {
                     objectName: "selectNoneButton"
-                    text: "全不选"
+                    text: qsTr("全不选")
                     onClicked: root.picker.selectNone()
                 }
                 TextButton {
                     objectName: "invertSelectionButton"
-                    text: "反选"
+                    text: qsTr("反选")
                     onClicked: root.picker.invertSelection()
                 }
                 Item {
@@ -152,7 +152,7 @@ SheetHost {
                 }
                 Text {
                     objectName: "selectedCount"
-                    text: root.picker ? "已选 %1 / %2 项".arg(root.picker.selectedCount).arg(root.picker.listedCount) : ""
+                    text: root.picker ? qsTr("已选 %1 / %2 项").arg(root.picker.selectedCount).arg(root.picker.listedCount) : ""
                     textFormat: Text.PlainText
                     color: Theme.gray
                     font.pixelSize: Theme.caption
@@ -266,7 +266,7 @@ SheetHost {
                 Text {
                     Layout.fillWidth: true
                     visible: root.picker !== null && root.picker.waitingLinks > 0
-                    text: root.picker ? "之后还有 %1 个链接待检查".arg(root.picker.waitingLinks) : ""
+                    text: root.picker ? qsTr("之后还有 %n 个链接待检查", "", root.picker.waitingLinks) : ""
                     textFormat: Text.PlainText
                     color: Theme.gray
                     font.pixelSize: Theme.caption
@@ -276,7 +276,7 @@ SheetHost {
                 }
                 BorderedButton {
                     objectName: "playlistCancelButton"
-                    text: "取消"
+                    text: qsTr("取消")
                     onClicked: root.picker.cancel()
                 }
                 BorderedButton {
@@ -284,7 +284,7 @@ SheetHost {
                     prominent: true
                     fill: Theme.accent
                     enabled: root.picker !== null && root.picker.selectedCount > 0
-                    text: root.picker ? "下载所选 (%1)".arg(root.picker.selectedCount) : "下载所选"
+                    text: root.picker ? qsTr("下载所选 (%1)").arg(root.picker.selectedCount) : qsTr("下载所选")
                     onClicked: root.picker.confirm()
                 }
             }

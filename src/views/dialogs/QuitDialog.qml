@@ -35,7 +35,7 @@ Dialog {
             Text {
                 objectName: "quitMessage"
                 Layout.fillWidth: true
-                text: "有 " + root.running + " 个下载正在进行，退出将停止它们。"
+                text: qsTr("有 %n 个下载正在进行，退出将停止它们。", "", root.running)
                 textFormat: Text.PlainText
                 color: Theme.text
                 font.pixelSize: Theme.bodyLarge
@@ -47,12 +47,12 @@ Dialog {
             spacing: Theme.spacing
             Button {
                 objectName: "quitCancelButton"
-                text: "取消"
+                text: qsTr("取消")
                 onClicked: root.reject()
             }
             Button {
                 objectName: "quitConfirmButton"
-                text: "退出"
+                text: qsTr("退出")
                 highlighted: true
                 onClicked: {
                     root.accept()

@@ -71,7 +71,7 @@ Rectangle {
             objectName: "redetectButton"
             visible: statusRow.redetect
             symbol: "arrow.clockwise"
-            text: "重新检测"
+            text: qsTr("重新检测")
             onClicked: statusRow.redetectClicked()
         }
     }
@@ -83,7 +83,7 @@ Rectangle {
             Layout.fillWidth: true
             Layout.margins: Theme.spacingWide
             Text {
-                text: "设置"
+                text: qsTr("设置")
                 color: Theme.text
                 font.pixelSize: Theme.title2
                 font.weight: Font.DemiBold
@@ -124,7 +124,7 @@ Rectangle {
                 SettingsGroup {
                     objectName: "ytDlpGroup"
                     Layout.fillWidth: true
-                    title: "yt-dlp 配置"
+                    title: qsTr("yt-dlp 配置")
                     symbol: "terminal"
 
                     StatusRow {
@@ -135,12 +135,12 @@ Rectangle {
                         objectName: "ytDlpStatus"
                         symbol: ytDlpStatus.found ? "checkmark.circle.fill" : "xmark.circle.fill"
                         tint: ytDlpStatus.found ? Theme.green : Theme.red
-                        label: "yt-dlp 状态"
+                        label: qsTr("yt-dlp 状态")
                         labelColor: Theme.text
 
                         Text {
                             objectName: "ytDlpVersionText"
-                            text: ytDlpStatus.found ? "已安装 (v" + DownloadManager.tools.ytDlpVersion + ")" : "未找到"
+                            text: ytDlpStatus.found ? qsTr("已安装 (v%1)").arg(DownloadManager.tools.ytDlpVersion) : qsTr("未找到")
                             textFormat: Text.PlainText
                             color: ytDlpStatus.tint
                             font.pixelSize: Theme.caption
@@ -173,7 +173,7 @@ Rectangle {
                             BorderedButton {
                                 objectName: "cancelInstallButton"
                                 visible: root.keeper.canCancel
-                                text: "取消"
+                                text: qsTr("取消")
                                 onClicked: root.keeper.cancel()
                             }
                         }
@@ -194,7 +194,7 @@ Rectangle {
                         }
                     }
                     Text {
-                        text: "可执行文件路径"
+                        text: qsTr("可执行文件路径")
                         color: Theme.gray
                         font.pixelSize: Theme.caption
                     }
@@ -204,13 +204,13 @@ Rectangle {
                         TextInputField {
                             objectName: "pathField"
                             Layout.fillWidth: true
-                            placeholderText: "输入 yt-dlp 路径"
+                            placeholderText: qsTr("输入 yt-dlp 路径")
                             text: root.customYtDlpPath
                             onTextEdited: root.customYtDlpPath = text
                         }
                         BorderedButton {
                             objectName: "browseYtDlpButton"
-                            text: "浏览..."
+                            text: qsTr("浏览...")
                             onClicked: filePicker.open()
                         }
                         BorderedButton {
@@ -224,8 +224,8 @@ Rectangle {
                     Text {
                         objectName: "autoPathText"
                         Layout.fillWidth: true
-                        text: "自动检测路径: " + DownloadManager.tools.ytDlpPath
-                              + (DownloadManager.tools.isYtDlpPathChosen ? "（使用中，自选路径）" : "（使用中，自动找到）")
+                        text: (DownloadManager.tools.isYtDlpPathChosen ? qsTr("自动检测路径: %1（使用中，自选路径）")
+                                                                   : qsTr("自动检测路径: %1（使用中，自动找到）")).arg(DownloadManager.tools.ytDlpPath)
                         textFormat: Text.PlainText
                         color: Theme.gray
                         font.pixelSize: Theme.caption2
@@ -235,7 +235,7 @@ Rectangle {
                         spacing: Theme.spacingMedium
                         BorderedButton {
                             objectName: "usePathButton"
-                            text: "使用此路径"
+                            text: qsTr("使用此路径")
                             prominent: true
                             fill: Theme.accent
                             enabled: root.customYtDlpPath.length > 0
@@ -243,7 +243,7 @@ Rectangle {
                         }
                         BorderedButton {
                             objectName: "resetPathButton"
-                            text: "重置为自动检测"
+                            text: qsTr("重置为自动检测")
                             onClicked: {
                                 root.customYtDlpPath = ""
                                 presenter.resetToAutoDetect()
@@ -274,7 +274,7 @@ Rectangle {
                     Text {
                         objectName: "storyboardHint"
                         Layout.fillWidth: true
-                        text: "⚠️ 如果下载 YouTube 时只看到图片格式（storyboard），通常是 yt-dlp 版本过旧，需要更新。"
+                        text: qsTr("⚠️ 如果下载 YouTube 时只看到图片格式（storyboard），通常是 yt-dlp 版本过旧，需要更新。")
                         color: Theme.orange
                         font.pixelSize: Theme.caption
                         wrapMode: Text.Wrap
@@ -285,7 +285,7 @@ Rectangle {
                         fill: Theme.blue
                         busy: presenter.isUpdating
                         symbol: "arrow.triangle.2.circlepath"
-                        text: presenter.isUpdating ? "更新中..." : "更新 yt-dlp 到最新版"
+                        text: presenter.isUpdating ? qsTr("更新中...") : qsTr("更新 yt-dlp 到最新版")
                         onClicked: presenter.updateYtDlp()
                     }
                     BorderedButton {
@@ -293,18 +293,18 @@ Rectangle {
                         visible: !DownloadManager.tools.isYtDlpKept
                         enabled: !root.keeper.busy
                         symbol: "arrow.down.circle"
-                        text: "安装最新 yt-dlp"
+                        text: qsTr("安装最新 yt-dlp")
                         onClicked: DownloadManager.keeper.installYtDlp()
                     }
                     ToggleSwitch {
                         objectName: "autoUpdateSwitch"
                         Layout.fillWidth: true
-                        text: "自动更新 yt-dlp"
+                        text: qsTr("自动更新 yt-dlp")
                         checked: DownloadManager.keeper.autoUpdate
                         onToggled: DownloadManager.keeper.autoUpdate = checked
                     }
                     Caption {
-                        text: "每天检查一次新版本；由 Quillbox 安装的 yt-dlp 会在没有下载进行时自动更新。"
+                        text: qsTr("每天检查一次新版本；由 Quillbox 安装的 yt-dlp 会在没有下载进行时自动更新。")
                         font.pixelSize: Theme.caption2
                     }
                 }
@@ -316,14 +316,14 @@ Rectangle {
 
                     objectName: "runtimeGroup"
                     Layout.fillWidth: true
-                    title: "JS 运行时（YouTube EJS）"
+                    title: qsTr("JS 运行时（YouTube EJS）")
                     symbol: "cpu"
 
                     StatusRow {
                         objectName: "runtimeStatus"
                         symbol: runtimeGroup.found ? "checkmark.circle.fill" : "exclamationmark.triangle.fill"
                         tint: runtimeGroup.found ? Theme.green : Theme.orange
-                        label: runtimeGroup.found ? DownloadManager.tools.detectedJSRuntime + " 已就绪" : "未检测到 JS 运行时"
+                        label: runtimeGroup.found ? qsTr("%1 已就绪").arg(DownloadManager.tools.detectedJSRuntime) : qsTr("未检测到 JS 运行时")
                         redetect: true
                         onRedetectClicked: DownloadManager.detectJSRuntime()
                     }
@@ -346,7 +346,7 @@ Rectangle {
                     }
                     Divider {}
                     Caption {
-                        text: "YouTube 下载需要 JS 运行时来解决 n-challenge（EJS）。支持 Deno（推荐）、Node.js（≥20）、Bun。"
+                        text: qsTr("YouTube 下载需要 JS 运行时来解决 n-challenge（EJS）。支持 Deno（推荐）、Node.js（≥20）、Bun。")
                     }
                     RowLayout {
                         objectName: "runtimeInstallRow"
@@ -355,21 +355,21 @@ Rectangle {
                         BorderedButton {
                             objectName: "installDenoButton"
                             symbol: "arrow.up.right.square"
-                            text: "安装 Deno（推荐）"
+                            text: qsTr("安装 Deno（推荐）")
                             prominent: true
                             fill: Theme.purple
                             onClicked: Desktop.openUrl("https://docs.deno.com/runtime/getting_started/installation/")
                         }
                         BorderedButton {
                             objectName: "installNodeButton"
-                            text: "安装 Node.js"
+                            text: qsTr("安装 Node.js")
                             onClicked: Desktop.openUrl("https://nodejs.org/zh-cn/download")
                         }
                     }
                     Caption {
                         objectName: "runtimeBrewHint"
                         visible: !runtimeGroup.found
-                        text: "通过 Homebrew 安装：brew install deno  或  brew install node"
+                        text: qsTr("通过 Homebrew 安装：brew install deno  或  brew install node")
                         font.pixelSize: Theme.caption2
                     }
                 }
@@ -381,14 +381,14 @@ Rectangle {
 
                     objectName: "ffmpegGroup"
                     Layout.fillWidth: true
-                    title: "FFmpeg（音频转码）"
+                    title: qsTr("FFmpeg（音频转码）")
                     symbol: "waveform.path.ecg"
 
                     StatusRow {
                         objectName: "ffmpegStatus"
                         symbol: ffmpegGroup.found ? "checkmark.circle.fill" : "exclamationmark.triangle.fill"
                         tint: ffmpegGroup.found ? Theme.green : Theme.red
-                        label: ffmpegGroup.found ? "FFmpeg 已就绪" : "未检测到 FFmpeg"
+                        label: ffmpegGroup.found ? qsTr("FFmpeg 已就绪") : qsTr("未检测到 FFmpeg")
                         redetect: true
                         onRedetectClicked: DownloadManager.detectFfmpeg()
                     }
@@ -411,13 +411,13 @@ Rectangle {
                     }
                     Divider {}
                     Caption {
-                        text: "下载音频（最佳音质、仅音频）时，yt-dlp 需要 FFmpeg 进行音频提取和转码。"
+                        text: qsTr("下载音频（最佳音质、仅音频）时，yt-dlp 需要 FFmpeg 进行音频提取和转码。")
                     }
                     BorderedButton {
                         objectName: "downloadFfmpegButton"
                         visible: !ffmpegGroup.found
                         symbol: "arrow.up.right.square"
-                        text: "下载 FFmpeg"
+                        text: qsTr("下载 FFmpeg")
                         prominent: true
                         fill: Theme.purple
                         onClicked: Desktop.openUrl("https://ffmpeg.org/download.html")
@@ -427,7 +427,7 @@ Rectangle {
                         visible: !ffmpegGroup.found
                         spacing: 0
                         Text {
-                            text: "推荐通过 Homebrew 安装："
+                            text: qsTr("推荐通过 Homebrew 安装：")
                             color: Theme.secondaryText
                             font.pixelSize: Theme.caption2
                         }
@@ -443,11 +443,11 @@ Rectangle {
                 SettingsGroup {
                     objectName: "downloadGroup"
                     Layout.fillWidth: true
-                    title: "下载设置"
+                    title: qsTr("下载设置")
                     symbol: "folder"
 
                     Text {
-                        text: "默认输出目录"
+                        text: qsTr("默认输出目录")
                         color: Theme.text
                         font.pixelSize: Theme.body
                     }
@@ -457,13 +457,13 @@ Rectangle {
                         TextInputField {
                             objectName: "outputDirField"
                             Layout.fillWidth: true
-                            placeholderText: "选择下载目录"
+                            placeholderText: qsTr("选择下载目录")
                             text: AppState.outputDirectory
                             onTextEdited: AppState.outputDirectory = text
                         }
                         BorderedButton {
                             objectName: "browseOutputButton"
-                            text: "浏览..."
+                            text: qsTr("浏览...")
                             onClicked: folderDialog.open()
                         }
                     }
@@ -472,7 +472,7 @@ Rectangle {
                         spacing: Theme.spacingMedium
                         Text {
                             Layout.fillWidth: true
-                            text: "同时下载数"
+                            text: qsTr("同时下载数")
                             color: Theme.text
                             font.pixelSize: Theme.body
                         }
@@ -490,7 +490,7 @@ Rectangle {
                     ToggleSwitch {
                         objectName: "notifySwitch"
                         Layout.fillWidth: true
-                        text: "完成时通知"
+                        text: qsTr("完成时通知")
                         checked: AppState.notifyOnFinish
                         onToggled: AppState.notifyOnFinish = checked
                     }
@@ -498,7 +498,7 @@ Rectangle {
                     ToggleSwitch {
                         objectName: "resumeSwitch"
                         Layout.fillWidth: true
-                        text: "启动时继续未完成的下载"
+                        text: qsTr("启动时继续未完成的下载")
                         checked: DownloadManager.resumeAtStart
                         onToggled: DownloadManager.resumeAtStart = checked
                     }
@@ -514,7 +514,7 @@ Rectangle {
                 SettingsGroup {
                     objectName: "interfaceGroup"
                     Layout.fillWidth: true
-                    title: "界面"
+                    title: qsTr("界面")
                     symbol: "cpu"
 
                     RowLayout {
@@ -522,7 +522,7 @@ Rectangle {
                         spacing: Theme.spacingMedium
                         Text {
                             Layout.fillWidth: true
-                            text: "界面渲染"
+                            text: qsTr("界面渲染")
                             color: Theme.text
                             font.pixelSize: Theme.body
                         }
@@ -532,20 +532,20 @@ Rectangle {
                             readonly property var choices: [
                                 {
                                     key: "auto",
-                                    label: "自动"
+                                    label: qsTr("自动")
                                 },
                                 {
                                     key: "hardware",
-                                    label: "硬件加速"
+                                    label: qsTr("硬件加速")
                                 },
                                 {
                                     key: "software",
-                                    label: "软件"
+                                    label: qsTr("软件")
                                 }
                             ]
 
                             objectName: "rendererChoice"
-                            Accessible.name: "界面渲染"
+                            Accessible.name: qsTr("界面渲染")
                             Layout.preferredWidth: 140
                             model: choices
                             textRole: "label"
@@ -559,20 +559,57 @@ Rectangle {
                     Caption {
                         objectName: "rendererInUse"
                         readonly property var apiNames: ({
-                                [GraphicsInfo.Software]: "软件",
+                                [GraphicsInfo.Software]: qsTr("软件"),
                                 [GraphicsInfo.OpenGL]: "OpenGL",
                                 [GraphicsInfo.Metal]: "Metal",
                                 [GraphicsInfo.Vulkan]: "Vulkan",
                                 [GraphicsInfo.Direct3D11]: "Direct3D 11"
                             })
 
-                        text: "正在使用：%1（%2）".arg(apiNames[GraphicsInfo.api] ?? "未知").arg(RendererChoice.reason)
+                        text: qsTr("正在使用：%1（%2）").arg(apiNames[GraphicsInfo.api] ?? qsTr("未知")).arg(RendererChoice.reason)
                     }
                     Caption {
                         objectName: "rendererNextStart"
                         visible: RendererChoice.setting !== RendererChoice.settingAtStart
-                        text: "下次启动 Quillbox 时生效"
+                        text: qsTr("下次启动 Quillbox 时生效")
                         color: Theme.orange
+                    }
+                    RowLayout {
+                        Layout.fillWidth: true
+                        Text {
+                            Layout.fillWidth: true
+                            text: qsTr("界面语言")
+                            color: Theme.text
+                            font.pixelSize: Theme.body
+                        }
+                        ChoiceBox {
+                            id: languageChoice
+
+                            // Each language is named in itself.
+                            readonly property var choices: [
+                                {
+                                    key: "system",
+                                    label: qsTr("跟随系统")
+                                },
+                                {
+                                    key: "zh_CN",
+                                    label: "简体中文"
+                                },
+                                {
+                                    key: "en",
+                                    label: "English"
+                                }
+                            ]
+
+                            objectName: "languageChoice"
+                            Accessible.name: qsTr("界面语言")
+                            Layout.preferredWidth: 140
+                            model: choices
+                            textRole: "label"
+                            valueRole: "key"
+                            currentIndex: Math.max(0, choices.findIndex(choice => choice.key === InterfaceLanguage.setting))
+                            onActivated: InterfaceLanguage.setting = languageChoice.currentValue
+                        }
                     }
                 }
 
@@ -581,14 +618,14 @@ Rectangle {
                 SettingsGroup {
                     objectName: "browserGroup"
                     Layout.fillWidth: true
-                    title: "从别处添加链接"
+                    title: qsTr("从别处添加链接")
                     symbol: "arrow.up.right.square"
 
                     RowLayout {
                         Layout.fillWidth: true
                         Text {
                             Layout.fillWidth: true
-                            text: "监视剪贴板"
+                            text: qsTr("监视剪贴板")
                             color: Theme.text
                             font.pixelSize: Theme.body
                         }
@@ -600,12 +637,12 @@ Rectangle {
                     }
                     Caption {
                         text: Desktop.seesBackgroundCopies
-                            ? "复制的文字里有新链接时，下载页上方会提示添加；不会自动开始下载。"
-                            : "复制的文字里有新链接时，下载页上方会提示添加。在 Wayland 下只能看到 Quillbox 在前台时复制的内容。"
+                            ? qsTr("复制的文字里有新链接时，下载页上方会提示添加；不会自动开始下载。")
+                            : qsTr("复制的文字里有新链接时，下载页上方会提示添加。在 Wayland 下只能看到 Quillbox 在前台时复制的内容。")
                     }
 
                     Caption {
-                        text: "复制下面的书签，在浏览器中新建一个书签并把它粘贴为网址；在视频页面点这个书签，页面链接就会加入 Quillbox 的链接框。"
+                        text: qsTr("复制下面的书签，在浏览器中新建一个书签并把它粘贴为网址；在视频页面点这个书签，页面链接就会加入 Quillbox 的链接框。")
                     }
                     RowLayout {
                         Layout.fillWidth: true
@@ -626,7 +663,7 @@ Rectangle {
                             property bool copied: false
 
                             objectName: "copyBookmarkletButton"
-                            text: copied ? "已复制" : "复制书签"
+                            text: copied ? qsTr("已复制") : qsTr("复制书签")
                             symbol: copied ? "checkmark" : "doc.on.doc"
                             onClicked: {
                                 Desktop.setClipboardText(presenter.bookmarklet)

@@ -45,27 +45,27 @@ Rectangle {
             InfoRow {
                 objectName: "durationRow"
                 Layout.fillWidth: true
-                title: "时长"
+                title: qsTr("时长")
                 value: root.videoInfo.durationText
             }
             InfoRow {
                 objectName: "uploaderRow"
                 Layout.fillWidth: true
-                title: "作者"
+                title: qsTr("作者")
                 value: root.videoInfo.uploaderText
             }
             InfoRow {
                 objectName: "viewCountRow"
                 Layout.fillWidth: true
                 visible: root.videoInfo.viewCountText.length > 0
-                title: "播放量"
+                title: qsTr("播放量")
                 value: root.videoInfo.viewCountText
             }
             InfoRow {
                 objectName: "likeCountRow"
                 Layout.fillWidth: true
                 visible: root.videoInfo.likeCountText.length > 0
-                title: "点赞数"
+                title: qsTr("点赞数")
                 value: root.videoInfo.likeCountText
             }
         }
@@ -79,7 +79,7 @@ Rectangle {
             Layout.alignment: Qt.AlignRight
             implicitWidth: 72
             implicitHeight: 30
-            text: "关闭"
+            text: qsTr("关闭")
             tint: Theme.text
             fill: Theme.border
             cornerRadius: Theme.radiusSmall

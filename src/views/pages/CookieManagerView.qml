@@ -83,14 +83,14 @@ Rectangle {
                 Layout.bottomMargin: 0
                 spacing: Theme.spacingTiny
                 Text {
-                    text: "Cookie 管理"
+                    text: qsTr("Cookie 管理")
                     color: Theme.text
                     font.pixelSize: Theme.title2
                     font.weight: Font.Bold
                 }
                 Text {
                     Layout.fillWidth: true
-                    text: "需要登录的视频（会员、年龄限制、“确认你不是机器人”）要用已登录浏览器的 Cookie 下载。"
+                    text: qsTr("需要登录的视频（会员、年龄限制、“确认你不是机器人”）要用已登录浏览器的 Cookie 下载。")
                     color: Theme.gray
                     font.pixelSize: Theme.caption
                     wrapMode: Text.Wrap
@@ -101,7 +101,7 @@ Rectangle {
                 Layout.fillWidth: true
                 Layout.leftMargin: Theme.spacingPage
                 Layout.rightMargin: Theme.spacingPage
-                title: "下载使用的 Cookie"
+                title: qsTr("下载使用的 Cookie")
                 symbol: "key.fill"
 
                 ButtonGroup {
@@ -110,7 +110,7 @@ Rectangle {
                 SourceOption {
                     objectName: "sourceNone"
                     source: "none"
-                    text: "不使用"
+                    text: qsTr("不使用")
                     ButtonGroup.group: sources
                     onClicked: AppState.cookieSource = "none"
                 }
@@ -120,7 +120,7 @@ Rectangle {
                     SourceOption {
                         objectName: "sourceBrowser"
                         source: "browser"
-                        text: "从浏览器读取"
+                        text: qsTr("从浏览器读取")
                         ButtonGroup.group: sources
                         onClicked: AppState.cookieSource = browserChoice.currentValue
                     }
@@ -157,20 +157,20 @@ Rectangle {
                     SourceOption {
                         objectName: "sourceFile"
                         source: "file"
-                        text: "使用 Cookie 文件"
+                        text: qsTr("使用 Cookie 文件")
                         ButtonGroup.group: sources
                         onClicked: AppState.cookieSource = "file"
                     }
                     TextInputField {
                         objectName: "cookieFileField"
                         Layout.fillWidth: true
-                        placeholderText: "Netscape 格式的 cookies.txt"
+                        placeholderText: qsTr("Netscape 格式的 cookies.txt")
                         text: AppState.cookiePath
                         onEditingFinished: AppState.cookiePath = text
                     }
                     BorderedButton {
                         objectName: "browseCookieFileButton"
-                        text: "浏览..."
+                        text: qsTr("浏览...")
                         onClicked: fileDialog.open()
                     }
                 }
@@ -178,7 +178,7 @@ Rectangle {
                     objectName: "switchOffHint"
                     Layout.fillWidth: true
                     visible: !AppState.useCookies
-                    text: "输入面板的“Cookie”开关已关闭：下载暂不使用 Cookie。"
+                    text: qsTr("输入面板的“Cookie”开关已关闭：下载暂不使用 Cookie。")
                     color: Theme.orange
                     font.pixelSize: Theme.caption
                     wrapMode: Text.Wrap
@@ -191,11 +191,11 @@ Rectangle {
                         symbol: "checkmark.circle"
                         busy: presenter.checking
                         enabled: !presenter.checking && AppState.cookieSource !== "none"
-                        text: presenter.checking ? "正在检查..." : "检查 Cookie"
+                        text: presenter.checking ? qsTr("正在检查...") : qsTr("检查 Cookie")
                         onClicked: presenter.checkCookies()
                     }
                     Text {
-                        text: "登录网站"
+                        text: qsTr("登录网站")
                         color: Theme.gray
                         font.pixelSize: Theme.caption
                     }
@@ -217,7 +217,7 @@ Rectangle {
                 Hint {
                     Layout.fillWidth: true
                     visible: AppState.cookieSource !== "none"
-                    text: "让 yt-dlp 读取所选的 Cookie，不下载、不联网，看看它读到了什么。"
+                    text: qsTr("让 yt-dlp 读取所选的 Cookie，不下载、不联网，看看它读到了什么。")
                 }
                 TextEdit {
                     objectName: "checkResult"
@@ -237,12 +237,12 @@ Rectangle {
                 Layout.fillWidth: true
                 Layout.leftMargin: Theme.spacingPage
                 Layout.rightMargin: Theme.spacingPage
-                title: "导出 Chrome Cookie"
+                title: qsTr("导出 Chrome Cookie")
                 symbol: "arrow.down.to.line"
 
                 Text {
                     Layout.fillWidth: true
-                    text: "把 Chrome（或 Chromium）保存的 Cookie 导出为 Cookie 文件，只有你自己能读取。"
+                    text: qsTr("把 Chrome（或 Chromium）保存的 Cookie 导出为 Cookie 文件，只有你自己能读取。")
                     color: Theme.gray
                     font.pixelSize: Theme.caption
                     wrapMode: Text.Wrap
@@ -255,19 +255,19 @@ Rectangle {
                         fill: Theme.blue
                         busy: CookieService.isExtracting
                         enabled: !CookieService.isExtracting
-                        text: CookieService.isExtracting ? "正在导出..." : "导出 Chrome Cookie"
+                        text: CookieService.isExtracting ? qsTr("正在导出...") : qsTr("导出 Chrome Cookie")
                         onClicked: CookieService.exportChromeCookies()
                     }
                     BorderedButton {
                         objectName: "useExportButton"
                         visible: CookieService.extractedCookiesPath.length > 0 && !CookieService.isExtracting
-                        text: "用于下载"
+                        text: qsTr("用于下载")
                         onClicked: presenter.useExportedFile()
                     }
                     BorderedButton {
                         objectName: "cookieHelpButton"
                         symbol: "arrow.up.right.square"
-                        text: "如何获取 Cookie"
+                        text: qsTr("如何获取 Cookie")
                         onClicked: root.openChromeCookiesHelp()
                     }
                 }
@@ -301,7 +301,7 @@ Rectangle {
                 Layout.leftMargin: Theme.spacingPage
                 Layout.rightMargin: Theme.spacingPage
                 Layout.bottomMargin: Theme.spacingPage
-                title: "当前 Cookie 文件"
+                title: qsTr("当前 Cookie 文件")
                 symbol: "list.bullet"
 
                 RowLayout {
@@ -310,7 +310,7 @@ Rectangle {
                     Text {
                         objectName: "currentFile"
                         Layout.fillWidth: true
-                        text: AppState.cookiePath.length > 0 ? AppState.cookiePath : "未选择 Cookie 文件"
+                        text: AppState.cookiePath.length > 0 ? AppState.cookiePath : qsTr("未选择 Cookie 文件")
                         textFormat: Text.PlainText
                         color: AppState.cookiePath.length > 0 ? Theme.text : Theme.gray
                         font.pixelSize: Theme.caption
@@ -319,7 +319,7 @@ Rectangle {
                     BorderedButton {
                         objectName: "rereadButton"
                         symbol: "arrow.clockwise"
-                        text: "重新读取"
+                        text: qsTr("重新读取")
                         onClicked: presenter.refresh()
                     }
                 }
@@ -336,7 +336,7 @@ Rectangle {
                     objectName: "expiredSummary"
                     Layout.fillWidth: true
                     visible: presenter.expiredCount > 0
-                    text: presenter.expiredCount + " 个网站的 Cookie 已过期，请重新登录后再导出。"
+                    text: qsTr("%n 个网站的 Cookie 已过期，请重新登录后再导出。", "", presenter.expiredCount)
                     textFormat: Text.PlainText
                     color: Theme.orange
                     font.pixelSize: Theme.caption
@@ -385,7 +385,7 @@ Rectangle {
                                 id: badgeText
 
                                 anchors.centerIn: parent
-                                text: "已过期"
+                                text: qsTr("已过期")
                                 color: Theme.text
                                 font.pixelSize: Theme.caption2
                             }

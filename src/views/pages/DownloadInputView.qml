@@ -41,26 +41,26 @@ Rectangle {
                                                         picker: inputPresenter.formatPicker,
                                                         shown: true
                                                     })
-        onFormatsFailed: description => errorAlert.open({ heading: "错误", message: description })
+        onFormatsFailed: description => errorAlert.open({ heading: qsTr("错误"), message: description })
         onQueued: count => {
-            queuedNotice.text = "已加入 %1 个下载".arg(count)
+            queuedNotice.text = qsTr("已加入 %n 个下载", "", count)
             queuedNotice.shown = true
             queuedNoticeTimer.restart()
         }
         onPlaylistQuestionAsked: count => {
-            const message = count === 1 ? "这个视频链接还带有一个播放列表。"
-                                        : "这 %1 个视频链接还带有播放列表。".arg(count)
+            const message = count === 1 ? qsTr("这个视频链接还带有一个播放列表。")
+                                        : qsTr("这 %1 个视频链接还带有播放列表。").arg(count)
             playlistQuestion.open({
                                       message: message,
-                                      confirmText: "只下载这个视频",
-                                      alternativeText: "下载整个列表",
+                                      confirmText: qsTr("只下载这个视频"),
+                                      alternativeText: qsTr("下载整个列表"),
                                       destructive: false
                                   })
         }
         onRepeatAsked: count => {
-            const message = count === 1 ? "这个链接已在队列中，要再加入一次吗？"
-                                        : "这 %1 个链接都已在队列中，要再加入一次吗？".arg(count)
-            repeatDialog.open({ message: message, confirmText: "再次加入", destructive: false })
+            const message = count === 1 ? qsTr("这个链接已在队列中，要再加入一次吗？")
+                                        : qsTr("这 %1 个链接都已在队列中，要再加入一次吗？").arg(count)
+            repeatDialog.open({ message: message, confirmText: qsTr("再次加入"), destructive: false })
         }
     }
 
@@ -141,7 +141,7 @@ Rectangle {
                 anchors.margins: Theme.spacingPage
                 spacing: Theme.spacingSection
                 Text {
-                    text: "添加下载任务"
+                    text: qsTr("添加下载任务")
                     color: Theme.text
                     font.pixelSize: Theme.title2
                     font.weight: Font.DemiBold
@@ -175,7 +175,7 @@ Rectangle {
                         }
                         Text {
                             Layout.fillWidth: true
-                            text: "剪贴板中有 %1 个新链接".arg(clipboard.offered.length)
+                            text: qsTr("剪贴板中有 %n 个新链接", "", clipboard.offered.length)
                             textFormat: Text.PlainText
                             color: Theme.text
                             font.pixelSize: Theme.caption
@@ -183,13 +183,13 @@ Rectangle {
                         }
                         TextButton {
                             objectName: "clipboardAddButton"
-                            text: "添加 %1 个链接".arg(clipboard.offered.length)
+                            text: qsTr("添加 %n 个链接", "", clipboard.offered.length)
                             tint: Theme.accent
                             onClicked: clipboard.add()
                         }
                         TextButton {
                             objectName: "clipboardIgnoreButton"
-                            text: "忽略"
+                            text: qsTr("忽略")
                             onClicked: clipboard.ignore()
                         }
                     }
@@ -223,7 +223,7 @@ Rectangle {
 
                         spacing: Theme.spacingMedium
                         SectionHeader {
-                            text: "自定义参数"
+                            text: qsTr("自定义参数")
                         }
                         TextField {
                             id: customField
@@ -252,7 +252,7 @@ Rectangle {
                             text: customColumn.error
                         }
                         Hint {
-                            text: "输入 yt-dlp 的自定义参数，使用空格分隔"
+                            text: qsTr("输入 yt-dlp 的自定义参数，使用空格分隔")
                         }
                     }
                 }
@@ -268,7 +268,7 @@ Rectangle {
                     spacing: Theme.spacingHuge
                     ToggleSwitch {
                         objectName: "playlistSwitch"
-                        text: "播放列表"
+                        text: qsTr("播放列表")
                         symbol: "list.bullet.rectangle"
                         checked: AppState.downloadPlaylist
                         onToggled: AppState.downloadPlaylist = checked
@@ -299,7 +299,7 @@ Rectangle {
                             Layout.fillWidth: true
                             implicitHeight: 42
                             enabled: !inputPresenter.isListingFormats
-                            text: "查看可用格式"
+                            text: qsTr("查看可用格式")
                             symbol: "list.bullet.rectangle.portrait"
                             tint: Theme.text
                             fill: Theme.border
@@ -330,7 +330,7 @@ Rectangle {
                             Layout.fillWidth: true
                             implicitHeight: 42
                             enabled: root.videoInfoPresenter !== null && !root.isFetchingVideoInfo
-                            text: "视频信息"
+                            text: qsTr("视频信息")
                             symbol: "info.circle"
                             tint: Theme.text
                             fill: Theme.border
@@ -427,7 +427,7 @@ Rectangle {
                 objectName: "startButton"
                 Layout.fillWidth: true
                 implicitHeight: 46
-                text: "开始下载"
+                text: qsTr("开始下载")
                 symbol: "arrow.down.circle.fill"
                 tint: Theme.text
                 fill: Theme.accent
@@ -458,7 +458,7 @@ Rectangle {
                 }
                 TextButton {
                     objectName: "listingCancelButton"
-                    text: "取消"
+                    text: qsTr("取消")
                     onClicked: inputPresenter.playlistPicker.cancel()
                 }
             }

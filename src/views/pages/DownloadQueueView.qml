@@ -40,7 +40,7 @@ Rectangle {
             Layout.margins: Theme.spacingWide
             Layout.bottomMargin: Theme.spacingTiny
             Text {
-                text: "下载队列"
+                text: qsTr("下载队列")
                 color: Theme.text
                 font.pixelSize: Theme.title2
                 font.weight: Font.DemiBold
@@ -51,7 +51,7 @@ Rectangle {
             TextButton {
                 objectName: "clearCompletedButton"
                 visible: DownloadManager.tasks.completedCount > 0
-                text: "清除已完成"
+                text: qsTr("清除已完成")
                 symbol: "trash"
                 fontSize: Theme.caption
                 onClicked: DownloadManager.clearCompleted()
@@ -63,10 +63,10 @@ Rectangle {
                 tint: Theme.red
                 fill: "transparent"
                 iconSize: Theme.title2
-                Accessible.name: "全部停止"
+                Accessible.name: qsTr("全部停止")
                 ToolTip.visible: hovered
                 ToolTip.delay: 500
-                ToolTip.text: "全部停止"
+                ToolTip.text: qsTr("全部停止")
                 onClicked: DownloadManager.cancelAllDownloads()
             }
         }
@@ -79,7 +79,7 @@ Rectangle {
             Layout.rightMargin: Theme.spacingWide
             Layout.topMargin: Theme.spacingSmall
             visible: DownloadManager.tasks.count > 0
-            placeholderText: "查找：标题、链接或状态"
+            placeholderText: qsTr("查找：标题、链接或状态")
             onTextChanged: shown.text = text
         }
 
@@ -100,13 +100,13 @@ Rectangle {
                 }
                 Text {
                     anchors.horizontalCenter: parent.horizontalCenter
-                    text: "暂无下载任务"
+                    text: qsTr("暂无下载任务")
                     color: Theme.gray
                     font.pixelSize: Theme.bodyLarge
                 }
                 Text {
                     anchors.horizontalCenter: parent.horizontalCenter
-                    text: "在上方输入视频链接开始下载"
+                    text: qsTr("在上方输入视频链接开始下载")
                     color: Theme.grayDim
                     font.pixelSize: Theme.caption
                 }
@@ -116,7 +116,7 @@ Rectangle {
                 objectName: "noMatch"
                 anchors.centerIn: parent
                 visible: DownloadManager.tasks.count > 0 && shown.count === 0
-                text: "没有找到匹配的任务"
+                text: qsTr("没有找到匹配的任务")
                 color: Theme.gray
                 font.pixelSize: Theme.bodyLarge
             }

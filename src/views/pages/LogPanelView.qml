@@ -77,14 +77,14 @@ Rectangle {
                 size: Theme.headline
             }
             Text {
-                text: "下载日志"
+                text: qsTr("下载日志")
                 color: Theme.text
                 font.pixelSize: Theme.bodyLarge
                 font.bold: true
             }
             Text {
                 objectName: "logCount"
-                text: AppState.logEntries.count + " 条"
+                text: qsTr("%n 条", "", AppState.logEntries.count)
                 textFormat: Text.PlainText
                 color: Theme.gray
                 font.pixelSize: Theme.caption2
@@ -142,7 +142,7 @@ Rectangle {
 
             ToggleSwitch {
                 objectName: "autoScrollSwitch"
-                text: "自动滚动"
+                text: qsTr("自动滚动")
                 checked: root.autoScroll
                 onToggled: root.autoScroll = checked
             }
@@ -154,7 +154,7 @@ Rectangle {
                 padding: Theme.spacingSmall
                 leftPadding: Theme.spacing
                 rightPadding: Theme.spacing
-                text: "最新"
+                text: qsTr("最新")
                 symbol: "arrow.down.to.line"
                 tint: Theme.text
                 fill: Theme.border

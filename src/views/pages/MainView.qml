@@ -45,7 +45,7 @@ Item {
             root.videoInfo = info
             root.showVideoInfo = true
         }
-        onFailed: description => videoInfoAlert.open({ heading: "错误", message: description })
+        onFailed: description => videoInfoAlert.open({ heading: qsTr("错误"), message: description })
     }
 
     Connections {

@@ -15,7 +15,7 @@ Rectangle {
 
     function askRemoval(row: int, name: string) {
         root.removalRow = row
-        removeDialog.open({ message: "删除预设“" + name + "”？删除后无法恢复。" })
+        removeDialog.open({ message: qsTr("删除预设“%1”？删除后无法恢复。").arg(name) })
     }
 
     color: Theme.background
@@ -71,29 +71,29 @@ Rectangle {
                 Layout.topMargin: Theme.spacingPage
                 spacing: Theme.spacingTiny
                 Text {
-                    text: "参数预设"
+                    text: qsTr("参数预设")
                     color: Theme.text
                     font.pixelSize: Theme.title2
                     font.weight: Font.Bold
                 }
                 Caption {
-                    text: "把常用的 yt-dlp 参数存为自己的预设。选用后，下载页切换到“自定义”并填入这些参数。"
+                    text: qsTr("把常用的 yt-dlp 参数存为自己的预设。选用后，下载页切换到“自定义”并填入这些参数。")
                 }
             }
 
             SettingsGroup {
                 Layout.fillWidth: true
-                title: "我的预设"
+                title: qsTr("我的预设")
                 symbol: "slider.horizontal.3"
 
                 Caption {
                     objectName: "savedEmpty"
                     visible: saved.loaded && savedList.count === 0
-                    text: "还没有自己的预设，在下面新建一个。"
+                    text: qsTr("还没有自己的预设，在下面新建一个。")
                 }
                 Caption {
                     visible: !saved.loaded
-                    text: "正在读取..."
+                    text: qsTr("正在读取...")
                 }
 
                 Repeater {
@@ -161,7 +161,7 @@ Rectangle {
                                     objectName: "savedOptions"
                                     Layout.fillWidth: true
                                     visible: savedRow.options.length > 0
-                                    text: "下载选项：" + savedRow.options
+                                    text: qsTr("下载选项：%1").arg(savedRow.options)
                                     wrapMode: Text.Wrap
                                 }
                             }
@@ -170,20 +170,20 @@ Rectangle {
                                 prominent: true
                                 fill: Theme.accent
                                 symbol: "checkmark"
-                                text: "选用"
+                                text: qsTr("选用")
                                 onClicked: saved.choose(savedRow.index)
                             }
                             BorderedButton {
                                 objectName: "editButton"
                                 enabled: !savedRow.saving
-                                text: "编辑"
+                                text: qsTr("编辑")
                                 onClicked: savedRow.startEditing()
                             }
                             BorderedButton {
                                 objectName: "removeButton"
                                 enabled: !savedRow.saving
                                 symbol: "trash"
-                                text: "删除"
+                                text: qsTr("删除")
                                 onClicked: root.askRemoval(savedRow.index, savedRow.name)
                             }
                         }
@@ -194,7 +194,7 @@ Rectangle {
                             columnSpacing: Theme.spacing
                             rowSpacing: Theme.spacingMedium
                             Text {
-                                text: "名称"
+                                text: qsTr("名称")
                                 color: Theme.gray
                                 font.pixelSize: Theme.caption
                             }
@@ -207,7 +207,7 @@ Rectangle {
                                 onAccepted: savedRow.finishEditing()
                             }
                             Text {
-                                text: "参数"
+                                text: qsTr("参数")
                                 color: Theme.gray
                                 font.pixelSize: Theme.caption
                             }
@@ -229,12 +229,12 @@ Rectangle {
                                     objectName: "saveEditButton"
                                     prominent: true
                                     fill: Theme.blue
-                                    text: "保存"
+                                    text: qsTr("保存")
                                     onClicked: savedRow.finishEditing()
                                 }
                                 BorderedButton {
                                     objectName: "cancelEditButton"
-                                    text: "取消"
+                                    text: qsTr("取消")
                                     onClicked: savedRow.editing = false
                                 }
                                 Problem {
@@ -255,7 +255,7 @@ Rectangle {
 
             SettingsGroup {
                 Layout.fillWidth: true
-                title: "新建预设"
+                title: qsTr("新建预设")
                 symbol: "doc.on.doc"
 
                 GridLayout {
@@ -264,7 +264,7 @@ Rectangle {
                     columnSpacing: Theme.spacing
                     rowSpacing: Theme.spacingMedium
                     Text {
-                        text: "名称"
+                        text: qsTr("名称")
                         color: Theme.gray
                         font.pixelSize: Theme.caption
                     }
@@ -273,11 +273,11 @@ Rectangle {
 
                         objectName: "newNameField"
                         Layout.fillWidth: true
-                        placeholderText: "例如：1080p 带字幕"
+                        placeholderText: qsTr("例如：1080p 带字幕")
                         onAccepted: addButton.clicked()
                     }
                     Text {
-                        text: "参数"
+                        text: qsTr("参数")
                         color: Theme.gray
                         font.pixelSize: Theme.caption
                     }
@@ -295,7 +295,7 @@ Rectangle {
                     objectName: "newPresetOptions"
                     Layout.fillWidth: true
                     visible: !formOptions.isDefault
-                    text: "同时保存当前的下载选项：" + formOptions.summary
+                    text: qsTr("同时保存当前的下载选项：%1").arg(formOptions.summary)
                     wrapMode: Text.Wrap
                 }
                 RowLayout {
@@ -308,7 +308,7 @@ Rectangle {
                         prominent: true
                         fill: Theme.blue
                         enabled: saved.loaded
-                        text: "添加预设"
+                        text: qsTr("添加预设")
                         onClicked: {
                             addProblem.text = saved.add(newName.text, newArguments.text)
                             if (addProblem.text.length > 0)
@@ -328,11 +328,11 @@ Rectangle {
             SettingsGroup {
                 Layout.fillWidth: true
                 Layout.bottomMargin: Theme.spacingPage
-                title: "内置预设"
+                title: qsTr("内置预设")
                 symbol: "list.bullet.rectangle"
 
                 Caption {
-                    text: "内置预设不能修改，在下载页直接选用。"
+                    text: qsTr("内置预设不能修改，在下载页直接选用。")
                 }
 
                 Repeater {
@@ -387,8 +387,8 @@ Rectangle {
                                     visible: builtInRow.arguments.length === 0
                                     font.italic: true
                                     text: builtInRow.preset === Download.Custom
-                                          ? "参数：下载页“自定义参数”中填写的内容"
-                                          : "参数：无，由 yt-dlp 自行选择"
+                                          ? qsTr("参数：下载页“自定义参数”中填写的内容")
+                                          : qsTr("参数：无，由 yt-dlp 自行选择")
                                 }
                             }
                         }

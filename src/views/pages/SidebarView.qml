@@ -41,7 +41,7 @@ Rectangle {
             }
             Text {
                 anchors.horizontalCenter: parent.horizontalCenter
-                text: "视频下载管理器"
+                text: qsTr("视频下载管理器")
                 color: Theme.gray
                 font.pixelSize: Theme.caption
             }
@@ -57,7 +57,7 @@ Rectangle {
                 objectName: "totalCard"
                 Layout.fillWidth: true
                 Layout.preferredWidth: 1
-                title: "总任务"
+                title: qsTr("总任务")
                 value: String(DownloadManager.tasks.count)
                 symbol: "list.bullet"
                 tint: Theme.blue
@@ -66,7 +66,7 @@ Rectangle {
                 objectName: "completedCard"
                 Layout.fillWidth: true
                 Layout.preferredWidth: 1
-                title: "完成"
+                title: qsTr("完成")
                 value: String(DownloadManager.tasks.completedCount)
                 symbol: "checkmark.circle"
                 tint: Theme.green
@@ -81,9 +81,9 @@ Rectangle {
             spacing: Theme.spacingTiny
             Repeater {
                 model: [
-                    { title: "下载管理", symbol: "arrow.down.circle" },
-                    { title: "参数预设", symbol: "slider.horizontal.3" },
-                    { title: "Cookie 管理", symbol: "key.fill" }
+                    { title: qsTr("下载管理"), symbol: "arrow.down.circle" },
+                    { title: qsTr("参数预设"), symbol: "slider.horizontal.3" },
+                    { title: qsTr("Cookie 管理"), symbol: "key.fill" }
                 ]
 
                 SidebarMenuItem {
@@ -114,7 +114,7 @@ Rectangle {
             rightPadding: Theme.spacingPage
             leading: true
             spacing: Theme.spacing
-            text: "下载日志"
+            text: qsTr("下载日志")
             symbol: AppState.showLogPanel ? "terminal.fill" : "terminal"
             tint: AppState.showLogPanel ? Theme.accent : Theme.gray
             fontSize: Theme.bodyLarge
@@ -152,7 +152,7 @@ Rectangle {
             rightPadding: Theme.spacingPage
             leading: true
             spacing: Theme.spacing
-            text: "设置"
+            text: qsTr("设置")
             symbol: "gearshape"
             fontSize: Theme.bodyLarge
             iconSize: Theme.title4

@@ -61,7 +61,8 @@ void ClipboardWatcher::look()
 void ClipboardWatcher::add()
 {
     if (m_state && !m_offered.isEmpty())
-        m_state->receiveLinks(m_offered, u"剪贴板"_s);
+        //: Where links came from, in "从%1收到 %n 个链接"
+        m_state->receiveLinks(m_offered, tr("剪贴板"));
     setOffered({});
 }
 

@@ -7,6 +7,7 @@
 #include "engine/downloadmanager.h"
 #include "engine/tooltext.h"
 #include "model/appstate.h"
+#include "model/languagechange.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -22,16 +23,14 @@ QString dateText(const QDateTime &when)
 
 QString describeHost(const CookieDomainSummary &host)
 {
-    const QString count = u"%1 个 Cookie"_s.arg(host.count);
+    const int count = int(host.count);
     if (host.expired())
-        return count + u"，已于 "_s + dateText(host.latestExpiry) + u" 过期"_s;
-    QString text = count;
-    if (host.latestExpiry.isValid())
-        text += u"，有效期至 "_s + dateText(host.latestExpiry);
-    else
-        text += u"，会话 Cookie"_s;
+        return CookiePagePresenter::tr("%n 个 Cookie，已于 %1 过期", nullptr, count).arg(dateText(host.latestExpiry));
+    QString text = host.latestExpiry.isValid()
+        ? CookiePagePresenter::tr("%n 个 Cookie，有效期至 %1", nullptr, count).arg(dateText(host.latestExpiry))
+        : CookiePagePresenter::tr("%n 个 Cookie，会话 Cookie", nullptr, count);
     if (host.expiredCount > 0)
-        text += u"（其中 %1 个已过期）"_s.arg(host.expiredCount);
+        text += CookiePagePresenter::tr("（其中 %n 个已过期）", nullptr, int(host.expiredCount));
     return text;
 }
 
@@ -52,6 +51,14 @@ CookiePagePresenter::CookiePagePresenter(QObject *parent)
     connect(m_state, &AppState::cookieSourceChanged, this, &CookiePagePresenter::forgetCheck);
     connect(m_service, &CookieService::exportFinished, this, &CookiePagePresenter::describeExport);
     refresh();
+    // Every text of the page is made here: made again in the new language.
+    onLanguageChange(this, [this] {
+        refresh();
+        Q_EMIT checkSitesChanged();
+        describeCheck();
+        if (!m_exportSummary.isEmpty())
+            describeExport(true);
+    });
 }
 
 void CookiePagePresenter::refresh()
@@ -89,20 +96,22 @@ void CookiePagePresenter::readBrowsers()
     // chosen rather than leaving the browser out.
     QStringList cookieless;
     for (const CookieBrowser &browser : cookielessBrowsers(m_home)) {
-        browsers.append(entry(browser.name, browser.label + u"（没有 Cookie）"_s, false));
+        browsers.append(entry(browser.name, tr("%1（没有 Cookie）").arg(browser.label), false));
         cookieless << browser.label;
         chosenListed = chosenListed || browser.name == chosen;
     }
     // A browser chosen before stays visible, said to be missing, so the choice is not silently lost.
     if (!chosenListed)
-        browsers.prepend(entry(chosen, cookieBrowserLabel(chosen) + u"（未找到）"_s, false));
+        browsers.prepend(entry(chosen, tr("%1（未找到）").arg(cookieBrowserLabel(chosen)), false));
     if (browsers.isEmpty()) {
         const QString fallback = QString::fromLatin1(CookieSourceNames::DefaultBrowser);
-        browsers.append(entry(fallback, cookieBrowserLabel(fallback) + u"（未找到）"_s, false));
+        browsers.append(entry(fallback, tr("%1（未找到）").arg(cookieBrowserLabel(fallback)), false));
     }
+    //: Between the items of a list, as "、" is in Chinese: "Chrome、Firefox"
+    const QString separator = tr("、");
     const QString note = cookieless.isEmpty()
         ? QString()
-        : u"%1 已安装，但还没有 Cookie：先在浏览器中登录要下载的网站，再回来选择。"_s.arg(cookieless.join(u"、"_s));
+        : tr("%1 已安装，但还没有 Cookie：先在浏览器中登录要下载的网站，再回来选择。").arg(cookieless.join(separator));
     if (browsers != m_browsers || note != m_browserNote) {
         m_browsers = browsers;
         m_browserNote = note;
@@ -120,9 +129,9 @@ void CookiePagePresenter::readCookieFile()
         QString error;
         const QList<CookieDomainSummary> hosts = summarizeCookieFile(path, QDateTime::currentDateTime(), &error);
         if (!QFileInfo(path).isFile())
-            m_fileProblem = u"找不到这个文件"_s;
+            m_fileProblem = tr("找不到这个文件");
         else if (hosts.isEmpty())
-            m_fileProblem = u"读不出 Cookie："_s + error;
+            m_fileProblem = tr("读不出 Cookie：%1").arg(error);
         for (const CookieDomainSummary &host : hosts) {
             m_domains.append(QVariantMap {
                 { u"domain"_s, host.domain }, { u"detail"_s, describeHost(host) }, { u"expired"_s, host.expired() } });
@@ -138,13 +147,18 @@ void CookiePagePresenter::describeExport(bool ok)
     QString summary;
     if (ok) {
         const QStringList domains = m_service->lastDomains();
-        summary = u"已导出 %1 个 Cookie，来自 %2 个网站"_s.arg(m_service->lastCookieCount()).arg(domains.size());
+        //: %1 is "%n 个 Cookie", %2 is "%n 个网站"
+        summary = tr("已导出 %1，来自 %2")
+                      .arg(tr("%n 个 Cookie", nullptr, int(m_service->lastCookieCount())),
+                          tr("%n 个网站", nullptr, int(domains.size())));
         if (m_service->lastUndecryptable() > 0)
-            summary += u"；%1 个加密的 Cookie 无法解密，已跳过"_s.arg(m_service->lastUndecryptable());
+            summary += tr("；%n 个加密的 Cookie 无法解密，已跳过", nullptr, int(m_service->lastUndecryptable()));
         constexpr int Shown = 12;
-        summary += u"\n"_s + domains.mid(0, Shown).join(u"、"_s);
-        if (domains.size() > Shown)
-            summary += u" 等"_s;
+        //: Between the items of a list, as "、" is in Chinese: "youtube.com、bilibili.com"
+        const QString separator = tr("、");
+        const QString shown = domains.mid(0, Shown).join(separator);
+        //: After a list that goes on: "a、b、c 等"
+        summary += u"\n"_s + (domains.size() > Shown ? tr("%1 等").arg(shown) : shown);
     }
     if (summary != m_exportSummary) {
         m_exportSummary = summary;

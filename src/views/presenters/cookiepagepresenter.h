@@ -30,7 +30,7 @@ class CookiePagePresenter : public QObject
     Q_PROPERTY(int expiredCount READ expiredCount NOTIFY domainsChanged)
     Q_PROPERTY(QString exportSummary READ exportSummary NOTIFY exportSummaryChanged)
     // [{key, label}] of the sites whose sign-in a check looks for; checkSite is one of the keys.
-    Q_PROPERTY(QVariantList checkSites READ checkSites CONSTANT)
+    Q_PROPERTY(QVariantList checkSites READ checkSites NOTIFY checkSitesChanged)
     Q_PROPERTY(QString checkSite READ checkSite WRITE setCheckSite NOTIFY checkSiteChanged)
     Q_PROPERTY(bool checking READ isChecking NOTIFY checkChanged)
     // The last check in words, empty before one or after the source changed; checkFailed when
@@ -65,6 +65,7 @@ Q_SIGNALS:
     void browsersChanged();
     void domainsChanged();
     void exportSummaryChanged();
+    void checkSitesChanged();
     void checkSiteChanged();
     void checkChanged();
 

@@ -1,5 +1,7 @@
 #include "views/presenters/downloadoptionspresenter.h"
 
+#include "model/languagechange.h"
+
 #include "engine/downloadmanager.h"
 #include "engine/videoinfofetch.h"
 #include "model/appstate.h"
@@ -18,6 +20,11 @@ DownloadOptionsPresenter::DownloadOptionsPresenter(AppState *state, QObject *par
     : QObject(parent)
     , m_state(state)
 {
+    // The summary and the errors are made in the language of the moment.
+    onLanguageChange(this, [this] {
+        Q_EMIT changed();
+        Q_EMIT previewChanged();
+    });
     if (!m_state)
         return;
     connect(m_state, &AppState::downloadChoicesChanged, this, [this] {
@@ -173,9 +180,10 @@ QString DownloadOptionsPresenter::templatePreview() const
     if (!previewIsExample()) {
         fields = m_state->knownVideo();
     } else {
-        fields = { { u"title"_s, u"示例视频"_s }, { u"id"_s, u"a1B2c3D4e5F"_s }, { u"uploader"_s, u"上传者"_s },
+        // An example video's fields, its texts in the interface's language.
+        fields = { { u"title"_s, tr("示例视频") }, { u"id"_s, u"a1B2c3D4e5F"_s }, { u"uploader"_s, tr("上传者") },
             { u"upload_date"_s, u"20260101"_s }, { u"duration"_s, 213 }, { u"ext"_s, u"webm"_s },
-            { u"resolution"_s, u"1920x1080"_s }, { u"playlist_index"_s, 1 }, { u"playlist_title"_s, u"示例列表"_s } };
+            { u"resolution"_s, u"1920x1080"_s }, { u"playlist_index"_s, 1 }, { u"playlist_title"_s, tr("示例列表") } };
     }
     // The extension the chosen outcome ends in, where that is known before the download.
     const DownloadChoices chosen = choices();

@@ -87,8 +87,8 @@ QString FormatPicker::outcomeHint() const
     if (label.isEmpty())
         return {};
     if (choices.compatibility == u"everywhere")
-        return u"✓ 标出的格式符合“%1”（%2）"_s.arg(label, choices.outcomeText());
-    return u"✓ 标出的是“%1”会选的格式"_s.arg(label);
+        return tr("✓ 标出的格式符合“%1”（%2）").arg(label, choices.outcomeText());
+    return tr("✓ 标出的是“%1”会选的格式").arg(label);
 }
 
 void FormatPicker::refit()
@@ -171,7 +171,7 @@ void FormatPicker::fetch(const QString &url)
               if (!result.ok)
                   self->setErrorText(result.error.localizedDescription);
               else if (result.info.formats.isEmpty())
-                  self->setErrorText(u"没有可以选择的格式"_s);
+                  self->setErrorText(tr("没有可以选择的格式"));
               else
                   self->setFormats(result.info.formats, result.info.duration);
           });
@@ -236,7 +236,7 @@ QString FormatPicker::replaceQuestion() const
     const QString written = m_state ? m_state->customArguments().trimmed() : QString();
     if (m_selected.isEmpty() || written.isEmpty() || written == arguments())
         return {};
-    return u"用所选格式「%1」替换现有的自定义参数「%2」？"_s.arg(arguments(), maskSecrets(written));
+    return tr("用所选格式「%1」替换现有的自定义参数「%2」？").arg(arguments(), maskSecrets(written));
 }
 
 void FormatPicker::select(const QList<int> &rows)

@@ -81,7 +81,7 @@ void InputPresenter::startText(const QString &text, bool again)
         return;
     m_text = text;
     if (text.isEmpty()) {
-        setNotices({}, u"请先输入视频链接"_s);
+        setNotices({}, tr("请先输入视频链接"));
         return;
     }
     if (!m_customArgumentsError.isEmpty()) {
@@ -89,7 +89,7 @@ void InputPresenter::startText(const QString &text, bool again)
         return;
     }
     if (const QString problem = m_state->downloadChoices().problem(); !problem.isEmpty()) {
-        setNotices(m_rejectedLines, u"下载选项："_s + problem);
+        setNotices(m_rejectedLines, tr("下载选项：%1").arg(problem));
         return;
     }
     const LinkInput input = readLinkInput(text);
@@ -150,12 +150,14 @@ void InputPresenter::startText(const QString &text, bool again)
         m_playlistPicker->list(listed, options);
     QStringList skipped;
     if (input.tooLong > 0)
-        skipped << u"%1 行超过 %2 个字符，已跳过"_s.arg(input.tooLong).arg(MaxLineLength);
+        skipped << tr("%n 行超过 %1 个字符，已跳过", nullptr, input.tooLong).arg(MaxLineLength);
     if (input.overLimit > 0)
-        skipped << u"%1 个链接超过一次 %2 个的上限，已跳过"_s.arg(input.overLimit).arg(MaxLinks);
+        skipped << tr("%n 个链接超过一次 %1 个的上限，已跳过", nullptr, input.overLimit).arg(MaxLinks);
     if (input.links.isEmpty())
-        skipped.prepend(u"没有可以下载的链接"_s);
-    setNotices(input.rejected, skipped.join(u'；'));
+        skipped.prepend(tr("没有可以下载的链接"));
+    //: Between the notices of a list, as "；" is in Chinese
+    const QString separator = tr("；");
+    setNotices(input.rejected, skipped.join(separator));
 
     m_isLoading = false;
     Q_EMIT isLoadingChanged();
@@ -217,9 +219,10 @@ bool InputPresenter::dropLinks(const QList<QUrl> &urls, const QString &text)
     }
     if (urls.isEmpty())
         texts << text;
-    if (m_state->receiveLinks(texts, u"拖放"_s) > 0)
+    //: Where links came from, in "从%1收到 %n 个链接"
+    if (m_state->receiveLinks(texts, tr("拖放")) > 0)
         return true;
-    setNotices(m_rejectedLines, u"拖放的内容中没有链接"_s);
+    setNotices(m_rejectedLines, tr("拖放的内容中没有链接"));
     return false;
 }
 
@@ -243,18 +246,20 @@ int InputPresenter::importFile(const QString &path)
     if (!m_state)
         return 0;
     if (!QFileInfo(path).isReadable()) {
-        setNotices(m_rejectedLines, u"无法读取文件：%1"_s.arg(path));
+        setNotices(m_rejectedLines, tr("无法读取文件：%1").arg(path));
         return 0;
     }
-    const int taken = m_state->receiveLinks({ readTextFile(path) }, u"文件 %1 "_s.arg(QFileInfo(path).fileName()));
+    //: Where links came from, in "从%1收到 %n 个链接": a file and its name
+    const QString from = tr("文件 %1 ").arg(QFileInfo(path).fileName());
+    const int taken = m_state->receiveLinks({ readTextFile(path) }, from);
     if (taken == 0)
-        setNotices(m_rejectedLines, u"文件中没有链接：%1"_s.arg(QFileInfo(path).fileName()));
+        setNotices(m_rejectedLines, tr("文件中没有链接：%1").arg(QFileInfo(path).fileName()));
     return taken;
 }
 
 QString InputPresenter::rejectedNotice() const
 {
-    return m_rejectedLines.isEmpty() ? QString() : u"不是有效的链接："_s + m_rejectedLines.join(u'\n');
+    return m_rejectedLines.isEmpty() ? QString() : tr("不是有效的链接：%1").arg(m_rejectedLines.join(u'\n'));
 }
 
 void InputPresenter::setNotices(const QStringList &rejectedLines, const QString &startNotice)

@@ -1,5 +1,7 @@
 #include "views/presenters/playlistpicker.h"
 
+#include "model/languagechange.h"
+
 #include "engine/downloadmanager.h"
 #include "engine/playlistlisting.h"
 #include "model/taskmodel.h"
@@ -12,6 +14,12 @@ PlaylistPicker::PlaylistPicker(DownloadManager *downloads, QObject *parent)
     : QAbstractListModel(parent)
     , m_downloads(downloads)
 {
+    // The progress line and the rows' marks are made when read.
+    onLanguageChange(this, [this] {
+        Q_EMIT progressChanged();
+        if (rowCount() > 0)
+            Q_EMIT dataChanged(index(0), index(rowCount() - 1));
+    });
 }
 
 PlaylistPicker::~PlaylistPicker()
@@ -75,7 +83,7 @@ bool PlaylistPicker::isListing() const
 QString PlaylistPicker::title() const
 {
     const QString title = m_listing ? m_listing->title() : QString();
-    return title.isEmpty() ? u"播放列表"_s : title;
+    return title.isEmpty() ? tr("播放列表") : title;
 }
 
 QString PlaylistPicker::progressText() const
@@ -83,14 +91,14 @@ QString PlaylistPicker::progressText() const
     if (!m_listing)
         return {};
     if (!m_active)
-        return u"正在检查链接：%1"_s.arg(m_current.url);
+        return tr("正在检查链接：%1").arg(m_current.url);
     const int expected = m_listing->expectedCount();
     if (m_listing->isRunning())
-        return expected > 0 ? u"已读取 %1 / %2 项"_s.arg(m_entries.size()).arg(expected)
-                            : u"已读取 %1 项"_s.arg(m_entries.size());
+        return expected > 0 ? tr("已读取 %1 / %n 项", nullptr, expected).arg(m_entries.size())
+                            : tr("已读取 %n 项", nullptr, int(m_entries.size()));
     if (!m_listing->failure().isEmpty())
-        return u"共 %1 项，列表未读完：%2"_s.arg(m_entries.size()).arg(m_listing->failure());
-    return u"共 %1 项"_s.arg(m_entries.size());
+        return tr("共 %n 项，列表未读完：%1", nullptr, int(m_entries.size())).arg(m_listing->failure());
+    return tr("共 %n 项", nullptr, int(m_entries.size()));
 }
 
 void PlaylistPicker::next()
@@ -125,9 +133,9 @@ void PlaylistPicker::readWhatIsThere()
 QString PlaylistPicker::markOf(const PlaylistEntry &entry) const
 {
     if (m_queuedUrls.contains(entry.url))
-        return u"已在队列中"_s;
+        return tr("已在队列中");
     if (m_doneUrls.contains(entry.url) || (!entry.archiveKey.isEmpty() && m_archived.contains(entry.archiveKey)))
-        return u"已下载过"_s;
+        return tr("已下载过");
     return {};
 }
 

@@ -3,6 +3,7 @@
 #include "engine/shellwords.h"
 #include "model/appstate.h"
 #include "model/downloadpreset.h"
+#include "model/languagechange.h"
 #include "store/queuememory.h"
 
 using namespace Qt::StringLiterals;
@@ -19,6 +20,12 @@ SavedPresetModel::SavedPresetModel(QueueMemory *memory, AppState *state, QObject
 {
     if (m_memory)
         m_memory->loadPresets(this, [this](const QList<SavedPreset> &presets) { load(presets); });
+    // The rows' option summaries and the store's error are made in the language of the moment.
+    onLanguageChange(this, [this] {
+        if (rowCount() > 0)
+            Q_EMIT dataChanged(index(0), index(rowCount() - 1));
+        updateStoreError();
+    });
 }
 
 int SavedPresetModel::rowCount(const QModelIndex &parent) const
@@ -72,23 +79,24 @@ void SavedPresetModel::load(const QList<SavedPreset> &presets)
 QString SavedPresetModel::checkName(const QString &name, int exceptRow) const
 {
     if (name.isEmpty())
-        return u"请填写预设名称"_s;
+        return tr("请填写预设名称");
     if (name.size() > MaxNameLength)
-        return u"预设名称最多 %1 个字"_s.arg(MaxNameLength);
-    // The built-in names too: "已选用预设: 最佳画质" must mean one preset.
-    bool taken = false;
+        return tr("预设名称最多 %n 个字", nullptr, MaxNameLength);
+    // The built-in names too, as shown and in Chinese: "已选用预设: 最佳画质" must mean one preset
+    // in either language.
+    bool taken = downloadPresetFromRawValue(name).has_value();
     for (const DownloadPreset preset : allDownloadPresets())
         taken = taken || rawValue(preset).compare(name, Qt::CaseInsensitive) == 0;
     for (int row = 0; row < m_entries.size() && !taken; ++row)
         taken = row != exceptRow && m_entries.at(row).preset.name.compare(name, Qt::CaseInsensitive) == 0;
-    return taken ? u"已有名为“%1”的预设，请换一个名称"_s.arg(name) : QString();
+    return taken ? tr("已有名为“%1”的预设，请换一个名称").arg(name) : QString();
 }
 
 QString SavedPresetModel::checkArguments(const QString &arguments, const DownloadChoices &choices)
 {
     // A preset of download options alone needs no words of its own.
     if (arguments.isEmpty() && choices.isDefault())
-        return u"请填写 yt-dlp 参数"_s;
+        return tr("请填写 yt-dlp 参数");
     // Refused now rather than when a download is started with them.
     return splitShellWords(arguments).error;
 }
@@ -96,17 +104,17 @@ QString SavedPresetModel::checkArguments(const QString &arguments, const Downloa
 QString SavedPresetModel::checkChangeable(int row) const
 {
     if (row < 0 || row >= m_entries.size())
-        return u"找不到这个预设"_s;
+        return tr("找不到这个预设");
     // Until its id is known, a second write would store it twice.
     if (m_entries.at(row).saving)
-        return u"“%1”正在保存，请稍后再改"_s.arg(m_entries.at(row).preset.name);
+        return tr("“%1”正在保存，请稍后再改").arg(m_entries.at(row).preset.name);
     return QString();
 }
 
 QString SavedPresetModel::add(const QString &name, const QString &arguments)
 {
     if (!m_loaded)
-        return u"还在读取已保存的预设，请稍后再试"_s;
+        return tr("还在读取已保存的预设，请稍后再试");
     const QString cleanName = name.simplified();
     const QString cleanArguments = arguments.trimmed();
     const DownloadChoices choices = m_state ? m_state->downloadChoices() : DownloadChoices();
@@ -179,7 +187,7 @@ void SavedPresetModel::choose(int row)
     m_state->setSelectedPreset(DownloadPreset::Custom);
     m_state->setCustomArguments(preset.arguments);
     m_state->setDownloadChoices(preset.choices);
-    m_state->addLog(u"已选用预设: "_s + preset.name, LogEntry::LogType::Info);
+    m_state->addLog(tr("已选用预设: %1").arg(preset.name), LogEntry::LogType::Info);
     // Last: the page that holds this model may go with it.
     m_state->setSelectedTab(0);
 }
@@ -234,11 +242,13 @@ void SavedPresetModel::updateStoreError()
     QStringList names;
     for (const Entry &entry : std::as_const(m_entries)) {
         if (entry.unsaved)
-            names << u"“"_s + entry.preset.name + u"”"_s;
+            names << tr("“%1”").arg(entry.preset.name);
     }
+    //: Between the items of a list, as "、" is in Chinese: "“a”、“b”"
+    const QString separator = tr("、");
     const QString error = names.isEmpty()
         ? QString()
-        : u"未能保存到磁盘：%1。本次运行中仍可使用，退出后不会保留。"_s.arg(names.join(u"、"_s));
+        : tr("未能保存到磁盘：%1。本次运行中仍可使用，退出后不会保留。").arg(names.join(separator));
     if (error == m_storeError)
         return;
     m_storeError = error;

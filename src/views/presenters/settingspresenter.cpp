@@ -37,10 +37,11 @@ void SettingsPresenter::updateYtDlp()
     if (!m_downloads)
         return;
     setUpdating(true);
-    setUpdateResult(u"正在更新..."_s);
+    setUpdateResult(tr("正在更新..."));
     m_downloads->updateYtDlp([self = QPointer(this)](const UpdateResult &result) {
         if (!self)
             return;
+        self->m_updateOk = result.upToDate;
         self->setUpdating(false);
         self->setUpdateResult(result.text, result.advice);
     });
@@ -73,15 +74,6 @@ void SettingsPresenter::resetToAutoDetect()
         m_downloads->resetYtDlpPath();
     else
         QSettings().remove(QLatin1String(DownloadManager::CustomYtDlpPathKey));
-}
-
-Tint SettingsPresenter::tintForUpdateResult(const QString &result)
-{
-    if (result.contains(u"成功") || result.contains(u"up-to-date") || result.contains(u"最新"))
-        return Tint::Green;
-    if (result.contains(u"正在"))
-        return Tint::Orange;
-    return Tint::Red;
 }
 
 void SettingsPresenter::setUpdating(bool value)

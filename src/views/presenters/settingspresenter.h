@@ -33,7 +33,8 @@ public:
     bool isUpdating() const { return m_isUpdating; }
     QString updateResult() const { return m_updateResult; }
     QString updateAdvice() const { return m_updateAdvice; }
-    Tint updateResultTint() const { return tintForUpdateResult(m_updateResult); }
+    // Orange while an update runs; then green when the newest yt-dlp is in place, red otherwise.
+    Tint updateResultTint() const { return m_isUpdating ? Tint::Orange : (m_updateOk ? Tint::Green : Tint::Red); }
 
     // Runs `path --version` through the shell. Only isChecking shows it: the answer is neither
     // shown nor stored.
@@ -46,10 +47,6 @@ public:
     Q_INVOKABLE void repair(quillbox::ToolAction action);
     // Forgets the stored custom path and looks for yt-dlp again, using what it finds at once.
     Q_INVOKABLE void resetToAutoDetect();
-
-    // The colour of an update message: the first of "成功", "up-to-date", "最新" (green) and
-    // "正在" (orange) that it contains; red otherwise.
-    static Tint tintForUpdateResult(const QString &result);
 
 Q_SIGNALS:
     void isCheckingChanged();
@@ -65,4 +62,5 @@ private:
     bool m_isUpdating = false;
     QString m_updateResult;
     QString m_updateAdvice;
+    bool m_updateOk = false;
 };
