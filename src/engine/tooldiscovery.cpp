@@ -3,11 +3,11 @@
 #include "engine/shellrunner.h"
 #include "engine/toolinstaller.h"
 #include "model/enginehost.h"
+#include "model/languagechange.h"
 #include "model/logcategories.h"
 
 #include <QCoreApplication>
 #include <QDir>
-#include <QEvent>
 #include <QFileInfo>
 #include <QRegularExpression>
 #include <QSettings>
@@ -82,17 +82,8 @@ ToolDiscovery::ToolDiscovery(EngineHost host, ToolLocations locations, QObject *
     , m_locations(std::move(locations))
     , m_homebrew(!homebrewExecutable().isEmpty())
 {
-    // The application is told of a translator installed or removed; the verdicts' texts are in
-    // the language of the moment they were judged.
-    if (QCoreApplication *application = QCoreApplication::instance())
-        application->installEventFilter(this);
-}
-
-bool ToolDiscovery::eventFilter(QObject *watched, QEvent *event)
-{
-    if (event->type() == QEvent::LanguageChange && watched == QCoreApplication::instance())
-        updateVerdicts();
-    return QObject::eventFilter(watched, event);
+    // The verdicts' texts are in the language of the moment they were judged.
+    onLanguageChange(this, [this] { updateVerdicts(); });
 }
 
 void ToolDiscovery::start()

@@ -135,10 +135,6 @@ public:
     // and the in-app log says so once.
     CookieWords cookieArgs() const;
 
-protected:
-    // A new language for the interface: the verdicts are judged again in it.
-    bool eventFilter(QObject *watched, QEvent *event) override;
-
 Q_SIGNALS:
     void ytDlpPathChanged();
     void ytDlpVersionChanged();

@@ -94,7 +94,7 @@ void TestSingleInstance::messages()
     QVERIFY(!Handover::decode(QByteArray("QBX1\x00\x00\x00\x02[]", 10))); // JSON, but not an object
 }
 
-// A quillbox:// link carrying an option, and a line of 10 MB, are text and nothing else.
+// A quillbox:// link carrying an option is text and nothing else.
 void TestSingleInstance::hostileLinksAreText()
 {
     AppState state;
@@ -103,7 +103,6 @@ void TestSingleInstance::hostileLinksAreText()
         { u"quillbox://add?url=https%3A%2F%2Fa.example%2F1&url=--exec%20rm%20-rf&url=b.example%2F2"_s });
     QCOMPARE(state.receiveLinks(line.texts, u"链接"_s), 2);
     QCOMPARE(state.urlInput(), u"https://kept.example/0\nhttps://a.example/1\nb.example/2"_s);
-    QCOMPARE(state.receiveLinks({ QString(10 * 1024 * 1024, u'a') + u".example"_s }, u"文件"_s), 0);
     QSignalSpy started(&state, &AppState::linksToStart);
     QCOMPARE(state.receiveLinks({ u"c.example/3"_s }, u"命令行"_s, true), 1);
     QCOMPARE(started.size(), 1);

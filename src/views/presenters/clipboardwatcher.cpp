@@ -47,7 +47,7 @@ void ClipboardWatcher::look()
             known.insert(task.url);
     }
     QStringList fresh;
-    // Only web addresses: a copied file name, e-mail address or "TODO:" passes the links box's
+    // Only web addresses: a copied file name, e-mail address or "note:" passes the links box's
     // rule (which leaves the judging to yt-dlp) but was not copied as a link.
     for (const QString &link : readLinkInput(text).links) {
         const bool web
